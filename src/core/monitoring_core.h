@@ -1,0 +1,54 @@
+// The one owner of all monitoring state: the records, the link to the sensor program, the timers.
+//
+// Its operations are free functions, each in the header of its subject: start_up.h, session.h,
+// read_cycle.h, clients.h. Everything runs on the user-interface thread.
+#pragma once
+
+#include "platform/automation_client.h"
+#include "platform/clock.h"
+#include "platform/image_library.h"
+#include "platform/settings_store.h"
+#include "platform/text_forms.h"
+#include "platform/timer.h"
+#include "records/messages.h"
+#include "records/records.h"
+#include "sensor/sensor_link.h"
+
+#include <functional>
+
+namespace skyhold {
+
+struct ProgramVersion {
+    int major = 0;
+    int minor = 0;
+    int revision = 0;
+    QString text() const;  // "2.30.004"
+    QString title() const; // "Kiv_Skyhold (v2.30.004)", the main window's caption
+    QString trayTip() const; // "Kiv Skyhold (v2.30.004)", at most 63 characters
+};
+
+struct MonitoringCore {
+    MonitoringCore(Clock& clock, SettingsStore& settings, CreateObject createObject,
+                   const ProgramVersion& version);
+
+    Clock& clock;
+    SettingsStore& settings;
+    ProgramVersion version;
+    Records records;
+    SensorLink sensor;
+    ImageLibrary images;
+
+    Timer TimerRead;   // one read cycle a tick
+    Timer TimerUpload; // the upload hand-off when due
+    Timer Timer6;      // news and last update status, once after loading
+
+    ShowMessage showMessage;              // set by the face of the program
+    std::function<void(const QString&)> showNews; // likewise
+    std::function<void()> cycleDone;      // after every read cycle
+    std::function<void()> raiseWindow;    // restores a minimised window
+
+    NumberForms forms;          // the locale's separators, re-read by every cycle
+    bool closeWanted = false;   // a close was asked for while a session start was waiting
+};
+
+} // namespace skyhold

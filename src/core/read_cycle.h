@@ -1,0 +1,15 @@
+// The heartbeat of a session: one cycle reads both sources, judges them and publishes the verdict.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+namespace skyhold {
+
+// Runs one cycle at once, then arms the timer with the chosen interval.
+void StartReading(MonitoringCore& core);
+void StopReading(MonitoringCore& core);
+
+// The whole cycle, step by step.
+void RunReadCycle(MonitoringCore& core);
+
+} // namespace skyhold

@@ -1,0 +1,25 @@
+// A monitoring session: the period in which the sources are read and the verdict is published.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+namespace skyhold {
+
+// The Start button, menu entry and tray entry. Nothing while a session runs or starts.
+void StartSession(MonitoringCore& core);
+
+// The Stop button, menu entry and tray entry; also ends a start that still waits.
+void StopSession(MonitoringCore& core);
+
+// For automation clients: as the buttons, only when there is something to do; the Stop button is
+// hidden afterwards.
+void Device_Start(MonitoringCore& core);
+void Device_Stop(MonitoringCore& core);
+
+// Unlocks (idle) or locks the configuration controls.
+void SetIdleControls(Records& records, bool idle);
+
+// Recomputes what the main menu and the tray menu offer.
+void UpdateMenus(Records& records);
+
+} // namespace skyhold

@@ -1,0 +1,99 @@
+// The server side: objects of this program that other programs create and call.
+#pragma once
+
+#include "platform/automation_value.h"
+
+#include <QDBusConnection>
+#include <QDBusVirtualObject>
+#include <QHash>
+#include <QSet>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QDBusServiceWatcher;
+
+namespace skyhold {
+
+struct AutomationParameter {
+    QString name;
+    AutomationType type = AutomationType::Variant;
+    bool byReference = false;
+};
+
+// One public member, or one of the two halves of a property (get, let): both share name and id.
+struct AutomationMember {
+    QString name;
+    std::int32_t id = 0;
+    MemberUse use = kMethod;
+    AutomationType result = AutomationType::Empty;
+    std::vector<AutomationParameter> parameters;
+    // The arguments are already converted to the parameters' types; changes to them reach the
+    // caller. A let's last argument is the new value.
+    std::function<AutomationReply(QVariantList& arguments)> act;
+};
+
+// The members of one class of objects, by name (without regard to case) and by id.
+class MemberTable {
+  public:
+    void add(AutomationMember member);
+
+    std::optional<std::int32_t> idOf(const QString& name) const;
+    AutomationReply invoke(std::int32_t id, unsigned use, QVariantList& arguments) const;
+    AutomationReply invokeByName(const QString& name, unsigned use, QVariantList& arguments) const;
+    const std::vector<AutomationMember>& members() const { return members_; }
+
+  private:
+    std::vector<AutomationMember> members_;
+    QHash<QString, std::int32_t> idByName_; // lower case
+    QHash<std::int32_t, std::vector<std::size_t>> membersById_;
+};
+
+// Serves one program identifier: its class factory, the instances that clients create, and further
+// objects that members answer with. An instance holds no state of its own; it lives until it is
+// released or the connection that created it goes away, and either way is released once.
+class AutomationServer : public QDBusVirtualObject {
+  public:
+    // `usersChanged` is called with +1 for every instance made and -1 for every one released.
+    AutomationServer(const QDBusConnection& bus, const QString& programId,
+                     std::shared_ptr<const MemberTable> members,
+                     std::function<void(int delta)> usersChanged);
+    ~AutomationServer() override;
+
+    // Takes the bus name; false when another program has it or there is no bus.
+    bool start();
+    void stop();
+
+    // A further object below the factory's path; lives as long as the server.
+    QDBusObjectPath addObject(const QString& name, std::shared_ptr<const MemberTable> members);
+
+    int instanceCount() const { return static_cast<int>(instances_.size()); }
+
+    QString introspect(const QString& path) const override;
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
+
+  protected:
+    const QString& rootPath() const { return rootPath_; }
+
+  private:
+    void createInstance(const QDBusMessage& message);
+    void release(const QString& path);
+    void releaseAllOf(const QString& client);
+    void watch(const QString& client);
+    void dispatch(const MemberTable& table, const QDBusMessage& message);
+
+    QDBusConnection bus_;
+    QString programId_;
+    QString rootPath_;
+    std::shared_ptr<const MemberTable> members_;
+    std::function<void(int)> usersChanged_;
+    bool started_ = false;
+    std::uint32_t lastInstance_ = 0;
+    QHash<std::uint32_t, QString> instances_;                  // instance number -> client
+    QHash<QString, QSet<std::uint32_t>> instancesOfClient_;
+    QHash<QString, std::shared_ptr<const MemberTable>> objects_; // by path
+    QDBusServiceWatcher* watcher_ = nullptr;
+};
+
+} // namespace skyhold

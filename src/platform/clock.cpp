@@ -1,0 +1,69 @@
+#include "platform/clock.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <cmath>
+#include <ctime>
+
+namespace skyhold {
+
+namespace {
+
+constexpr std::int64_t kMsPerDay = 86'400'000;
+const QDate kSerialEpoch(1899, 12, 30);
+
+std::int64_t monotonicMs() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
+}
+
+std::int64_t localStamp(const QDateTime& time) {
+    return kSerialEpoch.daysTo(time.date()) * kMsPerDay + time.time().msecsSinceStartOfDay();
+}
+
+} // namespace
+
+SystemClock::SystemClock() : SystemClock(ClockStart{}) {}
+
+SystemClock::SystemClock(const ClockStart& start)
+    : start_(start)
+    , shifted_(start.origin.isValid())
+    , monotonicAtStart_(monotonicMs()) {
+    stampAtStart_ = localStamp(now());
+}
+
+QDateTime SystemClock::now() const {
+    const QDateTime real = QDateTime::currentDateTime();
+    if (!shifted_)
+        return real;
+    const double elapsed = static_cast<double>(real.toMSecsSinceEpoch() - start_.realOriginMs);
+    return start_.origin.addMSecs(std::llround(elapsed * start_.scale));
+}
+
+std::int64_t SystemClock::MsClock() const {
+    const double elapsed = static_cast<double>(monotonicMs() - monotonicAtStart_);
+    return stampAtStart_ + std::llround(elapsed * start_.scale);
+}
+
+void SystemClock::waitServingEvents(int ms) {
+    QEventLoop loop;
+    QTimer::singleShot(static_cast<int>(std::ceil(ms / start_.scale)), Qt::PreciseTimer, &loop,
+                       &QEventLoop::quit);
+    loop.exec();
+}
+
+double daySerial(const QDateTime& time) {
+    return static_cast<double>(localStamp(time)) / static_cast<double>(kMsPerDay);
+}
+
+QDateTime fromDaySerial(double days) {
+    if (!(std::abs(days) < 3'000'000)) // year 10000 and beyond, and what is no number
+        return {};
+    const double whole = std::floor(days);
+    const auto ms = std::llround((days - whole) * static_cast<double>(kMsPerDay));
+    return QDateTime(kSerialEpoch.addDays(static_cast<qint64>(whole)), QTime(0, 0)).addMSecs(ms);
+}
+
+} // namespace skyhold

@@ -1,0 +1,156 @@
+#include "platform/files.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace skyhold {
+
+namespace {
+
+class Descriptor {
+  public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+    ~Descriptor() {
+        if (fd_ >= 0)
+            ::close(fd_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int get() const { return fd_; }
+
+    // True when closing succeeded: some disks report a failed write only then.
+    bool close() { return ::close(std::exchange(fd_, -1)) == 0; }
+
+  private:
+    int fd_;
+};
+
+QString withoutTrailingSeparator(const QString& folder) {
+    QString path = nativePath(folder);
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+} // namespace
+
+FileContents readFile(const QString& path, std::int64_t limit) {
+    const QByteArray name = nativePath(path).toLocal8Bit();
+    // Opening a pipe for reading waits for its writer unless O_NONBLOCK is given.
+    const Descriptor file(::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (file.get() < 0)
+        return {errno == ENOENT || errno == ENOTDIR ? ReadResult::Missing : ReadResult::Unreadable,
+                {}};
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0)
+        return {ReadResult::Unreadable, {}};
+    if (!S_ISREG(status.st_mode))
+        return {ReadResult::NotAFile, {}};
+    if (status.st_size > limit)
+        return {ReadResult::TooLarge, {}};
+
+    QByteArray bytes;
+    // The file may grow while it is read; one byte beyond the limit tells.
+    const std::int64_t atMost = limit + 1;
+    constexpr std::int64_t kChunk = 64 * 1024;
+    while (bytes.size() < atMost) {
+        const std::int64_t wanted = std::min(kChunk, atMost - bytes.size());
+        const qsizetype before = bytes.size();
+        bytes.resize(before + wanted);
+        ssize_t got = 0;
+        do {
+            got = ::read(file.get(), bytes.data() + before, static_cast<std::size_t>(wanted));
+        } while (got < 0 && errno == EINTR);
+        bytes.resize(before + std::max<ssize_t>(got, 0));
+        if (got < 0)
+            return {ReadResult::Unreadable, {}};
+        if (got == 0)
+            return {ReadResult::Ok, bytes};
+    }
+    return {ReadResult::TooLarge, {}};
+}
+
+QString nativePath(const QString& path) {
+    QString native = path;
+    return native.replace(u'\\', u'/');
+}
+
+std::optional<QString> findFile(const QString& path) {
+    const QString native = nativePath(path);
+    const QFileInfo exact(native);
+    if (exact.fileName().isEmpty())
+        return std::nullopt;
+    if (exact.exists())
+        return native;
+    const QDir folder = exact.dir();
+    // The platform's name filters know wildcards; a name with "[" or "*" must stand for itself.
+    const QStringList names =
+        folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QString& name : names) {
+        if (name.compare(exact.fileName(), Qt::CaseInsensitive) == 0)
+            return folder.filePath(name);
+    }
+    return std::nullopt;
+}
+
+QDateTime modificationTime(const QString& path) {
+    struct stat status {};
+    if (::stat(nativePath(path).toLocal8Bit().constData(), &status) != 0)
+        return {};
+    return QDateTime::fromMSecsSinceEpoch(std::int64_t{status.st_mtim.tv_sec} * 1000 +
+                                          status.st_mtim.tv_nsec / 1'000'000);
+}
+
+QString joinPath(const QString& folder, const QString& name) {
+    const QString path = withoutTrailingSeparator(folder);
+    return path.endsWith(u'/') ? path + name : path + u'/' + name;
+}
+
+bool folderExists(const QString& folder) {
+    return !folder.trimmed().isEmpty() && QFileInfo(withoutTrailingSeparator(folder)).isDir();
+}
+
+bool createFolder(const QString& folder) {
+    if (folder.trimmed().isEmpty())
+        return false;
+    QDir().mkpath(withoutTrailingSeparator(folder));
+    return folderExists(folder);
+}
+
+bool writeAtStart(const QString& path, const QByteArray& bytes) {
+    const QByteArray name = nativePath(path).toLocal8Bit();
+    Descriptor file(::open(name.constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644));
+    if (file.get() < 0)
+        return false;
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t wrote = ::pwrite(file.get(), bytes.constData() + done,
+                                       static_cast<std::size_t>(bytes.size() - done), done);
+        if (wrote < 0 && errno == EINTR)
+            continue;
+        if (wrote <= 0)
+            return false;
+        done += wrote;
+    }
+    return file.close();
+}
+
+QString programFolder() { return QCoreApplication::applicationDirPath(); }
+
+QString writableProgramFolder() {
+    const QString folder = programFolder();
+    if (QFileInfo(folder).isWritable())
+        return folder;
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(data);
+    return data;
+}
+
+} // namespace skyhold

@@ -1,0 +1,51 @@
+// Files and folders. Paths may use "/" or "\"; both are the platform's separator.
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace skyhold {
+
+enum class ReadResult { Ok, Missing, NotAFile, TooLarge, Unreadable };
+
+struct FileContents {
+    ReadResult result = ReadResult::Missing;
+    QByteArray bytes; // at most the limit
+};
+
+// Reads at most `limit` bytes. Never waits: a pipe, a device or a folder is NotAFile. A larger
+// file is TooLarge, with nothing read.
+FileContents readFile(const QString& path, std::int64_t limit);
+
+// A path with the platform's separators.
+QString nativePath(const QString& path);
+
+// The path as it stands on disk of the file with that name, compared without regard to case;
+// nothing when there is none. An exact match wins.
+std::optional<QString> findFile(const QString& path);
+
+// Modification time with the disk's resolution, as local time; invalid when there is no such file.
+QDateTime modificationTime(const QString& path);
+
+// folder + separator + name, with one separator between them.
+QString joinPath(const QString& folder, const QString& name);
+
+bool folderExists(const QString& folder);
+// Makes every missing folder of the path; true when the folder exists afterwards.
+bool createFolder(const QString& folder);
+
+// Writes the bytes over the first bytes of the file, making it when it is missing; the rest of a
+// longer file stays. False when not every byte could be written.
+bool writeAtStart(const QString& path, const QByteArray& bytes);
+
+// The folder of the executable, without a trailing separator.
+QString programFolder();
+// The program folder, or the user's data folder where the program folder cannot be written to
+// (an installed package).
+QString writableProgramFolder();
+
+} // namespace skyhold

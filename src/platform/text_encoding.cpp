@@ -1,0 +1,83 @@
+#include "platform/text_encoding.h"
+
+#include <QStringDecoder>
+
+#include <iconv.h>
+
+namespace skyhold {
+
+namespace {
+
+class Converter {
+  public:
+    Converter(const char* to, const char* from) : handle_(iconv_open(to, from)) {}
+    ~Converter() {
+        if (valid())
+            iconv_close(handle_);
+    }
+    Converter(const Converter&) = delete;
+    Converter& operator=(const Converter&) = delete;
+
+    bool valid() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+
+    // Converts as much as possible from `in`; `in` is moved past what was converted.
+    bool convert(char** in, std::size_t* inLeft, char** out, std::size_t* outLeft) {
+        return iconv(handle_, in, inLeft, out, outLeft) != static_cast<std::size_t>(-1);
+    }
+
+  private:
+    iconv_t handle_;
+};
+
+} // namespace
+
+QString decodeText(const QByteArray& bytes) {
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString text = utf8(bytes);
+    if (!utf8.hasError())
+        return text;
+
+    // Windows-1252 leaves five bytes undefined; they stand for the control characters of Latin-1.
+    Converter ansi("UTF-16LE", "WINDOWS-1252");
+    text = QString::fromLatin1(bytes);
+    if (!ansi.valid())
+        return text;
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if (byte < 0x80 || byte > 0x9F)
+            continue;
+        char in = bytes[i];
+        char16_t out = byte;
+        char* inAt = &in;
+        char* outAt = reinterpret_cast<char*>(&out);
+        std::size_t inLeft = 1;
+        std::size_t outLeft = sizeof out;
+        if (ansi.convert(&inAt, &inLeft, &outAt, &outLeft))
+            text[i] = QChar(out);
+    }
+    return text;
+}
+
+QByteArray encodeAnsi(const QString& text) {
+    Converter ansi("WINDOWS-1252", "UTF-16LE");
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (const QChar c : text) {
+        char16_t in = c.unicode();
+        char out = '?';
+        if (in < 0x80) {
+            out = static_cast<char>(in);
+        } else if (ansi.valid()) {
+            char* inAt = reinterpret_cast<char*>(&in);
+            char* outAt = &out;
+            std::size_t inLeft = sizeof in;
+            std::size_t outLeft = 1;
+            if (!ansi.convert(&inAt, &inLeft, &outAt, &outLeft))
+                out = '?';
+        }
+        bytes.append(out);
+    }
+    return bytes;
+}
+
+} // namespace skyhold

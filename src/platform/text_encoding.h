@@ -1,0 +1,15 @@
+// Bytes of text files. "ANSI" text is Windows-1252.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace skyhold {
+
+// Valid UTF-8 is read as UTF-8 (a byte order mark is dropped), everything else as Windows-1252.
+QString decodeText(const QByteArray& bytes);
+
+// One byte per character; a character outside Windows-1252 becomes "?".
+QByteArray encodeAnsi(const QString& text);
+
+} // namespace skyhold

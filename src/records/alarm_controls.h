@@ -1,0 +1,25 @@
+// Alarm boxes, their sounds and the controls around them.
+#pragma once
+
+#include "records/condition_controls.h"
+
+namespace skyhold {
+
+struct AlarmControls {
+    // Checked: the alarm of level i + 1 is enabled. Tag: empty, a sound file, or a sound file
+    // followed by "|repeat".
+    ThreeChecks AlarmCloud, AlarmRain, AlarmDay, AlarmWind, AlarmGust, AlarmTemp, AlarmDew,
+        AlarmHum;
+    CheckBox AlarmWS; // station data old or missing
+    CheckBox AlarmNB; // sensor program failed
+    Label TimeoutAlarmCaption; // over AlarmNB: "Timeout Alarm", or blank when it is hidden
+
+    CheckBox SuspendSoundAlarm;
+    Button ButtStopAlarm;
+    std::array<QProperty<bool>, 10> PlayAlarm; // which indicator shows that it plays
+    QString LastMusicDir;                      // folder last used in the sound chooser
+
+    ThreeChecks& alarms(Quantity quantity);
+};
+
+} // namespace skyhold

@@ -1,0 +1,75 @@
+// Controls of every file that is read, written or handed on.
+#pragma once
+
+#include "records/controls.h"
+
+#include <QDateTime>
+
+#include <array>
+#include <vector>
+
+namespace skyhold {
+
+struct StationFileControls {
+    Label HTMFile; // path of the station's data file
+    Button ButtHTMPath;
+    NumberBox TimeoutREAD; // age limit of the station data, minutes
+};
+
+struct CcdapControls {
+    TextBox FileNameCCDAP4; // empty: nothing is written
+    Label LblPathNameCCDAP4;
+    Button ButtCCDAP4;
+};
+
+// One column of the user data file.
+struct DataColumn {
+    QString Hdr;  // at most 25 characters
+    int Cal = 1;  // data item 1..25
+    bool Prt = true;
+};
+
+struct DataFileControls {
+    TextBox FileName; // without extension
+    Label LblPathName;
+    Button ButtPATH, ButtFileStructure;
+    NumberBox SaveFreq;   // read cycles per line, at least 1
+    OptionGroup RecOption; // 0 record, 1 stop
+    std::array<DataColumn, 25> Columns;
+};
+
+// One entry of the upload list.
+struct FileItem {
+    bool fUploadOnce = false;
+    QDateTime fDateTimeStamp; // modification time at its last hand-off; invalid at first
+    QString fPath;            // without a trailing separator
+    QString fName;
+};
+
+struct UploadControls {
+    TextBox ServerAddress, ServerPath, UserName, PassWord;
+    NumberBox TimeoutUPLOAD; // seconds
+    NumberBox UploadOnSec;
+    ComboBox RefreshUpload;
+    QString UploadDir;
+    CheckBox DispFileNameOnly;
+    std::vector<FileItem> Files;
+    LampPair LEDUpload;
+};
+
+struct GraphControls {
+    NumberBox GraphNoPoints; // 20..2000
+    NumberBox GraphFreq;     // readings per point, at least 1
+    Label GraphSpan;         // seconds
+    Label GraphSpanDesc;
+    // Order of all arrays of six: wind, gust, direction, dew, humidity, temperature.
+    std::array<CheckBox, 6> GraphGenerate;
+    std::array<CheckBox, 6> GraphImage;
+    std::array<std::array<Label, 3>, 6> GraphColor; // BackColor; only direction uses the third
+    CheckBox ImageType;       // checked PNG, unchecked JPEG
+    OptionGroup ImageQuality; // 0 top, 1 good, 2 normal
+    Label GraphImagePath;
+    Button ButtGraphImagePath;
+};
+
+} // namespace skyhold

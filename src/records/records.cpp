@@ -1,0 +1,42 @@
+#include "records/records.h"
+
+namespace skyhold {
+
+namespace {
+
+void setDigits(NumberBox& box, int mostSignificant) {
+    box.DigitsMostSignificant = mostSignificant;
+    box.DigitsDecimal = 0;
+}
+
+} // namespace
+
+Records::Records() {
+    setDigits(graphs.GraphNoPoints, 4);
+    setDigits(graphs.GraphFreq, 2);
+    setDigits(upload.UploadOnSec, 2);
+    setDigits(upload.TimeoutUPLOAD, 3);
+    setDigits(dataFile.SaveFreq, 3);
+    setDigits(session.NBTimeout, 3);
+    setDigits(stationFile.TimeoutREAD, 3);
+
+    session.RefreshRead.Entries = {QStringLiteral("5  secs"), QStringLiteral("10 secs"),
+                                   QStringLiteral("30 secs"), QStringLiteral("60 secs")};
+    upload.RefreshUpload.Entries = {QStringLiteral(" 5 sec"), QStringLiteral("10 sec"),
+                                    QStringLiteral("30 sec"), QStringLiteral("60 sec")};
+    session.EmulatorFlag.Caption = QStringLiteral("Connect to Kiv_Skyhold");
+    alarms.SuspendSoundAlarm.Caption = QStringLiteral("Suspend sound alarms");
+    alarms.ButtStopAlarm.Caption = QStringLiteral("Stop Alarm");
+    alarms.ButtStopAlarm.Visible = false;
+    session.FrameCOM.Visible = false;
+    session.ButtStop.Visible = false;
+    session.LblUsers.Caption = QStringLiteral("Attached Users: 0");
+    dataFile.RecOption.Index = 1;
+
+    constexpr std::array names{"Cloud", "Rain",      "Brightness", "Wind",       "Gust",
+                               "Direction", "DewPoint", "Humidity", "Temperature"};
+    for (std::size_t i = 0; i < names.size(); ++i)
+        display.Label0[i].Caption = QString::fromLatin1(names[i]);
+}
+
+} // namespace skyhold

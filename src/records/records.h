@@ -1,0 +1,34 @@
+// All records of the monitor in one place, for those who own or persist them all. An operation
+// takes the records that it works on, not this.
+#pragma once
+
+#include "records/alarm_controls.h"
+#include "records/condition_controls.h"
+#include "records/current_readings.h"
+#include "records/file_controls.h"
+#include "records/reading_display.h"
+#include "records/session_controls.h"
+#include "records/unit_controls.h"
+
+namespace skyhold {
+
+struct Records {
+    Records();
+
+    CurrentReadings readings;
+    ReadingDisplay display;
+    ConditionControls conditions;
+    SafetyState safety;
+    SectorState sectors;
+    AlarmControls alarms;
+    UnitControls units;
+    StationFileControls stationFile;
+    CcdapControls ccdap;
+    DataFileControls dataFile;
+    UploadControls upload;
+    GraphControls graphs;
+    SessionControls session;
+    WindowControls window;
+};
+
+} // namespace skyhold

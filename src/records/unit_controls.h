@@ -1,0 +1,31 @@
+// Display units, the texts that name units in the station file, and the compass labels.
+#pragma once
+
+#include "records/controls.h"
+
+#include <array>
+
+namespace skyhold {
+
+struct UnitControls {
+    OptionGroup UnitsTemp;  // 0 "C", 1 "F"
+    OptionGroup UnitsSpeed; // 0 "K" km/h, 1 "M" mph, 2 "m" m/s, 3 "k" knots
+    OptionGroup DateFormat; // 0 dd/mm/yy, 1 mm/dd/yy
+    Label TemperatureUnitText; // "°C", "°F"
+    Label SpeedUnitText;       // "km/hr", "mph", "m/s", "knot"
+
+    // Codes that were in force before the last change; limits and history are in these units
+    // until the change has converted them.
+    QString PreviousTemperatureUnit;
+    QString PreviousSpeedUnit;
+    bool Loading = false; // settings are being loaded: a chosen unit is recorded, not converted to
+
+    QString StringKPH, StringMPH, StringMPS, StringKNOTS; // a file's unit text occurs within it
+    QString StringDC, StringDF; // pieces separated by ";", a piece occurs within the unit text
+    QString ExcChrHumidity;     // every character is removed from humidity values
+
+    std::array<QString, 16> Cardinal; // label k stands for k * 22.5 degrees
+    Button ButtCardinal, ButtUnits;
+};
+
+} // namespace skyhold

@@ -1,0 +1,83 @@
+// The client of the sensor program: the program with the cloud sensor, rain sensor and roof
+// switch, reached through its automation object "Kiv_Nubilo.Nubilo".
+#pragma once
+
+#include "platform/automation_client.h"
+#include "platform/clock.h"
+#include "records/alarm_controls.h"
+#include "records/current_readings.h"
+#include "records/messages.h"
+#include "records/reading_display.h"
+#include "records/session_controls.h"
+
+namespace skyhold {
+
+// The records that opening the link reads and settles.
+struct SensorLinkRecords {
+    CurrentReadings& readings;
+    SessionControls& session;
+    AlarmControls& alarms;
+    ConditionControls& conditions;
+    ReadingDisplay& display;
+};
+
+class SensorLink {
+  public:
+    SensorLink(CreateObject createObject, Clock& clock);
+
+    // Creates the object, checks its version, settles who drives the switch, claims control,
+    // starts its device and waits up to NBTimeout seconds for its first data while events are
+    // served. True when data is there. A second start must not begin meanwhile.
+    bool OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage);
+
+    // Gives control back and lets the object go; its device is not stopped. Ends a wait for data.
+    void CloseSensor(CurrentReadings& readings);
+
+    bool connected() const { return object_ != nullptr; }
+
+    // Marks the beginning of a read cycle: its calls together take at most a bounded time, and a
+    // sensor program that has come back is taken up again.
+    void beginCycle(const SensorLinkRecords& records);
+    // True when a call has failed since this was last asked.
+    bool takeCallFailure();
+
+    // Calls of members by name. Without a value when there is no object, the call failed, or the
+    // answer does not convert.
+    std::optional<QVariant> read(const QString& name, QVariantList arguments = {});
+    std::optional<double> readReal(const QString& name);
+    std::optional<std::int32_t> readInt32(const QString& name);
+    std::optional<bool> readBoolean(const QString& name);
+    std::optional<QString> readText(const QString& name);
+    bool write(const QString& name, const QVariant& value);
+    bool call(const QString& name, QVariantList arguments = {});
+    // The arguments come back as the sensor program left them.
+    bool callByReference(const QString& name, QVariantList& arguments);
+
+    // As read, but with the error for a client that is to receive it.
+    AutomationReply forward(const QString& name, unsigned use, QVariantList& arguments);
+
+    // Description of level 1..3 of cloud, rain or brightness as the sensor program names it;
+    // empty when it does not answer.
+    QString levelDescription(Quantity quantity, std::int32_t level);
+
+  private:
+    bool prepare(const SensorLinkRecords& records, const ShowMessage& showMessage);
+    bool CheckSensorVersion(const ShowMessage& showMessage);
+    void settleRole(const SensorLinkRecords& records);
+    bool waitForData(const NumberBox& timeout);
+
+    CreateObject createObject_;
+    Clock& clock_;
+    std::unique_ptr<DispatchObject> object_;
+    bool wanted_ = false;     // between OpenSensor and CloseSensor
+    bool callFailed_ = false;
+};
+
+// Shows or hides the switch labels and sets whether this program drives the switch.
+void Disp_SwitchLabels(SessionControls& session, ReadingDisplay& display);
+
+// Passes an automation client's switch value on: only while a session runs, this program does not
+// drive the switch itself, and the sensor program's role is "MASTER".
+void SetSwitch(SensorLink& sensor, const SessionControls& session, std::int32_t value);
+
+} // namespace skyhold
