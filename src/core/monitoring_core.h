@@ -4,6 +4,7 @@
 // read_cycle.h, clients.h. Everything runs on the user-interface thread.
 #pragma once
 
+#include "datafiles/station_file.h"
 #include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "platform/image_library.h"
@@ -42,13 +43,14 @@ struct MonitoringCore {
     Timer TimerUpload; // the upload hand-off when due
     Timer Timer6;      // news and last update status, once after loading
 
-    ShowMessage showMessage;              // set by the face of the program
-    std::function<void(const QString&)> showNews; // likewise
-    std::function<void()> cycleDone;      // after every read cycle
-    std::function<void()> raiseWindow;    // restores a minimised window
+    // Set by the face of the program.
+    ShowMessage showMessage;
+    std::function<void()> closeWindow; // asks for the window to be closed
+    std::function<void()> cycleDone;   // after every read cycle
 
-    NumberForms forms;          // the locale's separators, re-read by every cycle
-    bool closeWanted = false;   // a close was asked for while a session start was waiting
+    NumberForms forms; // the locale's separators, re-read by every cycle
+    StationFileMemory stationMemory;
+    bool closeWanted = false; // a close was asked for while a session start was waiting
 };
 
 } // namespace skyhold

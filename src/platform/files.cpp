@@ -61,7 +61,7 @@ FileContents readFile(const QString& path, std::int64_t limit) {
     const std::int64_t atMost = limit + 1;
     constexpr std::int64_t kChunk = 64 * 1024;
     while (bytes.size() < atMost) {
-        const std::int64_t wanted = std::min(kChunk, atMost - bytes.size());
+        const std::int64_t wanted = std::min<std::int64_t>(kChunk, atMost - bytes.size());
         const qsizetype before = bytes.size();
         bytes.resize(before + wanted);
         ssize_t got = 0;

@@ -7,18 +7,18 @@ namespace skyhold {
 
 using Colour = std::int32_t;
 
-constexpr Colour kRed = 0x0000FF;        // error, unsafe
-constexpr Colour kGreen = 0x00FF00;      // good value, safe
-constexpr Colour kYellow = 0x00FFFF;     // missing value; a level that counts as safe
-constexpr Colour kCyan = 0xFFFF00;       // header of a working source
-constexpr Colour kNavy = 0x800000;       // neutral status
-constexpr Colour kDarkGreen = 0x008000;  // progress
-constexpr Colour kGrey = 0xC0C0C0;       // lamp off
-constexpr Colour kOrange = 0x0080FF;     // a level that counts as unsafe
-constexpr Colour kCallColour = 0x80FFFF; // automation activity
+inline constexpr Colour kRed = 0x0000FF;        // error, unsafe
+inline constexpr Colour kGreen = 0x00FF00;      // good value, safe
+inline constexpr Colour kYellow = 0x00FFFF;     // missing value; a level that counts as safe
+inline constexpr Colour kCyan = 0xFFFF00;       // header of a working source
+inline constexpr Colour kNavy = 0x800000;       // neutral status
+inline constexpr Colour kDarkGreen = 0x008000;  // progress
+inline constexpr Colour kGrey = 0xC0C0C0;       // lamp off
+inline constexpr Colour kOrange = 0x0080FF;     // a level that counts as unsafe
+inline constexpr Colour kCallColour = 0x80FFFF; // automation activity
 
-constexpr Colour kSwatchGreen = 0xC0FFC0;
-constexpr Colour kSwatchYellow = 0xC0FFFF;
-constexpr Colour kSwatchOrange = 0xC0E0FF;
+inline constexpr Colour kSwatchGreen = 0xC0FFC0;
+inline constexpr Colour kSwatchYellow = 0xC0FFFF;
+inline constexpr Colour kSwatchOrange = 0xC0E0FF;
 
 } // namespace skyhold

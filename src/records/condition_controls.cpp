@@ -50,6 +50,10 @@ ThreeLabels& ConditionControls::swatches(Quantity quantity) {
     }
 }
 
+const ThreeLabels& ConditionControls::swatches(Quantity quantity) const {
+    return const_cast<ConditionControls*>(this)->swatches(quantity);
+}
+
 ThreeChecks& ConditionControls::unsafe(Quantity quantity) {
     switch (quantity) {
     case Quantity::Cloud:

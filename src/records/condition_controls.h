@@ -36,6 +36,7 @@ struct ConditionControls {
     // Only the five station quantities have limits and swatches.
     ThreeBoxes& limits(Quantity quantity);
     ThreeLabels& swatches(Quantity quantity);
+    const ThreeLabels& swatches(Quantity quantity) const;
     ThreeChecks& unsafe(Quantity quantity);
 };
 

@@ -28,10 +28,10 @@ enum HumidityCond : std::int32_t { HumidityUnknown, HumidityLow, HumidityMedium,
 // The eight judged quantities; the first three are classified by the sensor program.
 enum class Quantity { Cloud, Rain, Brightness, Wind, Gust, Temperature, Dew, Humidity };
 
-constexpr std::array kAllQuantities{Quantity::Cloud,       Quantity::Rain, Quantity::Brightness,
-                                    Quantity::Wind,        Quantity::Gust, Quantity::Temperature,
-                                    Quantity::Dew,         Quantity::Humidity};
-constexpr std::array kStationQuantities{Quantity::Wind, Quantity::Gust, Quantity::Temperature,
-                                        Quantity::Dew, Quantity::Humidity};
+inline constexpr std::array kAllQuantities{
+    Quantity::Cloud, Quantity::Rain,        Quantity::Brightness, Quantity::Wind,
+    Quantity::Gust,  Quantity::Temperature, Quantity::Dew,        Quantity::Humidity};
+inline constexpr std::array kStationQuantities{
+    Quantity::Wind, Quantity::Gust, Quantity::Temperature, Quantity::Dew, Quantity::Humidity};
 
 } // namespace skyhold

@@ -31,6 +31,7 @@ struct ReadingDisplay {
     Label Label3Station; // time of the station's last record
     Label LblSwitch;
     Label SensorStatus; // "NB error" while the sensor program fails
+    Label LblCause;     // why the verdict is what it is, in words
     Label NBAlarmMsg;
     Label WSAlarmMsg;
     LampPair LEDRead;

@@ -21,6 +21,7 @@ struct SessionControls {
     Label Statusbar2; // status codes
     bool Running = false;
     bool Starting = false; // a start waits for the sensor program's first data
+    bool StartCancelled = false; // it was stopped while it waited
 
     std::int32_t ClientCount = 0;
     Label LblUsers;
@@ -46,6 +47,7 @@ struct WindowControls {
     QProperty<int> SSTab1{0}, SSTab2{1}, SSTab3{0};
     QProperty<int> VScrollPos0{0}, VScrollPos1{0}, VScrollPos3{15}, HScrollPos2{15};
     QString HelpFile; // empty: none installed
+    bool HasTrayIcon = false; // a minimised window may be hidden
     QString LastUpdateMsg;
     QString Kiv_News;
 

@@ -1,0 +1,290 @@
+"""Runs the monitor against a simulated sensor program and a simulated weather station.
+
+Everything lives in a folder of its own, which is named first: settings, station file and whatever
+is written. The message bus is private and starts nothing by itself, so that neither the user's
+settings nor a real sensor program are ever touched. Whatever was started is ended with the run.
+"""
+
+import argparse
+import datetime
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+PROGRAMS = pathlib.Path(__file__).resolve().parent.parent / "build" / "release" / "bin"
+SENSOR_NAME = "Kiv_Nubilo.Nubilo"
+CCDAP_NAME = "Kiv_CCDAP4_II.dat"
+READ_SECONDS = [5, 10, 30, 60]  # choices of the read interval, by their index in the settings
+
+SENSOR_FAULTS = ["slow-ready", "old-version", "role", "not-running", "xfer-error", "late", "silent",
+                 "die", "nan", "wrong-types"]
+STATION_FAULTS = ["stop", "delete", "halves", "rubbish", "empty", "huge"]
+
+# A bus without service folders: it cannot start an installed sensor program.
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+
+class RunFailed(Exception):
+    """The run cannot begin or go on; the text says why."""
+
+
+def parse_arguments():
+    def fault(text):
+        if text.split("=")[0] not in SENSOR_FAULTS + STATION_FAULTS:
+            raise argparse.ArgumentTypeError(f"there is no fault {text}")
+        return text
+
+    parser = argparse.ArgumentParser(
+        prog="./dev run", description="Runs the monitor with a simulated sensor and station.",
+        epilog="Faults of the sensor: " + ", ".join(SENSOR_FAULTS) + " (role=SLAVE, late=MS). "
+               "Faults of the station: " + ", ".join(STATION_FAULTS) + " (halves=MS).")
+    parser.add_argument("--cycles", type=int, metavar="N",
+                        help="end after N read cycles (without a display: 12)")
+    parser.add_argument("--speed", type=float, metavar="N",
+                        help="run the clock N times as fast (1 with a window, else 10; replay 3600)")
+    parser.add_argument("--station", choices=["html", "csv"], default="html",
+                        help="form of the station file")
+    parser.add_argument("--replay", type=pathlib.Path, metavar="FILE",
+                        help="play a log of observations (CSV) instead of made-up weather")
+    parser.add_argument("--fault", type=fault, action="append", default=[], metavar="NAME",
+                        help="a fault to show; may be given several times")
+    parser.add_argument("--dir", type=pathlib.Path, metavar="FOLDER",
+                        help="folder for everything (default: a new one)")
+    parser.add_argument("--screenshot", type=pathlib.Path, metavar="FILE",
+                        help="leave a picture of the window at the end")
+    parser.add_argument("--headless", action="store_true", help="no window, display or not")
+    options = parser.parse_args()
+    if options.speed is not None and not 0 < options.speed <= 100_000:
+        parser.error("--speed takes a number above 0, at most 100000")
+    if options.cycles is not None and options.cycles < 1:
+        parser.error("--cycles takes a number from 1")
+    if options.replay and not options.replay.is_file():
+        parser.error(f"there is no log {options.replay}")
+    options.headless |= not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
+    return options
+
+
+def make_folder(wanted):
+    if wanted:
+        wanted.mkdir(parents=True, exist_ok=True)
+        return wanted.resolve()
+    return pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-run-"))
+
+
+def environment(folder, replay):
+    """The environment of every program: all folders of the user lie in the run's own."""
+    variables = dict(os.environ)
+    display = variables.get("WAYLAND_DISPLAY", "")
+    if display and not display.startswith("/"):
+        # Named relative to the runtime folder, which changes here.
+        variables["WAYLAND_DISPLAY"] = os.path.join(variables.get("XDG_RUNTIME_DIR", ""), display)
+    for name in ["CONFIG", "DATA", "CACHE", "STATE"]:
+        variables[f"XDG_{name}_HOME"] = str(folder / name.lower())
+    runtime = folder / "runtime"
+    runtime.mkdir(mode=0o700, exist_ok=True)
+    variables["XDG_RUNTIME_DIR"] = str(runtime)
+    if replay:
+        variables["TZ"] = "UTC"  # the log's times are shown as they stand in it
+    return variables
+
+
+def write_settings(folder, station_file, read_seconds):
+    """The settings that the monitor starts with; all others have their defaults."""
+    def text(value):
+        return '"' + str(value).replace("\\", "\\\\").replace('"', '\\"') + '"'
+
+    for name in ["ccdap", "data", "images"]:
+        (folder / name).mkdir(exist_ok=True)
+    settings = folder / "config" / "Kiv" / "Kiv_Skyhold.ini"
+    settings.parent.mkdir(mode=0o700, parents=True, exist_ok=True)
+    settings.write_text(
+        "[Setup]\n"
+        f"HTMFile={text(station_file)}\n"
+        "Emulator=0\n"
+        f"RefreshRead={READ_SECONDS.index(read_seconds)}\n"
+        "\n[Window]\n"
+        f"PathName={text(folder / 'data')}\n"
+        f"PathNameCCDAP4={text(folder / 'ccdap')}\n"
+        "SafeDelayVal=30\n"
+        "\n[Graphs]\n"
+        f"GraphImagePath={text(folder / 'images')}\n", encoding="utf-8")
+    settings.chmod(0o600)
+
+
+def log_times(log, variables):
+    """First and last local time of a log."""
+    listed = subprocess.run([PROGRAMS / "Kiv_StationSim", "--list-times", log], env=variables,
+                            stdout=subprocess.PIPE, text=True, check=False)
+    if listed.returncode != 0:
+        raise RunFailed("the log cannot be played")
+    return [datetime.datetime.fromisoformat(line) for line in listed.stdout.split()]
+
+
+class Run:
+    """The programs of a run. Each is in a process group of its own, so that an interrupt from the
+    terminal reaches this script alone and the end can be put in order."""
+
+    def __init__(self, folder, variables):
+        self.folder = folder
+        self.variables = variables
+        self.started = []
+
+    def start(self, *command, **more):
+        program = subprocess.Popen([str(part) for part in command], env=self.variables,
+                                   start_new_session=True, **more)
+        self.started.append(program)
+        return program
+
+    def start_bus(self):
+        configuration = self.folder / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION, encoding="utf-8")
+        bus = self.start("dbus-daemon", f"--config-file={configuration}", "--nofork",
+                         "--print-address", stdout=subprocess.PIPE, text=True)
+        address = bus.stdout.readline().strip()
+        if not address:
+            raise RunFailed("the message bus did not start")
+        self.variables["DBUS_SESSION_BUS_ADDRESS"] = address
+
+    def wait_for_name(self, name, program):
+        """Waits until the program has taken its name on the bus."""
+        for _ in range(200):
+            answer = subprocess.run(
+                ["dbus-send", "--session", "--print-reply=literal", "--dest=org.freedesktop.DBus",
+                 "/org/freedesktop/DBus", "org.freedesktop.DBus.NameHasOwner", f"string:{name}"],
+                env=self.variables, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                check=False)
+            if "true" in answer.stdout:
+                return
+            if program.poll() is not None:
+                break
+            time.sleep(0.05)
+        raise RunFailed(f"{name} did not appear on the message bus")
+
+    def end(self):
+        """Ends what still runs, the last started first."""
+        for program in reversed(self.started):
+            end_program(program, patience=5)
+
+
+def end_program(program, patience):
+    if program.poll() is None:
+        program.terminate()
+        try:
+            program.wait(patience)
+        except subprocess.TimeoutExpired:
+            program.kill()
+            program.wait()
+
+
+def wait_for_file(path, seconds):
+    end = time.monotonic() + seconds
+    while not path.exists() and time.monotonic() < end:
+        time.sleep(0.02)
+
+
+def faults_for(names, faults):
+    return [f"--fault={fault}" for fault in faults if fault.split("=")[0] in names]
+
+
+def follow(monitor, station, seconds):
+    """Waits for the monitor's end. When the station ends first (its log is over), the monitor is
+    ended; when neither does within the time, the run has failed."""
+    end = time.monotonic() + seconds
+    while monitor.poll() is None:
+        if station and station.poll() is not None:
+            end_program(monitor, patience=30)
+        elif time.monotonic() > end:
+            end_program(monitor, patience=30)
+            raise RunFailed("the monitor did not get to its end in time")
+        time.sleep(0.05)
+    return monitor.returncode
+
+
+def play(run, options):
+    read_seconds = 60 if options.replay else 10
+    speed = options.speed or (3600 if options.replay else 10 if options.headless else 1)
+    cycles = options.cycles
+    time_limit = float("inf")  # a window is open for as long as its user likes
+    time_from = datetime.datetime.now()
+    station_file = run.folder / "station" / ("station.htm" if options.station == "html"
+                                             else "station.csv")
+    station_file.parent.mkdir(exist_ok=True)
+    write_settings(run.folder, station_file, read_seconds)
+
+    weather = ["--scenario", "quick"]
+    if options.replay:
+        first, last = log_times(options.replay, run.variables)
+        time_from = first
+        weather = ["--replay", options.replay.resolve(), "--once"]
+        time_limit = (last - first).total_seconds() / speed * 2 + 60
+    if options.headless and not options.replay:
+        cycles = cycles or 12
+        time_limit = cycles * max(read_seconds / speed, 3) + 60
+    shared_clock = ["--time-from", time_from.isoformat(timespec="seconds"),
+                    "--time-origin", time.time_ns() // 1_000_000, "--time-scale", speed]
+
+    run.start_bus()
+    sensor = run.start(PROGRAMS / "Kiv_NubiloSim", "--scenario", "quick", *shared_clock,
+                       *faults_for(SENSOR_FAULTS, options.fault))
+    station = run.start(PROGRAMS / "Kiv_StationSim", "--file", station_file,
+                        "--format", options.station, *weather, *shared_clock,
+                        *faults_for(STATION_FAULTS, options.fault))
+    run.wait_for_name(SENSOR_NAME, sensor)
+    wait_for_file(station_file, seconds=2)
+
+    command = [PROGRAMS / "Kiv_Skyhold", "--start", *shared_clock]
+    if options.headless:
+        command += ["--headless", "--report"]
+    if cycles:
+        command += ["--cycles", cycles]
+    if options.screenshot:
+        command += ["--screenshot", options.screenshot.absolute()]
+    monitor = run.start(*command)
+    try:
+        return follow(monitor, station if options.replay else None, time_limit)
+    finally:
+        end_program(monitor, patience=30)
+
+
+def stop_on_signal(number, _frame):
+    raise SystemExit(128 + number)
+
+
+def main():
+    options = parse_arguments()
+    for number in [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]:
+        signal.signal(number, stop_on_signal)
+    folder = make_folder(options.dir)
+    print(f"Folder of this run: {folder}", flush=True)
+    run = Run(folder, environment(folder, options.replay))
+    try:
+        status = play(run, options)
+    except RunFailed as failure:
+        print(f"./dev run: {failure}", file=sys.stderr)
+        status = 1
+    finally:
+        run.end()
+    print(f"CCDAutopilot file: {folder / 'ccdap' / CCDAP_NAME}")
+    if options.screenshot:
+        print(f"Picture of the window: {options.screenshot.absolute()}")
+    return status
+
+
+if __name__ == "__main__":
+    sys.exit(main())

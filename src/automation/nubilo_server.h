@@ -1,0 +1,18 @@
+// This program's automation object "Kiv_Skyhold.Nubilo" on the session bus.
+#pragma once
+
+#include "core/monitoring_core.h"
+#include "platform/automation_server.h"
+
+#include <QDBusConnection>
+
+#include <memory>
+
+namespace skyhold {
+
+// The server over `core`; every instance counts as one attached client while it lives. Local
+// control ends when the last client goes, so that no verdict stays frozen behind a dead one.
+std::unique_ptr<AutomationServer> makeNubiloServer(const QDBusConnection& bus,
+                                                   MonitoringCore& core);
+
+} // namespace skyhold

@@ -1,0 +1,161 @@
+#include "conditions/classification.h"
+
+#include "conditions/safety.h"
+#include "conditions/sectors.h"
+
+#include <cmath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+bool isBand(std::int32_t level) {
+    return level >= 1 && level <= 3;
+}
+
+bool flaggedUnsafe(std::int32_t level, const ThreeChecks& unsafe) {
+    return isBand(level) && unsafe[static_cast<std::size_t>(level - 1)].checked();
+}
+
+Colour levelColour(bool unsafe) {
+    return unsafe ? kOrange : kYellow;
+}
+
+QString stationDescription(std::int32_t level, const ThreeLabels& swatches) {
+    if (level == 0)
+        return u"Unknown"_s;
+    return isBand(level) ? swatches[static_cast<std::size_t>(level - 1)].Caption.value()
+                         : QString();
+}
+
+// The spread of the two shown temperatures, as their decimal texts give it: 8.3 - 5.3 is 3, and
+// must meet a limit of 3, though the nearest binary numbers are a hair more than 3 apart.
+std::optional<double> dewSpread(const QString& temperature, const QString& dewPoint,
+                                const NumberForms& forms) {
+    const std::optional<double> warm = numberFromText(temperature, forms);
+    const std::optional<double> dew = numberFromText(dewPoint, forms);
+    if (!warm || !dew)
+        return std::nullopt;
+    constexpr double kPrecision = 1e9;
+    return std::round((*warm - *dew) * kPrecision) / kPrecision;
+}
+
+} // namespace
+
+std::int32_t bandLevel(double value, const ThreeBoxes& limits) {
+    if (!std::isfinite(value))
+        return 0;
+    for (std::size_t i = 0; i < limits.size(); ++i) {
+        if (value <= limits[i].Value)
+            return static_cast<std::int32_t>(i) + 1;
+    }
+    return 0;
+}
+
+QString LevelDescription(Quantity quantity, std::int32_t level, const ConditionControls& controls,
+                         const SensorDescription& sensorDescription) {
+    switch (quantity) {
+    case Quantity::Cloud:
+    case Quantity::Rain:
+    case Quantity::Brightness:
+        if (level == 0)
+            return u"Unknown"_s;
+        return isBand(level) ? sensorDescription(quantity, level) : QString();
+    default:
+        return stationDescription(level, controls.swatches(quantity));
+    }
+}
+
+void ClassifyCloud(ReadingDisplay& display, const CurrentReadings& readings,
+                   const ConditionControls& controls, SafetyState& safety,
+                   const SensorDescription& sensorDescription, std::int64_t nowMs) {
+    if (readings.SensorError)
+        return;
+    const std::int32_t level = readings.CloudCondition;
+    // Asked whether or not the level is flagged: the test notes when the cloud level changes.
+    const bool active = isBand(level) && CloudLevelActive(level, readings, safety, nowMs);
+    PaintLabel(display.LCondCloud, levelColour(active && flaggedUnsafe(level, controls.CondCloud)),
+               LevelDescription(Quantity::Cloud, level, controls, sensorDescription));
+}
+
+void ClassifyRain(ReadingDisplay& display, const CurrentReadings& readings,
+                  const ConditionControls& controls, const SensorDescription& sensorDescription) {
+    if (readings.SensorError)
+        return;
+    const std::int32_t level = readings.RainCondition;
+    PaintLabel(display.LCondRain, levelColour(flaggedUnsafe(level, controls.CondRain)),
+               LevelDescription(Quantity::Rain, level, controls, sensorDescription));
+}
+
+void ClassifyBrightness(ReadingDisplay& display, const CurrentReadings& readings,
+                        const ConditionControls& controls,
+                        const SensorDescription& sensorDescription) {
+    if (readings.SensorError)
+        return;
+    const std::int32_t level = readings.BrightnessCondition;
+    PaintLabel(display.LCondBrightness, levelColour(flaggedUnsafe(level, controls.CondDay)),
+               LevelDescription(Quantity::Brightness, level, controls, sensorDescription));
+}
+
+void ClassifyDew(ReadingDisplay& display, CurrentReadings& readings,
+                 const ConditionControls& controls, const NumberForms& forms) {
+    std::optional<double> spread;
+    if (readings.StationValid)
+        spread = dewSpread(display.LValTemperature.Caption, display.LValDewPoint.Caption, forms);
+    QString text;
+    if (spread) {
+        readings.DewCondition = bandLevel(*spread, controls.LimitDew);
+        text = stationDescription(readings.DewCondition, controls.ColorDew);
+    }
+    PaintLabel(display.LCondDewPoint,
+               levelColour(flaggedUnsafe(readings.DewCondition, controls.CondDew)), text);
+}
+
+void ClassifyHumidity(ReadingDisplay& display, CurrentReadings& readings,
+                      const ConditionControls& controls) {
+    QString text;
+    if (readings.StationValid) {
+        readings.HumidityCondition = bandLevel(readings.HumidityValue, controls.LimitHum);
+        text = stationDescription(readings.HumidityCondition, controls.ColorHum);
+    }
+    PaintLabel(display.LCondHumidity,
+               levelColour(flaggedUnsafe(readings.HumidityCondition, controls.CondHum)), text);
+}
+
+void ClassifyWind(ReadingDisplay& display, CurrentReadings& readings,
+                  const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
+    QString text;
+    if (readings.StationValid) {
+        readings.WindCondition = bandLevel(readings.WindSpeed, controls.LimitWind);
+        text = stationDescription(readings.WindCondition, controls.ColorWind);
+    }
+    const std::int32_t level = readings.WindCondition;
+    // Asked whether or not the level is flagged: the test notes when the wind leaves the sector.
+    const bool holds = WindLevelHolds(level, readings, controls, sectors, nowMs);
+    PaintLabel(display.LCondWind, levelColour(holds && flaggedUnsafe(level, controls.CondWind)),
+               text);
+}
+
+void ClassifyGust(ReadingDisplay& display, CurrentReadings& readings,
+                  const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
+    QString text;
+    if (readings.StationValid) {
+        readings.GustCondition = bandLevel(readings.GustSpeed, controls.LimitGust);
+        text = stationDescription(readings.GustCondition, controls.ColorGust);
+    }
+    const std::int32_t level = readings.GustCondition;
+    const bool holds = GustLevelHolds(level, readings, controls, sectors, nowMs);
+    PaintLabel(display.LCondGust, levelColour(holds && flaggedUnsafe(level, controls.CondGust)),
+               text);
+}
+
+void ClassifyTemperature(Label& label, double value, CurrentReadings& readings,
+                         const ConditionControls& controls) {
+    readings.TemperatureCondition = bandLevel(value, controls.LimitTemp);
+    PaintLabel(label, levelColour(flaggedUnsafe(readings.TemperatureCondition, controls.CondTemp)),
+               stationDescription(readings.TemperatureCondition, controls.ColorTemp));
+}
+
+} // namespace skyhold

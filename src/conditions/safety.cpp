@@ -1,0 +1,162 @@
+#include "conditions/safety.h"
+
+#include "conditions/sectors.h"
+#include "platform/text_forms.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr double kLongestDelay = 2'147'483'647; // seconds
+
+QString quantityName(Quantity quantity) {
+    switch (quantity) {
+    case Quantity::Cloud:
+        return u"Cloud"_s;
+    case Quantity::Rain:
+        return u"Rain"_s;
+    case Quantity::Brightness:
+        return u"Brightness"_s;
+    case Quantity::Wind:
+        return u"Wind"_s;
+    case Quantity::Gust:
+        return u"Gust"_s;
+    case Quantity::Temperature:
+        return u"Temperature"_s;
+    case Quantity::Dew:
+        return u"Dew point"_s;
+    case Quantity::Humidity:
+        break;
+    }
+    return u"Humidity"_s;
+}
+
+SafetyDecision rawDecision(const CurrentReadings& readings, const ConditionControls& controls,
+                           SafetyState& safety, SectorState& sectors, std::int64_t nowMs) {
+    SafetyDecision decision;
+    // `holds` comes evaluated: the cloud and sector tests note changes even where no box is
+    // checked and whatever was found before.
+    const auto count = [&](Quantity quantity, std::int32_t level, bool holds,
+                           const ThreeChecks& unsafe) {
+        if (holds && unsafe[static_cast<std::size_t>(level - 1)].checked())
+            decision.levels.push_back({quantity, level});
+    };
+    const auto countPlain = [&](Quantity quantity, const ThreeChecks& unsafe) {
+        for (std::int32_t k = 1; k <= 3; ++k)
+            count(quantity, k, readings.level(quantity) == k, unsafe);
+    };
+
+    for (std::int32_t k = 3; k >= 1; --k)
+        count(Quantity::Cloud, k, CloudLevelActive(k, readings, safety, nowMs), controls.CondCloud);
+    countPlain(Quantity::Rain, controls.CondRain);
+    for (std::int32_t k = 3; k >= 1; --k)
+        count(Quantity::Wind, k, WindLevelHolds(k, readings, controls, sectors, nowMs),
+              controls.CondWind);
+    for (std::int32_t k = 3; k >= 1; --k)
+        count(Quantity::Gust, k, GustLevelHolds(k, readings, controls, sectors, nowMs),
+              controls.CondGust);
+    countPlain(Quantity::Dew, controls.CondDew);
+    countPlain(Quantity::Humidity, controls.CondHum);
+    countPlain(Quantity::Temperature, controls.CondTemp);
+    countPlain(Quantity::Brightness, controls.CondDay);
+    decision.stationDataOld = controls.WSDataOldUnsafe.checked() && readings.StationDataOld;
+    decision.sensorFailed = controls.NBDataOldUnsafe.checked() && readings.SensorError;
+    return decision;
+}
+
+} // namespace
+
+bool CloudLevelActive(std::int32_t level, const CurrentReadings& readings, SafetyState& safety,
+                      std::int64_t nowMs) {
+    const std::int32_t current = readings.CloudCondition;
+    if (current != level)
+        return false;
+    const std::int32_t previous = safety.PrevCloudLevel;
+    if (previous != current) {
+        safety.PrevCloudLevel = current;
+        safety.CloudChangeTime = nowMs;
+    }
+    if (previous == CloudVeryCloudy) {
+        safety.CloudChangeTime = 0;
+        return true;
+    }
+    if (current != CloudCloudy)
+        return true;
+    const double elapsed = static_cast<double>(nowMs - safety.CloudChangeTime) / 1000;
+    return !(elapsed < safety.CloudAlarmDelay); // a delay that is no number is none
+}
+
+bool applySafeDelay(bool unsafe, double delaySeconds, SafetyState& safety, std::int64_t nowMs) {
+    // Bounded, so that stamps and the countdown stay in range; in this order of the arguments a
+    // delay that is no number is the longest one.
+    const double delay = std::max(-kLongestDelay, std::min(kLongestDelay, delaySeconds));
+
+    const std::int32_t before = safety.SafeState;
+    safety.SafeState = unsafe ? 1 : 2;
+    safety.SafeDelayRemaining = 0;
+    if (before == 0) {
+        safety.SafeDelayStart = nowMs - std::llround(delay * 1000);
+        return unsafe;
+    }
+    if (before != safety.SafeState)
+        safety.SafeDelayStart = nowMs;
+    if (unsafe)
+        return true;
+
+    const auto elapsed = static_cast<double>(std::abs(nowMs / 1000 - safety.SafeDelayStart / 1000));
+    if (delay <= elapsed)
+        return false;
+    safety.SafeDelayRemaining = static_cast<std::int32_t>(roundHalfEven(delay - elapsed));
+    return true;
+}
+
+SafetyDecision DecideSafety(CurrentReadings& readings, ConditionControls& controls,
+                            SafetyState& safety, SectorState& sectors, std::int64_t nowMs,
+                            const std::function<void()>& selectAlarm) {
+    if (safety.LocalControl)
+        return {};
+    SafetyDecision decision = rawDecision(readings, controls, safety, sectors, nowMs);
+    readings.UnsafeFlag =
+        applySafeDelay(decision.unsafe(), controls.SafeDelayVal.Value, safety, nowMs);
+
+    const bool waiting = readings.UnsafeFlag && !decision.unsafe();
+    controls.SafeDelayMsg.Caption =
+        waiting ? u"SAFE condition delayed by %1 s"_s.arg(safety.SafeDelayRemaining) : QString();
+    selectAlarm();
+    return decision;
+}
+
+QString verdictCauses(const SafetyDecision& decision, const ConditionControls& controls,
+                      const SensorDescription& sensorDescription) {
+    QStringList causes;
+    for (const auto& [quantity, level] : decision.levels) {
+        QString description = LevelDescription(quantity, level, controls, sensorDescription);
+        if (description.trimmed().isEmpty())
+            description = u"level %1"_s.arg(level);
+        causes += quantityName(quantity) + u": "_s + description;
+    }
+    if (decision.stationDataOld)
+        causes += u"Weather station: data old or missing"_s;
+    if (decision.sensorFailed)
+        causes += u"Sensor program: failed"_s;
+    return causes.join(u", "_s);
+}
+
+void Disp_UnsafeFlag(const CurrentReadings& readings, ConditionControls& controls) {
+    controls.LblStatus.Caption = readings.UnsafeFlag ? u"Unsafe"_s : u"Safe"_s;
+    controls.LEDUnsafe.FillColor = readings.UnsafeFlag ? kRed : kGreen;
+}
+
+QString SafeText(std::int32_t flag) {
+    if (flag == -1)
+        return u"Unsafe"_s;
+    return flag == 0 ? u"Safe"_s : QString();
+}
+
+} // namespace skyhold

@@ -1,0 +1,80 @@
+#include "conditions/staleness.h"
+
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/text_forms.h"
+#include "records/status_lines.h"
+
+#include <QFileInfo>
+
+#include <cmath>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+QDateTime stationFileTime(const QString& path) {
+    const std::optional<QString> found = findFile(path);
+    if (!found)
+        return {};
+    // What cannot be read is as good as missing: it must not count as fresh for its time alone.
+    const QFileInfo file(*found);
+    return file.isFile() && file.isReadable() ? modificationTime(*found) : QDateTime();
+}
+
+QString fileTimeText(const QDateTime& time) {
+    return time.toUTC().toString(Qt::ISODateWithMs);
+}
+
+StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& lastFileTime,
+                                    const QDateTime& stationDateTime, const QDateTime& now,
+                                    double timeoutMinutes) {
+    if (!modified.isValid())
+        return {StationFileState::Missing};
+    if (fileTimeText(modified) != lastFileTime)
+        return {StationFileState::Refreshed};
+
+    const bool everSet = stationDateTime.isValid();
+    const QDateTime record = everSet ? stationDateTime : fromDaySerial(0);
+    const double age = std::abs(static_cast<double>(record.msecsTo(now))) / 1000;
+    const bool recent = everSet && age / 60 <= timeoutMinutes;
+    return {recent ? StationFileState::Unchanged : StationFileState::Old, age};
+}
+
+bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
+                           ReadingDisplay& display, SessionControls& session,
+                           const QDateTime& now) {
+    const StationFileVerdict verdict =
+        judgeStationFile(stationFileTime(file.HTMFile.Caption), readings.LastFileTime,
+                         readings.StationDateTime, now, file.TimeoutREAD.Value);
+    const QString age = formatNumber(verdict.ageSeconds, u"0", {}) + u"s old"_s;
+
+    const auto tell = [&](const QString& status, Colour colour, const QString& alarm,
+                          const QString& code) {
+        SetStatusText(session.Statusbar1, status, colour);
+        display.WSAlarmMsg.Caption = alarm;
+        SetErrorCodes(session.Statusbar2, code, kRed);
+    };
+    switch (verdict.state) {
+    case StationFileState::Missing:
+        tell(u"Weather Station Data - file not available"_s, kRed, u"WS data file absent"_s,
+             u"a42"_s);
+        break;
+    case StationFileState::Old:
+        tell(u"Weather Station Data too old - "_s + age, kRed, u"WS data too old"_s, u"a41"_s);
+        break;
+    case StationFileState::Unchanged:
+        tell(u"Weather Station Data - "_s + age, kNavy, QString(), QString());
+        break;
+    case StationFileState::Refreshed:
+        tell(u"Weather Station Data - Refreshed"_s, kNavy, QString(), QString());
+        break;
+    }
+
+    readings.StationFileMissing = verdict.state == StationFileState::Missing;
+    readings.StationDataOld = readings.StationFileMissing || verdict.state == StationFileState::Old;
+    readings.ReadLedColour = readings.StationDataOld ? kYellow : kGreen;
+    return !readings.StationDataOld;
+}
+
+} // namespace skyhold

@@ -1,0 +1,40 @@
+// Whether the weather station's file is there and its data fresh.
+#pragma once
+
+#include "records/current_readings.h"
+#include "records/file_controls.h"
+#include "records/reading_display.h"
+#include "records/session_controls.h"
+
+namespace skyhold {
+
+// Modification time of the station file, found without regard to the case of its name; invalid
+// when there is no readable file (a folder is none).
+QDateTime stationFileTime(const QString& path);
+
+// A file time as the text that is kept and compared: UTC with milliseconds; empty when invalid.
+QString fileTimeText(const QDateTime& time);
+
+enum class StationFileState {
+    Missing,   // no such file, or it cannot be read
+    Old,       // not rewritten since it was last read, and its latest record is too old
+    Unchanged, // not rewritten since it was last read, its latest record recent enough
+    Refreshed  // rewritten since it was last read
+};
+
+struct StationFileVerdict {
+    StationFileState state = StationFileState::Missing;
+    double ageSeconds = 0; // between the latest record and now; only when not rewritten
+};
+
+// `modified` invalid: there is no file. A station date-time that was never set is too old.
+StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& lastFileTime,
+                                    const QDateTime& stationDateTime, const QDateTime& now,
+                                    double timeoutMinutes);
+
+// Judges the station file and tells it: health flags, read lamp colour, WSAlarmMsg, status line
+// and the codes a41 and a42. True when the station's data is fresh.
+bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
+                           ReadingDisplay& display, SessionControls& session, const QDateTime& now);
+
+} // namespace skyhold

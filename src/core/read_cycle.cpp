@@ -1,0 +1,201 @@
+#include "core/read_cycle.h"
+
+#include "conditions/classification.h"
+#include "conditions/safety.h"
+#include "conditions/staleness.h"
+#include "core/sensor_readings.h"
+#include "core/station_display.h"
+#include "datafiles/ccdap_file.h"
+#include "datafiles/station_file.h"
+#include "records/status_lines.h"
+#include "units/detection.h"
+
+namespace skyhold {
+
+namespace {
+
+void readStation(MonitoringCore& core);
+void tellTemperatureUnit(SensorLink& sensor, const QString& detected);
+void followUnits(Records& records, const QString& temperature, const QString& speed);
+void classify(MonitoringCore& core);
+void decide(MonitoringCore& core);
+QString causeInWords(const SafetyDecision& decision, Records& records);
+void driveSwitch(SensorLink& sensor, Records& records);
+void writeCcdapFile(MonitoringCore& core);
+
+} // namespace
+
+void RunReadCycle(MonitoringCore& core) {
+    Records& records = core.records;
+    core.sensor.beginCycle(
+        {records.readings, records.session, records.alarms, records.conditions, records.display});
+    records.readings.SensorDataReady = false;
+    core.forms = localeNumberForms();
+
+    readStation(core);
+    const QString temperature =
+        DetectTemperatureUnit(records.display.LblWSValue[10].Caption.value(), records.units);
+    tellTemperatureUnit(core.sensor, temperature);
+    const QString speed = DetectSpeedUnit(records.display.LblWSValue[11].Caption.value(), records.units,
+                                          records.readings.SpeedUnit);
+    followUnits(records, temperature, speed);
+
+    ReadSensor(core.sensor, records, core.forms);
+    classify(core);
+    decide(core);
+    driveSwitch(core.sensor, records);
+    records.readings.SensorDataReady =
+        core.sensor.readBoolean(QStringLiteral("DataReady")).value_or(false);
+
+    writeCcdapFile(core);
+    records.display.LEDRead.blink(records.readings.ReadLedColour);
+    if (core.cycleDone)
+        core.cycleDone();
+}
+
+void StartReading(MonitoringCore& core) {
+    Records& records = core.records;
+    // Older than any file, so that the first file read counts as new.
+    records.readings.LastFileTime =
+        fileTimeText(QDateTime(QDate(1899, 12, 31), QTime(0, 0, 1)));
+    core.stationMemory.reset();
+    SetStatusText(records.session.Statusbar1, QString(), kNavy);
+    records.session.RefreshRead.Enabled = false;
+    records.stationFile.TimeoutREAD.Enabled = false;
+    records.stationFile.ButtHTMPath.Enabled = false;
+
+    const QDateTime now = core.clock.now();
+    records.readings.LastReading = now;
+    records.readings.ReadingStart = now;
+    records.sectors.WindOutsideSince = core.clock.MsClock();
+    records.sectors.GustOutsideSince = core.clock.MsClock();
+    core.sensor.takeCallFailure();
+
+    RunReadCycle(core);
+    core.TimerRead.Tick = [&core] { RunReadCycle(core); };
+    // The entry begins with its seconds: "5  secs", "10 secs".
+    core.TimerRead.arm(1000 * records.session.RefreshRead.chosen().left(2).trimmed().toInt());
+}
+
+void StopReading(MonitoringCore& core) {
+    Records& records = core.records;
+    records.session.RefreshRead.Enabled = true;
+    records.stationFile.TimeoutREAD.Enabled = true;
+    records.stationFile.ButtHTMPath.Enabled = true;
+    core.TimerRead.disarm();
+    records.display.LEDRead.blink(kGrey);
+}
+
+namespace {
+
+void readStation(MonitoringCore& core) {
+    Records& records = core.records;
+    CurrentReadings& readings = records.readings;
+    const QDateTime modified = stationFileTime(records.stationFile.HTMFile.Caption);
+    if (!CheckStationStaleness(records.stationFile, readings, records.display, records.session,
+                               core.clock.now())) {
+        SetStationDataValid(false, records, core.forms);
+        return;
+    }
+    const StationRead read =
+        ReadStationFile(records.stationFile, records.units, core.forms, fileTimeText(modified),
+                        core.stationMemory, readings, records.display);
+    if (read != StationRead::Valid) {
+        // A file that is there but cannot be trusted must not look like calm, dry weather.
+        readings.StationDataOld = true;
+        readings.ReadLedColour = kYellow;
+        SetStatusText(records.session.Statusbar1, stationReadStatus(read), kRed);
+        SetErrorCodes(records.session.Statusbar2, QStringLiteral("a41"), kRed);
+    }
+    SetStationDataValid(read == StationRead::Valid, records, core.forms);
+}
+
+void tellTemperatureUnit(SensorLink& sensor, const QString& detected) {
+    const QString member = QStringLiteral("Kiv_TemperatureUnits");
+    const std::optional<QString> told = sensor.readText(member);
+    if (told && *told != detected)
+        sensor.write(member, detected);
+}
+
+void followUnits(Records& records, const QString& temperature, const QString& speed) {
+    if (temperature != records.readings.TemperatureUnit) {
+        const auto option = QStringLiteral("CF").indexOf(temperature);
+        if (option >= 0)
+            records.units.UnitsTemp.choose(static_cast<int>(option));
+        else
+            records.readings.TemperatureUnit = temperature;
+    }
+    if (speed != records.readings.SpeedUnit) {
+        const auto option = QStringLiteral("KMmk").indexOf(speed);
+        if (option >= 0)
+            records.units.UnitsSpeed.choose(static_cast<int>(option));
+    }
+}
+
+void classify(MonitoringCore& core) {
+    CurrentReadings& readings = core.records.readings;
+    const ConditionControls& controls = core.records.conditions;
+    ReadingDisplay& display = core.records.display;
+    const SensorDescription description = [&core](Quantity quantity, std::int32_t level) {
+        return core.sensor.levelDescription(quantity, level);
+    };
+    const std::int64_t now = core.clock.MsClock();
+    ClassifyCloud(display, readings, controls, core.records.safety, description, now);
+    ClassifyRain(display, readings, controls, description);
+    ClassifyBrightness(display, readings, controls, description);
+    ClassifyDew(display, readings, controls, core.forms);
+    ClassifyHumidity(display, readings, controls);
+    ClassifyWind(display, readings, controls, core.records.sectors, now);
+    ClassifyGust(display, readings, controls, core.records.sectors, now);
+}
+
+void decide(MonitoringCore& core) {
+    Records& records = core.records;
+    const SafetyDecision decision =
+        DecideSafety(records.readings, records.conditions, records.safety, records.sectors,
+                     core.clock.MsClock(), [] {});
+    Disp_UnsafeFlag(records.readings, records.conditions);
+    records.display.LblCause.Caption = causeInWords(decision, records);
+    // A copy: what the sensor program makes of its argument must not reach the verdict.
+    QVariantList verdict{records.readings.UnsafeFlag};
+    core.sensor.callByReference(QStringLiteral("SetUnSafe"), verdict);
+}
+
+// Why the verdict is what it is. The sensor program's descriptions are taken from the display, so
+// that words cost no further call.
+QString causeInWords(const SafetyDecision& decision, Records& records) {
+    if (records.safety.LocalControl)
+        return QStringLiteral("Decided by ") + records.session.LblControl.Caption.value();
+    if (decision.unsafe())
+        return verdictCauses(decision, records.conditions,
+                             [&records](Quantity quantity, std::int32_t) {
+                                 return records.display.condition(quantity).Caption.value();
+                             });
+    return records.readings.UnsafeFlag ? QStringLiteral("Conditions safe, waiting for the delay")
+                                       : QStringLiteral("All conditions safe");
+}
+
+void driveSwitch(SensorLink& sensor, Records& records) {
+    CurrentReadings& readings = records.readings;
+    if (!records.session.SwitchControl) {
+        readings.SwitchValue =
+            sensor.readReal(QStringLiteral("SwitchStatus")).value_or(readings.SwitchValue);
+        return;
+    }
+    readings.SwitchValue = readings.UnsafeFlag ? 2 : 1;
+    QVariantList value{readings.SwitchValue};
+    sensor.callByReference(QStringLiteral("Kiv_SetSwitch"), value);
+    const bool closed = readings.SwitchValue == 2;
+    PaintLabel(records.display.LValSwitch, closed ? kRed : kGreen,
+               closed ? QStringLiteral("Closed") : QStringLiteral("Opened"));
+}
+
+void writeCcdapFile(MonitoringCore& core) {
+    Records& records = core.records;
+    if (!WriteCcdapFile(records.ccdap, records.readings, core.clock, core.forms))
+        SetErrorCodes(records.session.Statusbar2, QStringLiteral("c51"), kRed);
+}
+
+} // namespace
+
+} // namespace skyhold

@@ -1,0 +1,14 @@
+// Reading the sensor program into the current readings, and painting what it said.
+#pragma once
+
+#include "platform/text_forms.h"
+#include "records/records.h"
+#include "sensor/sensor_link.h"
+
+namespace skyhold {
+
+// Reads the sensor program, shows its values, shows and classifies the station's temperature, and
+// tests whether the sensor program has failed (code a31).
+void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms);
+
+} // namespace skyhold

@@ -1,0 +1,202 @@
+#include "core/session.h"
+
+#include "core/read_cycle.h"
+#include "platform/files.h"
+#include "records/status_lines.h"
+
+namespace skyhold {
+
+namespace {
+
+// The whole number in the first two characters of an interval entry ("5  secs"), in milliseconds.
+int intervalMs(const ComboBox& box) { return box.chosen().left(2).trimmed().toInt() * 1000; }
+
+void resetForSession(MonitoringCore& core) {
+    Records& records = core.records;
+    SafetyState& safety = records.safety;
+    safety.SafeState = 0;
+    safety.SafeDelayRemaining = 0;
+    safety.PrevCloudLevel = 2;
+    safety.CloudChangeTime = 0;
+    records.readings.SessionStart = core.clock.now();
+    records.conditions.SafeDelayMsg.Caption = QString();
+    records.conditions.LblStatus.Caption = QString();
+    records.conditions.LEDUnsafe.FillColor = kGrey;
+    records.display.LblCause.Caption = QString();
+    records.readings.StationDataOld = false;
+    records.readings.SensorError = false;
+    records.display.NBAlarmMsg.Caption = QString();
+    SetIdleControls(records, false);
+    SetStatusText(records.session.Statusbar1, QString(), kNavy);
+}
+
+// Makes a missing folder; the code tells whether that worked, and is empty when it was there.
+QString checkFolder(Label& statusbar1, const QString& what, const QString& folder,
+                    const QString& created, const QString& notCreated) {
+    SetStatusText(statusbar1, what + folder, kDarkGreen);
+    if (folderExists(folder))
+        return {};
+    return createFolder(folder) ? created : notCreated;
+}
+
+void checkFolders(Records& records) {
+    GraphControls& graphs = records.graphs;
+    Label& status = records.session.Statusbar1;
+    // The direction graph's own image does not ask for the check.
+    constexpr std::size_t kDirection = 2;
+    bool images = false;
+    for (std::size_t i = 0; i < graphs.GraphImage.size(); ++i)
+        images = images || (i != kDirection && graphs.GraphImage[i].checked());
+
+    QString codes;
+    if (images)
+        codes = checkFolder(status, QStringLiteral("Checking Image File Path : "),
+                            graphs.GraphImagePath.Caption, QStringLiteral("i21 "),
+                            QStringLiteral("i22 "));
+    codes += checkFolder(status, QStringLiteral("Checking Data File Path : "),
+                         records.dataFile.LblPathName.Caption, QStringLiteral("d11"),
+                         QStringLiteral("d12"));
+    if (!codes.isEmpty())
+        SetErrorCodes(records.session.Statusbar2, codes, kRed);
+}
+
+// False when the session cannot go on; it has been stopped then.
+bool startReading(MonitoringCore& core) {
+    Records& records = core.records;
+    SessionControls& session = records.session;
+    checkFolders(records);
+    SetStatusText(session.Statusbar1, QStringLiteral("Waiting for Kiv_Nubilo"), kNavy);
+    const SensorLinkRecords link{records.readings, session, records.alarms, records.conditions,
+                                 records.display};
+    const bool open = core.sensor.OpenSensor(link, core.showMessage);
+    if (session.StartCancelled)
+        return false;
+    if (!open) {
+        SetStatusText(session.Statusbar1, QStringLiteral("Problem with Kiv_Nubilo"), kRed);
+        core.showMessage({QStringLiteral("Cannot read Kiv_Nubilo"), MessageStyle::Ok, {}});
+        if (!session.StartCancelled)
+            StopSession(core);
+        return false;
+    }
+    StartReading(core);
+    return true;
+}
+
+void start(MonitoringCore& core) {
+    Records& records = core.records;
+    SessionControls& session = records.session;
+    resetForSession(core);
+    if (session.flgReadStation.checked() && !startReading(core))
+        return;
+    if (session.flgUpload.checked())
+        core.TimerUpload.arm(intervalMs(records.upload.RefreshUpload));
+    if (!session.flgReadStation.checked() && !session.flgUpload.checked()) {
+        StopSession(core);
+        return;
+    }
+    session.Running = true;
+    UpdateMenus(records);
+}
+
+} // namespace
+
+void StartSession(MonitoringCore& core) {
+    SessionControls& session = core.records.session;
+    if (session.Running || session.Starting)
+        return;
+    session.Starting = true;
+    session.StartCancelled = false;
+    start(core);
+    session.Starting = false;
+    if (core.closeWanted && core.closeWindow) {
+        core.closeWanted = false;
+        core.closeWindow();
+    }
+}
+
+void StopSession(MonitoringCore& core) {
+    Records& records = core.records;
+    SessionControls& session = records.session;
+    session.StartCancelled = session.Starting;
+    session.ButtStop.Enabled = false;
+    if (session.flgReadStation.checked()) {
+        StopReading(core);
+        core.sensor.CloseSensor(records.readings);
+    }
+    if (session.flgUpload.checked())
+        core.TimerUpload.disarm();
+    SetIdleControls(records, true);
+    session.ButtStop.Enabled = true;
+    records.readings.AlarmSoundId.clear();
+    session.Running = false;
+    UpdateMenus(records);
+}
+
+void Device_Start(MonitoringCore& core) {
+    SessionControls& session = core.records.session;
+    if (session.Running || session.Starting)
+        return;
+    StartSession(core);
+    session.ButtStop.Visible = false;
+}
+
+void Device_Stop(MonitoringCore& core) {
+    SessionControls& session = core.records.session;
+    if (!session.Running)
+        return;
+    StopSession(core);
+    session.ButtStop.Visible = false;
+}
+
+void SetIdleControls(Records& records, bool idle) {
+    SessionControls& session = records.session;
+    GraphControls& graphs = records.graphs;
+    session.ButtStart.Visible = idle;
+    session.ButtStop.Visible = !idle;
+
+    for (CheckBox* box : {&session.flgReadStation, &session.flgUpload, &session.EmulatorFlag,
+                          &records.alarms.AlarmWS, &records.alarms.AlarmNB,
+                          &records.conditions.WSDataOldUnsafe,
+                          &records.conditions.NBDataOldUnsafe, &graphs.ImageType})
+        box->Enabled = idle;
+    for (CheckBox& box : graphs.GraphGenerate)
+        box.Enabled = idle;
+    for (CheckBox& box : graphs.GraphImage)
+        box.Enabled = idle;
+    for (NumberBox* box : {&records.conditions.SafeDelayVal, &session.NBTimeout,
+                           &graphs.GraphNoPoints, &graphs.GraphFreq})
+        box->Enabled = idle;
+    for (OptionGroup* group : {&session.SWRole, &graphs.ImageQuality, &records.units.UnitsTemp,
+                               &records.units.UnitsSpeed, &records.units.DateFormat})
+        group->Enabled = idle;
+    for (Button* button : {&records.ccdap.ButtCCDAP4, &graphs.ButtGraphImagePath,
+                           &records.units.ButtCardinal, &records.units.ButtUnits})
+        button->Enabled = idle;
+    records.ccdap.FileNameCCDAP4.Enabled = idle;
+
+    records.display.LEDRead.Visible = session.flgReadStation.checked();
+    records.upload.LEDUpload.Visible = session.flgUpload.checked();
+}
+
+void UpdateMenus(Records& records) {
+    WindowControls& window = records.window;
+    const bool minimised = window.State == WindowState::Minimized;
+    window.mPopRestore.Enabled = minimised;
+    window.mPopMinimize.Enabled = !minimised;
+    if (minimised && window.HasTrayIcon)
+        window.Visible = false;
+
+    const bool clients = records.session.ClientCount > 0;
+    const bool running = records.session.Running;
+    for (MenuEntry* entry : {&window.mPopStart, &window.mnuStart})
+        entry->Visible = !clients && !running;
+    for (MenuEntry* entry : {&window.mPopStop, &window.mnuStop})
+        entry->Visible = !clients && running;
+    window.mSep0.Visible = !clients;
+    window.mSep1.Visible = !clients;
+    window.mnuUpdate.Enabled = !clients && !running;
+    window.MnuExit.Enabled = !clients;
+    window.mPopExit.Enabled = !clients;
+}
+
+} // namespace skyhold

@@ -1,0 +1,85 @@
+#include "core/start_up.h"
+
+#include "core/session.h"
+#include "platform/files.h"
+#include "settings/settings.h"
+
+#include <QFile>
+
+namespace skyhold {
+
+namespace {
+
+// Shorter texts are left-overs, not news.
+constexpr qsizetype kShortestNews = 3;
+
+void showNewsAndUpdateStatus(MonitoringCore& core) {
+    core.Timer6.disarm();
+    WindowControls& window = core.records.window;
+    if (window.Kiv_News.size() >= kShortestNews)
+        core.showMessage({window.Kiv_News, MessageStyle::Ok, QStringLiteral("News")});
+    if (!window.LastUpdateMsg.trimmed().isEmpty()) {
+        core.showMessage(
+            {window.LastUpdateMsg, MessageStyle::Ok, QStringLiteral("Last Update Status")});
+        window.LastUpdateMsg.clear();
+    }
+}
+
+} // namespace
+
+bool isFirstStart(const SettingsStore& settings) {
+    const QString never = QStringLiteral("9");
+    return settings.GetSetting(QStringLiteral("Setup"), QStringLiteral("Emulator"), never) ==
+           never;
+}
+
+void swapUpdater(const QString& folder) {
+    const auto present = [&folder](const char* name) {
+        return findFile(joinPath(folder, QString::fromLatin1(name)));
+    };
+    const std::optional<QString> downloaded = present("Kiv_Updater_net.exe");
+    if (!downloaded)
+        return;
+    if (const std::optional<QString> installed = present("Kiv_Updater.exe")) {
+        if (const std::optional<QString> old = present("Kiv_Updater_exe.old"))
+            QFile::remove(*old);
+        QFile::rename(*installed, joinPath(folder, QStringLiteral("Kiv_Updater_exe.old")));
+    }
+    QFile::rename(*downloaded, joinPath(folder, QStringLiteral("Kiv_Updater.exe")));
+}
+
+void LoadMainWindow(MonitoringCore& core) {
+    core.records.window.HelpFile =
+        findFile(joinPath(programFolder(), QStringLiteral("Kiv_Skyhold.chm"))).value_or(QString());
+    core.records.window.Caption = core.version.title();
+    LoadSettings(core.records, core.settings, core.forms);
+    SetIdleControls(core.records, true);
+    UpdateMenus(core.records);
+    core.Timer6.Tick = [&core] { showNewsAndUpdateStatus(core); };
+    core.Timer6.arm(10);
+}
+
+bool RequestClose(MonitoringCore& core) {
+    if (core.records.session.ClientCount > 0) {
+        core.showMessage({QStringLiteral("There are other users present - cannot UNLOAD"),
+                          MessageStyle::Ok, QStringLiteral("Warning")});
+        return false;
+    }
+    const bool starting = core.records.session.Starting;
+    core.closeWanted = starting;
+    StopSession(core);
+    return !starting;
+}
+
+void Unload(MonitoringCore& core) {
+    if (!SaveSettings(core.records, core.settings, core.forms))
+        core.showMessage({QStringLiteral("The settings could not be saved to ") +
+                              core.settings.filePath(),
+                          MessageStyle::Ok,
+                          {}});
+    if (core.sensor.connected())
+        core.sensor.CloseSensor(core.records.readings);
+    core.images.deInitialise();
+}
+
+} // namespace skyhold

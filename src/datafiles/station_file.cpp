@@ -1,0 +1,216 @@
+#include "datafiles/station_file.h"
+
+#include "datafiles/station_number.h"
+#include "datafiles/station_table.h"
+#include "platform/files.h"
+#include "platform/text_encoding.h"
+#include "units/cardinal.h"
+
+#include <cmath>
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kUnitCell = 2;
+constexpr int kValueCell = 3;
+
+// Longer cells are shown, and their unit recognised, by this many characters.
+constexpr qsizetype kLongestShown = 255;
+
+// The names without which a quantity would be judged by a 0 that nobody measured.
+constexpr std::array<QStringView, 6> kJudgedNames{u"WindSpeed",   u"Gust",     u"OutTemp",
+                                                  u"OutHumidity", u"DewPoint", u"WindDirection"};
+
+StationRead fromReadResult(ReadResult result) {
+    switch (result) {
+    case ReadResult::Ok:
+        return StationRead::Valid;
+    case ReadResult::Missing:
+        return StationRead::Missing;
+    case ReadResult::NotAFile:
+        return StationRead::NotAFile;
+    case ReadResult::TooLarge:
+        return StationRead::TooLarge;
+    case ReadResult::Unreadable:
+        break;
+    }
+    return StationRead::Unreadable;
+}
+
+QString withoutCharacters(QStringView text, const QString& characters) {
+    QString rest;
+    rest.reserve(text.size());
+    for (const QChar c : text) {
+        if (!characters.contains(c))
+            rest += c;
+    }
+    return rest;
+}
+
+// Fills the entries of the station value table, in index order.
+class EntryFiller {
+  public:
+    EntryFiller(const StationTable& table, const UnitControls& units, const NumberForms& forms,
+                CurrentReadings& readings, ReadingDisplay& display)
+        : table_(table)
+        , units_(units)
+        , forms_(forms)
+        , readings_(readings)
+        , display_(display) {}
+
+    void fillAll() {
+        fillDate();
+        fillTime();
+        fillNumber(2, u"OutTemp");
+        fillNumber(3, u"WindSpeed");
+        fillNumber(4, u"Gust");
+        describe(5, u"WindDirection");
+        show(5, formatNumber(CardinalToDegrees(value(u"WindDirection"), units_.Cardinal), u"0.0",
+                             forms_));
+        describe(6, u"RainDaily");
+        show(6, numberText(std::abs(parseLocaleNumber(value(u"RainDayMin"), forms_) -
+                                    parseLocaleNumber(value(u"RainDayMax"), forms_)),
+                           forms_));
+        describe(7, u"OutHumidity");
+        show(7, numberText(
+                    ParseStationNumber(
+                        withoutCharacters(value(u"OutHumidity"), units_.ExcChrHumidity), forms_),
+                    forms_));
+        fillNumber(8, u"DewPoint");
+        describe(9, u"Barometer");
+        readings_.BarometricPressure = ParseStationNumber(value(u"Barometer"), forms_);
+        show(9, formatNumber(readings_.BarometricPressure, u"0.0", forms_));
+        fillUnit(10, u"OutTemp");
+        fillUnit(11, u"WindSpeed");
+        fillUnit(12, u"Barometer");
+    }
+
+  private:
+    QStringView value(QStringView name) const {
+        return table_.cell(kValueCell, FindRow(table_, name));
+    }
+
+    void describe(std::size_t entry, QStringView description) {
+        display_.LblWSDesc[entry].Caption = description.toString();
+    }
+
+    void show(std::size_t entry, QStringView text) {
+        display_.LblWSValue[entry].Caption =
+            text.first(std::min(text.size(), kLongestShown)).toString();
+    }
+
+    void fillNumber(std::size_t entry, QStringView name) {
+        describe(entry, name);
+        show(entry, numberText(ParseStationNumber(value(name), forms_), forms_));
+    }
+
+    void fillUnit(std::size_t entry, QStringView name) {
+        describe(entry, u"Units");
+        show(entry, table_.cell(kUnitCell, FindRow(table_, name)));
+    }
+
+    // A date that cannot be read leaves both the entry and the station's time as they were.
+    void fillDate() {
+        describe(0, u"Date");
+        const int dateFormat = units_.DateFormat.Index;
+        date_ = ParseStationDate(value(u"Date"), dateFormat);
+        if (!date_)
+            return;
+        readings_.StationDateTime = QDateTime(*date_, QTime(0, 0));
+        show(0, formatDate(readings_.StationDateTime, dateFormat == 1 ? u"mm/dd" : u"dd/mm"));
+    }
+
+    void fillTime() {
+        describe(1, u"Time");
+        const QStringView cell = value(u"Time");
+        const std::optional<QTime> time = parseStationTime(cell);
+        if (!time) {
+            show(1, cell);
+            return;
+        }
+        show(1, time->toString(QStringLiteral("HH:mm:ss")));
+        if (date_)
+            readings_.StationDateTime = QDateTime(*date_, *time);
+    }
+
+    const StationTable& table_;
+    const UnitControls& units_;
+    const NumberForms& forms_;
+    CurrentReadings& readings_;
+    ReadingDisplay& display_;
+    std::optional<QDate> date_; // of this read
+};
+
+// Compares the table with what earlier reads found, and adds what this one found.
+StationRead judgeNames(const StationTable& table, StationFileMemory& memory) {
+    bool any = false;
+    bool lacking = false;
+    for (std::size_t i = 0; i < kJudgedNames.size(); ++i) {
+        const bool found = FindRow(table, kJudgedNames[i]) > 0;
+        any = any || found;
+        lacking = lacking || (memory.namesFound[i] && !found);
+        memory.namesFound[i] = memory.namesFound[i] || found;
+    }
+    if (!any)
+        return StationRead::NoReadings;
+    return lacking ? StationRead::Incomplete : StationRead::Valid;
+}
+
+// True when a CSV text stops in the middle of a record, as far as can be told.
+bool tornCsv(const QString& text, const StationTable& table, StationFileMemory& memory) {
+    const bool lineEnd = text.endsWith(u'\n') || text.endsWith(u'\r');
+    const bool torn = table.cutShort() || (memory.endedInLineEnd && !lineEnd);
+    memory.endedInLineEnd = memory.endedInLineEnd || (lineEnd && !table.cutShort());
+    return torn;
+}
+
+} // namespace
+
+StationRead ReadStationFile(const StationFileControls& controls, const UnitControls& units,
+                            const NumberForms& forms, const QString& fileTimeText,
+                            StationFileMemory& memory, CurrentReadings& readings,
+                            ReadingDisplay& display) {
+    const QString path = controls.HTMFile.Caption;
+    const std::optional<QString> file = findFile(path);
+    if (!file)
+        return StationRead::Missing;
+    const FileContents contents = readFile(*file, kStationFileLimit);
+    if (contents.result != ReadResult::Ok)
+        return fromReadResult(contents.result);
+    readings.LastFileTime = fileTimeText;
+    if (contents.bytes.contains('\0'))
+        return StationRead::NotText;
+
+    const QString text = decodeText(contents.bytes);
+    const bool csv = path.contains(QStringLiteral(".csv"));
+    const StationTable table = csv ? ParseCsvTable(text) : ParseHtmlTable(text);
+    EntryFiller(table, units, forms, readings, display).fillAll();
+
+    const StationRead names = judgeNames(table, memory);
+    const bool torn = csv && tornCsv(text, table, memory);
+    return names == StationRead::Valid && torn ? StationRead::Incomplete : names;
+}
+
+QString stationReadStatus(StationRead read) {
+    switch (read) {
+    case StationRead::Valid:
+        return {};
+    case StationRead::Missing:
+        return QStringLiteral("Weather Station Data - file not available");
+    case StationRead::NotAFile:
+    case StationRead::Unreadable:
+        return QStringLiteral("Weather Station Data - not a readable file");
+    case StationRead::TooLarge:
+        return QStringLiteral("Weather Station Data - file too large (over 16 MB)");
+    case StationRead::NotText:
+        return QStringLiteral("Weather Station Data - not a text file");
+    case StationRead::NoReadings:
+        return QStringLiteral("Weather Station Data - no readings in file");
+    case StationRead::Incomplete:
+        break;
+    }
+    return QStringLiteral("Weather Station Data - file not complete");
+}
+
+} // namespace skyhold

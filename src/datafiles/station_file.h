@@ -1,0 +1,50 @@
+// The weather station's data file: found, read and shown in the station value table.
+#pragma once
+
+#include "platform/text_forms.h"
+#include "records/current_readings.h"
+#include "records/file_controls.h"
+#include "records/reading_display.h"
+#include "records/unit_controls.h"
+
+#include <array>
+
+namespace skyhold {
+
+// A station's file is a few kilobytes; a larger one was chosen by mistake and is not read.
+constexpr std::int64_t kStationFileLimit = 16 * 1024 * 1024;
+
+// What earlier reads of the session found in the file. A file that is read while the station
+// writes it lacks something of that; its values must not pass for those of a calm night.
+struct StationFileMemory {
+    std::array<bool, 6> namesFound{};
+    bool endedInLineEnd = false; // of a CSV file
+
+    // At every session start.
+    void reset() { *this = {}; }
+};
+
+enum class StationRead {
+    Valid,
+    Missing,
+    NotAFile, // a folder, a pipe or a device
+    Unreadable,
+    TooLarge,   // over kStationFileLimit
+    NotText,    // holds NUL bytes
+    NoReadings, // none of the names that the conditions are judged by
+    Incomplete  // lacks what the memory holds
+};
+
+// Fills the station value table and, from it, StationDateTime and BarometricPressure; records
+// `fileTimeText`, the modification time that the caller took before this read, as LastFileTime.
+// Up to NotText in the list above nothing is filled (and NotText alone records the time); after it
+// every entry is, a missing one with 0 or an empty text, but only Valid values may be judged.
+StationRead ReadStationFile(const StationFileControls& controls, const UnitControls& units,
+                            const NumberForms& forms, const QString& fileTimeText,
+                            StationFileMemory& memory, CurrentReadings& readings,
+                            ReadingDisplay& display);
+
+// The text for the status line, empty for Valid.
+QString stationReadStatus(StationRead read);
+
+} // namespace skyhold

@@ -1,0 +1,179 @@
+#include "platform/automation_client.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QPointer>
+
+#include <algorithm>
+#include <limits>
+
+namespace skyhold {
+
+namespace {
+
+// Starting a program may take longer than a call to one that runs.
+constexpr int kActivationTimeoutMs = 15'000;
+
+AutomationReply failure(const QString& text) { return {{}, AutomationError::Fail, text}; }
+
+AutomationError errorNamed(const QString& name) {
+    for (const AutomationError error :
+         {AutomationError::UnknownName, AutomationError::MemberNotFound,
+          AutomationError::BadParamCount, AutomationError::TypeMismatch,
+          AutomationError::Exception, AutomationError::NoInterface}) {
+        if (errorForm(error).name == name)
+            return error;
+    }
+    return AutomationError::Fail;
+}
+
+bool isTimeout(QDBusError::ErrorType type) {
+    return type == QDBusError::NoReply || type == QDBusError::Timeout ||
+           type == QDBusError::TimedOut;
+}
+
+bool isGone(QDBusError::ErrorType type) {
+    return type == QDBusError::ServiceUnknown || type == QDBusError::UnknownObject ||
+           type == QDBusError::Disconnected;
+}
+
+// An object reached through the unique name of the connection that made it, so that a program that
+// takes over the well-known name is never mistaken for it.
+class BusObject : public DispatchObject {
+  public:
+    BusObject(const QDBusConnection& bus, const QString& owner, const QString& path)
+        : bus_(bus), owner_(owner), path_(path) {
+        spent_.start();
+    }
+
+    ~BusObject() override {
+        if (alive_)
+            bus_.send(message(QStringLiteral("Release")));
+    }
+
+    AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) override {
+        if (!alive_)
+            return failure(QStringLiteral("the program has gone"));
+        if (hung_)
+            return failure(QStringLiteral("the program does not answer"));
+        const qint64 left = budgetMs_ - spent_.elapsed();
+        if (left <= 0) {
+            giveUp();
+            return failure(QStringLiteral("the program answers too slowly"));
+        }
+        QDBusMessage call = message(QStringLiteral("InvokeByName"));
+        call << name << use << QVariant(toBus(arguments));
+        QElapsedTimer timer;
+        timer.start();
+        const int timeout = static_cast<int>(std::min<qint64>(kCallTimeoutMs, left));
+        const QDBusMessage reply = bus_.call(call, QDBus::Block, timeout);
+        if (reply.type() == QDBusMessage::ReplyMessage)
+            return answer(reply, arguments);
+
+        const QDBusError error(reply);
+        // The bus answers "no reply" as well when the program ends in mid-call, and at once.
+        if (isTimeout(error.type()) && timer.elapsed() >= timeout - 50)
+            giveUp();
+        else if (isTimeout(error.type()) || isGone(error.type()))
+            alive_ = false;
+        return {{}, errorNamed(reply.errorName()), reply.errorMessage()};
+    }
+
+    bool alive() const override { return alive_; }
+
+    void beginCalls(int ms) override {
+        budgetMs_ = ms;
+        spent_.start();
+    }
+
+  private:
+    QDBusMessage message(const QString& method) const {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            owner_, path_, QString::fromLatin1(kDispatchInterface), method);
+        call.setAutoStartService(false);
+        return call;
+    }
+
+    static AutomationReply answer(const QDBusMessage& reply, QVariantList& arguments) {
+        const QVariantList answered = reply.arguments();
+        if (answered.isEmpty())
+            return failure(QStringLiteral("the answer is empty"));
+        if (answered.size() > 1) {
+            const QVariant changed = fromBus(answered[1]);
+            if (changed.toList().size() == arguments.size())
+                arguments = changed.toList();
+        }
+        return {fromBus(answered[0]), AutomationError::None, {}};
+    }
+
+    // From now on calls fail at once; a probe without time limit asks the object, and its answer,
+    // whatever it is, ends that.
+    void giveUp() {
+        hung_ = true;
+        QDBusMessage call = message(QStringLiteral("GetIDsOfNames"));
+        call << QStringList{QStringLiteral("Version")};
+        probe_ = std::make_unique<QDBusPendingCallWatcher>(
+            bus_.asyncCall(call, std::numeric_limits<int>::max()));
+        QObject::connect(probe_.get(), &QDBusPendingCallWatcher::finished, probe_.get(),
+                         [this](QDBusPendingCallWatcher* watcher) {
+                             hung_ = false;
+                             if (isGone(watcher->error().type()) ||
+                                 isTimeout(watcher->error().type()))
+                                 alive_ = false;
+                             probe_.release()->deleteLater();
+                         });
+    }
+
+    QDBusConnection bus_;
+    QString owner_;
+    QString path_;
+    bool alive_ = true;
+    bool hung_ = false;
+    int budgetMs_ = std::numeric_limits<int>::max();
+    QElapsedTimer spent_;
+    std::unique_ptr<QDBusPendingCallWatcher> probe_;
+};
+
+// Starts the program of `name` through the bus while events are served.
+void activate(const QDBusConnection& bus, const QString& name) {
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("StartServiceByName"));
+    call << name << 0U;
+    QDBusPendingCallWatcher watcher(bus.asyncCall(call, kActivationTimeoutMs));
+    QEventLoop loop;
+    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+std::unique_ptr<DispatchObject> create(const QDBusConnection& bus, const QString& programId) {
+    if (!bus.isConnected())
+        return nullptr;
+    if (!bus.interface()->isServiceRegistered(programId))
+        activate(bus, programId);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(programId, factoryPath(programId),
+                                       QString::fromLatin1(kFactoryInterface),
+                                       QStringLiteral("CreateInstance"));
+    call.setAutoStartService(false);
+    const QDBusMessage reply = bus.call(call, QDBus::Block, kCallTimeoutMs);
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
+        return nullptr;
+    const auto path = reply.arguments().constFirst().value<QDBusObjectPath>();
+    if (path.path().isEmpty())
+        return nullptr;
+    return std::make_unique<BusObject>(bus, reply.service(), path.path());
+}
+
+} // namespace
+
+CreateObject busObjectCreator(const QDBusConnection& bus) {
+    registerAutomationTypes();
+    return [bus](const QString& programId) { return create(bus, programId); };
+}
+
+} // namespace skyhold

@@ -1,0 +1,215 @@
+#include "sensor/sensor_link.h"
+
+#include "platform/text_forms.h"
+
+#include <utility>
+
+namespace skyhold {
+
+namespace {
+
+const QString kProgramId = QStringLiteral("Kiv_Nubilo.Nubilo");
+constexpr double kMinimumVersion = 5.2;
+
+// All calls of one read cycle together; a sensor program that answers slowly must not hold the
+// window, and what it could not answer in this time counts as failed.
+constexpr int kCycleBudgetMs = 2500;
+
+} // namespace
+
+SensorLink::SensorLink(CreateObject createObject, Clock& clock)
+    : createObject_(std::move(createObject)), clock_(clock) {}
+
+bool SensorLink::OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage) {
+    wanted_ = true;
+    bool& ready = records.readings.SensorDataReady;
+    ready = prepare(records, showMessage) && waitForData(records.session.NBTimeout);
+    return ready;
+}
+
+bool SensorLink::prepare(const SensorLinkRecords& records, const ShowMessage& showMessage) {
+    object_ = createObject_(kProgramId);
+    if (!object_)
+        return false;
+    object_->beginCalls(kCycleBudgetMs);
+    if (!CheckSensorVersion(showMessage)) {
+        object_.reset();
+        return false;
+    }
+    settleRole(records);
+    call(QStringLiteral("Kiv_LocalControl"), {true, QStringLiteral("Kiv_Skyhold has control")});
+    call(QStringLiteral("Device_Start"));
+    return true;
+}
+
+bool SensorLink::CheckSensorVersion(const ShowMessage& showMessage) {
+    const QString version = readText(QStringLiteral("Version")).value_or(QString());
+    if (version.size() < 4)
+        return false;
+    // The last four characters are the build.
+    if (leadingNumber(QStringView(version).chopped(4)) >= kMinimumVersion)
+        return true;
+    if (showMessage)
+        showMessage(
+            {QStringLiteral("Version of Kiv_Nubilo must be equal or greater than 5.2x"), {}, {}});
+    return false;
+}
+
+void SensorLink::settleRole(const SensorLinkRecords& records) {
+    const std::optional<QString> role = readText(QStringLiteral("Kiv_DeviceRole"));
+    if (!role) // no answer settles nothing; the failure is reported by the cycle
+        return;
+    const bool master = *role == QStringLiteral("MASTER");
+    if (master) {
+        write(QStringLiteral("Kiv_DeviceSwitchCtrl"), true);
+        Disp_SwitchLabels(records.session, records.display);
+    } else {
+        records.session.SWRole.choose(1);
+        records.display.LblSwitch.Visible = false;
+        records.display.LValSwitch.Visible = false;
+        records.session.SwitchControl = false;
+    }
+    // A master sounds its own alarm when its data is old.
+    records.alarms.AlarmNB.Visible = !master;
+    records.conditions.NBDataOldUnsafe.Visible = !master;
+    records.alarms.TimeoutAlarmCaption.Caption =
+        master ? QString() : QStringLiteral("Timeout Alarm");
+}
+
+bool SensorLink::waitForData(const NumberBox& timeout) {
+    const std::int64_t begun = clock_.MsClock();
+    const auto ready = [this] {
+        if (!object_) // closed while waiting
+            return false;
+        object_->beginCalls(kCycleBudgetMs);
+        return readBoolean(QStringLiteral("DataReady")).value_or(false);
+    };
+    while (object_) {
+        const double limit = timeout.Value * 1000;
+        const bool inTime = static_cast<double>(clock_.MsClock() - begun) <= limit;
+        if (!inTime || ready() || limit <= 0)
+            break;
+        clock_.waitServingEvents(1000);
+    }
+    return ready();
+}
+
+void SensorLink::CloseSensor(CurrentReadings& readings) {
+    wanted_ = false;
+    readings.SensorDataReady = false;
+    if (!object_)
+        return;
+    object_->beginCalls(kCycleBudgetMs);
+    call(QStringLiteral("Kiv_LocalControl"), {false, QString()});
+    object_.reset();
+}
+
+void SensorLink::beginCycle(const SensorLinkRecords& records) {
+    // What failed after the last cycle had reported a failure belongs to that failure.
+    if (records.readings.SensorError)
+        callFailed_ = false;
+    if (object_ && object_->alive()) {
+        object_->beginCalls(kCycleBudgetMs);
+        return;
+    }
+    if (wanted_ && !prepare(records, nullptr))
+        callFailed_ = true;
+}
+
+bool SensorLink::takeCallFailure() { return std::exchange(callFailed_, false); }
+
+AutomationReply SensorLink::forward(const QString& name, unsigned use, QVariantList& arguments) {
+    if (!object_)
+        return {{}, AutomationError::Fail, QStringLiteral("Kiv_Nubilo is not connected")};
+    return object_->invoke(name, use, arguments);
+}
+
+std::optional<QVariant> SensorLink::read(const QString& name, QVariantList arguments) {
+    AutomationReply reply = forward(name, kRead, arguments);
+    if (!reply.ok()) {
+        callFailed_ = true;
+        return std::nullopt;
+    }
+    return std::move(reply.result);
+}
+
+namespace {
+
+// A value that does not convert is as good as no answer.
+template <typename Convert>
+auto converted(const std::optional<QVariant>& value, bool& failed, Convert convert)
+    -> decltype(convert(*value)) {
+    if (!value)
+        return std::nullopt;
+    auto result = convert(*value);
+    if (!result)
+        failed = true;
+    return result;
+}
+
+} // namespace
+
+std::optional<double> SensorLink::readReal(const QString& name) {
+    return converted(read(name), callFailed_, toReal);
+}
+
+std::optional<std::int32_t> SensorLink::readInt32(const QString& name) {
+    return converted(read(name), callFailed_, toInt32);
+}
+
+std::optional<bool> SensorLink::readBoolean(const QString& name) {
+    return converted(read(name), callFailed_, toBoolean);
+}
+
+std::optional<QString> SensorLink::readText(const QString& name) {
+    return converted(read(name), callFailed_, toText);
+}
+
+bool SensorLink::write(const QString& name, const QVariant& value) {
+    QVariantList arguments{value};
+    const bool ok = forward(name, kPropertyPut, arguments).ok();
+    callFailed_ = callFailed_ || !ok;
+    return ok;
+}
+
+bool SensorLink::callByReference(const QString& name, QVariantList& arguments) {
+    const bool ok = forward(name, kMethod, arguments).ok();
+    callFailed_ = callFailed_ || !ok;
+    return ok;
+}
+
+bool SensorLink::call(const QString& name, QVariantList arguments) {
+    return callByReference(name, arguments);
+}
+
+QString SensorLink::levelDescription(Quantity quantity, std::int32_t level) {
+    static const std::array<std::array<QString, 3>, 3> names{
+        {{QStringLiteral("DescriptionClear"), QStringLiteral("DescriptionCloudy"),
+          QStringLiteral("DescriptionVCloudy")},
+         {QStringLiteral("DescriptionDry"), QStringLiteral("DescriptionWet"),
+          QStringLiteral("DescriptionRain")},
+         {QStringLiteral("DescriptionDark"), QStringLiteral("DescriptionLight"),
+          QStringLiteral("DescriptionVLight")}}};
+    const auto row = static_cast<std::size_t>(quantity);
+    if (row >= names.size() || level < 1 || level > 3)
+        return {};
+    return readText(names[row][static_cast<std::size_t>(level - 1)]).value_or(QString());
+}
+
+void Disp_SwitchLabels(SessionControls& session, ReadingDisplay& display) {
+    const bool driven = session.SWRole.Index == 0;
+    display.LblSwitch.Visible = driven;
+    display.LValSwitch.Visible = driven;
+    session.SwitchControl = driven;
+}
+
+void SetSwitch(SensorLink& sensor, const SessionControls& session, std::int32_t value) {
+    if (!session.Running || session.SWRole.Index != 1)
+        return;
+    if (sensor.readText(QStringLiteral("Kiv_DeviceRole")) != QStringLiteral("MASTER"))
+        return;
+    QVariantList arguments{value};
+    sensor.callByReference(QStringLiteral("Kiv_SetSwitch"), arguments);
+}
+
+} // namespace skyhold

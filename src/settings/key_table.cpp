@@ -1,0 +1,311 @@
+#include "settings/key_table.h"
+
+#include "platform/files.h"
+#include "settings/level_keys.h"
+
+namespace skyhold {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr std::array kCardinalPoints{"N", "NNE", "NE", "ENE", "E", "ESE", "SE", "SSE",
+                                     "S", "SSW", "SW", "WSW", "W", "WNW", "NW", "NNW"};
+
+constexpr std::array kColumnHeaders{"Date",
+                                    "Time",
+                                    "Cloud Condition",
+                                    "Rain Condition",
+                                    "Wind Condition",
+                                    "Gust Condition",
+                                    "Temperature Condition",
+                                    "DewPoint Condition",
+                                    "Humidity Condition",
+                                    "Brightness Condition",
+                                    "Cloud Value",
+                                    "Rain Value",
+                                    "Wind Speed",
+                                    "Gust Speed",
+                                    "Wind Direction",
+                                    "Ambient Temperature",
+                                    "DewPoint",
+                                    "Humidity",
+                                    "Brightness Value",
+                                    "Rain Heating Percentage",
+                                    "Rain Sensor Temperature",
+                                    "Cloud Sensor Temperature",
+                                    "Heating Status",
+                                    "Switch Status",
+                                    "Safe Condtition"};
+
+constexpr int kMaxColumnHeader = 25;
+constexpr int kMaxUploadEntries = 9999;
+constexpr IntegerRange kScrollRange{0, 32767};
+constexpr IntegerRange kTabRange{0, 9};
+
+// "Cadinal01"
+QString twoDigitKey(const char* stem, int number) {
+    return latin(stem) + QString::number(number).rightJustified(2, u'0');
+}
+
+// Left and Top: an absent or unusable coordinate leaves the window unplaced, and it is centred.
+template <class Window, class Coordinate>
+void positionRow(KeyRows& rows, const QString& key, Window& window, Coordinate& coordinate,
+                 bool first, const QString& holds) {
+    KeyRow& row = rows.add(KeyType::Integer, key, QString(), holds);
+    row.defaultName = u"centred"_s;
+    row.lowest = -32768;
+    row.highest = 32767;
+    row.text = [&window, &coordinate](const NumberForms&) {
+        return window.Placed ? QString::number(coordinate.value()) : QString();
+    };
+    if constexpr (!std::is_const_v<Window>)
+        row.load = [&window, &coordinate, first](const QString& stored, const NumberForms& forms) {
+            const auto value = storedInteger(stored, forms, -32768, 32767);
+            window.Placed = value.has_value() && (first || window.Placed);
+            if (value)
+                coordinate = *value;
+            return value.has_value() || stored.isEmpty();
+        };
+}
+
+template <class AnyRecords>
+void windowRows(KeyRows& rows, AnyRecords& r) {
+    auto& window = r.window;
+    rows.section(u"Window"_s);
+    rows.text(u"LastUpdateMsg"_s, u""_s, window.LastUpdateMsg,
+              u"status of the last update, shown once at the next start"_s);
+    rows.number(u"SafeDelayVal"_s, u"0"_s, r.conditions.SafeDelayVal,
+                u"seconds for which a return to safe is held back"_s);
+    positionRow(rows, u"Left"_s, window, window.Left, true, u"main window, left edge"_s);
+    positionRow(rows, u"Top"_s, window, window.Top, false, u"main window, top edge"_s);
+    rows.integer(u"SSTab1"_s, 0, kTabRange, window.SSTab1, u"selected page of tab strip 1"_s);
+    rows.integer(u"SSTab2"_s, 1, kTabRange, window.SSTab2, u"selected page of tab strip 2"_s);
+    rows.integer(u"SSTab3"_s, 0, kTabRange, window.SSTab3, u"selected page of tab strip 3"_s);
+
+    auto& units = r.units;
+    rows.text(u"StringKPH"_s, u"KM/HR KM/H KPH"_s, units.StringKPH,
+              u"unit texts of the station file that mean km/h"_s);
+    rows.text(u"StringMPS"_s, u"M/S MPS"_s, units.StringMPS, u"unit texts that mean m/s"_s);
+    rows.text(u"StringMPH"_s, u"MPH"_s, units.StringMPH, u"unit texts that mean mph"_s);
+    rows.text(u"StringKNOTS"_s, u"KNOTS KTS KT"_s, units.StringKNOTS,
+              u"unit texts that mean knots"_s);
+    rows.text(u"StringDC"_s, u"C"_s, units.StringDC,
+              u"pieces, separated by \";\", of unit texts that mean °C"_s);
+    rows.text(u"StringDF"_s, u"F"_s, units.StringDF,
+              u"pieces, separated by \";\", of unit texts that mean °F"_s);
+    rows.text(u"ExcChrHumidity"_s, u"%"_s, units.ExcChrHumidity,
+              u"characters that are removed from humidity values"_s);
+}
+
+template <class AnyRecords>
+void unitOptionRows(KeyRows& rows, AnyRecords& r) {
+    rows.section(u"Limit"_s);
+    rows.options({u"UnitsTemp0"_s, u"UnitsTemp1"_s}, 0, r.units.UnitsTemp,
+                 {u"temperatures in °C"_s, u"temperatures in °F"_s});
+    rows.options(
+        {u"UnitsSpeed0"_s, u"UnitsSpeed1"_s, u"UnitsSpeed2"_s, u"UnitsSpeed3"_s}, 0,
+        r.units.UnitsSpeed,
+        {u"speeds in km/h"_s, u"speeds in mph"_s, u"speeds in m/s"_s, u"speeds in knots"_s});
+    rows.options(
+        {u"DateFormat0"_s, u"DateFormat1"_s}, 0, r.units.DateFormat,
+        {u"dates of the station file are dd/mm/yy"_s, u"dates of the station file are mm/dd/yy"_s});
+}
+
+template <class AnyRecords>
+void cardinalAndFolderRows(KeyRows& rows, AnyRecords& r) {
+    rows.section(u"Window"_s);
+    for (int k = 0; k < 16; ++k) {
+        const auto i = static_cast<std::size_t>(k);
+        rows.text(twoDigitKey("Cadinal", k + 1), latin(kCardinalPoints[i]), r.units.Cardinal[i],
+                  u"label for a wind from %1°"_s.arg(k * 22.5));
+    }
+    rows.text(u"FileNameCCDAP4"_s, u"Kiv_CCDAP4_II.dat"_s, r.ccdap.FileNameCCDAP4.Text,
+              u"name of the CCDAutopilot weather file; empty: not written"_s);
+    rows.folder(u"PathNameCCDAP4"_s, writableProgramFolder(), r.ccdap.LblPathNameCCDAP4.Caption,
+                u"its folder"_s);
+    auto& window = r.window;
+    const QString scroll = u"scroll position of a pane"_s;
+    rows.integer(u"VScrollPos0"_s, 0, kScrollRange, window.VScrollPos0, scroll);
+    rows.integer(u"VScrollPos1"_s, 0, kScrollRange, window.VScrollPos1, scroll);
+    rows.integer(u"VScrollPos3"_s, 15, kScrollRange, window.VScrollPos3, scroll);
+    rows.integer(u"HScrollPos2"_s, 15, kScrollRange, window.HScrollPos2, scroll);
+    rows.text(u"LastMusicDir"_s, u""_s, r.alarms.LastMusicDir,
+              u"folder in which a sound was last chosen"_s);
+}
+
+template <class Upload>
+void uploadCountRow(KeyRows& rows, Upload& upload) {
+    KeyRow& row = rows.add(KeyType::Integer, u"NoFiles"_s, u"0"_s,
+                           u"number of entries of the upload list; entry *n* has the keys "
+                           "\"FileName*n*\", \"FilePath*n*\" and \"FileUpload*n*\""_s);
+    row.highest = kMaxUploadEntries;
+    row.text = [&upload](const NumberForms&) {
+        return QString::number(upload.Files.size());
+    };
+    if constexpr (!std::is_const_v<Upload>)
+        row.load = [&upload](const QString& stored, const NumberForms& forms) {
+            const auto count = storedInteger(stored, forms, 0, kMaxUploadEntries);
+            if (count)
+                upload.Files.assign(static_cast<std::size_t>(*count), FileItem());
+            return count.has_value();
+        };
+}
+
+template <class AnyRecords>
+void setupRows(KeyRows& rows, AnyRecords& r) {
+    auto& session = r.session;
+    auto& upload = r.upload;
+    const auto highestEntry = [](const ComboBox& box) {
+        return static_cast<int>(box.Entries.size()) - 1;
+    };
+    rows.section(u"Setup"_s);
+    rows.check(u"ReadStation"_s, true, session.flgReadStation,
+               u"the weather station's file is read"_s);
+    rows.check(u"Upload"_s, false, session.flgUpload, u"files are handed to the uploader"_s);
+    rows.text(u"HTMFile"_s, u""_s, r.stationFile.HTMFile.Caption,
+              u"path of the weather station's file"_s);
+    rows.text(u"Server"_s, u""_s, upload.ServerAddress.Text, u"upload server"_s);
+    rows.text(u"ServerPath"_s, u""_s, upload.ServerPath.Text, u"folder on the server"_s);
+    rows.text(u"Username"_s, u""_s, upload.UserName.Text, u"user name on the server"_s);
+    rows.text(u"Password"_s, u""_s, upload.PassWord.Text,
+              u"password on the server, stored as entered"_s);
+    rows.integer(u"UploadOnSec"_s, 15, {0, 99}, upload.UploadOnSec, u"second of the upload"_s);
+    rows.integer(u"TimeoutUPLOAD"_s, 60, {0, 999}, upload.TimeoutUPLOAD,
+                 u"time-out of an upload in seconds"_s);
+    uploadCountRow(rows, upload);
+    rows.integer(u"NBTimeout"_s, 10, {0, 999}, session.NBTimeout,
+                 u"seconds to wait for the sensor program's first data"_s);
+    rows.integer(u"RefreshUpload"_s, 3, {0, highestEntry(upload.RefreshUpload)},
+                 upload.RefreshUpload, u"upload check every 5, 10, 30 or 60 s"_s);
+    rows.integer(u"RefreshRead"_s, 1, {0, highestEntry(session.RefreshRead)}, session.RefreshRead,
+                 u"read cycle every 5, 10, 30 or 60 s"_s);
+    rows.integer(u"TimeoutREAD"_s, 3, {0, 999}, r.stationFile.TimeoutREAD,
+                 u"minutes after which station data is too old"_s);
+    rows.text(u"UploadDir"_s, u""_s, upload.UploadDir, u"working folder of the uploader"_s);
+    rows.check(u"SuspendAlarm"_s, false, r.alarms.SuspendSoundAlarm,
+               u"alarm sounds are suspended"_s);
+    rows.check(u"Emulator"_s, true, session.EmulatorFlag,
+               u"state of \"Connect to Kiv_Skyhold\"; absent: the program was never set up"_s);
+    rows.options({u"SWRole0"_s, u"SWRole1"_s}, 0, session.SWRole,
+                 {u"the monitor drives the roof switch"_s,
+                  u"the monitor leaves the roof switch to its clients"_s});
+}
+
+template <class AnyRecords>
+void graphRows(KeyRows& rows, AnyRecords& r) {
+    auto& graphs = r.graphs;
+    constexpr std::array names{"Wind", "Gust", "Dir", "Dew", "Hum", "Temp"};
+    constexpr std::size_t direction = 2;
+    rows.section(u"Graphs"_s);
+    rows.integer(u"GraphNoPoints"_s, 120, {20, 2000, true}, graphs.GraphNoPoints,
+                 u"points kept in the history"_s);
+    rows.integer(u"GraphFreq"_s, 6, {1, 99}, graphs.GraphFreq, u"read cycles per point"_s);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        rows.check(u"Generate"_s + latin(names[i]), true, graphs.GraphGenerate[i],
+                   u"this graph is drawn"_s);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        rows.check(u"Image"_s + latin(names[i]), true, graphs.GraphImage[i],
+                   u"this graph is saved as an image"_s);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const QString key = u"GraphColor"_s + latin(names[i]);
+        rows.colour(key + u'0', 0x404040, graphs.GraphColor[i][0], u"first colour of the graph"_s);
+        rows.colour(key + u'1', i == direction ? 0x0000FF : 0xC00000, graphs.GraphColor[i][1],
+                    u"second colour of the graph"_s);
+        if (i == direction)
+            rows.colour(key + u'2', 0xFFFFC0, graphs.GraphColor[i][2],
+                        u"third colour of the graph"_s);
+    }
+    rows.check(u"ImageType"_s, true, graphs.ImageType, u"images are PNG files, else JPEG"_s);
+    rows.options({u"QualityTop"_s, u"QualityGood"_s, u"QualityNormal"_s}, 2, graphs.ImageQuality,
+                 {u"best JPEG quality"_s, u"good JPEG quality"_s, u"normal JPEG quality"_s});
+    rows.folder(u"GraphImagePath"_s, writableProgramFolder(), graphs.GraphImagePath.Caption,
+                u"folder of the images"_s);
+}
+
+template <class AnyRecords>
+void dataFileRows(KeyRows& rows, AnyRecords& r) {
+    auto& file = r.dataFile;
+    rows.section(u"Window"_s);
+    rows.text(u"FileName"_s, u"Skyhold"_s, file.FileName.Text,
+              u"name of the user data file, without its \".csv\""_s);
+    rows.folder(u"PathName"_s, writableProgramFolder(), file.LblPathName.Caption, u"its folder"_s);
+    rows.integer(u"FreqSave"_s, 1, {1, 999}, file.SaveFreq, u"read cycles per line"_s);
+    rows.text(u"Kiv_News"_s, u""_s, r.window.Kiv_News,
+              u"news of the last update check; empty: nothing to show"_s);
+
+    rows.section(u"File"_s);
+    for (int slot = 1; slot <= 25; ++slot) {
+        auto& column = file.Columns[static_cast<std::size_t>(slot - 1)];
+        const DataColumn fresh = defaultDataColumn(slot);
+        KeyRow& header = rows.text(twoDigitKey("Hdr", slot), fresh.Hdr, column.Hdr,
+                                   u"heading of column %1, at most 25 characters"_s.arg(slot));
+        if constexpr (!std::is_const_v<AnyRecords>)
+            header.load = [&column](const QString& stored, const NumberForms&) {
+                column.Hdr = stored.left(kMaxColumnHeader);
+                return true;
+            };
+        rows.integer(twoDigitKey("Cal", slot), fresh.Cal, {1, 25}, column.Cal,
+                     u"data item of column %1"_s.arg(slot));
+        rows.boolean(twoDigitKey("Prt", slot), fresh.Prt, column.Prt,
+                     u"column %1 is written"_s.arg(slot));
+    }
+    rows.check(u"DispFileNameOnly"_s, false, r.upload.DispFileNameOnly,
+               u"the upload list shows names without folders"_s);
+}
+
+template <class AnyRecords>
+std::vector<KeyRow> allRows(AnyRecords& r) {
+    KeyRows rows;
+    windowRows(rows, r);
+    unitOptionRows(rows, r);
+    cardinalAndFolderRows(rows, r);
+    setupRows(rows, r);
+    limitRows(rows, r.conditions);
+    descriptionRows(rows, r.conditions);
+    colourRows(rows, r.conditions);
+    unsafeRows(rows, r.conditions);
+    alarmRows(rows, r.alarms);
+    graphRows(rows, r);
+    staleDataRows(rows, r.alarms, r.conditions);
+    dataFileRows(rows, r);
+    return rows.take();
+}
+
+template <class Upload>
+std::vector<KeyRow> entryRows(Upload& upload) {
+    KeyRows rows;
+    rows.section(u"Setup"_s);
+    for (std::size_t i = 0; i < upload.Files.size(); ++i) {
+        auto& item = upload.Files[i];
+        const QString n = QString::number(i + 1);
+        rows.text(u"FileName"_s + n, u""_s, item.fName, u"name of upload entry "_s + n);
+        rows.text(u"FilePath"_s + n, u""_s, item.fPath, u"folder of upload entry "_s + n);
+        rows.boolean(u"FileUpload"_s + n, false, item.fUploadOnce,
+                     u"upload entry %1 is uploaded once only"_s.arg(n));
+    }
+    return rows.take();
+}
+
+} // namespace
+
+std::vector<KeyRow> keyTable(Records& records) {
+    return allRows(records);
+}
+std::vector<KeyRow> keyTable(const Records& records) {
+    return allRows(records);
+}
+
+std::vector<KeyRow> uploadEntryRows(UploadControls& upload) {
+    return entryRows(upload);
+}
+std::vector<KeyRow> uploadEntryRows(const UploadControls& upload) {
+    return entryRows(upload);
+}
+
+DataColumn defaultDataColumn(int slot) {
+    return {
+        .Hdr = latin(kColumnHeaders[static_cast<std::size_t>(slot - 1)]), .Cal = slot, .Prt = true};
+}
+
+} // namespace skyhold

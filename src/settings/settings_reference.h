@@ -1,0 +1,11 @@
+// The reference page of all settings.
+#pragma once
+
+#include <QString>
+
+namespace skyhold {
+
+// docs/settings.md, made from the key table.
+QString settingsReference();
+
+} // namespace skyhold

@@ -1,0 +1,60 @@
+#include "terminal.h"
+
+#include "platform/text_forms.h"
+
+#include <cstdio>
+
+namespace skyhold {
+
+namespace {
+
+MessageAnswer safestAnswer(MessageStyle style) {
+    switch (style) {
+    case MessageStyle::YesNo:
+        return MessageAnswer::No;
+    case MessageStyle::YesNoCancel:
+        return MessageAnswer::Cancel;
+    case MessageStyle::Ok:
+        break;
+    }
+    return MessageAnswer::Ok;
+}
+
+QString reading(const char* name, const Label& value, const Label& condition) {
+    const QString text = QStringLiteral("%1 %2 %3")
+                             .arg(QLatin1String(name), value.Caption.value(),
+                                  condition.Caption.value());
+    return text.simplified();
+}
+
+} // namespace
+
+ShowMessage terminalMessages() {
+    return [](const Message& message) {
+        const QString title = message.title.isEmpty() ? QStringLiteral("Kiv_Skyhold") : message.title;
+        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message.text));
+        return safestAnswer(message.style);
+    };
+}
+
+QString cycleLine(const Records& records, const QDateTime& now) {
+    const ReadingDisplay& show = records.display;
+    const QStringList parts{
+        formatDate(now, u"yyyy-mm-dd hh:mm:ss"),
+        records.conditions.LblStatus.Caption.value().toUpper().leftJustified(6),
+        show.LblCause.Caption,
+        reading("cloud", show.LValCloud, show.LCondCloud),
+        reading("rain", show.LValRain, show.LCondRain),
+        reading("light", show.LValBrightness, show.LCondBrightness),
+        reading("temperature", show.LValTemperature, show.LCondTemp),
+        reading("wind", show.LValWindSpeed, show.LCondWind),
+        reading("gust", show.LValWindGust, show.LCondGust),
+        reading("direction", show.LValWindDir, Label()),
+        reading("dew point", show.LValDewPoint, show.LCondDewPoint),
+        reading("humidity", show.LValHumidity, show.LCondHumidity),
+        records.session.Statusbar1.Caption,
+        records.session.Statusbar2.Caption};
+    return parts.join(QStringLiteral(" | "));
+}
+
+} // namespace skyhold

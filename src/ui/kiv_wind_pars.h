@@ -1,0 +1,40 @@
+// The editor of a wind level's sector and minimum time.
+#pragma once
+
+#include "conditions/sectors.h"
+
+#include <QDialog>
+
+class QLabel;
+class QSlider;
+
+namespace skyhold {
+
+class CompassDiagram;
+
+class KivWindPars : public QDialog {
+    Q_OBJECT
+
+  public:
+    // Opens next to `item` with the sector text of the label; OK writes the new text into it.
+    KivWindPars(Label& direction, const QWidget* item);
+
+    void accept() override;
+
+  private:
+    QWidget* makeBound(const QString& caption, QLabel*& shown, QSlider* slider);
+    void turnFrom(int from);
+    void turnTo(int to);
+    void showSector();
+
+    Label& direction_;
+    Sector sector_;
+    NumberBox duration_; // minutes
+    QSlider* sliderFrom_;
+    QSlider* sliderTo_; // holds the negative of "to": it runs the other way
+    QLabel* fromText_ = nullptr;
+    QLabel* toText_ = nullptr;
+    CompassDiagram* diagram_;
+};
+
+} // namespace skyhold

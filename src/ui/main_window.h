@@ -1,0 +1,47 @@
+// The main window: what is always in view, the pages of settings, and the menus.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+#include <QMainWindow>
+
+class QTabWidget;
+
+namespace skyhold {
+
+class KivSHMainform : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    // Shows and changes the records of `core`, which outlives the window.
+    explicit KivSHMainform(MonitoringCore& core);
+
+    // Back from minimised to its normal size, and to the front.
+    void restore();
+
+  Q_SIGNALS:
+    // A close request has been granted: the session is stopped, the program may unload.
+    void closed();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void makeMenus();
+    void makePages();
+    void addPage(const QString& title, std::function<QWidget*(QWidget*)> make);
+    void buildPage(int index);
+    void placeOnScreen();
+    void enableCloseItem(bool on);
+    void showAbout();
+
+    MonitoringCore& core_;
+    QTabWidget* pages_ = nullptr;
+    std::vector<std::function<QWidget*(QWidget*)>> makePage_; // empty once built
+    bool placed_ = false;
+};
+
+} // namespace skyhold

@@ -1,0 +1,309 @@
+#include "ui/monitor_panel.h"
+
+#include "core/session.h"
+#include "ui/bind.h"
+#include "ui/kiv_legend.h"
+#include "ui/look.h"
+#include "ui/open_editor.h"
+#include "ui/reading_tile.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPointer>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kVerdictHeight = 136;
+
+// The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
+QColor verdictGround(Colour lamp) {
+    if (lamp == kRed)
+        return QColor(0xa1, 0x12, 0x1b);
+    if (lamp == kGreen)
+        return QColor(0x12, 0x6b, 0x35);
+    return look::kCard;
+}
+
+Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool bold = false) {
+    auto* readout = new Readout(parent);
+    readout->setObjectName(name);
+    readout->setPixelSize(pixelSize, bold);
+    return readout;
+}
+
+// A caption that stands fixed in the window.
+Readout* makeCaption(QWidget* parent, const QString& text) {
+    Readout* caption = makeReadout(parent, {}, 13);
+    caption->setInk(look::kDimText);
+    caption->setText(text);
+    caption->reserve(text);
+    return caption;
+}
+
+LampWidget* makeLamp(QWidget* parent, const QString& name, int diameter) {
+    auto* lamp = new LampWidget(diameter, parent);
+    lamp->setObjectName(name);
+    return lamp;
+}
+
+} // namespace
+
+MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent) : QWidget(parent) {
+    auto* top = new QHBoxLayout;
+    top->setSpacing(look::kGap);
+    top->addWidget(makeVerdict(core.records.conditions));
+    top->addWidget(makeMessages(core.records), 1);
+    top->addWidget(makeSwitchAndSession(core));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(look::kMargin, look::kMargin, look::kMargin, look::kGap);
+    layout->setSpacing(look::kGap);
+    layout->addLayout(top);
+    layout->addWidget(makeTiles(core.records.display, core.records.units));
+    layout->addWidget(makeSources(core.records.display, core.records.session));
+}
+
+QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions) {
+    auto* card = new Card(this);
+    card->setFixedSize(372, kVerdictHeight);
+    follow(card, conditions.LEDUnsafe.FillColor,
+           [card](Colour lamp) { card->setFill(verdictGround(lamp)); });
+
+    LampWidget* lamp = makeLamp(card, u"LEDUnsafe"_s, 52);
+    bind(lamp, conditions.LEDUnsafe);
+    Readout* verdict = makeReadout(card, u"LblStatus"_s, 68, true);
+    verdict->setInk(Qt::white);
+    verdict->setFixedHeight(92);
+    bind(verdict, conditions.LblStatus);
+
+    auto* layout = new QHBoxLayout(card);
+    layout->setContentsMargins(20, 8, 12, 8);
+    layout->setSpacing(16);
+    layout->addWidget(lamp);
+    layout->addWidget(verdict);
+    return card;
+}
+
+QWidget* MonitorPanel::makeMessages(Records& records) {
+    auto* card = new Card(this);
+    card->setFixedHeight(kVerdictHeight);
+
+    auto* automatic = new QWidget(card);
+    automatic->setObjectName(u"Frame3"_s);
+    Readout* cause = makeReadout(automatic, u"LblCause"_s, 17);
+    cause->setWrap(true);
+    bind(cause, records.display.LblCause);
+    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 16, true);
+    delay->setInk(screenColour(kYellow));
+    bind(delay, records.conditions.SafeDelayMsg);
+    auto* automaticLayout = new QVBoxLayout(automatic);
+    automaticLayout->setContentsMargins(0, 0, 0, 0);
+    automaticLayout->setSpacing(2);
+    automaticLayout->addWidget(cause);
+    automaticLayout->addWidget(delay);
+    bind(automatic, records.session.Frame3);
+
+    Readout* control = makeReadout(card, u"LblControl"_s, 15, true);
+    control->setInk(look::kAccent);
+    bind(control, records.session.LblControl);
+    Readout* station = makeReadout(card, u"WSAlarmMsg"_s, 15, true);
+    Readout* sensor = makeReadout(card, u"NBAlarmMsg"_s, 15, true);
+    for (Readout* alarm : {station, sensor})
+        alarm->setInk(screenColour(kOrange));
+    bind(station, records.display.WSAlarmMsg);
+    bind(sensor, records.display.NBAlarmMsg);
+    auto* alarms = new QHBoxLayout;
+    alarms->setSpacing(look::kGap);
+    alarms->addWidget(station);
+    alarms->addWidget(sensor);
+
+    auto* layout = new QVBoxLayout(card);
+    layout->setContentsMargins(16, 8, 16, 8);
+    layout->setSpacing(2);
+    layout->addWidget(automatic);
+    layout->addWidget(control);
+    layout->addStretch();
+    layout->addLayout(alarms);
+    return card;
+}
+
+QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
+    SessionControls& session = core.records.session;
+    auto* card = new Card(this);
+    card->setFixedSize(196, kVerdictHeight);
+
+    Readout* caption = makeCaption(card, u"Roof switch"_s);
+    caption->setObjectName(u"LblSwitch"_s);
+    followVisible(caption, core.records.display.LblSwitch.Visible);
+    Readout* value = makeReadout(card, u"LValSwitch"_s, 22, true);
+    bind(value, core.records.display.LValSwitch);
+
+    const auto makeButton = [card](const QString& name, const QString& text, Button& record) {
+        auto* button = new QPushButton(text, card);
+        button->setObjectName(name);
+        button->setMinimumHeight(40);
+        QFont font = button->font();
+        font.setPixelSize(16);
+        font.setBold(true);
+        button->setFont(font);
+        bind(button, record);
+        return button;
+    };
+    QPushButton* start = makeButton(u"ButtStart"_s, u"&Start"_s, session.ButtStart);
+    QPushButton* stop = makeButton(u"ButtStop"_s, u"S&top"_s, session.ButtStop);
+    connect(start, &QPushButton::clicked, card, [&core] { StartSession(core); });
+    connect(stop, &QPushButton::clicked, card, [&core] { StopSession(core); });
+
+    auto* layout = new QVBoxLayout(card);
+    layout->setContentsMargins(16, 10, 16, 14);
+    layout->setSpacing(2);
+    layout->addWidget(caption);
+    layout->addWidget(value);
+    layout->addStretch();
+    layout->addWidget(start);
+    layout->addWidget(stop);
+    return card;
+}
+
+QWidget* MonitorPanel::makeTiles(ReadingDisplay& display, UnitControls& units) {
+    struct Tile {
+        Header header;
+        const char* headerName;
+        Label& value;
+        const char* valueName;
+        Label* condition;
+        const char* conditionName;
+        Label* unit;
+        const char* fixedUnit;
+    };
+    Label* const temperature = &units.TemperatureUnitText;
+    Label* const speed = &units.SpeedUnitText;
+    ReadingDisplay& d = display;
+    const std::array<Tile, 9> tiles{{
+        {Header::Cloud, "Label00", d.LValCloud, "LValCloud", &d.LCondCloud, "LCondCloud",
+         temperature, ""},
+        {Header::Rain, "Label01", d.LValRain, "LValRain", &d.LCondRain, "LCondRain", nullptr, ""},
+        {Header::Brightness, "Label07", d.LValBrightness, "LValBrightness", &d.LCondBrightness,
+         "LCondBrightness", nullptr, ""},
+        {Header::Temperature, "Label08", d.LValTemperature, "LValTemperature", &d.LCondTemp,
+         "LCondTemp", temperature, ""},
+        {Header::Wind, "Label02", d.LValWindSpeed, "LValWindSpeed", &d.LCondWind, "LCondWind",
+         speed, ""},
+        {Header::Gust, "Label03", d.LValWindGust, "LValWindGust", &d.LCondGust, "LCondGust", speed,
+         ""},
+        {Header::Direction, "Label04", d.LValWindDir, "LValWindDir", nullptr, "", nullptr, "°"},
+        {Header::DewPoint, "Label05", d.LValDewPoint, "LValDewPoint", &d.LCondDewPoint,
+         "LCondDewPoint", temperature, ""},
+        {Header::Humidity, "Label06", d.LValHumidity, "LValHumidity", &d.LCondHumidity,
+         "LCondHumidity", nullptr, "%"},
+    }};
+
+    auto* row = new QWidget(this);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(look::kGap);
+    for (const Tile& tile : tiles) {
+        auto* card = new ReadingTile(display.header(tile.header),
+                                     QString::fromLatin1(tile.headerName), tile.value,
+                                     QString::fromLatin1(tile.valueName), row);
+        if (tile.condition)
+            card->showCondition(*tile.condition, QString::fromLatin1(tile.conditionName));
+        if (tile.unit)
+            card->showUnit(*tile.unit);
+        else
+            card->showUnit(QString::fromUtf8(tile.fixedUnit));
+        layout->addWidget(card, 1);
+    }
+    return row;
+}
+
+QWidget* MonitorPanel::makeSources(ReadingDisplay& display, SessionControls& session) {
+    auto* row = new QWidget(this);
+    row->setFixedHeight(24);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(4, 0, 4, 0);
+    layout->setSpacing(look::kGap);
+
+    const auto addPair = [row](QHBoxLayout* into, const QString& name, LampPair& record) {
+        LampWidget* first = makeLamp(row, name + u'0', 14);
+        LampWidget* second = makeLamp(row, name + u'1', 14);
+        bind(first, second, record);
+        into->addWidget(first);
+        into->addWidget(second);
+    };
+    const auto addTime = [&](const QString& caption, const QString& name, Label& record) {
+        layout->addWidget(makeCaption(row, caption));
+        Readout* time = makeReadout(row, name, 14);
+        time->reserve(u"00/00 00:00:00"_s);
+        bind(time, record);
+        layout->addWidget(time);
+        layout->addSpacing(look::kGap);
+    };
+    layout->addWidget(makeCaption(row, u"Reading"_s));
+    addPair(layout, u"LEDRead"_s, display.LEDRead);
+    layout->addSpacing(look::kGap);
+    addTime(u"Cloud sensor"_s, u"Label30"_s, display.Label3Sensor);
+    addTime(u"Weather station"_s, u"Label32"_s, display.Label3Station);
+    Readout* status = makeReadout(row, u"SensorStatus"_s, 14, true);
+    status->setInk(screenColour(kOrange));
+    bind(status, display.SensorStatus);
+    layout->addWidget(status, 1);
+
+    auto* activity = new QWidget(row);
+    activity->setObjectName(u"FrameCOM"_s);
+    auto* activityLayout = new QHBoxLayout(activity);
+    activityLayout->setContentsMargins(0, 0, look::kMargin, 0);
+    activityLayout->setSpacing(look::kGap);
+    addPair(activityLayout, u"LEDCOM"_s, session.LEDCOM);
+    activityLayout->addWidget(makeCaption(activity, u"Calls"_s));
+    Readout* calls = makeReadout(activity, u"COMCalls"_s, 14);
+    calls->reserve(u"0000"_s);
+    bind(calls, session.COMCalls);
+    activityLayout->addWidget(calls);
+    activityLayout->addWidget(makeCaption(activity, u"Period"_s));
+    Readout* period = makeReadout(activity, u"COMPeriod"_s, 14);
+    period->reserve(u"00000s"_s);
+    bind(period, session.COMPeriod);
+    activityLayout->addWidget(period);
+    bind(activity, session.FrameCOM);
+    layout->addWidget(activity);
+
+    Readout* users = makeReadout(row, u"LblUsers"_s, 14);
+    users->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    users->reserve(u"Attached Users: 000"_s);
+    bind(users, session.LblUsers);
+    layout->addWidget(users);
+    return row;
+}
+
+StatusStrip::StatusStrip(SessionControls& session, QWidget* parent) : QWidget(parent) {
+    setFixedHeight(30);
+    Readout* status = makeReadout(this, u"Statusbar1"_s, 15);
+    Readout* codes = makeReadout(this, u"Statusbar2"_s, 15, true);
+    for (Readout* line : {status, codes})
+        line->setInk(look::kStripText);
+    codes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    codes->setToolTip(u"Status codes; right-click for their meanings"_s);
+    bind(status, session.Statusbar1);
+    bind(codes, session.Statusbar2);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(look::kMargin, 2, look::kMargin, 2);
+    layout->setSpacing(look::kGap);
+    layout->addWidget(status, 2);
+    layout->addWidget(codes, 1);
+
+    openEditorOn(codes, [this, codes] { KivLegend::openNear(codes, this); });
+}
+
+void StatusStrip::paintEvent(QPaintEvent* event) {
+    QPainter(this).fillRect(event->rect(), look::kStrip);
+}
+
+} // namespace skyhold

@@ -1,0 +1,38 @@
+// What is always in view: the verdict with its cause, delay and alarm messages, the roof switch,
+// Start and Stop, a tile for every quantity, and the state of both sources and of the clients.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+#include <QWidget>
+
+namespace skyhold {
+
+class Card;
+
+class MonitorPanel : public QWidget {
+    Q_OBJECT
+
+  public:
+    MonitorPanel(MonitoringCore& core, QWidget* parent);
+
+  private:
+    QWidget* makeVerdict(ConditionControls& conditions);
+    QWidget* makeMessages(Records& records);
+    QWidget* makeSwitchAndSession(MonitoringCore& core);
+    QWidget* makeTiles(ReadingDisplay& display, UnitControls& units);
+    QWidget* makeSources(ReadingDisplay& display, SessionControls& session);
+};
+
+// The two status lines on their light strip. A right click on the codes opens their legend.
+class StatusStrip : public QWidget {
+    Q_OBJECT
+
+  public:
+    StatusStrip(SessionControls& session, QWidget* parent);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace skyhold

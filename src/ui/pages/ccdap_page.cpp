@@ -1,0 +1,66 @@
+#include "ui/pages/ccdap_page.h"
+
+#include "ui/bind.h"
+#include "ui/choose_path.h"
+#include "ui/look.h"
+#include "ui/pages/page_parts.h"
+#include "ui/readout.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+QWidget* makeCcdapPage(CcdapControls& ccdap, QWidget* parent) {
+    auto* page = new QWidget(parent);
+    QVBoxLayout* column = pageColumn(page);
+    auto* group = new QGroupBox(u"CCDAutopilot weather file"_s, page);
+    group->setMaximumWidth(820);
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(14, 12, 14, 14);
+    grid->setHorizontalSpacing(look::kMargin);
+    grid->setVerticalSpacing(look::kGap);
+
+    auto* caption = new QLabel(u"File &name"_s, group);
+    auto* name = new QLineEdit(group);
+    name->setObjectName(u"FileNameCCDAP4"_s);
+    name->setPlaceholderText(u"Without a name no file is written"_s);
+    caption->setBuddy(name);
+    bind(name, ccdap.FileNameCCDAP4);
+
+    auto* button = new QPushButton(u"Fol&der…"_s, group);
+    button->setObjectName(u"ButtCCDAP4"_s);
+    bind(button, ccdap.ButtCCDAP4);
+    auto* folder = new Readout(group);
+    folder->setObjectName(u"LblPathNameCCDAP4"_s);
+    folder->setPixelSize(14);
+    folder->setElide(Qt::ElideMiddle);
+    bind(folder, ccdap.LblPathNameCCDAP4);
+    QObject::connect(button, &QPushButton::clicked, group, [&ccdap, group] {
+        const QString chosen =
+            chooseFolder(group, u"Select a folder to store the CCDAP4 file."_s,
+                         ccdap.LblPathNameCCDAP4.Caption);
+        if (!chosen.isEmpty())
+            ccdap.LblPathNameCCDAP4.Caption = chosen;
+    });
+
+    grid->addWidget(caption, 0, 0);
+    grid->addWidget(name, 0, 1);
+    grid->addWidget(button, 1, 0);
+    grid->addWidget(folder, 1, 1);
+    grid->setColumnStretch(1, 1);
+    auto* notes = new QVBoxLayout;
+    grid->addLayout(notes, 2, 0, 1, 2);
+    addHint(notes, u"The file is rewritten in every read cycle: one record of 100 characters."_s);
+    column->addWidget(group);
+    column->addStretch();
+    return page;
+}
+
+} // namespace skyhold

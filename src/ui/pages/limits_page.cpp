@@ -1,0 +1,112 @@
+#include "ui/pages/limits_page.h"
+
+#include "ui/bind.h"
+#include "ui/kiv_color.h"
+#include "ui/kiv_get_number.h"
+#include "ui/kiv_wind_pars.h"
+#include "ui/look.h"
+#include "ui/open_editor.h"
+#include "ui/pages/page_parts.h"
+#include "ui/readout.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+struct LimitGroup {
+    QString title;
+    const char* suffix; // of the control names
+    Quantity quantity;
+    Label* unit;
+    QString fixedUnit;
+    ThreeLabels* sectors; // of wind and gust
+};
+
+void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
+              ConditionControls& conditions) {
+    QWidget* group = grid->parentWidget();
+    const QByteArray suffix(made.suffix);
+    Label& level = conditions.swatches(made.quantity)[i];
+    CheckBox& unsafe = conditions.unsafe(made.quantity)[i];
+
+    auto* swatch = new Swatch(group);
+    swatch->setObjectName(indexed("Color" + suffix, i));
+    swatch->setPixelSize(13);
+    swatch->setToolTip(u"Right-click to change the name and colour of this level"_s);
+    bind(swatch, level);
+    openEditorOn(swatch, [swatch, &level, &unsafe] {
+        KivColor(level, &unsafe, swatch).exec();
+    });
+
+    KivGetNumber* limit =
+        makeNumber(group, indexed("Limit" + suffix, i), conditions.limits(made.quantity)[i]);
+    limit->setToolTip(u"Upper limit of this level"_s);
+    auto* unit = new QLabel(made.fixedUnit, group);
+    unit->setMinimumWidth(38);
+    if (made.unit)
+        bind(unit, *made.unit);
+
+    const int row = static_cast<int>(i) * 2 + 1;
+    grid->addWidget(swatch, row, 0);
+    grid->addWidget(limit, row, 1);
+    grid->addWidget(unit, row, 2);
+    if (!made.sectors)
+        return;
+
+    Label& sector = (*made.sectors)[i];
+    auto* label = new Readout(group);
+    label->setObjectName(indexed("Direction" + suffix, i));
+    label->setPixelSize(13);
+    label->setToolTip(u"From and to in degrees, and minutes; right-click to change"_s);
+    bind(label, sector);
+    openEditorOn(label, [label, &sector] { KivWindPars(sector, label).exec(); });
+    auto* caption = new QLabel(u"Sector"_s, group);
+    caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    grid->addWidget(caption, row + 1, 0);
+    grid->addWidget(label, row + 1, 1, 1, 2);
+}
+
+QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions, QWidget* page) {
+    auto* group = new QGroupBox(made.title, page);
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(12, 10, 12, 12);
+    grid->setHorizontalSpacing(look::kGap);
+    grid->setVerticalSpacing(6);
+    grid->setColumnStretch(0, 1);
+    for (std::size_t i = 0; i < 3; ++i)
+        addLevel(grid, made, i, conditions);
+    grid->setRowStretch(7, 1);
+    return group;
+}
+
+} // namespace
+
+QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units, QWidget* parent) {
+    const std::array<LimitGroup, 5> groups{{
+        {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, {}, &conditions.DirectionWind},
+        {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, {}, &conditions.DirectionGust},
+        {u"Temperature"_s, "Temp", Quantity::Temperature, &units.TemperatureUnitText, {}, nullptr},
+        {u"Dew-point spread"_s, "Dew", Quantity::Dew, &units.TemperatureUnitText, {}, nullptr},
+        {u"Humidity"_s, "Hum", Quantity::Humidity, nullptr, u"%"_s, nullptr},
+    }};
+    auto* page = new QWidget(parent);
+    QVBoxLayout* column = pageColumn(page);
+    addHint(column, u"A value up to and including a limit belongs to that level. Right-click a "
+                    u"level to change its name and colour, a sector to change it."_s);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kMargin);
+    for (const LimitGroup& made : groups)
+        row->addWidget(makeGroup(made, conditions, page), 1);
+    column->addLayout(row);
+    column->addStretch();
+    return page;
+}
+
+} // namespace skyhold

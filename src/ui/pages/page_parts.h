@@ -1,0 +1,37 @@
+// What the pages of settings are made of.
+#pragma once
+
+#include "records/controls.h"
+
+#include <QStringList>
+
+class QBoxLayout;
+class QButtonGroup;
+class QCheckBox;
+class QGroupBox;
+class QLabel;
+class QVBoxLayout;
+class QWidget;
+
+namespace skyhold {
+
+class KivGetNumber;
+
+// A page with the margins of the window.
+QVBoxLayout* pageColumn(QWidget* page);
+// An explaining line in the dimmer text colour.
+QLabel* addHint(QBoxLayout* into, const QString& text);
+
+// Object names are control names, those of an array followed by the index.
+QString indexed(const QByteArray& control, std::size_t index);
+
+QCheckBox* makeCheck(QWidget* parent, const QString& name, const QString& text, CheckBox& record);
+KivGetNumber* makeNumber(QWidget* parent, const QString& name, NumberBox& record);
+// "caption [box] unit" in one row.
+KivGetNumber* addNumberRow(QBoxLayout* into, const QString& caption, const QString& name,
+                           NumberBox& record, const QString& unit);
+// Radio buttons in one row, named `control` with their index.
+QButtonGroup* addOptions(QBoxLayout* into, const char* control, const QStringList& captions,
+                         OptionGroup& record);
+
+} // namespace skyhold

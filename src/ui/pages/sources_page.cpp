@@ -1,0 +1,176 @@
+#include "ui/pages/sources_page.h"
+
+#include "ui/bind.h"
+#include "ui/choose_path.h"
+#include "ui/kiv_cardinal_points.h"
+#include "ui/kiv_get_number.h"
+#include "ui/kiv_unit_symbols.h"
+#include "ui/look.h"
+#include "ui/open_editor.h"
+#include "ui/pages/page_parts.h"
+#include "ui/readout.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+QVBoxLayout* groupColumn(QGroupBox* group) {
+    auto* column = new QVBoxLayout(group);
+    column->setContentsMargins(14, 12, 14, 12);
+    column->setSpacing(look::kGap);
+    return column;
+}
+
+void chooseFile(StationFileControls& file, SettingsStore& settings, QWidget* parent) {
+    if (!file.ButtHTMPath.Enabled)
+        return;
+    const QString chosen = chooseStationFile(parent, file.HTMFile.Caption);
+    if (chosen.isEmpty())
+        return;
+    file.HTMFile.Caption = chosen;
+    settings.saveNow(u"Setup"_s, u"HTMFile"_s, chosen);
+}
+
+void addFileRow(QVBoxLayout* column, StationFileControls& file, SettingsStore& settings) {
+    QWidget* group = column->parentWidget();
+    auto* path = new Readout(group);
+    path->setObjectName(u"HTMFile"_s);
+    path->setPixelSize(14);
+    path->setElide(Qt::ElideMiddle);
+    bind(path, file.HTMFile);
+    auto* button = new QPushButton(u"Data &file…"_s, group);
+    button->setObjectName(u"ButtHTMPath"_s);
+    bind(button, file.ButtHTMPath);
+    const auto choose = [&file, &settings, group] { chooseFile(file, settings, group); };
+    QObject::connect(button, &QPushButton::clicked, group, choose);
+    openEditorOn(path, choose);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kMargin);
+    row->addWidget(button);
+    row->addWidget(path, 1);
+    column->addLayout(row);
+}
+
+void addIntervalRow(QVBoxLayout* column, ComboBox& interval) {
+    QWidget* group = column->parentWidget();
+    auto* caption = new QLabel(u"&Read every"_s, group);
+    auto* box = new QComboBox(group);
+    box->setObjectName(u"RefreshRead"_s);
+    caption->setBuddy(box);
+    bind(box, interval);
+    auto* row = new QHBoxLayout;
+    row->addWidget(caption);
+    row->addStretch();
+    row->addWidget(box);
+    column->addLayout(row);
+}
+
+QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
+    Records& records = core.records;
+    auto* group = new QGroupBox(u"Weather station"_s, page);
+    QVBoxLayout* column = groupColumn(group);
+    column->addWidget(makeCheck(group, u"flgReadStation"_s,
+                                u"Read the &weather station and the cloud sensor"_s,
+                                records.session.flgReadStation));
+    addFileRow(column, records.stationFile, core.settings);
+    addIntervalRow(column, records.session.RefreshRead);
+    addNumberRow(column, u"Data too old &after"_s, u"TimeoutREAD"_s,
+                 records.stationFile.TimeoutREAD, u"min"_s);
+    addHint(column, u"Date format used by the program controlling the weather station"_s);
+    addOptions(column, "DateFormat", {u"&dd/mm/yy"_s, u"&mm/dd/yy"_s}, records.units.DateFormat);
+    column->addStretch();
+    return group;
+}
+
+QWidget* makeUnitsGroup(UnitControls& units, QWidget* page) {
+    auto* group = new QGroupBox(u"Units"_s, page);
+    QVBoxLayout* column = groupColumn(group);
+    addHint(column, u"They follow the station's file while it is read."_s);
+    addOptions(column, "UnitsTemp", {u"°C"_s, u"°F"_s}, units.UnitsTemp);
+    addOptions(column, "UnitsSpeed", {u"km/hr"_s, u"mph"_s, u"m/s"_s, u"knot"_s},
+               units.UnitsSpeed);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kGap);
+    const auto addButton = [&](const QString& name, const QString& text, Button& record,
+                               auto open) {
+        auto* button = new QPushButton(text, group);
+        button->setObjectName(name);
+        bind(button, record);
+        QObject::connect(button, &QPushButton::clicked, group, open);
+        row->addWidget(button);
+    };
+    addButton(u"ButtUnits"_s, u"U&nit symbols…"_s, units.ButtUnits,
+              [&units, group] { KivUnitSymbols(units, group).exec(); });
+    addButton(u"ButtCardinal"_s, u"Cardinal &points…"_s, units.ButtCardinal,
+              [&units, group] { KivCardinalPoints(units.Cardinal, group).exec(); });
+    row->addStretch();
+    column->addLayout(row);
+    column->addStretch();
+    return group;
+}
+
+QWidget* makeSensorGroup(SessionControls& session, QWidget* page) {
+    auto* group = new QGroupBox(u"Cloud sensor (Kiv_Nubilo)"_s, page);
+    QVBoxLayout* column = groupColumn(group);
+    addNumberRow(column, u"Wa&it for its first data"_s, u"NBTimeout"_s, session.NBTimeout,
+                 u"secs"_s);
+    column->addWidget(makeCheck(group, u"EmulatorFlag"_s, {}, session.EmulatorFlag));
+    addHint(column, u"Roof switch driven by the verdict"_s);
+    addOptions(column, "SWRole", {u"&Enabled"_s, u"Disa&ble"_s}, session.SWRole);
+    column->addStretch();
+    return group;
+}
+
+// The table as the station's file filled it.
+QWidget* makeStationValues(ReadingDisplay& display, QWidget* page) {
+    auto* group = new QGroupBox(u"Station values"_s, page);
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(14, 12, 14, 12);
+    grid->setHorizontalSpacing(look::kMargin);
+    grid->setVerticalSpacing(3);
+    for (std::size_t i = 0; i < display.LblWSValue.size(); ++i) {
+        auto* description = new Readout(group);
+        description->setObjectName(indexed("LblWSDesc", i));
+        description->setInk(look::kDimText);
+        auto* value = new Readout(group);
+        value->setObjectName(indexed("LblWSValue", i));
+        for (Readout* cell : {description, value})
+            cell->setPixelSize(13);
+        bind(description, display.LblWSDesc[i]);
+        bind(value, display.LblWSValue[i]);
+        grid->addWidget(description, static_cast<int>(i), 0);
+        grid->addWidget(value, static_cast<int>(i), 1);
+    }
+    grid->setRowStretch(static_cast<int>(display.LblWSValue.size()), 1);
+    return group;
+}
+
+} // namespace
+
+QWidget* makeSourcesPage(MonitoringCore& core, QWidget* parent) {
+    auto* page = new QWidget(parent);
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(look::kMargin);
+    columns->addWidget(makeStationGroup(core, page), 4);
+    auto* middle = new QVBoxLayout;
+    middle->setSpacing(look::kMargin);
+    middle->addWidget(makeUnitsGroup(core.records.units, page));
+    middle->addWidget(makeSensorGroup(core.records.session, page), 1);
+    columns->addLayout(middle, 4);
+    columns->addWidget(makeStationValues(core.records.display, page), 3);
+    pageColumn(page)->addLayout(columns);
+    return page;
+}
+
+} // namespace skyhold

@@ -1,0 +1,14 @@
+#include "units/cardinal.h"
+
+namespace skyhold {
+
+double CardinalToDegrees(QStringView label, const std::array<QString, 16>& labels) {
+    const QString wanted = label.trimmed().toString().toUpper();
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+        if (labels[i] == wanted)
+            return 22.5 * static_cast<double>(i);
+    }
+    return 0;
+}
+
+} // namespace skyhold

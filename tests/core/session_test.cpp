@@ -1,0 +1,245 @@
+#include "core/clients.h"
+#include "support/core_fixture.h"
+
+#include <QDir>
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+class Session : public CoreFixture {};
+
+TEST_F(Session, startAndStopLockAndUnlock) {
+    EXPECT_FALSE(core_->TimerRead.enabled());
+    StartSession(*core_);
+    SessionControls& session = records().session;
+    EXPECT_TRUE(session.Running);
+    EXPECT_TRUE(core_->TimerRead.enabled());
+    EXPECT_EQ(core_->TimerRead.interval(), 10'000);
+    for (const bool enabled :
+         {session.RefreshRead.Enabled.value(), records().stationFile.TimeoutREAD.Enabled.value(),
+          session.NBTimeout.Enabled.value(), records().units.UnitsTemp.Enabled.value(),
+          records().graphs.GraphImage[5].Enabled.value()})
+        EXPECT_FALSE(enabled);
+    EXPECT_FALSE(session.ButtStart.Visible);
+    EXPECT_TRUE(session.ButtStop.Visible);
+    EXPECT_FALSE(records().window.mnuStart.Visible);
+    EXPECT_TRUE(records().window.mnuStop.Visible);
+
+    StartSession(*core_); // already running
+    EXPECT_EQ(sensor_.created, 1);
+
+    StopSession(*core_);
+    EXPECT_FALSE(session.Running);
+    EXPECT_FALSE(core_->TimerRead.enabled());
+    EXPECT_TRUE(session.NBTimeout.Enabled);
+    EXPECT_TRUE(session.RefreshRead.Enabled);
+    EXPECT_TRUE(session.ButtStart.Visible);
+    EXPECT_FALSE(records().readings.SensorDataReady);
+}
+
+TEST_F(Session, intervalIsTheEntrysFirstTwoCharacters) {
+    for (const auto& [entry, ms] : {std::pair{0, 5000}, {1, 10'000}, {2, 30'000}, {3, 60'000}}) {
+        records().session.RefreshRead.choose(entry);
+        StartSession(*core_);
+        EXPECT_EQ(core_->TimerRead.interval(), ms);
+        StopSession(*core_);
+    }
+}
+
+TEST_F(Session, foldersAreMadeOrReported) {
+    const QString file = folder_->filePath(u"a file"_s);
+    ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly));
+    const auto below = [&](const char* name) { return folder_->filePath(QLatin1String(name)); };
+    const struct {
+        QString images, data, codes;
+    } cases[] = {
+        {below("images"), folder_->path(), u"i21 "_s},
+        {folder_->path(), below("data/deep/er"), u"d11"_s},
+        {below("i2"), below("d2"), u"i21 d11"_s},
+        {file + u"/x"_s, file + u"/y"_s, u"i22 d12"_s},
+    };
+    for (const auto& [images, data, expected] : cases) {
+        records().graphs.GraphImagePath.Caption = images;
+        records().dataFile.LblPathName.Caption = data;
+        QString seen;
+        sensor_.onCall = [&](const QString& name) {
+            if (name == u"Version"_s)
+                seen = codes();
+        };
+        StartSession(*core_);
+        EXPECT_EQ(seen, expected);
+        EXPECT_TRUE(records().session.Running);
+        StopSession(*core_);
+    }
+    EXPECT_TRUE(QDir(below("data/deep/er")).exists());
+
+    // The direction graph alone asks for no image folder.
+    for (const std::size_t graph : {0U, 1U, 3U, 4U, 5U})
+        records().graphs.GraphImage[graph].Value = 0;
+    records().graphs.GraphImagePath.Caption = below("not made");
+    StartSession(*core_);
+    EXPECT_FALSE(QDir(below("not made")).exists());
+}
+
+TEST_F(Session, failedStartsEndIdleWithTheirMessages) {
+    const QString tooOld = u"Version of Kiv_Nubilo must be equal or greater than 5.2x"_s;
+    const QString cannot = u"Cannot read Kiv_Nubilo"_s;
+    const struct {
+        const char* what;
+        std::function<void()> prepare;
+        QStringList messages;
+    } cases[] = {
+        {"absent", [&] { sensor_.present = false; }, {cannot}},
+        {"too old", [&] { sensor_.values[u"Version"_s] = u"5.10.0001"_s; }, {tooOld, cannot}},
+        {"no version", [&] { sensor_.values[u"Version"_s] = u"5.2"_s; }, {cannot}},
+        {"never ready", [&] { sensor_.values[u"DataReady"_s] = false; }, {cannot}},
+        {"silent", [&] { sensor_.answering = false; }, {cannot}},
+    };
+    for (const auto& [what, prepare, expected] : cases) {
+        sensor_.present = sensor_.answering = true;
+        sensor_.values[u"Version"_s] = u"5.20.0001"_s;
+        sensor_.values[u"DataReady"_s] = true;
+        messages_.clear();
+        prepare();
+        StartSession(*core_);
+        EXPECT_EQ(messages_, expected) << what;
+        EXPECT_EQ(status(), u"Problem with Kiv_Nubilo"_s) << what;
+        EXPECT_FALSE(records().session.Running) << what;
+        EXPECT_FALSE(core_->TimerRead.enabled()) << what;
+        EXPECT_TRUE(records().session.ButtStart.Visible) << what;
+        EXPECT_FALSE(core_->sensor.connected()) << what;
+    }
+}
+
+TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
+    sensor_.values[u"DataReady"_s] = false;
+    records().session.NBTimeout.Value = 3;
+    int waits = 0;
+    clock_.onWait = [&] {
+        ++waits;
+        EXPECT_FALSE(records().readings.SensorDataReady);
+        StartSession(*core_);
+        Device_Start(*core_);
+        EXPECT_EQ(sensor_.created, 1);
+        if (waits == 3)
+            sensor_.values[u"DataReady"_s] = true;
+    };
+    StartSession(*core_);
+    EXPECT_EQ(waits, 3);
+    EXPECT_TRUE(records().session.Running);
+    StopSession(*core_);
+
+    sensor_.values[u"DataReady"_s] = false;
+    waits = 0;
+    clock_.onWait = [&] { ++waits; };
+    StartSession(*core_);
+    EXPECT_EQ(waits, 4); // at 0, 1, 2 and 3 s: the limit and up to one second more
+    EXPECT_FALSE(records().session.Running);
+
+    records().session.NBTimeout.Value = 0;
+    waits = 0;
+    StartSession(*core_);
+    EXPECT_EQ(waits, 0);
+    EXPECT_FALSE(records().session.Running);
+}
+
+TEST_F(Session, stopAndCloseEndAWaitingStart) {
+    sensor_.values[u"DataReady"_s] = false;
+    bool closed = false;
+    core_->closeWindow = [&] { closed = RequestClose(*core_); };
+    clock_.onWait = [&] { StopSession(*core_); };
+    StartSession(*core_);
+    EXPECT_FALSE(records().session.Running);
+    EXPECT_TRUE(messages_.isEmpty());
+
+    clock_.onWait = [&] { EXPECT_FALSE(RequestClose(*core_)); };
+    StartSession(*core_);
+    EXPECT_TRUE(closed);
+    EXPECT_FALSE(core_->sensor.connected());
+}
+
+TEST_F(Session, nothingToDoStopsAtOnceAndUploadAloneReadsNothing) {
+    records().session.flgReadStation.set(0);
+    StartSession(*core_);
+    EXPECT_FALSE(records().session.Running);
+    records().session.flgUpload.set(1);
+    StartSession(*core_);
+    EXPECT_TRUE(records().session.Running);
+    EXPECT_EQ(sensor_.created, 0);
+    EXPECT_FALSE(core_->TimerRead.enabled());
+    EXPECT_EQ(core_->TimerUpload.interval(), 60'000);
+    StopSession(*core_);
+    EXPECT_FALSE(core_->TimerUpload.enabled());
+}
+
+TEST_F(Session, clientsWithholdStopAndClose) {
+    RegisterUsers(records(), clock_, +1);
+    RegisterUsers(records(), clock_, +1);
+    EXPECT_EQ(records().session.LblUsers.Caption.value(), u"Attached Users: 2"_s);
+    EXPECT_FALSE(records().session.ButtStop.Visible);
+    EXPECT_TRUE(records().session.FrameCOM.Visible);
+    EXPECT_FALSE(records().window.CloseItemEnabled);
+    EXPECT_FALSE(records().window.MnuExit.Enabled);
+    EXPECT_FALSE(records().window.mnuStart.Visible);
+    EXPECT_FALSE(RequestClose(*core_));
+    EXPECT_EQ(messages_, QStringList{u"There are other users present - cannot UNLOAD"_s});
+
+    Device_Start(*core_);
+    EXPECT_TRUE(records().session.Running);
+    EXPECT_FALSE(records().session.ButtStop.Visible);
+    RegisterUsers(records(), clock_, -1);
+    RegisterUsers(records(), clock_, -1);
+    EXPECT_TRUE(records().session.ButtStop.Visible);
+    EXPECT_TRUE(records().window.CloseItemEnabled);
+    EXPECT_TRUE(records().window.mnuStop.Visible);
+    EXPECT_TRUE(RequestClose(*core_));
+    EXPECT_FALSE(records().session.Running);
+}
+
+TEST_F(Session, callCounterTurnsOverAndPeriodIsTimed) {
+    SessionControls& session = records().session;
+    RegisterUsers(records(), clock_, +1);
+    for (int call = 1; call <= 9999; ++call)
+        BlinkLEDCOM(session, clock_, kCallColour, false);
+    EXPECT_EQ(session.COMCalls.Caption.value(), u"9999"_s);
+    EXPECT_EQ(session.LEDCOM.first.FillColor, kCallColour);
+    clock_.advanceMs(12'900);
+    BlinkLEDCOM(session, clock_, kCallColour, true);
+    EXPECT_EQ(session.COMCalls.Caption.value(), u"0"_s);
+    EXPECT_EQ(session.COMPeriod.Caption.value(), u"12s"_s);
+    EXPECT_EQ(session.LEDCOM.second.FillColor, kCallColour);
+}
+
+TEST_F(Session, localControlFreezesTheVerdict) {
+    StartSession(*core_);
+    HasControl(*core_, true, u"dome script"_s);
+    EXPECT_FALSE(records().session.Frame3.Visible);
+    sensor_.values[u"Condition_Rain"_s] = 3;
+    cycle();
+    EXPECT_FALSE(unsafe());
+    EXPECT_EQ(records().display.LblCause.Caption.value(), u"Decided by dome script"_s);
+    HasControl(*core_, false, {});
+    cycle();
+    EXPECT_TRUE(unsafe());
+    EXPECT_TRUE(records().session.Frame3.Visible);
+}
+
+TEST_F(Session, switchValueIsPassedOnOnlyWhenThisProgramDoesNotDriveIt) {
+    const QString call = u"Kiv_SetSwitch(i 1)"_s;
+    SetSwitch(core_->sensor, records().session, 1);
+    EXPECT_FALSE(sensor_.calls.contains(call));
+    StartSession(*core_);
+    SetSwitch(core_->sensor, records().session, 1);
+    EXPECT_FALSE(sensor_.calls.contains(call));
+    records().session.SWRole.choose(1);
+    SetSwitch(core_->sensor, records().session, 1);
+    EXPECT_TRUE(sensor_.takeCalls().contains(call));
+    sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
+    SetSwitch(core_->sensor, records().session, 1);
+    EXPECT_FALSE(sensor_.calls.contains(call));
+}
+
+} // namespace
+} // namespace skyhold

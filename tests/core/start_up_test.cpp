@@ -1,0 +1,85 @@
+#include "support/core_fixture.h"
+
+#include <QDir>
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+TEST(Version, titleTipAndText) {
+    const ProgramVersion version{2, 30, 4};
+    EXPECT_EQ(version.title(), u"Kiv_Skyhold (v2.30.004)"_s);
+    EXPECT_EQ((ProgramVersion{2, 5, 12}.title()), u"Kiv_Skyhold (v2.05.012)"_s);
+    EXPECT_EQ(version.trayTip(), u"Kiv Skyhold (v2.30.004)"_s);
+}
+
+TEST(UpdaterSwap, downloadedUpdaterReplacesTheInstalledOne) {
+    const struct {
+        QMap<QString, QByteArray> before, after;
+    } cases[] = {
+        {{{u"Kiv_Updater.exe"_s, "old"}}, {{u"Kiv_Updater.exe"_s, "old"}}},
+        {{{u"Kiv_Updater_net.exe"_s, "new"}, {u"Kiv_Updater_exe.old"_s, "older"}},
+         {{u"Kiv_Updater.exe"_s, "new"}, {u"Kiv_Updater_exe.old"_s, "older"}}},
+        {{{u"KIV_UPDATER_NET.EXE"_s, "new"},
+          {u"Kiv_Updater.exe"_s, "old"},
+          {u"Kiv_Updater_exe.old"_s, "older"}},
+         {{u"Kiv_Updater.exe"_s, "new"}, {u"Kiv_Updater_exe.old"_s, "old"}}},
+    };
+    for (const auto& [before, after] : cases) {
+        const QTemporaryDir folder;
+        for (const QString& name : before.keys()) {
+            QFile file(folder.filePath(name));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(before[name]);
+        }
+        swapUpdater(folder.path());
+        QMap<QString, QByteArray> found;
+        for (const QString& name : QDir(folder.path()).entryList(QDir::Files)) {
+            QFile file(folder.filePath(name));
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            found[name] = file.readAll();
+        }
+        EXPECT_EQ(found, after);
+    }
+}
+
+class StartUp : public CoreFixture {};
+
+TEST_F(StartUp, firstStartIsKnownByTheMissingMarker) {
+    EXPECT_TRUE(isFirstStart(settings_));
+    records().session.EmulatorFlag.set(0);
+    EXPECT_FALSE(isFirstStart(settings_));
+    EXPECT_EQ(settings_.GetSetting(u"Setup"_s, u"Emulator"_s, u"9"_s), u"0"_s);
+    EXPECT_FALSE(records().session.Running);
+}
+
+TEST_F(StartUp, newsAndUpdateStatusAreShownOnce) {
+    const auto tick = [&] {
+        messages_.clear();
+        core_->Timer6.Tick();
+        EXPECT_FALSE(core_->Timer6.enabled());
+        return messages_;
+    };
+    EXPECT_EQ(tick(), QStringList());
+    records().window.Kiv_News = u"ab"_s;
+    records().window.LastUpdateMsg = u"  "_s;
+    EXPECT_EQ(tick(), QStringList());
+    records().window.Kiv_News = u"new"_s;
+    records().window.LastUpdateMsg = u"updated"_s;
+    EXPECT_EQ(tick(), (QStringList{u"new"_s, u"updated"_s}));
+    EXPECT_EQ(tick(), QStringList{u"new"_s});
+}
+
+TEST_F(StartUp, unloadSavesAndGivesControlBack) {
+    records().conditions.SafeDelayVal.Value = 77;
+    StartSession(*core_);
+    sensor_.takeCalls();
+    Unload(*core_);
+    EXPECT_EQ(sensor_.takeCalls().value(0), u"Kiv_LocalControl(b false, s )"_s);
+    EXPECT_EQ(SettingsStore(u"Kiv_Skyhold"_s).GetSetting(u"Window"_s, u"SafeDelayVal"_s, {}),
+              u"77"_s);
+}
+
+} // namespace
+} // namespace skyhold

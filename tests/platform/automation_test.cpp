@@ -1,0 +1,85 @@
+#include "platform/automation_server.h"
+#include "platform/automation_value.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+TEST(AutomationValue, convertsAsTheParameterNeeds) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        QVariant value;
+        std::optional<std::int32_t> integer;
+        std::optional<double> real;
+        std::optional<bool> boolean;
+        std::optional<QString> text;
+    } cases[] = {
+        {7, 7, 7.0, true, u"7"_s},
+        {2.5, 2, 2.5, true, u"2.5"_s},
+        {3.5, 4, 3.5, true, u"3.5"_s},
+        {true, -1, -1.0, true, u"True"_s},
+        {false, 0, 0.0, false, u"False"_s},
+        {u" 12.5 "_s, 12, 12.5, true, u" 12.5 "_s},
+        {u"true"_s, -1, std::nullopt, true, u"true"_s},
+        {u"rain"_s, std::nullopt, std::nullopt, std::nullopt, u"rain"_s},
+        {3e9, std::nullopt, 3e9, true, u"3000000000"_s},
+        {nan, std::nullopt, std::nullopt, std::nullopt, std::nullopt},
+        {QVariant(), std::nullopt, std::nullopt, std::nullopt, std::nullopt},
+        {QVariantList{1}, std::nullopt, std::nullopt, std::nullopt, std::nullopt},
+    };
+    for (const auto& [value, integer, real, boolean, text] : cases) {
+        EXPECT_EQ(toInt32(value), integer) << value.typeName();
+        EXPECT_EQ(toReal(value), real) << value.typeName();
+        EXPECT_EQ(toBoolean(value), boolean) << value.typeName();
+        EXPECT_EQ(toText(value), text) << value.typeName();
+    }
+    EXPECT_EQ(fromBus(QVariant(QVariantList())), QVariant());
+    EXPECT_EQ(toBus(QVariant()), QVariant(QVariantList()));
+    EXPECT_EQ(fromBus(QVariant(quint64(5))), QVariant(5));
+    EXPECT_EQ(errorMessage(AutomationError::TypeMismatch, u"x"_s), u"0x80020005: x"_s);
+    EXPECT_EQ(factoryPath(u"Kiv_Skyhold.Nubilo"_s), u"/Kiv_Skyhold/Nubilo"_s);
+}
+
+TEST(MemberTable, findsChecksAndConverts) {
+    double limit = 10;
+    MemberTable table;
+    table.add({u"Limit"_s, 5, kPropertyGet, AutomationType::R8, {},
+               [&](QVariantList&) { return AutomationReply{limit, {}, {}}; }});
+    table.add({u"Limit"_s, 5, kPropertyPut, AutomationType::Empty,
+               {{u"value"_s, AutomationType::R8, true}}, [&](QVariantList& arguments) {
+                   limit = arguments[0].toDouble();
+                   arguments[0] = 99.0;
+                   return AutomationReply{};
+               }});
+    const struct {
+        QString name;
+        unsigned use;
+        QVariantList arguments;
+        AutomationError error;
+    } cases[] = {
+        {u"LIMIT"_s, kRead, {}, AutomationError::None},
+        {u"limit"_s, kPropertyPut, {u"12.5"_s}, AutomationError::None},
+        {u"limit"_s, kMethod, {}, AutomationError::MemberNotFound},
+        {u"limit"_s, kPropertyGet, {1}, AutomationError::BadParamCount},
+        {u"limit"_s, kPropertyPut, {}, AutomationError::BadParamCount},
+        {u"limit"_s, kPropertyPut, {u"wet"_s}, AutomationError::TypeMismatch},
+        {u"limits"_s, kRead, {}, AutomationError::UnknownName},
+    };
+    for (const auto& [name, use, arguments, error] : cases) {
+        QVariantList passed = arguments;
+        EXPECT_EQ(table.invokeByName(name, use, passed).error, error) << qPrintable(name) << use;
+    }
+    EXPECT_EQ(limit, 12.5);
+    QVariantList changed{3};
+    EXPECT_TRUE(table.invoke(5, kPropertyPut, changed).ok());
+    EXPECT_EQ(changed, QVariantList{99.0});
+    EXPECT_EQ(table.invoke(6, kRead, changed).error, AutomationError::MemberNotFound);
+}
+
+} // namespace
+} // namespace skyhold

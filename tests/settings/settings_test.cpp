@@ -1,0 +1,416 @@
+#include "settings/key_table.h"
+#include "settings/settings.h"
+#include "settings/settings_reference.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using namespace skyhold;
+using namespace Qt::Literals::StringLiterals;
+
+// Lets a failed comparison show its texts.
+static void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << qPrintable(text) << '"';
+}
+
+namespace {
+
+const NumberForms kPoint{.decimal = u"."_s, .thousand = u","_s};
+const NumberForms kComma{.decimal = u","_s, .thousand = u"."_s};
+
+using Texts = QMap<QString, QString>; // by "section/key"
+
+QString nameOf(const KeyRow& row) {
+    return row.section + u'/' + row.key;
+}
+
+// The present text of every key.
+Texts textsOf(const Records& records, const NumberForms& forms = kPoint) {
+    Texts texts;
+    for (const KeyRow& row : keyTable(records))
+        texts[nameOf(row)] = row.text(forms);
+    for (const KeyRow& row : uploadEntryRows(records.upload))
+        texts[nameOf(row)] = row.text(forms);
+    return texts;
+}
+
+// "key: text, expected text" of every key that differs; empty when none does.
+std::string differences(const Texts& texts, const Texts& expected) {
+    QStringList lines;
+    Texts all = expected;
+    all.insert(texts);
+    for (const QString& name : all.keys()) {
+        if (texts.value(name) != expected.value(name) ||
+            texts.contains(name) != expected.contains(name))
+            lines +=
+                u"%1: \"%2\", expected \"%3\""_s.arg(name, texts.value(name), expected.value(name));
+    }
+    return lines.join(u'\n').toStdString();
+}
+
+Texts defaultTexts() {
+    Texts texts;
+    const Records records;
+    for (const KeyRow& row : keyTable(records))
+        texts[nameOf(row)] = row.defaultText;
+    return texts;
+}
+
+// A valid text for the key that differs from its default.
+QString changedText(const KeyRow& row) {
+    // Of the options of one choice only one can be "True".
+    static const QStringList chosen{u"UnitsTemp1"_s, u"UnitsSpeed2"_s, u"DateFormat1"_s,
+                                    u"SWRole1"_s, u"QualityTop"_s};
+    switch (row.type) {
+    case KeyType::Text:
+        return u"%1: x, \"y\"; =\\é"_s.arg(row.key).left(25);
+    case KeyType::Integer: {
+        const int value = row.defaultText.toInt();
+        return QString::number(value > row.lowest ? value - 1 : value + 1);
+    }
+    case KeyType::Number:
+        return QString::number(row.defaultText.toDouble() + 0.5);
+    case KeyType::Boolean:
+        return chosen.contains(row.key) ? u"True"_s : u"False"_s;
+    case KeyType::CheckBox:
+        return row.defaultText == u"1"_s ? u"0"_s : u"1"_s;
+    case KeyType::Colour:
+        break;
+    }
+    return QString::number(row.defaultText.toInt() ^ 0x010203);
+}
+
+// A user's configuration folder of the test's own.
+struct ConfigFolder {
+    ConfigFolder() { qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit()); }
+    QTemporaryDir folder;
+};
+
+class Settings : public testing::Test {
+  protected:
+    static void save(SettingsStore& store, const Texts& texts) {
+        for (auto text = texts.begin(); text != texts.end(); ++text) {
+            const QStringList name = text.key().split(u'/');
+            store.SaveSetting(name[0], name[1], text.value());
+        }
+    }
+
+    ConfigFolder folder_; // before the store, which is made in it
+    SettingsStore store_{u"Kiv_Skyhold"_s};
+};
+
+} // namespace
+
+TEST_F(Settings, FreshStoreYieldsTheDefaults) {
+    Records records;
+    LoadSettings(records, store_, kPoint);
+    EXPECT_EQ(differences(textsOf(records), defaultTexts()), "");
+
+    // What the table's defaults mean in the records, with the keys that run against the levels.
+    const ConditionControls& c = records.conditions;
+    const auto unsafe = [](const ThreeChecks& boxes) {
+        return std::array{boxes[0].checked(), boxes[1].checked(), boxes[2].checked()};
+    };
+    using Levels = std::array<bool, 3>;
+    EXPECT_EQ(unsafe(c.CondCloud), (Levels{false, false, true}));
+    EXPECT_EQ(unsafe(c.CondRain), (Levels{false, true, true}));
+    EXPECT_EQ(unsafe(c.CondDay), (Levels{false, false, true}));
+    EXPECT_EQ(unsafe(c.CondWind), (Levels{false, true, true}));
+    EXPECT_EQ(unsafe(c.CondGust), (Levels{false, true, true}));
+    EXPECT_EQ(unsafe(c.CondTemp), (Levels{true, false, true}));
+    EXPECT_EQ(unsafe(c.CondDew), (Levels{true, false, false}));
+    EXPECT_EQ(unsafe(c.CondHum), (Levels{false, false, true}));
+    EXPECT_TRUE(c.WSDataOldUnsafe.checked());
+    EXPECT_TRUE(c.NBDataOldUnsafe.checked());
+    EXPECT_EQ(c.LimitTemp[0].Value.value(), -5);
+    EXPECT_EQ(c.ColorDew[0].BackColor.value(), kSwatchOrange);
+    EXPECT_EQ(c.CondTemp[2].Caption.value(), u"Hot"_s);
+    EXPECT_EQ(c.CondDay[2].Caption.value(), u"Very Light"_s);
+    EXPECT_EQ(c.DirectionGust[2].Caption.value(), u"000  359  01"_s);
+    EXPECT_EQ(records.units.UnitsSpeed.Index.value(), 0);
+    EXPECT_EQ(records.units.Cardinal[15], u"NNW"_s);
+    EXPECT_EQ(records.session.RefreshRead.chosen(), u"10 secs"_s);
+    EXPECT_EQ(records.upload.RefreshUpload.chosen(), u"60 sec"_s);
+    EXPECT_EQ(records.graphs.GraphColor[2][1].BackColor.value(), kRed);
+    EXPECT_EQ(records.graphs.ImageQuality.Index.value(), 2);
+    EXPECT_EQ(records.dataFile.Columns[24].Hdr, u"Safe Condtition"_s);
+    EXPECT_FALSE(records.window.Placed);
+    EXPECT_FALSE(records.units.Loading);
+}
+
+TEST_F(Settings, SectionsAreLoadedInOrder) {
+    const Records records;
+    QStringList sections;
+    for (const KeyRow& row : keyTable(records)) {
+        if (sections.isEmpty() || sections.last() != row.section)
+            sections += row.section;
+    }
+    EXPECT_EQ(sections.join(u' '), u"Window Limit Window Setup Limit Description Color Unsafe "
+                                   "Alarms Graphs Alarms Window File"_s);
+}
+
+TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
+    Records records;
+    QStringList names;
+    for (const KeyRow& row : keyTable(records)) {
+        EXPECT_FALSE(names.contains(nameOf(row))) << qPrintable(nameOf(row));
+        names += nameOf(row);
+        EXPECT_TRUE(row.load(row.defaultText, kPoint)) << qPrintable(nameOf(row));
+        EXPECT_FALSE(row.holds.isEmpty()) << qPrintable(nameOf(row));
+    }
+    // 41 in "Window", 23 in "Limit", 15 + 15 levels, 30 in "Unsafe", 54 in "Alarms", 19 in
+    // "Setup", 32 in "Graphs", 76 in "File".
+    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76);
+}
+
+TEST_F(Settings, EveryKeySurvivesARestart) {
+    for (const NumberForms& forms : {kPoint, kComma}) {
+        Texts texts;
+        const Records fresh;
+        for (const KeyRow& row : keyTable(fresh)) {
+            texts[nameOf(row)] = changedText(row);
+            if (row.type == KeyType::Number)
+                texts[nameOf(row)].replace(u'.', forms.decimal);
+        }
+        texts[u"Setup/NoFiles"_s] = u"2"_s;
+        for (const QString& n : {u"1"_s, u"2"_s}) {
+            texts[u"Setup/FileName"_s + n] = u"graph, %1.png"_s.arg(n);
+            texts[u"Setup/FilePath"_s + n] = u"C:\\images"_s;
+            texts[u"Setup/FileUpload"_s + n] = u"True"_s;
+        }
+        save(store_, texts);
+        ASSERT_TRUE(store_.flush());
+
+        Records records;
+        LoadSettings(records, SettingsStore(u"Kiv_Skyhold"_s), forms);
+        EXPECT_EQ(differences(textsOf(records, forms), texts), "");
+
+        // The same again from what SaveSettings writes.
+        ASSERT_TRUE(QFile::remove(store_.filePath()));
+        SettingsStore saved(u"Kiv_Skyhold"_s);
+        ASSERT_TRUE(SaveSettings(records, saved, forms));
+        Records reloaded;
+        LoadSettings(reloaded, SettingsStore(u"Kiv_Skyhold"_s), forms);
+        EXPECT_EQ(differences(textsOf(reloaded, forms), texts), "");
+        EXPECT_TRUE(reloaded.window.Placed);
+    }
+}
+
+TEST_F(Settings, RubbishInAKeyYieldsItsDefaultAndNothingElseChanges) {
+    const Texts defaults = defaultTexts();
+    const Records fresh;
+    for (const KeyRow& row : keyTable(fresh)) {
+        QStringList rubbish{u"rubbish"_s, u"nan"_s, u"inf"_s, u"1e999"_s, u"1 2"_s, u""_s};
+        if (row.type == KeyType::Text)
+            continue;
+        if (row.type == KeyType::CheckBox)
+            rubbish += {u"2"_s, u"-1"_s};
+        if (row.type == KeyType::Colour)
+            rubbish += {u"-1"_s, u"16777216"_s};
+        if (row.type == KeyType::Integer && row.key != u"GraphNoPoints"_s)
+            rubbish += {QString::number(row.lowest - 1), QString::number(row.highest + 1),
+                        u"99999999999"_s};
+        for (const QString& text : std::as_const(rubbish)) {
+            store_.SaveSetting(row.section, row.key, text);
+            Records records;
+            LoadSettings(records, store_, kPoint);
+            EXPECT_EQ(differences(textsOf(records), defaults), "")
+                << qPrintable(nameOf(row) + u" = "_s + text);
+        }
+        store_.SaveSetting(row.section, row.key, row.defaultText);
+    }
+}
+
+TEST_F(Settings, StoredTextsConvert) {
+    struct Case {
+        const char* section;
+        const char* key;
+        const char* stored;
+        const NumberForms& forms;
+        const char* loaded;
+    };
+    for (const Case& c : std::initializer_list<Case>{
+             {"Limit", "WindCalm", "0,5", kComma, "0,5"},
+             // Saved under another locale: never fifteen times the limit that was meant.
+             {"Limit", "WindCalm", "1,5", kPoint, "1.5"},
+             {"Limit", "WindCalm", "12.5", kComma, "12,5"},
+             {"Limit", "WindCalm", "1,234.5", kPoint, "10"},
+             {"Window", "SafeDelayVal", "100000", kPoint, "100000"},
+             {"Setup", "TimeoutREAD", "2.5", kPoint, "2"},
+             {"Setup", "TimeoutREAD", " 7 ", kPoint, "7"},
+             {"Graphs", "GraphNoPoints", "5", kPoint, "20"},
+             {"Graphs", "GraphNoPoints", "5000", kPoint, "2000"},
+             {"Graphs", "GraphColorWind0", "255", kPoint, "255"},
+             {"Window", "FreqSave", "0", kPoint, "1"},
+             {"File", "Prt03", "FALSE", kPoint, "False"},
+             {"File", "Hdr03", "A heading of more than 25 characters", kPoint,
+              "A heading of more than 25"},
+             {"Window", "FileNameCCDAP4", "", kPoint, ""},
+         }) {
+        const QString section = QString::fromLatin1(c.section);
+        const QString key = QString::fromLatin1(c.key);
+        store_.SaveSetting(section, key, QString::fromLatin1(c.stored));
+        Records records;
+        LoadSettings(records, store_, c.forms);
+        EXPECT_EQ(textsOf(records, c.forms)[section + u'/' + key], QString::fromLatin1(c.loaded))
+            << c.key << " = " << c.stored;
+    }
+}
+
+TEST_F(Settings, OneOptionIsAlwaysChosen) {
+    struct Case {
+        const char* stored0;
+        const char* stored1;
+        int chosen;
+    };
+    for (const Case& c : std::initializer_list<Case>{{"True", "False", 0},
+                                                     {"False", "True", 1},
+                                                     {"True", "True", 1},
+                                                     {"False", "False", 0},
+                                                     {"rubbish", "False", 0},
+                                                     {"rubbish", "True", 1},
+                                                     {"False", "rubbish", 0}}) {
+        store_.SaveSetting(u"Limit"_s, u"UnitsTemp0"_s, QString::fromLatin1(c.stored0));
+        store_.SaveSetting(u"Limit"_s, u"UnitsTemp1"_s, QString::fromLatin1(c.stored1));
+        Records records;
+        int lastClicked = -1;
+        bool alwaysLoading = true;
+        records.units.UnitsTemp.Click = [&](int index) {
+            lastClicked = index;
+            alwaysLoading &= records.units.Loading;
+        };
+        LoadSettings(records, store_, kPoint);
+        EXPECT_EQ(records.units.UnitsTemp.Index.value(), c.chosen) << c.stored0 << c.stored1;
+        EXPECT_EQ(lastClicked, c.chosen);
+        EXPECT_TRUE(alwaysLoading);
+    }
+}
+
+TEST_F(Settings, SoundsAreLoadedBeforeAlarmsAreSwitchedOn) {
+    store_.SaveSetting(u"Alarms"_s, u"DewLow"_s, u"/sounds/dew.wav|repeat"_s);
+    for (const QString& key :
+         {u"DewLowStat"_s, u"DewHighStat"_s, u"WSAlarmStat"_s, u"NBAlarmStat"_s})
+        store_.SaveSetting(u"Alarms"_s, key, u"1"_s);
+    store_.SaveSetting(u"Alarms"_s, u"NBAlarm"_s, u"/sounds/failed.wav"_s);
+
+    Records records;
+    AlarmControls& alarms = records.alarms;
+    for (CheckBox* box :
+         {&alarms.AlarmDew[0], &alarms.AlarmDew[2], &alarms.AlarmWS, &alarms.AlarmNB})
+        box->Click = [box] {
+            if (box->Tag.value().isEmpty())
+                box->Value = 0;
+        };
+    LoadSettings(records, store_, kPoint);
+    EXPECT_TRUE(alarms.AlarmDew[0].checked());
+    EXPECT_TRUE(alarms.AlarmDew[0].HasIcons.value());
+    EXPECT_FALSE(alarms.AlarmDew[2].checked());
+    EXPECT_FALSE(alarms.AlarmDew[2].HasIcons.value());
+    EXPECT_FALSE(alarms.AlarmWS.checked());
+    EXPECT_TRUE(alarms.AlarmNB.checked());
+}
+
+TEST_F(Settings, DescriptionsStandBesideTheirUnsafeBoxes) {
+    store_.SaveSetting(u"Description"_s, u"TempLow"_s, u"Frost"_s);
+    store_.SaveSetting(u"Description"_s, u"DewHigh"_s, u"Dry air"_s);
+    Records records;
+    LoadSettings(records, store_, kPoint);
+    EXPECT_EQ(records.conditions.ColorTemp[0].Caption.value(), u"Frost"_s);
+    EXPECT_EQ(records.conditions.CondTemp[0].Caption.value(), u"Frost"_s);
+    EXPECT_EQ(records.conditions.CondDew[2].Caption.value(), u"Dry air"_s);
+}
+
+TEST_F(Settings, WindowIsPlacedOnlyByTwoCoordinates) {
+    struct Case {
+        const char* left;
+        const char* top;
+        bool placed;
+    };
+    for (const Case& c : std::initializer_list<Case>{
+             {"-40", "25", true}, {"x", "25", false}, {"40", "x", false}, {"", "", false}}) {
+        store_.SaveSetting(u"Window"_s, u"Left"_s, QString::fromLatin1(c.left));
+        store_.SaveSetting(u"Window"_s, u"Top"_s, QString::fromLatin1(c.top));
+        Records records;
+        LoadSettings(records, store_, kPoint);
+        EXPECT_EQ(records.window.Placed, c.placed) << c.left << ' ' << c.top;
+        EXPECT_EQ(records.window.Left.value() == -40, c.placed);
+    }
+}
+
+TEST_F(Settings, ShortenedUploadListLeavesItsOldKeysUnread) {
+    Records records;
+    LoadSettings(records, store_, kPoint);
+    for (const QString& name : {u"a.png"_s, u"b.png"_s, u"c.png"_s}) {
+        FileItem item;
+        item.fName = name;
+        item.fPath = u"/images"_s;
+        records.upload.Files.push_back(item);
+    }
+    ASSERT_TRUE(SaveSettings(records, store_, kPoint));
+    EXPECT_EQ(store_.GetSetting(u"Setup"_s, u"NoFiles"_s, {}), u"3"_s);
+    EXPECT_EQ(store_.GetSetting(u"Setup"_s, u"FileName3"_s, {}), u"c.png"_s);
+
+    records.upload.Files.resize(1);
+    ASSERT_TRUE(SaveSettings(records, store_, kPoint));
+    EXPECT_EQ(store_.GetSetting(u"Setup"_s, u"NoFiles"_s, {}), u"1"_s);
+    EXPECT_EQ(store_.GetSetting(u"Setup"_s, u"FileName3"_s, {}), u"c.png"_s);
+    Records reloaded;
+    LoadSettings(reloaded, store_, kPoint);
+    ASSERT_EQ(reloaded.upload.Files.size(), 1U);
+    EXPECT_EQ(reloaded.upload.Files[0].fName, u"a.png"_s);
+}
+
+TEST_F(Settings, FileIsTheOwnersAloneAndKeepsForeignKeys) {
+    store_.SaveSetting(u"Window"_s, u"Unknown"_s, u"kept"_s);
+    ASSERT_TRUE(store_.flush());
+    ASSERT_TRUE(QFile::setPermissions(store_.filePath(),
+                                      QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
+    SettingsStore store(u"Kiv_Skyhold"_s);
+    Records records;
+    LoadSettings(records, store, kPoint);
+    records.upload.PassWord.Text = u"a \"secret\", with = and ; in it"_s;
+    ASSERT_TRUE(SaveSettings(records, store, kPoint));
+    struct stat status {};
+    ASSERT_EQ(::stat(store.filePath().toLocal8Bit().constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+
+    const SettingsStore again(u"Kiv_Skyhold"_s);
+    EXPECT_EQ(again.GetSetting(u"Window"_s, u"Unknown"_s, {}), u"kept"_s);
+    EXPECT_EQ(again.GetSetting(u"Setup"_s, u"Password"_s, {}),
+              u"a \"secret\", with = and ; in it"_s);
+}
+
+TEST_F(Settings, SomeKeysAreSavedAtOnce) {
+    Records records;
+    LoadSettings(records, store_, kPoint);
+    records.stationFile.HTMFile.Caption = u"/weather/data.htm"_s;
+    records.upload.ServerPath.Text = u"not yet"_s;
+    EXPECT_TRUE(SaveKeys(records, store_, {{u"Setup"_s, u"HTMFile"_s}}, kPoint));
+    const SettingsStore onDisk(u"Kiv_Skyhold"_s);
+    EXPECT_EQ(onDisk.GetSetting(u"Setup"_s, u"HTMFile"_s, {}), u"/weather/data.htm"_s);
+    EXPECT_EQ(onDisk.GetSetting(u"Setup"_s, u"ServerPath"_s, u"absent"_s), u"absent"_s);
+    EXPECT_FALSE(SaveKeys(records, store_, {{u"Setup"_s, u"WindCalm"_s}}, kPoint));
+}
+
+TEST_F(Settings, SavingToAnUnwritableFolderIsReported) {
+    Records records;
+    LoadSettings(records, store_, kPoint);
+    // A folder in the file's place fails for every user, root included.
+    ASSERT_TRUE(QDir().mkpath(store_.filePath()));
+    EXPECT_FALSE(SaveSettings(records, store_, kPoint));
+}
+
+TEST_F(Settings, ReferencePageIsUpToDate) {
+    const QString here = QFileInfo(QString::fromLocal8Bit(__FILE__)).absolutePath();
+    QFile page(here + u"/../../docs/settings.md"_s);
+    ASSERT_TRUE(page.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(page.readAll()), settingsReference())
+        << "rebuild it with ./dev docs";
+}
