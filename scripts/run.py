@@ -95,9 +95,9 @@ def environment(folder, replay):
         # Named relative to the runtime folder, which changes here.
         variables["WAYLAND_DISPLAY"] = os.path.join(variables.get("XDG_RUNTIME_DIR", ""), display)
     for name in ["CONFIG", "DATA", "CACHE", "STATE"]:
-        variables[f"XDG_{name}_HOME"] = str(folder / name.lower())
-    runtime = folder / "runtime"
-    runtime.mkdir(mode=0o700, exist_ok=True)
+        variables[f"XDG_{name}_HOME"] = str(folder / "user" / name.lower())
+    runtime = folder / "user" / "runtime"
+    runtime.mkdir(mode=0o700, parents=True, exist_ok=True)
     variables["XDG_RUNTIME_DIR"] = str(runtime)
     if replay:
         variables["TZ"] = "UTC"  # the log's times are shown as they stand in it
@@ -111,7 +111,7 @@ def write_settings(folder, station_file, read_seconds):
 
     for name in ["ccdap", "data", "images"]:
         (folder / name).mkdir(exist_ok=True)
-    settings = folder / "config" / "Kiv" / "Kiv_Skyhold.ini"
+    settings = folder / "user" / "config" / "Kiv" / "Kiv_Skyhold.ini"
     settings.parent.mkdir(mode=0o700, parents=True, exist_ok=True)
     settings.write_text(
         "[Setup]\n"
@@ -146,16 +146,20 @@ class Run:
         self.started = []
 
     def start(self, *command, **more):
-        program = subprocess.Popen([str(part) for part in command], env=self.variables,
-                                   start_new_session=True, **more)
+        try:
+            program = subprocess.Popen([str(part) for part in command], env=self.variables,
+                                       start_new_session=True, **more)
+        except OSError as error:
+            raise RunFailed(f"{command[0]}: {error.strerror}") from error
         self.started.append(program)
         return program
 
     def start_bus(self):
         configuration = self.folder / "bus.conf"
         configuration.write_text(BUS_CONFIGURATION, encoding="utf-8")
-        bus = self.start("dbus-daemon", f"--config-file={configuration}", "--nofork",
-                         "--print-address", stdout=subprocess.PIPE, text=True)
+        with open(self.folder / "bus.log", "w", encoding="utf-8") as log:
+            bus = self.start("dbus-daemon", f"--config-file={configuration}", "--nofork",
+                             "--print-address", stdout=subprocess.PIPE, stderr=log, text=True)
         address = bus.stdout.readline().strip()
         if not address:
             raise RunFailed("the message bus did not start")
@@ -227,11 +231,15 @@ def play(run, options):
     station_file.parent.mkdir(exist_ok=True)
     write_settings(run.folder, station_file, read_seconds)
 
+    station_file.unlink(missing_ok=True)  # of an earlier run in the same folder
+
     weather = ["--scenario", "quick"]
+    sensor_weather = weather
     if options.replay:
         first, last = log_times(options.replay, run.variables)
         time_from = first
         weather = ["--replay", options.replay.resolve(), "--once"]
+        sensor_weather = ["--scenario", "night"]  # follows the time of day
         time_limit = (last - first).total_seconds() / speed * 2 + 60
     if options.headless and not options.replay:
         cycles = cycles or 12
@@ -240,7 +248,7 @@ def play(run, options):
                     "--time-origin", time.time_ns() // 1_000_000, "--time-scale", speed]
 
     run.start_bus()
-    sensor = run.start(PROGRAMS / "Kiv_NubiloSim", "--scenario", "quick", *shared_clock,
+    sensor = run.start(PROGRAMS / "Kiv_NubiloSim", *sensor_weather, *shared_clock,
                        *faults_for(SENSOR_FAULTS, options.fault))
     station = run.start(PROGRAMS / "Kiv_StationSim", "--file", station_file,
                         "--format", options.station, *weather, *shared_clock,
@@ -262,14 +270,27 @@ def play(run, options):
         end_program(monitor, patience=30)
 
 
-def stop_on_signal(number, _frame):
-    raise SystemExit(128 + number)
+def end_on_signals():
+    """The first signal ends the run; further ones do not cut its end short."""
+    ending = False
+
+    def end(number, _frame):
+        nonlocal ending
+        if not ending:
+            ending = True
+            raise SystemExit(128 + number)
+
+    for number in [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]:
+        signal.signal(number, end)
+
+
+def report(what, path):
+    print(f"{what}: {path if path.exists() else 'not written'}", flush=True)
 
 
 def main():
     options = parse_arguments()
-    for number in [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]:
-        signal.signal(number, stop_on_signal)
+    end_on_signals()
     folder = make_folder(options.dir)
     print(f"Folder of this run: {folder}", flush=True)
     run = Run(folder, environment(folder, options.replay))
@@ -280,9 +301,9 @@ def main():
         status = 1
     finally:
         run.end()
-    print(f"CCDAutopilot file: {folder / 'ccdap' / CCDAP_NAME}")
+    report("CCDAutopilot file", folder / "ccdap" / CCDAP_NAME)
     if options.screenshot:
-        print(f"Picture of the window: {options.screenshot.absolute()}")
+        report("Picture of the window", options.screenshot.absolute())
     return status
 
 

@@ -95,7 +95,8 @@ int SensorDevice::historySize() const {
 }
 
 QList<QVariantList> SensorDevice::history(SensorGraph graph) const {
-    QList<QVariantList> table(4, QVariantList(1));
+    const QVariant unused = QVariantList(); // how an empty value goes over the bus
+    QList<QVariantList> table{{unused}, {unused}, {unused}, {unused}};
     constexpr int kStep = kSensorReadCycle * kSensorGraphFreq;
     const int size = historySize();
     if (size == 0)

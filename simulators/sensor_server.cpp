@@ -99,7 +99,7 @@ std::optional<SensorServer::Call> SensorServer::callOf(const QDBusMessage& messa
     if (below.startsWith(u"MForm"))
         call.object = QString(below).replace(u'/', u'.');
     call.use = sent[1].toUInt();
-    call.arguments = sent[2].toList();
+    call.arguments = qdbus_cast<QVariantList>(sent[2]);
     if (byName) {
         call.member = sent[0].toString();
         return call;

@@ -7,6 +7,7 @@
 #include "platform/files.h"
 #include "platform/quit_signals.h"
 #include "terminal.h"
+#include "ui/kiv_error.h"
 #include "ui/kiv_setup_form.h"
 #include "ui/main_window.h"
 
@@ -42,10 +43,10 @@ Options parseOptions(const QApplication& application, bool headless) {
     parser.addVersionOption();
     const QCommandLineOption headlessOption(QStringLiteral("headless"),
                                             QStringLiteral("Run without a window."));
-    const QCommandLineOption start(
-        QStringLiteral("start"), QStringLiteral("Start a monitoring session at once."));
-    const QCommandLineOption report(
-        QStringLiteral("report"), QStringLiteral("Write a line for every read cycle."));
+    const QCommandLineOption start(QStringLiteral("start"),
+                                   QStringLiteral("Start a monitoring session at once."));
+    const QCommandLineOption report(QStringLiteral("report"),
+                                    QStringLiteral("Write a line for every read cycle."));
     const QCommandLineOption cycles(QStringLiteral("cycles"),
                                     QStringLiteral("End after <n> read cycles."),
                                     QStringLiteral("n"), QStringLiteral("0"));
@@ -69,8 +70,8 @@ bool wantsHeadless(int argc, char** argv) {
 }
 
 void warnOfImageLibrary(bool headless) {
-    const QString text = QStringLiteral("FreeImage.dll file must be present in directory\n\r") +
-                         programFolder();
+    const QString text =
+        QStringLiteral("FreeImage.dll file must be present in directory\n\r") + programFolder();
     if (headless)
         terminalMessages()({text, MessageStyle::Ok, kVersion.title()});
     else
@@ -101,9 +102,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     const Options options = parseOptions(application, headless);
 
-    QLockFile instance(
-        QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) +
-        QStringLiteral("/Kiv_Skyhold.lock"));
+    QLockFile instance(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) +
+                       QStringLiteral("/Kiv_Skyhold.lock"));
     instance.setStaleLockTime(0);
     if (!instance.tryLock(0) && instance.error() == QLockFile::LockFailedError)
         return 0;
@@ -128,10 +128,14 @@ int main(int argc, char** argv) {
     if (!headless) {
         window = std::make_unique<KivSHMainform>(core);
         core.showMessage = makeMessageDialog(*window);
-        core.closeWindow = [&window] { window->close(); };
+        core.closeWindow = [&window] {
+            window->close();
+        };
         window->show();
     } else {
-        core.closeWindow = [] { QCoreApplication::quit(); };
+        core.closeWindow = [] {
+            QCoreApplication::quit();
+        };
     }
     if (!core.images.initialise())
         warnOfImageLibrary(headless);

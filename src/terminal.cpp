@@ -21,9 +21,9 @@ MessageAnswer safestAnswer(MessageStyle style) {
 }
 
 QString reading(const char* name, const Label& value, const Label& condition) {
-    const QString text = QStringLiteral("%1 %2 %3")
-                             .arg(QLatin1String(name), value.Caption.value(),
-                                  condition.Caption.value());
+    const QString text =
+        QStringLiteral("%1 %2 %3")
+            .arg(QLatin1String(name), value.Caption.value(), condition.Caption.value());
     return text.simplified();
 }
 
@@ -31,7 +31,8 @@ QString reading(const char* name, const Label& value, const Label& condition) {
 
 ShowMessage terminalMessages() {
     return [](const Message& message) {
-        const QString title = message.title.isEmpty() ? QStringLiteral("Kiv_Skyhold") : message.title;
+        const QString title =
+            message.title.isEmpty() ? QStringLiteral("Kiv_Skyhold") : message.title;
         std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message.text));
         return safestAnswer(message.style);
     };
@@ -39,21 +40,24 @@ ShowMessage terminalMessages() {
 
 QString cycleLine(const Records& records, const QDateTime& now) {
     const ReadingDisplay& show = records.display;
-    const QStringList parts{
-        formatDate(now, u"yyyy-mm-dd hh:mm:ss"),
-        records.conditions.LblStatus.Caption.value().toUpper().leftJustified(6),
-        show.LblCause.Caption,
-        reading("cloud", show.LValCloud, show.LCondCloud),
-        reading("rain", show.LValRain, show.LCondRain),
-        reading("light", show.LValBrightness, show.LCondBrightness),
-        reading("temperature", show.LValTemperature, show.LCondTemp),
-        reading("wind", show.LValWindSpeed, show.LCondWind),
-        reading("gust", show.LValWindGust, show.LCondGust),
-        reading("direction", show.LValWindDir, Label()),
-        reading("dew point", show.LValDewPoint, show.LCondDewPoint),
-        reading("humidity", show.LValHumidity, show.LCondHumidity),
-        records.session.Statusbar1.Caption,
-        records.session.Statusbar2.Caption};
+    QString cause = show.LblCause.Caption;
+    const QString delay = records.conditions.SafeDelayMsg.Caption;
+    if (!delay.isEmpty())
+        cause += QStringLiteral(", ") + delay;
+    const QStringList parts{formatDate(now, u"yyyy-mm-dd hh:mm:ss"),
+                            records.conditions.LblStatus.Caption.value().toUpper().leftJustified(6),
+                            cause,
+                            reading("cloud", show.LValCloud, show.LCondCloud),
+                            reading("rain", show.LValRain, show.LCondRain),
+                            reading("light", show.LValBrightness, show.LCondBrightness),
+                            reading("temperature", show.LValTemperature, show.LCondTemp),
+                            reading("wind", show.LValWindSpeed, show.LCondWind),
+                            reading("gust", show.LValWindGust, show.LCondGust),
+                            reading("direction", show.LValWindDir, Label()),
+                            reading("dew point", show.LValDewPoint, show.LCondDewPoint),
+                            reading("humidity", show.LValHumidity, show.LCondHumidity),
+                            records.session.Statusbar1.Caption,
+                            records.session.Statusbar2.Caption};
     return parts.join(QStringLiteral(" | "));
 }
 

@@ -60,14 +60,18 @@ std::vector<Row> rows() {
          Type::Text,
          {},
          Activity::None,
-         [](MonitoringCore&, QVariantList&) { return QVariant(QStringLiteral("Kiv_Skyhold")); }},
+         [](MonitoringCore&, QVariantList&) {
+             return QVariant(QStringLiteral("Kiv_Skyhold"));
+         }},
         {"Version",
          0x68030088,
          kPropertyGet,
          Type::Text,
          {},
          Activity::None,
-         [](MonitoringCore& core, QVariantList&) { return QVariant(core.version.text()); }},
+         [](MonitoringCore& core, QVariantList&) {
+             return QVariant(core.version.text());
+         }},
         {"DataReady",
          0x600300BA,
          kMethod,

@@ -26,11 +26,21 @@ QString fileTimeText(const QDateTime& time) {
     return time.toUTC().toString(Qt::ISODateWithMs);
 }
 
+QString neverReadFileTime() {
+    return fileTimeText(QDateTime(QDate(1899, 12, 31), QTime(0, 0, 1)));
+}
+
 StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& lastFileTime,
                                     const QDateTime& stationDateTime, const QDateTime& now,
                                     double timeoutMinutes) {
     if (!modified.isValid())
         return {StationFileState::Missing};
+    if (lastFileTime == neverReadFileTime()) {
+        // A file that was left behind long before the session began is no news.
+        const double age = static_cast<double>(modified.msecsTo(now)) / 1000;
+        if (age / 60 > timeoutMinutes)
+            return {StationFileState::Old, age};
+    }
     if (fileTimeText(modified) != lastFileTime)
         return {StationFileState::Refreshed};
 

@@ -15,16 +15,22 @@ QDateTime stationFileTime(const QString& path);
 // A file time as the text that is kept and compared: UTC with milliseconds; empty when invalid.
 QString fileTimeText(const QDateTime& time);
 
+// The last file time before the first read of a session, older than any file's.
+QString neverReadFileTime();
+
 enum class StationFileState {
     Missing,   // no such file, or it cannot be read
-    Old,       // not rewritten since it was last read, and its latest record is too old
+    Old,       // not rewritten since it was last read, and its latest record is too old; or, before
+               // the first read, not rewritten for longer than that
     Unchanged, // not rewritten since it was last read, its latest record recent enough
     Refreshed  // rewritten since it was last read
 };
 
 struct StationFileVerdict {
     StationFileState state = StationFileState::Missing;
-    double ageSeconds = 0; // between the latest record and now; only when not rewritten
+    // Between the latest record and now, only when not rewritten; before the first read of the
+    // file.
+    double ageSeconds = 0;
 };
 
 // `modified` invalid: there is no file. A station date-time that was never set is too old.

@@ -21,11 +21,13 @@ void requireSound(CheckBox& box) {
 } // namespace
 
 QString ProgramVersion::text() const {
-    return QStringLiteral("%1.%2.%3").arg(QString::number(major), padded(minor, 2),
-                                          padded(revision, 3));
+    return QStringLiteral("%1.%2.%3")
+        .arg(QString::number(major), padded(minor, 2), padded(revision, 3));
 }
 
-QString ProgramVersion::title() const { return QStringLiteral("Kiv_Skyhold (v%1)").arg(text()); }
+QString ProgramVersion::title() const {
+    return QStringLiteral("Kiv_Skyhold (v%1)").arg(text());
+}
 
 QString ProgramVersion::trayTip() const {
     return QStringLiteral("Kiv Skyhold (v%1)").arg(text()).left(63);

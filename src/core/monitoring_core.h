@@ -23,8 +23,8 @@ struct ProgramVersion {
     int major = 0;
     int minor = 0;
     int revision = 0;
-    QString text() const;  // "2.30.004"
-    QString title() const; // "Kiv_Skyhold (v2.30.004)", the main window's caption
+    QString text() const;    // "2.30.004"
+    QString title() const;   // "Kiv_Skyhold (v2.30.004)", the main window's caption
     QString trayTip() const; // "Kiv Skyhold (v2.30.004)", at most 63 characters
 };
 

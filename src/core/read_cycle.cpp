@@ -14,9 +14,15 @@ namespace skyhold {
 
 namespace {
 
+struct StationUnits {
+    QString temperature; // "C", "F" or " "
+    QString speed;       // "K", "M", "m" or "k"
+};
+
 void readStation(MonitoringCore& core);
+StationUnits stationUnits(Records& records);
 void tellTemperatureUnit(SensorLink& sensor, const QString& detected);
-void followUnits(Records& records, const QString& temperature, const QString& speed);
+void followUnits(Records& records, const StationUnits& units);
 void classify(MonitoringCore& core);
 void decide(MonitoringCore& core);
 QString causeInWords(const SafetyDecision& decision, Records& records);
@@ -33,12 +39,9 @@ void RunReadCycle(MonitoringCore& core) {
     core.forms = localeNumberForms();
 
     readStation(core);
-    const QString temperature =
-        DetectTemperatureUnit(records.display.LblWSValue[10].Caption.value(), records.units);
-    tellTemperatureUnit(core.sensor, temperature);
-    const QString speed = DetectSpeedUnit(records.display.LblWSValue[11].Caption.value(), records.units,
-                                          records.readings.SpeedUnit);
-    followUnits(records, temperature, speed);
+    const StationUnits units = stationUnits(records);
+    tellTemperatureUnit(core.sensor, units.temperature);
+    followUnits(records, units);
 
     ReadSensor(core.sensor, records, core.forms);
     classify(core);
@@ -55,9 +58,7 @@ void RunReadCycle(MonitoringCore& core) {
 
 void StartReading(MonitoringCore& core) {
     Records& records = core.records;
-    // Older than any file, so that the first file read counts as new.
-    records.readings.LastFileTime =
-        fileTimeText(QDateTime(QDate(1899, 12, 31), QTime(0, 0, 1)));
+    records.readings.LastFileTime = neverReadFileTime();
     core.stationMemory.reset();
     SetStatusText(records.session.Statusbar1, QString(), kNavy);
     records.session.RefreshRead.Enabled = false;
@@ -72,7 +73,9 @@ void StartReading(MonitoringCore& core) {
     core.sensor.takeCallFailure();
 
     RunReadCycle(core);
-    core.TimerRead.Tick = [&core] { RunReadCycle(core); };
+    core.TimerRead.Tick = [&core] {
+        RunReadCycle(core);
+    };
     // The entry begins with its seconds: "5  secs", "10 secs".
     core.TimerRead.arm(1000 * records.session.RefreshRead.chosen().left(2).trimmed().toInt());
 }
@@ -110,6 +113,16 @@ void readStation(MonitoringCore& core) {
     SetStationDataValid(read == StationRead::Valid, records, core.forms);
 }
 
+// A file that could not be read names no units: those in force stay.
+StationUnits stationUnits(Records& records) {
+    const CurrentReadings& readings = records.readings;
+    if (!readings.StationValid)
+        return {readings.TemperatureUnit, readings.SpeedUnit};
+    const auto& table = records.display.LblWSValue;
+    return {DetectTemperatureUnit(table[10].Caption.value(), records.units),
+            DetectSpeedUnit(table[11].Caption.value(), records.units, readings.SpeedUnit)};
+}
+
 void tellTemperatureUnit(SensorLink& sensor, const QString& detected) {
     const QString member = QStringLiteral("Kiv_TemperatureUnits");
     const std::optional<QString> told = sensor.readText(member);
@@ -117,18 +130,17 @@ void tellTemperatureUnit(SensorLink& sensor, const QString& detected) {
         sensor.write(member, detected);
 }
 
-void followUnits(Records& records, const QString& temperature, const QString& speed) {
-    if (temperature != records.readings.TemperatureUnit) {
-        const auto option = QStringLiteral("CF").indexOf(temperature);
+void followUnits(Records& records, const StationUnits& units) {
+    CurrentReadings& readings = records.readings;
+    if (units.temperature != readings.TemperatureUnit) {
+        const auto option = QStringLiteral("CF").indexOf(units.temperature);
         if (option >= 0)
             records.units.UnitsTemp.choose(static_cast<int>(option));
-        else
-            records.readings.TemperatureUnit = temperature;
+        readings.TemperatureUnit = units.temperature;
     }
-    if (speed != records.readings.SpeedUnit) {
-        const auto option = QStringLiteral("KMmk").indexOf(speed);
-        if (option >= 0)
-            records.units.UnitsSpeed.choose(static_cast<int>(option));
+    if (units.speed != readings.SpeedUnit) {
+        const auto option = QStringLiteral("KMmk").indexOf(units.speed);
+        records.units.UnitsSpeed.choose(static_cast<int>(option));
     }
 }
 
@@ -171,7 +183,7 @@ QString causeInWords(const SafetyDecision& decision, Records& records) {
                              [&records](Quantity quantity, std::int32_t) {
                                  return records.display.condition(quantity).Caption.value();
                              });
-    return records.readings.UnsafeFlag ? QStringLiteral("Conditions safe, waiting for the delay")
+    return records.readings.UnsafeFlag ? QStringLiteral("All conditions safe again")
                                        : QStringLiteral("All conditions safe");
 }
 

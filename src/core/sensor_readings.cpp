@@ -15,7 +15,8 @@ void paintHeaders(ReadingDisplay& display, Colour colour) {
 }
 
 // A value that could not be read keeps its last state; the failure is tested below.
-template <typename Value, typename Read> void keep(Value& value, const std::optional<Read>& read) {
+template <typename Value, typename Read>
+void keep(Value& value, const std::optional<Read>& read) {
     if (read)
         value = *read;
 }
@@ -44,10 +45,8 @@ void readValues(SensorLink& sensor, CurrentReadings& readings) {
 }
 
 bool sensorFailed(SensorLink& sensor) {
-    const bool running =
-        sensor.readBoolean(QStringLiteral("DeviceIsRunning")).value_or(false);
-    const bool transferError =
-        sensor.readBoolean(QStringLiteral("Kiv_XFERFileErr")).value_or(true);
+    const bool running = sensor.readBoolean(QStringLiteral("DeviceIsRunning")).value_or(false);
+    const bool transferError = sensor.readBoolean(QStringLiteral("Kiv_XFERFileErr")).value_or(true);
     return sensor.takeCallFailure() || !running || transferError;
 }
 
@@ -83,8 +82,7 @@ void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms) 
     readValues(sensor, readings);
     PaintLabel(display.LValCloud, kGreen, formatNumber(readings.SensorValues[0], u"0.0", forms));
     PaintLabel(display.LValRain, kGreen, formatNumber(readings.SensorValues[1], u"0", forms));
-    PaintLabel(display.LValBrightness, kGreen,
-               formatNumber(readings.SensorValues[2], u"0", forms));
+    PaintLabel(display.LValBrightness, kGreen, formatNumber(readings.SensorValues[2], u"0", forms));
     if (readings.StationValid) {
         PaintLabel(display.LValTemperature, kGreen,
                    formatNumber(readings.StationTemperature, u"0.0", forms));
@@ -96,8 +94,7 @@ void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms) 
     }
     const bool dayFirst = records.units.DateFormat.Index == 0;
     PaintLabel(display.Label3Sensor, kGreen,
-               formatDate(readings.LastReading,
-                          dayFirst ? u"dd/mm hh:mm:ss" : u"mm/dd hh:mm:ss"));
+               formatDate(readings.LastReading, dayFirst ? u"dd/mm hh:mm:ss" : u"mm/dd hh:mm:ss"));
 
     if (sensorFailed(sensor))
         showFailure(sensor, records);

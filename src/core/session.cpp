@@ -9,7 +9,9 @@ namespace skyhold {
 namespace {
 
 // The whole number in the first two characters of an interval entry ("5  secs"), in milliseconds.
-int intervalMs(const ComboBox& box) { return box.chosen().left(2).trimmed().toInt() * 1000; }
+int intervalMs(const ComboBox& box) {
+    return box.chosen().left(2).trimmed().toInt() * 1000;
+}
 
 void resetForSession(MonitoringCore& core) {
     Records& records = core.records;
@@ -154,10 +156,10 @@ void SetIdleControls(Records& records, bool idle) {
     session.ButtStart.Visible = idle;
     session.ButtStop.Visible = !idle;
 
-    for (CheckBox* box : {&session.flgReadStation, &session.flgUpload, &session.EmulatorFlag,
-                          &records.alarms.AlarmWS, &records.alarms.AlarmNB,
-                          &records.conditions.WSDataOldUnsafe,
-                          &records.conditions.NBDataOldUnsafe, &graphs.ImageType})
+    for (CheckBox* box :
+         {&session.flgReadStation, &session.flgUpload, &session.EmulatorFlag,
+          &records.alarms.AlarmWS, &records.alarms.AlarmNB, &records.conditions.WSDataOldUnsafe,
+          &records.conditions.NBDataOldUnsafe, &graphs.ImageType})
         box->Enabled = idle;
     for (CheckBox& box : graphs.GraphGenerate)
         box.Enabled = idle;

@@ -29,8 +29,7 @@ void showNewsAndUpdateStatus(MonitoringCore& core) {
 
 bool isFirstStart(const SettingsStore& settings) {
     const QString never = QStringLiteral("9");
-    return settings.GetSetting(QStringLiteral("Setup"), QStringLiteral("Emulator"), never) ==
-           never;
+    return settings.GetSetting(QStringLiteral("Setup"), QStringLiteral("Emulator"), never) == never;
 }
 
 void swapUpdater(const QString& folder) {
@@ -55,7 +54,9 @@ void LoadMainWindow(MonitoringCore& core) {
     LoadSettings(core.records, core.settings, core.forms);
     SetIdleControls(core.records, true);
     UpdateMenus(core.records);
-    core.Timer6.Tick = [&core] { showNewsAndUpdateStatus(core); };
+    core.Timer6.Tick = [&core] {
+        showNewsAndUpdateStatus(core);
+    };
     core.Timer6.arm(10);
 }
 
@@ -73,10 +74,10 @@ bool RequestClose(MonitoringCore& core) {
 
 void Unload(MonitoringCore& core) {
     if (!SaveSettings(core.records, core.settings, core.forms))
-        core.showMessage({QStringLiteral("The settings could not be saved to ") +
-                              core.settings.filePath(),
-                          MessageStyle::Ok,
-                          {}});
+        core.showMessage(
+            {QStringLiteral("The settings could not be saved to ") + core.settings.filePath(),
+             MessageStyle::Ok,
+             {}});
     if (core.sensor.connected())
         core.sensor.CloseSensor(core.records.readings);
     core.images.deInitialise();

@@ -62,25 +62,16 @@ class EntryFiller {
     void fillAll() {
         fillDate();
         fillTime();
-        fillNumber(2, u"OutTemp");
-        fillNumber(3, u"WindSpeed");
-        fillNumber(4, u"Gust");
-        describe(5, u"WindDirection");
-        show(5, formatNumber(CardinalToDegrees(value(u"WindDirection"), units_.Cardinal), u"0.0",
-                             forms_));
-        describe(6, u"RainDaily");
-        show(6, numberText(std::abs(parseLocaleNumber(value(u"RainDayMin"), forms_) -
-                                    parseLocaleNumber(value(u"RainDayMax"), forms_)),
-                           forms_));
-        describe(7, u"OutHumidity");
-        show(7, numberText(
-                    ParseStationNumber(
-                        withoutCharacters(value(u"OutHumidity"), units_.ExcChrHumidity), forms_),
-                    forms_));
-        fillNumber(8, u"DewPoint");
-        describe(9, u"Barometer");
-        readings_.BarometricPressure = ParseStationNumber(value(u"Barometer"), forms_);
-        show(9, formatNumber(readings_.BarometricPressure, u"0.0", forms_));
+        showNumber(2, u"OutTemp", stationNumber(u"OutTemp"));
+        showNumber(3, u"WindSpeed", stationNumber(u"WindSpeed"));
+        showNumber(4, u"Gust", stationNumber(u"Gust"));
+        showOneDecimal(5, u"WindDirection",
+                       CardinalToDegrees(value(u"WindDirection"), units_.Cardinal));
+        showNumber(6, u"RainDaily", dailyRain());
+        showNumber(7, u"OutHumidity", humidity());
+        showNumber(8, u"DewPoint", stationNumber(u"DewPoint"));
+        readings_.BarometricPressure = stationNumber(u"Barometer");
+        showOneDecimal(9, u"Barometer", readings_.BarometricPressure);
         fillUnit(10, u"OutTemp");
         fillUnit(11, u"WindSpeed");
         fillUnit(12, u"Barometer");
@@ -89,6 +80,19 @@ class EntryFiller {
   private:
     QStringView value(QStringView name) const {
         return table_.cell(kValueCell, FindRow(table_, name));
+    }
+
+    double stationNumber(QStringView name) const { return ParseStationNumber(value(name), forms_); }
+
+    double dailyRain() const {
+        const double rain = std::abs(parseLocaleNumber(value(u"RainDayMin"), forms_) -
+                                     parseLocaleNumber(value(u"RainDayMax"), forms_));
+        return std::isfinite(rain) ? rain : 0;
+    }
+
+    double humidity() const {
+        return ParseStationNumber(withoutCharacters(value(u"OutHumidity"), units_.ExcChrHumidity),
+                                  forms_);
     }
 
     void describe(std::size_t entry, QStringView description) {
@@ -100,9 +104,14 @@ class EntryFiller {
             text.first(std::min(text.size(), kLongestShown)).toString();
     }
 
-    void fillNumber(std::size_t entry, QStringView name) {
-        describe(entry, name);
-        show(entry, numberText(ParseStationNumber(value(name), forms_), forms_));
+    void showNumber(std::size_t entry, QStringView description, double number) {
+        describe(entry, description);
+        show(entry, numberText(number, forms_));
+    }
+
+    void showOneDecimal(std::size_t entry, QStringView description, double number) {
+        describe(entry, description);
+        show(entry, formatNumber(number, u"0.0", forms_));
     }
 
     void fillUnit(std::size_t entry, QStringView name) {

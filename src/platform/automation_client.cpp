@@ -18,13 +18,15 @@ namespace {
 // Starting a program may take longer than a call to one that runs.
 constexpr int kActivationTimeoutMs = 15'000;
 
-AutomationReply failure(const QString& text) { return {{}, AutomationError::Fail, text}; }
+AutomationReply failure(const QString& text) {
+    return {{}, AutomationError::Fail, text};
+}
 
 AutomationError errorNamed(const QString& name) {
     for (const AutomationError error :
          {AutomationError::UnknownName, AutomationError::MemberNotFound,
-          AutomationError::BadParamCount, AutomationError::TypeMismatch,
-          AutomationError::Exception, AutomationError::NoInterface}) {
+          AutomationError::BadParamCount, AutomationError::TypeMismatch, AutomationError::Exception,
+          AutomationError::NoInterface}) {
         if (errorForm(error).name == name)
             return error;
     }
@@ -46,7 +48,9 @@ bool isGone(QDBusError::ErrorType type) {
 class BusObject : public DispatchObject {
   public:
     BusObject(const QDBusConnection& bus, const QString& owner, const QString& path)
-        : bus_(bus), owner_(owner), path_(path) {
+        : bus_(bus)
+        , owner_(owner)
+        , path_(path) {
         spent_.start();
     }
 
@@ -155,10 +159,9 @@ std::unique_ptr<DispatchObject> create(const QDBusConnection& bus, const QString
         return nullptr;
     if (!bus.interface()->isServiceRegistered(programId))
         activate(bus, programId);
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(programId, factoryPath(programId),
-                                       QString::fromLatin1(kFactoryInterface),
-                                       QStringLiteral("CreateInstance"));
+    QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
+                                                       QString::fromLatin1(kFactoryInterface),
+                                                       QStringLiteral("CreateInstance"));
     call.setAutoStartService(false);
     const QDBusMessage reply = bus.call(call, QDBus::Block, kCallTimeoutMs);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
@@ -173,7 +176,9 @@ std::unique_ptr<DispatchObject> create(const QDBusConnection& bus, const QString
 
 CreateObject busObjectCreator(const QDBusConnection& bus) {
     registerAutomationTypes();
-    return [bus](const QString& programId) { return create(bus, programId); };
+    return [bus](const QString& programId) {
+        return create(bus, programId);
+    };
 }
 
 } // namespace skyhold

@@ -41,7 +41,9 @@ constexpr char kDispatchXml[] = R"(  <interface name="Kiv.Automation.Dispatch">
   </interface>
 )";
 
-AutomationReply error(AutomationError kind, const QString& text) { return {{}, kind, text}; }
+AutomationReply error(AutomationError kind, const QString& text) {
+    return {{}, kind, text};
+}
 
 QDBusMessage errorReply(const QDBusMessage& message, AutomationError kind, const QString& text) {
     return message.createErrorReply(errorForm(kind).name, errorMessage(kind, text));
@@ -69,18 +71,16 @@ AutomationReply MemberTable::invoke(std::int32_t id, unsigned use, QVariantList&
         if ((member.use & use) == 0)
             continue;
         if (static_cast<std::size_t>(arguments.size()) != member.parameters.size())
-            return error(AutomationError::BadParamCount,
-                         QStringLiteral("%1 takes %2 arguments")
-                             .arg(member.name)
-                             .arg(member.parameters.size()));
+            return error(AutomationError::BadParamCount, QStringLiteral("%1 takes %2 arguments")
+                                                             .arg(member.name)
+                                                             .arg(member.parameters.size()));
         for (std::size_t i = 0; i < member.parameters.size(); ++i) {
             QVariant& argument = arguments[static_cast<qsizetype>(i)];
             std::optional<QVariant> converted = convertTo(member.parameters[i].type, argument);
             if (!converted)
-                return error(AutomationError::TypeMismatch,
-                             QStringLiteral("%1: argument %2 does not convert")
-                                 .arg(member.name)
-                                 .arg(i + 1));
+                return error(
+                    AutomationError::TypeMismatch,
+                    QStringLiteral("%1: argument %2 does not convert").arg(member.name).arg(i + 1));
             argument = *converted;
         }
         return member.act(arguments);
@@ -113,7 +113,9 @@ AutomationServer::AutomationServer(const QDBusConnection& bus, const QString& pr
             [this](const QString& client) { releaseAllOf(client); });
 }
 
-AutomationServer::~AutomationServer() { stop(); }
+AutomationServer::~AutomationServer() {
+    stop();
+}
 
 bool AutomationServer::start() {
     if (!bus_.isConnected())
@@ -161,8 +163,7 @@ bool AutomationServer::handleMessage(const QDBusMessage& message, const QDBusCon
         return true;
     }
     bool numbered = false;
-    const std::uint32_t number =
-        QStringView(path).mid(rootPath_.size() + 1).toUInt(&numbered);
+    const std::uint32_t number = QStringView(path).mid(rootPath_.size() + 1).toUInt(&numbered);
     if (!numbered || !instances_.contains(number)) {
         bus_.send(message.createErrorReply(QDBusError::UnknownObject,
                                            QStringLiteral("No such object ") + path));

@@ -90,7 +90,7 @@ class AutomationServer : public QDBusVirtualObject {
     std::function<void(int)> usersChanged_;
     bool started_ = false;
     std::uint32_t lastInstance_ = 0;
-    QHash<std::uint32_t, QString> instances_;                  // instance number -> client
+    QHash<std::uint32_t, QString> instances_; // instance number -> client
     QHash<QString, QSet<std::uint32_t>> instancesOfClient_;
     QHash<QString, std::shared_ptr<const MemberTable>> objects_; // by path
     QDBusServiceWatcher* watcher_ = nullptr;

@@ -111,7 +111,9 @@ QVariantList fromBus(const QVariantList& values) {
     return plain;
 }
 
-QVariant toBus(const QVariant& value) { return value.isValid() ? value : QVariant(QVariantList()); }
+QVariant toBus(const QVariant& value) {
+    return value.isValid() ? value : QVariant(QVariantList());
+}
 
 QVariantList toBus(const QVariantList& values) {
     QVariantList sent;
@@ -134,7 +136,9 @@ std::optional<std::int32_t> toInt32(const QVariant& value) {
     return static_cast<std::int32_t>(rounded);
 }
 
-std::optional<double> toReal(const QVariant& value) { return numberOf(value); }
+std::optional<double> toReal(const QVariant& value) {
+    return numberOf(value);
+}
 
 std::optional<bool> toBoolean(const QVariant& value) {
     if (value.typeId() == QMetaType::QString) {

@@ -25,7 +25,8 @@ std::int64_t localStamp(const QDateTime& time) {
 
 } // namespace
 
-SystemClock::SystemClock() : SystemClock(ClockStart{}) {}
+SystemClock::SystemClock()
+    : SystemClock(ClockStart{}) {}
 
 SystemClock::SystemClock(const ClockStart& start)
     : start_(start)

@@ -6,7 +6,8 @@
 namespace skyhold {
 
 bool displayReachable() {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ||
+        !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         return true;
     if (qEnvironmentVariableIsEmpty("DISPLAY"))
         return false;

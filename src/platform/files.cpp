@@ -16,7 +16,8 @@ namespace {
 
 class Descriptor {
   public:
-    explicit Descriptor(int fd) : fd_(fd) {}
+    explicit Descriptor(int fd)
+        : fd_(fd) {}
     ~Descriptor() {
         if (fd_ >= 0)
             ::close(fd_);
@@ -142,7 +143,9 @@ bool writeAtStart(const QString& path, const QByteArray& bytes) {
     return file.close();
 }
 
-QString programFolder() { return QCoreApplication::applicationDirPath(); }
+QString programFolder() {
+    return QCoreApplication::applicationDirPath();
+}
 
 QString writableProgramFolder() {
     const QString folder = programFolder();

@@ -10,14 +10,15 @@ namespace skyhold {
 
 namespace {
 
-QString storedName(const QString& section, const QString& key) { return section + u'/' + key; }
+QString storedName(const QString& section, const QString& key) {
+    return section + u'/' + key;
+}
 
 } // namespace
 
 SettingsStore::SettingsStore(const QString& application) {
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-        QStringLiteral("/Kiv");
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                           QStringLiteral("/Kiv");
     path_ = folder + u'/' + application + QStringLiteral(".ini");
     QDir().mkpath(folder);
     ::chmod(folder.toLocal8Bit().constData(), S_IRWXU);

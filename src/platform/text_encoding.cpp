@@ -10,7 +10,8 @@ namespace {
 
 class Converter {
   public:
-    Converter(const char* to, const char* from) : handle_(iconv_open(to, from)) {}
+    Converter(const char* to, const char* from)
+        : handle_(iconv_open(to, from)) {}
     ~Converter() {
         if (valid())
             iconv_close(handle_);

@@ -13,9 +13,13 @@ NumberForms localeNumberForms() {
     return {locale.decimalPoint().left(4), locale.groupSeparator().left(4)};
 }
 
-QString GetDecimalSeparator() { return localeNumberForms().decimal; }
+QString GetDecimalSeparator() {
+    return localeNumberForms().decimal;
+}
 
-QString GetThousandSeparator() { return localeNumberForms().thousand; }
+QString GetThousandSeparator() {
+    return localeNumberForms().thousand;
+}
 
 QString formatNumber(double value, QStringView pattern, const NumberForms& forms) {
     const qsizetype point = pattern.indexOf(u'.');
@@ -26,8 +30,8 @@ QString formatNumber(double value, QStringView pattern, const NumberForms& forms
     // 1.005 is stored a hair below its decimal text; one step outwards lets the half that the
     // user sees round away from zero.
     const double scale = std::pow(10.0, decimals);
-    const double scaled = std::abs(value) * scale;
-    const double outwards = std::nextafter(scaled, std::numeric_limits<double>::infinity());
+    const double scaled = std::min(std::abs(value) * scale, std::numeric_limits<double>::max());
+    const double outwards = std::nextafter(scaled, std::numeric_limits<double>::max());
     QString digits = QString::number(std::floor(outwards + 0.5), 'f', 0);
     if (decimals > 0)
         digits = digits.rightJustified(decimals + 1, u'0');
@@ -62,8 +66,8 @@ std::optional<double> numberFromText(QStringView text, const NumberForms& forms)
         bytes.remove(0, 1);
     // from_chars would also take "inf" and "nan".
     const qsizetype first = bytes.startsWith('-') ? 1 : 0;
-    if (bytes.size() <= first || !(std::isdigit(static_cast<unsigned char>(bytes[first])) ||
-                                   bytes[first] == '.'))
+    if (bytes.size() <= first ||
+        !(std::isdigit(static_cast<unsigned char>(bytes[first])) || bytes[first] == '.'))
         return std::nullopt;
     double value = 0;
     const auto [end, error] = std::from_chars(bytes.cbegin(), bytes.cend(), value);
@@ -124,6 +128,8 @@ QString formatDate(const QDateTime& time, QStringView pattern) {
     return text;
 }
 
-double roundHalfEven(double value) { return std::nearbyint(value); }
+double roundHalfEven(double value) {
+    return std::nearbyint(value);
+}
 
 } // namespace skyhold

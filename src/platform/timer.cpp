@@ -7,7 +7,8 @@
 
 namespace skyhold {
 
-Timer::Timer(const Clock& clock) : clock_(clock) {
+Timer::Timer(const Clock& clock)
+    : clock_(clock) {
     timer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
         if (Tick)

@@ -10,8 +10,8 @@ struct AlarmControls {
     // followed by "|repeat".
     ThreeChecks AlarmCloud, AlarmRain, AlarmDay, AlarmWind, AlarmGust, AlarmTemp, AlarmDew,
         AlarmHum;
-    CheckBox AlarmWS; // station data old or missing
-    CheckBox AlarmNB; // sensor program failed
+    CheckBox AlarmWS;          // station data old or missing
+    CheckBox AlarmNB;          // sensor program failed
     Label TimeoutAlarmCaption; // over AlarmNB: "Timeout Alarm", or blank when it is hidden
 
     CheckBox SuspendSoundAlarm;

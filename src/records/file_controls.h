@@ -24,8 +24,8 @@ struct CcdapControls {
 
 // One column of the user data file.
 struct DataColumn {
-    QString Hdr;  // at most 25 characters
-    int Cal = 1;  // data item 1..25
+    QString Hdr; // at most 25 characters
+    int Cal = 1; // data item 1..25
     bool Prt = true;
 };
 
@@ -33,7 +33,7 @@ struct DataFileControls {
     TextBox FileName; // without extension
     Label LblPathName;
     Button ButtPATH, ButtFileStructure;
-    NumberBox SaveFreq;   // read cycles per line, at least 1
+    NumberBox SaveFreq;    // read cycles per line, at least 1
     OptionGroup RecOption; // 0 record, 1 stop
     std::array<DataColumn, 25> Columns;
 };
@@ -66,8 +66,8 @@ struct GraphControls {
     std::array<CheckBox, 6> GraphGenerate;
     std::array<CheckBox, 6> GraphImage;
     std::array<std::array<Label, 3>, 6> GraphColor; // BackColor; only direction uses the third
-    CheckBox ImageType;       // checked PNG, unchecked JPEG
-    OptionGroup ImageQuality; // 0 top, 1 good, 2 normal
+    CheckBox ImageType;                             // checked PNG, unchecked JPEG
+    OptionGroup ImageQuality;                       // 0 top, 1 good, 2 normal
     Label GraphImagePath;
     Button ButtGraphImagePath;
 };

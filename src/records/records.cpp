@@ -33,8 +33,8 @@ Records::Records() {
     session.LblUsers.Caption = QStringLiteral("Attached Users: 0");
     dataFile.RecOption.Index = 1;
 
-    constexpr std::array names{"Cloud", "Rain",      "Brightness", "Wind",       "Gust",
-                               "Direction", "DewPoint", "Humidity", "Temperature"};
+    constexpr std::array names{"Cloud",     "Rain",     "Brightness", "Wind",       "Gust",
+                               "Direction", "DewPoint", "Humidity",   "Temperature"};
     for (std::size_t i = 0; i < names.size(); ++i)
         display.Label0[i].Caption = QString::fromLatin1(names[i]);
 }

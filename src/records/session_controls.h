@@ -12,15 +12,15 @@ struct SessionControls {
     CheckBox flgUpload;
     CheckBox EmulatorFlag;
     ComboBox RefreshRead;
-    NumberBox NBTimeout;   // seconds to wait for the sensor program's first data
-    OptionGroup SWRole;    // 0 "Enabled": this program drives the switch; 1 "Disable"
+    NumberBox NBTimeout;        // seconds to wait for the sensor program's first data
+    OptionGroup SWRole;         // 0 "Enabled": this program drives the switch; 1 "Disable"
     bool SwitchControl = false; // this program drives the switch itself
 
     Button ButtStart, ButtStop;
     Label Statusbar1; // status line
     Label Statusbar2; // status codes
     bool Running = false;
-    bool Starting = false; // a start waits for the sensor program's first data
+    bool Starting = false;       // a start waits for the sensor program's first data
     bool StartCancelled = false; // it was stopped while it waited
 
     std::int32_t ClientCount = 0;
@@ -28,10 +28,10 @@ struct SessionControls {
     Frame FrameCOM;
     Label COMCalls, COMPeriod;
     LampPair LEDCOM;
-    std::int32_t CallCounter = 0;    // 0..9999
-    std::int64_t LastTimedCall = 0;  // MsClock
-    Label LblControl;                // text of the client that holds local control
-    Frame Frame3;                    // shown unless a client holds local control
+    std::int32_t CallCounter = 0;   // 0..9999
+    std::int64_t LastTimedCall = 0; // MsClock
+    Label LblControl;               // text of the client that holds local control
+    Frame Frame3;                   // shown unless a client holds local control
 };
 
 enum class WindowState { Normal, Minimized, Maximized };
@@ -46,7 +46,7 @@ struct WindowControls {
     bool Placed = false;
     QProperty<int> SSTab1{0}, SSTab2{1}, SSTab3{0};
     QProperty<int> VScrollPos0{0}, VScrollPos1{0}, VScrollPos3{15}, HScrollPos2{15};
-    QString HelpFile; // empty: none installed
+    QString HelpFile;         // empty: none installed
     bool HasTrayIcon = false; // a minimised window may be hidden
     QString LastUpdateMsg;
     QString Kiv_News;

@@ -8,9 +8,9 @@
 namespace skyhold {
 
 struct UnitControls {
-    OptionGroup UnitsTemp;  // 0 "C", 1 "F"
-    OptionGroup UnitsSpeed; // 0 "K" km/h, 1 "M" mph, 2 "m" m/s, 3 "k" knots
-    OptionGroup DateFormat; // 0 dd/mm/yy, 1 mm/dd/yy
+    OptionGroup UnitsTemp;     // 0 "C", 1 "F"
+    OptionGroup UnitsSpeed;    // 0 "K" km/h, 1 "M" mph, 2 "m" m/s, 3 "k" knots
+    OptionGroup DateFormat;    // 0 dd/mm/yy, 1 mm/dd/yy
     Label TemperatureUnitText; // "°C", "°F"
     Label SpeedUnitText;       // "km/hr", "mph", "m/s", "knot"
 

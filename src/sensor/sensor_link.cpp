@@ -18,7 +18,8 @@ constexpr int kCycleBudgetMs = 2500;
 } // namespace
 
 SensorLink::SensorLink(CreateObject createObject, Clock& clock)
-    : createObject_(std::move(createObject)), clock_(clock) {}
+    : createObject_(std::move(createObject))
+    , clock_(clock) {}
 
 bool SensorLink::OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage) {
     wanted_ = true;
@@ -116,7 +117,9 @@ void SensorLink::beginCycle(const SensorLinkRecords& records) {
         callFailed_ = true;
 }
 
-bool SensorLink::takeCallFailure() { return std::exchange(callFailed_, false); }
+bool SensorLink::takeCallFailure() {
+    return std::exchange(callFailed_, false);
+}
 
 AutomationReply SensorLink::forward(const QString& name, unsigned use, QVariantList& arguments) {
     if (!object_)

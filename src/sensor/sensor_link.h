@@ -69,7 +69,7 @@ class SensorLink {
     CreateObject createObject_;
     Clock& clock_;
     std::unique_ptr<DispatchObject> object_;
-    bool wanted_ = false;     // between OpenSensor and CloseSensor
+    bool wanted_ = false; // between OpenSensor and CloseSensor
     bool callFailed_ = false;
 };
 

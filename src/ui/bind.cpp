@@ -160,7 +160,9 @@ void bind(LampWidget* first, LampWidget* second, LampPair& record) {
     followVisible(second, record.Visible);
 }
 
-void bind(QWidget* widget, Frame& record) { followVisible(widget, record.Visible); }
+void bind(QWidget* widget, Frame& record) {
+    followVisible(widget, record.Visible);
+}
 
 void bind(QAction* action, MenuEntry& record) {
     follow(action, record.Enabled, [action](bool on) { action->setEnabled(on); });

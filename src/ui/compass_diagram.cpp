@@ -19,7 +19,8 @@ QPointF onCircle(const QPointF& centre, double radius, double degrees) {
 
 } // namespace
 
-CompassDiagram::CompassDiagram(QWidget* parent) : QWidget(parent) {
+CompassDiagram::CompassDiagram(QWidget* parent)
+    : QWidget(parent) {
     setFixedSize(240, 240);
     setCursor(Qt::SizeVerCursor);
 }
@@ -63,7 +64,9 @@ void CompassDiagram::paintEvent(QPaintEvent*) {
     }
 }
 
-void CompassDiagram::mousePressEvent(QMouseEvent* event) { lastY_ = event->pos().y(); }
+void CompassDiagram::mousePressEvent(QMouseEvent* event) {
+    lastY_ = event->pos().y();
+}
 
 void CompassDiagram::mouseMoveEvent(QMouseEvent* event) {
     const int degrees = lastY_ - event->pos().y();

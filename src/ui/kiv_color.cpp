@@ -29,7 +29,9 @@ constexpr std::array<Colour, 48> kPalette{
 
 class ColourButton : public QAbstractButton {
   public:
-    ColourButton(Colour colour, QWidget* parent) : QAbstractButton(parent), colour_(colour) {
+    ColourButton(Colour colour, QWidget* parent)
+        : QAbstractButton(parent)
+        , colour_(colour) {
         setCheckable(true);
         setFixedSize(34, 26);
         setObjectName(u"Swatch"_s + QString::number(colour));

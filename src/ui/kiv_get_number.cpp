@@ -7,7 +7,9 @@
 
 namespace skyhold {
 
-KivGetNumber::KivGetNumber(QWidget* parent) : QLineEdit(parent), forms_(localeNumberForms()) {
+KivGetNumber::KivGetNumber(QWidget* parent)
+    : QLineEdit(parent)
+    , forms_(localeNumberForms()) {
     setAlignment(Qt::AlignRight);
     connect(this, &QLineEdit::textEdited, this, [this] { Q_EMIT valueEdited(value()); });
 }
@@ -23,7 +25,9 @@ void KivGetNumber::setDigits(int mostSignificant, int decimals, bool allowNegati
     setValidator(new QRegularExpressionValidator(QRegularExpression(pattern), this));
 }
 
-double KivGetNumber::value() const { return numberFromText(text(), forms_).value_or(0); }
+double KivGetNumber::value() const {
+    return numberFromText(text(), forms_).value_or(0);
+}
 
 void KivGetNumber::setValue(double value) {
     QString shown = numberText(value, forms_);

@@ -9,7 +9,8 @@
 
 namespace skyhold {
 
-KivLegend::KivLegend(QWidget* parent) : QDialog(parent) {
+KivLegend::KivLegend(QWidget* parent)
+    : QDialog(parent) {
     setObjectName(QStringLiteral("KivLegend"));
     setWindowTitle(QStringLiteral("Status codes"));
     QVBoxLayout* column = dialogColumn(this);

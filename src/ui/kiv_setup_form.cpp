@@ -19,7 +19,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 
-KivSetupForm::KivSetupForm(SettingsStore& settings, const QString& title) : settings_(settings) {
+KivSetupForm::KivSetupForm(SettingsStore& settings, const QString& title)
+    : settings_(settings) {
     setObjectName(u"KivSetupForm"_s);
     setWindowTitle(title);
     QVBoxLayout* column = dialogColumn(this);
@@ -31,13 +32,15 @@ KivSetupForm::KivSetupForm(SettingsStore& settings, const QString& title) : sett
     auto* form = new QFormLayout;
     form->setHorizontalSpacing(look::kMargin);
     form->setVerticalSpacing(look::kGap);
+    form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     const auto folder = [this](const QString& what) {
-        return [this, what](const QString& current) { return chooseFolder(this, what, current); };
+        return [this, what](const QString& current) {
+            return chooseFolder(this, what, current);
+        };
     };
-    stationFile_ = addPath(form, u"&Weather station data file"_s, u"HTMFile"_s,
-                           [this](const QString& current) {
-                               return chooseStationFile(this, current);
-                           });
+    stationFile_ =
+        addPath(form, u"&Weather station data file"_s, u"HTMFile"_s,
+                [this](const QString& current) { return chooseStationFile(this, current); });
     dataFolder_ = addPath(form, u"User &data folder"_s, u"PathName"_s,
                           folder(u"Select a folder to store the user data file."_s));
     dataFolder_->setText(writableProgramFolder());
@@ -48,11 +51,10 @@ KivSetupForm::KivSetupForm(SettingsStore& settings, const QString& title) : sett
     for (QLineEdit* optional : {ccdapFolder_, imageFolder_})
         optional->setPlaceholderText(u"None: nothing is written"_s);
     unitsTemp_ = addChoice(form, u"Temperature"_s, "UnitsTemp", {u"°C"_s, u"°F"_s});
-    unitsSpeed_ = addChoice(form, u"Wind speed"_s, "UnitsSpeed",
-                            {u"km/hr"_s, u"mph"_s, u"m/s"_s, u"knot"_s});
-    dateFormat_ =
-        addChoice(form, u"Dates in the station's file"_s, "DateFormat",
-                  {u"dd/mm/yy"_s, u"mm/dd/yy"_s});
+    unitsSpeed_ =
+        addChoice(form, u"Wind speed"_s, "UnitsSpeed", {u"km/hr"_s, u"mph"_s, u"m/s"_s, u"knot"_s});
+    dateFormat_ = addChoice(form, u"Dates in the station's file"_s, "DateFormat",
+                            {u"dd/mm/yy"_s, u"mm/dd/yy"_s});
     column->addLayout(form);
     addOkAndCancel(this, column).cancel->setObjectName(u"Command1"_s);
 }
@@ -123,16 +125,15 @@ void KivSetupForm::accept() {
             settings_.SaveSetting(u"Graphs"_s, u"Image"_s + QString::fromLatin1(graph), u"0"_s);
     }
     if (!settings_.flush())
-        KivError({u"The settings could not be saved to "_s + settings_.filePath(),
-                  MessageStyle::Ok,
-                  {}},
-                 windowTitle(), this)
+        KivError(
+            {u"The settings could not be saved to "_s + settings_.filePath(), MessageStyle::Ok, {}},
+            windowTitle(), this)
             .ask();
     QDialog::accept();
 }
 
 void KivSetupForm::saveOptions(const QString& key, const QButtonGroup& group) {
-    for (const QAbstractButton* option : group.buttons()) {
+    for (QAbstractButton* option : group.buttons()) {
         const int index = group.id(option);
         settings_.SaveSetting(u"Limit"_s, key + QString::number(index),
                               index == group.checkedId() ? u"True"_s : u"False"_s);

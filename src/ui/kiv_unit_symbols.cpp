@@ -13,14 +13,16 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 
-KivUnitSymbols::KivUnitSymbols(UnitControls& units, QWidget* parent) : QDialog(parent->window()) {
+KivUnitSymbols::KivUnitSymbols(UnitControls& units, QWidget* parent)
+    : QDialog(parent->window()) {
     setObjectName(u"KivUnitSymbols"_s);
     setWindowTitle(u"Unit symbols of the station's file"_s);
     QVBoxLayout* column = dialogColumn(this);
     const auto addGroup = [this, column](const QString& title) {
         auto* group = new QGroupBox(title, this);
         auto* form = new QFormLayout(group);
-        form->setContentsMargins(14, 12, 14, 14);
+        form->setContentsMargins(14, 8, 14, 12);
+        form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         form->setHorizontalSpacing(look::kMargin);
         form->setVerticalSpacing(look::kGap);
         column->addWidget(group);
@@ -31,7 +33,10 @@ KivUnitSymbols::KivUnitSymbols(UnitControls& units, QWidget* parent) : QDialog(p
         auto* edit = new QLineEdit(text, form->parentWidget());
         edit->setObjectName(name);
         edit->setMinimumWidth(260);
-        form->addRow(caption, edit);
+        auto* label = new QLabel(caption, form->parentWidget());
+        label->setMinimumWidth(130);
+        label->setBuddy(edit);
+        form->addRow(label, edit);
         boxes_.push_back({edit, text, upperCase});
     };
     QFormLayout* speed = addGroup(u"Wind speed, symbols separated by blanks"_s);

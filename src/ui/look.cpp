@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStyleFactory>
@@ -17,7 +16,8 @@ constexpr qreal kRadius = 4;
 // Draws flat controls by hand; a style sheet would be matched against every widget at start.
 class FlatStyle : public QProxyStyle {
   public:
-    FlatStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+    FlatStyle()
+        : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override {
@@ -29,7 +29,13 @@ class FlatStyle : public QProxyStyle {
             drawField(*option, *painter);
             return;
         case PE_FrameGroupBox:
-            drawBox(option->rect, look::kEdge, Qt::NoBrush, *painter);
+            drawBox(option->rect, look::kCard, look::kGroup, *painter);
+            return;
+        case PE_IndicatorCheckBox:
+            drawCheck(*option, *painter);
+            return;
+        case PE_IndicatorRadioButton:
+            drawRadio(*option, *painter);
             return;
         case PE_FrameTabWidget:
             painter->fillRect(QRect(option->rect.topLeft(), QSize(option->rect.width(), 1)),
@@ -52,6 +58,33 @@ class FlatStyle : public QProxyStyle {
         QProxyStyle::drawControl(element, option, painter, widget);
     }
 
+    // The title stands in bold inside the group's card.
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override {
+        if (control != CC_GroupBox)
+            return QProxyStyle::subControlRect(control, option, part, widget);
+        const QFontMetrics metrics(boldFont(widget));
+        constexpr int kTitleTop = 10;
+        const auto* box = qstyleoption_cast<const QStyleOptionGroupBox*>(option);
+        if (part == SC_GroupBoxLabel && box)
+            return {14, kTitleTop, metrics.horizontalAdvance(box->text) + 2, metrics.height()};
+        if (part == SC_GroupBoxContents)
+            return option->rect.adjusted(0, kTitleTop + metrics.height(), 0, 0);
+        return option->rect;
+    }
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override {
+        if (control != CC_GroupBox) {
+            QProxyStyle::drawComplexControl(control, option, painter, widget);
+            return;
+        }
+        painter->save();
+        painter->setFont(boldFont(widget));
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        painter->restore();
+    }
+
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override {
         switch (metric) {
@@ -60,7 +93,12 @@ class FlatStyle : public QProxyStyle {
         case PM_TabBarTabVSpace:
             return 14;
         case PM_ButtonMargin:
-            return 10;
+            return 11;
+        case PM_IndicatorWidth:
+        case PM_IndicatorHeight:
+        case PM_ExclusiveIndicatorWidth:
+        case PM_ExclusiveIndicatorHeight:
+            return 16;
         case PM_TabBarTabShiftVertical:
         case PM_TabBarTabShiftHorizontal:
         case PM_ButtonShiftHorizontal:
@@ -71,7 +109,26 @@ class FlatStyle : public QProxyStyle {
         }
     }
 
+    QRect subElementRect(SubElement element, const QStyleOption* option,
+                         const QWidget* widget) const override {
+        const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+        return element == SE_LineEditContents ? rect.adjusted(3, 0, -3, 0) : rect;
+    }
+
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
+                           const QWidget* widget) const override {
+        constexpr QSize kRoomier(0, 4);
+        const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+        return type == CT_LineEdit || type == CT_ComboBox ? size + kRoomier : size;
+    }
+
   private:
+    static QFont boldFont(const QWidget* widget) {
+        QFont font = widget ? widget->font() : QApplication::font();
+        font.setBold(true);
+        return font;
+    }
+
     static void drawBox(const QRect& rect, const QColor& edge, const QBrush& fill,
                         QPainter& painter) {
         painter.save();
@@ -100,6 +157,48 @@ class FlatStyle : public QProxyStyle {
         const bool focused = option.state & State_HasFocus;
         const QColor fill = enabled ? option.palette.color(QPalette::Base) : look::kWindow;
         drawBox(option.rect, focused ? look::kAccent : look::kEdge, fill, painter);
+    }
+
+    static QColor indicatorEdge(const QStyleOption& option) {
+        if (!(option.state & State_Enabled))
+            return look::kEdge;
+        return option.state & State_HasFocus ? look::kAccent : look::kDimText;
+    }
+
+    static QColor indicatorMark(const QStyleOption& option) {
+        return option.state & State_Enabled ? look::kAccent : look::kDisabledText;
+    }
+
+    static void drawCheck(const QStyleOption& option, QPainter& painter) {
+        const QRectF box = QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -1.5);
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        const bool on = option.state & State_On;
+        painter.setPen(QPen(on ? indicatorMark(option) : indicatorEdge(option), 1.2));
+        painter.setBrush(on ? indicatorMark(option) : look::kField);
+        painter.drawRoundedRect(box, 3, 3);
+        if (on) {
+            painter.setPen(QPen(look::kField, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+            painter.drawPolyline(QPolygonF{box.topLeft() + QPointF(3, 6.5),
+                                           box.topLeft() + QPointF(5.5, 9.5),
+                                           box.topLeft() + QPointF(10, 3.5)});
+        }
+        painter.restore();
+    }
+
+    static void drawRadio(const QStyleOption& option, QPainter& painter) {
+        const QRectF box = QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -1.5);
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(indicatorEdge(option), 1.2));
+        painter.setBrush(look::kField);
+        painter.drawEllipse(box);
+        if (option.state & State_On) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(indicatorMark(option));
+            painter.drawEllipse(box.adjusted(3, 3, -3, -3));
+        }
+        painter.restore();
     }
 
     static void drawTab(const QStyleOption& option, QPainter& painter) {

@@ -11,6 +11,7 @@
 #include "ui/pages/unsafe_page.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QScreen>
 #include <QScrollArea>
@@ -36,7 +37,8 @@ WindowState stateOf(const QWidget& window) {
 
 } // namespace
 
-KivSHMainform::KivSHMainform(MonitoringCore& core) : core_(core) {
+KivSHMainform::KivSHMainform(MonitoringCore& core)
+    : core_(core) {
     setObjectName(u"KivSHMainform"_s);
     WindowControls& window = core_.records.window;
     follow(this, window.Caption, [this](const QString& text) { setWindowTitle(text); });
@@ -90,9 +92,8 @@ void KivSHMainform::makePages() {
     addPage(u"&Limits"_s, [&records](QWidget* parent) {
         return makeLimitsPage(records.conditions, records.units, parent);
     });
-    addPage(u"&Unsafe levels"_s, [&records](QWidget* parent) {
-        return makeUnsafePage(records.conditions, parent);
-    });
+    addPage(u"&Unsafe levels"_s,
+            [&records](QWidget* parent) { return makeUnsafePage(records.conditions, parent); });
     addPage(u"&CCDAutopilot file"_s,
             [&records](QWidget* parent) { return makeCcdapPage(records.ccdap, parent); });
 

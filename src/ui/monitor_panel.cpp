@@ -8,8 +8,8 @@
 #include "ui/reading_tile.h"
 
 #include <QHBoxLayout>
+#include <QPaintEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -54,10 +54,11 @@ LampWidget* makeLamp(QWidget* parent, const QString& name, int diameter) {
 
 } // namespace
 
-MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent) : QWidget(parent) {
+MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
+    : QWidget(parent) {
     auto* top = new QHBoxLayout;
     top->setSpacing(look::kGap);
-    top->addWidget(makeVerdict(core.records.conditions));
+    top->addWidget(makeVerdict(core.records.conditions, core.records.session));
     top->addWidget(makeMessages(core.records), 1);
     top->addWidget(makeSwitchAndSession(core));
 
@@ -69,24 +70,45 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent) : QWidget(pare
     layout->addWidget(makeSources(core.records.display, core.records.session));
 }
 
-QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions) {
+QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions, SessionControls& session) {
     auto* card = new Card(this);
     card->setFixedSize(372, kVerdictHeight);
-    follow(card, conditions.LEDUnsafe.FillColor,
-           [card](Colour lamp) { card->setFill(verdictGround(lamp)); });
-
     LampWidget* lamp = makeLamp(card, u"LEDUnsafe"_s, 52);
     bind(lamp, conditions.LEDUnsafe);
     Readout* verdict = makeReadout(card, u"LblStatus"_s, 68, true);
-    verdict->setInk(Qt::white);
-    verdict->setFixedHeight(92);
+    verdict->setFixedHeight(88);
     bind(verdict, conditions.LblStatus);
+    Readout* note = makeReadout(card, u"LblVerdictNote"_s, 15);
+    note->setInk(look::kDimText);
+    note->setFixedHeight(24);
 
+    // The last verdict stays after a session has ended, but must not look like a judgement of now.
+    const auto refresh = [=, &conditions, &session] {
+        const bool idle = session.ButtStart.Visible;
+        const bool none = conditions.LblStatus.Caption.value().isEmpty();
+        card->setFill(idle ? look::kCard : verdictGround(conditions.LEDUnsafe.FillColor));
+        verdict->setInk(idle ? look::kDisabledText : Qt::white);
+        const QString idleNote =
+            none ? u"Not monitoring"_s : u"Not monitoring: this was the last verdict"_s;
+        note->setText(idle ? idleNote : none ? u"No verdict yet"_s : QString());
+        note->setHidden(note->text().isEmpty());
+        verdict->setHidden(none);
+    };
+    follow(card, session.ButtStart.Visible, [refresh](bool) { refresh(); });
+    follow(card, conditions.LEDUnsafe.FillColor, [refresh](Colour) { refresh(); });
+    follow(card, conditions.LblStatus.Caption, [refresh](const QString&) { refresh(); });
+
+    auto* words = new QVBoxLayout;
+    words->setSpacing(0);
+    words->addStretch();
+    words->addWidget(verdict);
+    words->addWidget(note);
+    words->addStretch();
     auto* layout = new QHBoxLayout(card);
     layout->setContentsMargins(20, 8, 12, 8);
     layout->setSpacing(16);
     layout->addWidget(lamp);
-    layout->addWidget(verdict);
+    layout->addLayout(words);
     return card;
 }
 
@@ -98,7 +120,24 @@ QWidget* MonitorPanel::makeMessages(Records& records) {
     automatic->setObjectName(u"Frame3"_s);
     Readout* cause = makeReadout(automatic, u"LblCause"_s, 17);
     cause->setWrap(true);
-    bind(cause, records.display.LblCause);
+    cause->setFixedHeight(62);
+    cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    // Where no cause is to be told, that is told.
+    const auto showCause = [cause, &records] {
+        const Colour lamp = records.conditions.LEDUnsafe.FillColor;
+        const bool idle = records.session.ButtStart.Visible;
+        QString words = records.display.LblCause.Caption;
+        const bool none = words.isEmpty();
+        if (none && idle && lamp == kGrey)
+            words = u"Start begins a monitoring session."_s;
+        else if (none && !idle && lamp == kGreen)
+            words = u"No condition counts as unsafe."_s;
+        cause->setInk(none || idle ? look::kDimText : look::kText);
+        cause->setText(words);
+    };
+    follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
+    follow(cause, records.conditions.LEDUnsafe.FillColor, [=](Colour) { showCause(); });
+    follow(cause, records.session.ButtStart.Visible, [=](bool) { showCause(); });
     Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 16, true);
     delay->setInk(screenColour(kYellow));
     bind(delay, records.conditions.SafeDelayMsg);
@@ -112,16 +151,17 @@ QWidget* MonitorPanel::makeMessages(Records& records) {
     Readout* control = makeReadout(card, u"LblControl"_s, 15, true);
     control->setInk(look::kAccent);
     bind(control, records.session.LblControl);
-    Readout* station = makeReadout(card, u"WSAlarmMsg"_s, 15, true);
-    Readout* sensor = makeReadout(card, u"NBAlarmMsg"_s, 15, true);
-    for (Readout* alarm : {station, sensor})
-        alarm->setInk(screenColour(kOrange));
-    bind(station, records.display.WSAlarmMsg);
-    bind(sensor, records.display.NBAlarmMsg);
     auto* alarms = new QHBoxLayout;
     alarms->setSpacing(look::kGap);
-    alarms->addWidget(station);
-    alarms->addWidget(sensor);
+    const auto addAlarm = [&](const QString& name, Label& record) {
+        Readout* alarm = makeReadout(card, name, 15, true);
+        alarm->setInk(screenColour(kOrange));
+        bind(alarm, record);
+        alarms->addWidget(alarm);
+    };
+    addAlarm(u"WSAlarmMsg"_s, records.display.WSAlarmMsg);
+    addAlarm(u"NBAlarmMsg"_s, records.display.NBAlarmMsg);
+    addAlarm(u"SensorStatus"_s, records.display.SensorStatus);
 
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(16, 8, 16, 8);
@@ -156,6 +196,9 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
         return button;
     };
     QPushButton* start = makeButton(u"ButtStart"_s, u"&Start"_s, session.ButtStart);
+    QPalette primary = start->palette();
+    primary.setColor(QPalette::Button, look::kPrimary);
+    start->setPalette(primary);
     QPushButton* stop = makeButton(u"ButtStop"_s, u"S&top"_s, session.ButtStop);
     connect(start, &QPushButton::clicked, card, [&core] { StartSession(core); });
     connect(stop, &QPushButton::clicked, card, [&core] { StopSession(core); });
@@ -209,9 +252,9 @@ QWidget* MonitorPanel::makeTiles(ReadingDisplay& display, UnitControls& units) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
     for (const Tile& tile : tiles) {
-        auto* card = new ReadingTile(display.header(tile.header),
-                                     QString::fromLatin1(tile.headerName), tile.value,
-                                     QString::fromLatin1(tile.valueName), row);
+        auto* card =
+            new ReadingTile(display.header(tile.header), QString::fromLatin1(tile.headerName),
+                            tile.value, QString::fromLatin1(tile.valueName), row);
         if (tile.condition)
             card->showCondition(*tile.condition, QString::fromLatin1(tile.conditionName));
         if (tile.unit)
@@ -250,10 +293,7 @@ QWidget* MonitorPanel::makeSources(ReadingDisplay& display, SessionControls& ses
     layout->addSpacing(look::kGap);
     addTime(u"Cloud sensor"_s, u"Label30"_s, display.Label3Sensor);
     addTime(u"Weather station"_s, u"Label32"_s, display.Label3Station);
-    Readout* status = makeReadout(row, u"SensorStatus"_s, 14, true);
-    status->setInk(screenColour(kOrange));
-    bind(status, display.SensorStatus);
-    layout->addWidget(status, 1);
+    layout->addStretch();
 
     auto* activity = new QWidget(row);
     activity->setObjectName(u"FrameCOM"_s);
@@ -282,7 +322,8 @@ QWidget* MonitorPanel::makeSources(ReadingDisplay& display, SessionControls& ses
     return row;
 }
 
-StatusStrip::StatusStrip(SessionControls& session, QWidget* parent) : QWidget(parent) {
+StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
+    : QWidget(parent) {
     setFixedHeight(30);
     Readout* status = makeReadout(this, u"Statusbar1"_s, 15);
     Readout* codes = makeReadout(this, u"Statusbar2"_s, 15, true);

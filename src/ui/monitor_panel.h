@@ -17,7 +17,7 @@ class MonitorPanel : public QWidget {
     MonitorPanel(MonitoringCore& core, QWidget* parent);
 
   private:
-    QWidget* makeVerdict(ConditionControls& conditions);
+    QWidget* makeVerdict(ConditionControls& conditions, SessionControls& session);
     QWidget* makeMessages(Records& records);
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(ReadingDisplay& display, UnitControls& units);

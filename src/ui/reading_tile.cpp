@@ -14,14 +14,10 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
     , condition_(new Readout(this)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     header_->setObjectName(headerName);
-    header_->setPixelSize(14);
     header_->setInk(look::kDimText);
     value_->setObjectName(valueName);
-    value_->setPixelSize(28, true);
-    unit_->setPixelSize(13);
     unit_->setInk(look::kDimText);
     unit_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    condition_->setPixelSize(15, true);
     bind(header_, header);
     bind(value_, value);
     follow(unit_, value.Caption, [this](const QString& text) { unit_->setHidden(text.isEmpty()); });
@@ -32,24 +28,43 @@ void ReadingTile::showCondition(Label& condition, const QString& name) {
     bind(condition_, condition);
 }
 
-void ReadingTile::showUnit(const QString& unit) { unit_->setText(unit); }
-
-void ReadingTile::showUnit(Label& unit) {
-    follow(unit_, unit.Caption, [this](const QString& text) { unit_->setText(text); });
+void ReadingTile::showUnit(const QString& unit) {
+    unit_->setText(unit);
+    place();
 }
 
-QSize ReadingTile::sizeHint() const { return {128, 104}; }
+void ReadingTile::showUnit(Label& unit) {
+    follow(unit_, unit.Caption, [this](const QString& text) { showUnit(text); });
+}
 
-QSize ReadingTile::minimumSizeHint() const { return {96, 104}; }
+QSize ReadingTile::sizeHint() const {
+    return {128, 100};
+}
+
+QSize ReadingTile::minimumSizeHint() const {
+    return {96, 100};
+}
 
 void ReadingTile::resizeEvent(QResizeEvent*) {
-    constexpr int kInset = 10;
-    constexpr int kUnitWidth = 42;
-    const int inner = width() - 2 * kInset;
-    header_->setGeometry(kInset, 8, inner, 20);
-    value_->setGeometry(kInset, 32, inner - kUnitWidth, 36);
-    unit_->setGeometry(kInset + inner - kUnitWidth, 40, kUnitWidth, 24);
-    condition_->setGeometry(kInset, 74, inner, 22);
+    place();
+}
+
+// The size of the letters follows the width, so that neighbours look alike.
+void ReadingTile::place() {
+    constexpr int kNarrow = 120;
+    const bool narrow = width() < kNarrow;
+    const int inset = narrow ? 8 : 10;
+    header_->setPixelSize(narrow ? 12 : 14);
+    unit_->setPixelSize(narrow ? 11 : 13);
+    value_->setPixelSize(narrow ? 25 : 29, true);
+    condition_->setPixelSize(narrow ? 12 : 14, true);
+
+    const int inner = width() - 2 * inset;
+    const int unitWidth = unit_->fontMetrics().horizontalAdvance(unit_->text()) + 2;
+    header_->setGeometry(inset, 8, inner - unitWidth - 2, 20);
+    unit_->setGeometry(inset + inner - unitWidth, 8, unitWidth, 20);
+    value_->setGeometry(inset, 30, inner, 38);
+    condition_->setGeometry(inset, 70, inner, 22);
 }
 
 } // namespace skyhold

@@ -26,6 +26,8 @@ class ReadingTile : public Card {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void place();
+
     Readout* header_;
     Readout* value_;
     Readout* unit_;

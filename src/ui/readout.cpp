@@ -8,7 +8,8 @@
 
 namespace skyhold {
 
-Readout::Readout(QWidget* parent) : QWidget(parent) {
+Readout::Readout(QWidget* parent)
+    : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -44,7 +45,9 @@ QSize Readout::sizeHint() const {
     return {metrics.horizontalAdvance(widest_) + 2, metrics.height() * (wrap_ ? 2 : 1)};
 }
 
-QSize Readout::minimumSizeHint() const { return sizeHint(); }
+QSize Readout::minimumSizeHint() const {
+    return sizeHint();
+}
 
 void Readout::paintEvent(QPaintEvent*) {
     QPainter painter(this);
@@ -59,10 +62,10 @@ void Readout::paintEvent(QPaintEvent*) {
     const int flags = static_cast<int>(alignment_) | (wrap_ ? Qt::TextWordWrap : 0);
     const auto fits = [&](const QFont& font) {
         const QRect needed = QFontMetrics(font).boundingRect(rect(), flags, text_);
-        return needed.width() <= width() && needed.height() <= height() + 2;
+        return needed.width() <= width() && needed.height() <= height();
     };
     QFont fitted = font();
-    const int smallest = fitted.pixelSize() * 2 / 3;
+    const int smallest = cutInMiddle_ ? fitted.pixelSize() : fitted.pixelSize() * 2 / 3;
     while (fitted.pixelSize() > smallest && !fits(fitted))
         fitted.setPixelSize(fitted.pixelSize() - 1);
     painter.setFont(fitted);
@@ -72,12 +75,14 @@ void Readout::paintEvent(QPaintEvent*) {
         const QFontMetrics metrics(fitted);
         // A wrapped text leaves some of each line's end empty.
         const int lines = wrap_ ? std::max(1, height() / metrics.height()) : 1;
-        shown = metrics.elidedText(text_, elide_, width() * lines - (lines - 1) * 60);
+        shown = metrics.elidedText(text_, cutInMiddle_ ? Qt::ElideMiddle : Qt::ElideRight,
+                                   width() * lines - (lines - 1) * 60);
     }
     painter.drawText(rect(), flags, shown);
 }
 
-Swatch::Swatch(QWidget* parent) : Readout(parent) {
+Swatch::Swatch(QWidget* parent)
+    : Readout(parent) {
     setAlignment(Qt::AlignCenter);
     setFixedHeight(26);
 }
@@ -102,7 +107,8 @@ void Swatch::paintEvent(QPaintEvent* event) {
     Readout::paintEvent(event);
 }
 
-LampWidget::LampWidget(int diameter, QWidget* parent) : QWidget(parent) {
+LampWidget::LampWidget(int diameter, QWidget* parent)
+    : QWidget(parent) {
     setFixedSize(diameter, diameter);
 }
 
@@ -121,7 +127,9 @@ void LampWidget::paintEvent(QPaintEvent*) {
     painter.drawEllipse(QRectF(rect()).adjusted(1, 1, -1, -1));
 }
 
-Card::Card(QWidget* parent) : QWidget(parent), fill_(look::kCard) {}
+Card::Card(QWidget* parent)
+    : QWidget(parent)
+    , fill_(look::kCard) {}
 
 void Card::setFill(const QColor& fill) {
     if (fill == fill_)

@@ -25,7 +25,8 @@ class Readout : public QWidget {
     void setPixelSize(int size, bool bold = false);
     void setAlignment(Qt::Alignment alignment) { alignment_ = alignment; }
     void setWrap(bool wrap) { wrap_ = wrap; }
-    void setElide(Qt::TextElideMode elide) { elide_ = elide; }
+    // For paths: kept at its size and cut in the middle.
+    void cutInMiddle() { cutInMiddle_ = true; }
     // Asks for a fixed width in which `widest` fits.
     void reserve(const QString& widest);
 
@@ -40,7 +41,7 @@ class Readout : public QWidget {
     QColor ink_;
     QString widest_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
-    Qt::TextElideMode elide_ = Qt::ElideRight;
+    bool cutInMiddle_ = false;
     bool wrap_ = false;
 };
 

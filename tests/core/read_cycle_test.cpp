@@ -21,28 +21,17 @@ TEST_F(ReadCycle, sensorProgramSeesItsCallsInOrder) {
 
     // No description of the level is asked for twice, and the verdict goes out by reference as a
     // boolean, the switch as a double.
-    const QStringList expected{u"Kiv_TemperatureUnits"_s,
-                               u"Condition_Cloud"_s,
-                               u"Condition_Rain"_s,
-                               u"Condition_Brightness"_s,
-                               u"SkyTemperature"_s,
-                               u"RainValue"_s,
-                               u"BrightnessValue"_s,
-                               u"SkySensorTemperature"_s,
-                               u"AmbientTemperature"_s,
-                               u"SkySensorTemperature"_s,
-                               u"RainHeaterPercent"_s,
-                               u"RainHeaterTemperature"_s,
-                               u"RainHeaterStatus"_s,
-                               u"LastReading"_s,
-                               u"DeviceIsRunning"_s,
-                               u"Kiv_XFERFileErr"_s,
-                               u"DescriptionClear"_s,
-                               u"DescriptionDry"_s,
-                               u"DescriptionDark"_s,
-                               u"SetUnSafe(b false)"_s,
-                               u"Kiv_SetSwitch(d 1)"_s,
-                               u"DataReady"_s};
+    const QStringList expected{u"Kiv_TemperatureUnits"_s, u"Condition_Cloud"_s,
+                               u"Condition_Rain"_s,       u"Condition_Brightness"_s,
+                               u"SkyTemperature"_s,       u"RainValue"_s,
+                               u"BrightnessValue"_s,      u"SkySensorTemperature"_s,
+                               u"AmbientTemperature"_s,   u"SkySensorTemperature"_s,
+                               u"RainHeaterPercent"_s,    u"RainHeaterTemperature"_s,
+                               u"RainHeaterStatus"_s,     u"LastReading"_s,
+                               u"DeviceIsRunning"_s,      u"Kiv_XFERFileErr"_s,
+                               u"DescriptionClear"_s,     u"DescriptionDry"_s,
+                               u"DescriptionDark"_s,      u"SetUnSafe(b false)"_s,
+                               u"Kiv_SetSwitch(d 1)"_s,   u"DataReady"_s};
     EXPECT_EQ(start.sliced(opening.size()), expected);
     cycle();
     EXPECT_EQ(sensor_.takeCalls(), expected);
@@ -114,16 +103,29 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
         std::function<void()> mend;
     } cases[] = {
         {"not running", [&] { sensor_.values[u"DeviceIsRunning"_s] = false; },
-         [&] { sensor_.values[u"DeviceIsRunning"_s] = true; }},
+         [&] {
+             sensor_.values[u"DeviceIsRunning"_s] = true;
+         }},
         {"transfer file error", [&] { sensor_.values[u"Kiv_XFERFileErr"_s] = true; },
-         [&] { sensor_.values[u"Kiv_XFERFileErr"_s] = false; }},
-        {"no answers", [&] { sensor_.answering = false; }, [&] { sensor_.answering = true; }},
+         [&] {
+             sensor_.values[u"Kiv_XFERFileErr"_s] = false;
+         }},
+        {"no answers", [&] { sensor_.answering = false; },
+         [&] {
+             sensor_.answering = true;
+         }},
         {"no number", [&] { sensor_.values[u"SkyTemperature"_s] = qQNaN(); },
-         [&] { sensor_.values[u"SkyTemperature"_s] = -25.25; }},
+         [&] {
+             sensor_.values[u"SkyTemperature"_s] = -25.25;
+         }},
         {"wrong type", [&] { sensor_.values[u"Condition_Rain"_s] = u"perhaps"_s; },
-         [&] { sensor_.values[u"Condition_Rain"_s] = 1; }},
+         [&] {
+             sensor_.values[u"Condition_Rain"_s] = 1;
+         }},
         {"gone", [&] { sensor_.alive = sensor_.present = false; },
-         [&] { sensor_.alive = sensor_.present = true; }},
+         [&] {
+             sensor_.alive = sensor_.present = true;
+         }},
     };
     for (const auto& [what, fail, mend] : cases) {
         fail();
@@ -162,13 +164,14 @@ TEST_F(ReadCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {
     } cases[] = {
         {"missing", [&] { QFile::remove(stationPath()); },
          u"Weather Station Data - file not available"_s, u"a42"_s},
-        {"empty", [&] { writeStationBytes({}); },
-         u"Weather Station Data - no readings in file"_s, u"a41"_s},
+        {"empty", [&] { writeStationBytes({}); }, u"Weather Station Data - no readings in file"_s,
+         u"a41"_s},
         {"torn", [&] { writeStationBytes(page.first(page.size() / 2)); },
          u"Weather Station Data - no readings in file"_s, u"a41"_s},
         {"binary", [&] { writeStationBytes(QByteArray(5000, '\0') + page); },
          u"Weather Station Data - not a text file"_s, u"a41"_s},
-        {"huge", [&] {
+        {"huge",
+         [&] {
              writeStationBytes(page);
              QFile::resize(stationPath(), kStationFileLimit + 1);
          },

@@ -51,7 +51,9 @@ TEST_F(Session, intervalIsTheEntrysFirstTwoCharacters) {
 TEST_F(Session, foldersAreMadeOrReported) {
     const QString file = folder_->filePath(u"a file"_s);
     ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly));
-    const auto below = [&](const char* name) { return folder_->filePath(QLatin1String(name)); };
+    const auto below = [&](const char* name) {
+        return folder_->filePath(QLatin1String(name));
+    };
     const struct {
         QString images, data, codes;
     } cases[] = {
@@ -133,7 +135,9 @@ TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
 
     sensor_.values[u"DataReady"_s] = false;
     waits = 0;
-    clock_.onWait = [&] { ++waits; };
+    clock_.onWait = [&] {
+        ++waits;
+    };
     StartSession(*core_);
     EXPECT_EQ(waits, 4); // at 0, 1, 2 and 3 s: the limit and up to one second more
     EXPECT_FALSE(records().session.Running);
@@ -148,13 +152,19 @@ TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
 TEST_F(Session, stopAndCloseEndAWaitingStart) {
     sensor_.values[u"DataReady"_s] = false;
     bool closed = false;
-    core_->closeWindow = [&] { closed = RequestClose(*core_); };
-    clock_.onWait = [&] { StopSession(*core_); };
+    core_->closeWindow = [&] {
+        closed = RequestClose(*core_);
+    };
+    clock_.onWait = [&] {
+        StopSession(*core_);
+    };
     StartSession(*core_);
     EXPECT_FALSE(records().session.Running);
     EXPECT_TRUE(messages_.isEmpty());
 
-    clock_.onWait = [&] { EXPECT_FALSE(RequestClose(*core_)); };
+    clock_.onWait = [&] {
+        EXPECT_FALSE(RequestClose(*core_));
+    };
     StartSession(*core_);
     EXPECT_TRUE(closed);
     EXPECT_FALSE(core_->sensor.connected());

@@ -48,10 +48,15 @@ TEST(AutomationValue, convertsAsTheParameterNeeds) {
 TEST(MemberTable, findsChecksAndConverts) {
     double limit = 10;
     MemberTable table;
-    table.add({u"Limit"_s, 5, kPropertyGet, AutomationType::R8, {},
-               [&](QVariantList&) { return AutomationReply{limit, {}, {}}; }});
-    table.add({u"Limit"_s, 5, kPropertyPut, AutomationType::Empty,
-               {{u"value"_s, AutomationType::R8, true}}, [&](QVariantList& arguments) {
+    table.add({u"Limit"_s, 5, kPropertyGet, AutomationType::R8, {}, [&](QVariantList&) {
+                   return AutomationReply{limit, {}, {}};
+               }});
+    table.add({u"Limit"_s,
+               5,
+               kPropertyPut,
+               AutomationType::Empty,
+               {{u"value"_s, AutomationType::R8, true}},
+               [&](QVariantList& arguments) {
                    limit = arguments[0].toDouble();
                    arguments[0] = 99.0;
                    return AutomationReply{};

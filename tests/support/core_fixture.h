@@ -29,7 +29,9 @@ struct StationPage {
 
 class CoreFixture : public testing::Test {
   protected:
-    CoreFixture() : folder_(makeFolder()), settings_(QStringLiteral("Kiv_Skyhold")) {
+    CoreFixture()
+        : folder_(makeFolder())
+        , settings_(QStringLiteral("Kiv_Skyhold")) {
         core_ = std::make_unique<MonitoringCore>(clock_, settings_, sensor_.creator(),
                                                  ProgramVersion{2, 30, 4});
         core_->showMessage = [this](const Message& message) {
@@ -77,7 +79,7 @@ class CoreFixture : public testing::Test {
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(bytes);
         file.flush();
-        modified_ = modified_.addSecs(1);
+        modified_ = std::max(modified_.addSecs(1), clock_.now());
         ASSERT_TRUE(file.setFileTime(modified_, QFileDevice::FileModificationTime));
     }
 

@@ -67,7 +67,8 @@ inline QString argumentText(const QVariant& value) {
 
 class ScriptedObject : public DispatchObject {
   public:
-    explicit ScriptedObject(ScriptedSensor& sensor) : sensor_(sensor) {}
+    explicit ScriptedObject(ScriptedSensor& sensor)
+        : sensor_(sensor) {}
     ~ScriptedObject() override { sensor_.calls.append(QStringLiteral("released")); }
 
     AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) override {

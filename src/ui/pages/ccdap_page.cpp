@@ -40,12 +40,11 @@ QWidget* makeCcdapPage(CcdapControls& ccdap, QWidget* parent) {
     auto* folder = new Readout(group);
     folder->setObjectName(u"LblPathNameCCDAP4"_s);
     folder->setPixelSize(14);
-    folder->setElide(Qt::ElideMiddle);
+    folder->cutInMiddle();
     bind(folder, ccdap.LblPathNameCCDAP4);
     QObject::connect(button, &QPushButton::clicked, group, [&ccdap, group] {
-        const QString chosen =
-            chooseFolder(group, u"Select a folder to store the CCDAP4 file."_s,
-                         ccdap.LblPathNameCCDAP4.Caption);
+        const QString chosen = chooseFolder(group, u"Select a folder to store the CCDAP4 file."_s,
+                                            ccdap.LblPathNameCCDAP4.Caption);
         if (!chosen.isEmpty())
             ccdap.LblPathNameCCDAP4.Caption = chosen;
     });

@@ -24,8 +24,7 @@ struct LimitGroup {
     QString title;
     const char* suffix; // of the control names
     Quantity quantity;
-    Label* unit;
-    QString fixedUnit;
+    Label* unit;          // null: it stands in the title
     ThreeLabels* sectors; // of wind and gust
 };
 
@@ -41,22 +40,15 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     swatch->setPixelSize(13);
     swatch->setToolTip(u"Right-click to change the name and colour of this level"_s);
     bind(swatch, level);
-    openEditorOn(swatch, [swatch, &level, &unsafe] {
-        KivColor(level, &unsafe, swatch).exec();
-    });
+    openEditorOn(swatch, [swatch, &level, &unsafe] { KivColor(level, &unsafe, swatch).exec(); });
 
     KivGetNumber* limit =
         makeNumber(group, indexed("Limit" + suffix, i), conditions.limits(made.quantity)[i]);
     limit->setToolTip(u"Upper limit of this level"_s);
-    auto* unit = new QLabel(made.fixedUnit, group);
-    unit->setMinimumWidth(38);
-    if (made.unit)
-        bind(unit, *made.unit);
 
     const int row = static_cast<int>(i) * 2 + 1;
     grid->addWidget(swatch, row, 0);
     grid->addWidget(limit, row, 1);
-    grid->addWidget(unit, row, 2);
     if (!made.sectors)
         return;
 
@@ -67,16 +59,24 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     label->setToolTip(u"From and to in degrees, and minutes; right-click to change"_s);
     bind(label, sector);
     openEditorOn(label, [label, &sector] { KivWindPars(sector, label).exec(); });
+    label->reserve(u"-000 000  00"_s);
     auto* caption = new QLabel(u"Sector"_s, group);
-    caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    grid->addWidget(caption, row + 1, 0);
-    grid->addWidget(label, row + 1, 1, 1, 2);
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(0, 0, 0, 4);
+    line->addStretch();
+    line->addWidget(caption);
+    line->addWidget(label);
+    grid->addLayout(line, row + 1, 0, 1, 2);
 }
 
 QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions, QWidget* page) {
     auto* group = new QGroupBox(made.title, page);
+    if (made.unit)
+        follow(group, made.unit->Caption, [group, title = made.title](const QString& unit) {
+            group->setTitle(u"%1 (%2)"_s.arg(title, unit));
+        });
     auto* grid = new QGridLayout(group);
-    grid->setContentsMargins(12, 10, 12, 12);
+    grid->setContentsMargins(14, 8, 14, 10);
     grid->setHorizontalSpacing(look::kGap);
     grid->setVerticalSpacing(6);
     grid->setColumnStretch(0, 1);
@@ -90,11 +90,11 @@ QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions, QWidge
 
 QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units, QWidget* parent) {
     const std::array<LimitGroup, 5> groups{{
-        {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, {}, &conditions.DirectionWind},
-        {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, {}, &conditions.DirectionGust},
-        {u"Temperature"_s, "Temp", Quantity::Temperature, &units.TemperatureUnitText, {}, nullptr},
-        {u"Dew-point spread"_s, "Dew", Quantity::Dew, &units.TemperatureUnitText, {}, nullptr},
-        {u"Humidity"_s, "Hum", Quantity::Humidity, nullptr, u"%"_s, nullptr},
+        {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, &conditions.DirectionWind},
+        {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, &conditions.DirectionGust},
+        {u"Temperature"_s, "Temp", Quantity::Temperature, &units.TemperatureUnitText, nullptr},
+        {u"Dew-point spread"_s, "Dew", Quantity::Dew, &units.TemperatureUnitText, nullptr},
+        {u"Humidity (%)"_s, "Hum", Quantity::Humidity, nullptr, nullptr},
     }};
     auto* page = new QWidget(parent);
     QVBoxLayout* column = pageColumn(page);

@@ -6,6 +6,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QRadioButton>
@@ -17,6 +18,13 @@ QVBoxLayout* pageColumn(QWidget* page) {
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(look::kMargin, look::kMargin, look::kMargin, look::kMargin);
     column->setSpacing(look::kMargin);
+    return column;
+}
+
+QVBoxLayout* addGroup(QWidget* page, const QString& title) {
+    auto* column = new QVBoxLayout(new QGroupBox(title, page));
+    column->setContentsMargins(14, 8, 14, 10);
+    column->setSpacing(6);
     return column;
 }
 

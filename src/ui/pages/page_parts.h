@@ -8,7 +8,6 @@
 class QBoxLayout;
 class QButtonGroup;
 class QCheckBox;
-class QGroupBox;
 class QLabel;
 class QVBoxLayout;
 class QWidget;
@@ -19,6 +18,8 @@ class KivGetNumber;
 
 // A page with the margins of the window.
 QVBoxLayout* pageColumn(QWidget* page);
+// A titled group with its column.
+QVBoxLayout* addGroup(QWidget* page, const QString& title);
 // An explaining line in the dimmer text colour.
 QLabel* addHint(QBoxLayout* into, const QString& text);
 

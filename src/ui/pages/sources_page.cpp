@@ -24,13 +24,6 @@ namespace skyhold {
 
 namespace {
 
-QVBoxLayout* groupColumn(QGroupBox* group) {
-    auto* column = new QVBoxLayout(group);
-    column->setContentsMargins(14, 12, 14, 12);
-    column->setSpacing(look::kGap);
-    return column;
-}
-
 void chooseFile(StationFileControls& file, SettingsStore& settings, QWidget* parent) {
     if (!file.ButtHTMPath.Enabled)
         return;
@@ -46,12 +39,14 @@ void addFileRow(QVBoxLayout* column, StationFileControls& file, SettingsStore& s
     auto* path = new Readout(group);
     path->setObjectName(u"HTMFile"_s);
     path->setPixelSize(14);
-    path->setElide(Qt::ElideMiddle);
+    path->cutInMiddle();
     bind(path, file.HTMFile);
-    auto* button = new QPushButton(u"Data &file…"_s, group);
+    auto* button = new QPushButton(u"Data fil&e…"_s, group);
     button->setObjectName(u"ButtHTMPath"_s);
     bind(button, file.ButtHTMPath);
-    const auto choose = [&file, &settings, group] { chooseFile(file, settings, group); };
+    const auto choose = [&file, &settings, group] {
+        chooseFile(file, settings, group);
+    };
     QObject::connect(button, &QPushButton::clicked, group, choose);
     openEditorOn(path, choose);
 
@@ -78,8 +73,8 @@ void addIntervalRow(QVBoxLayout* column, ComboBox& interval) {
 
 QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
     Records& records = core.records;
-    auto* group = new QGroupBox(u"Weather station"_s, page);
-    QVBoxLayout* column = groupColumn(group);
+    QVBoxLayout* column = addGroup(page, u"Weather station"_s);
+    QWidget* group = column->parentWidget();
     column->addWidget(makeCheck(group, u"flgReadStation"_s,
                                 u"Read the &weather station and the cloud sensor"_s,
                                 records.session.flgReadStation));
@@ -94,12 +89,11 @@ QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
 }
 
 QWidget* makeUnitsGroup(UnitControls& units, QWidget* page) {
-    auto* group = new QGroupBox(u"Units"_s, page);
-    QVBoxLayout* column = groupColumn(group);
+    QVBoxLayout* column = addGroup(page, u"Units"_s);
+    QWidget* group = column->parentWidget();
     addHint(column, u"They follow the station's file while it is read."_s);
     addOptions(column, "UnitsTemp", {u"°C"_s, u"°F"_s}, units.UnitsTemp);
-    addOptions(column, "UnitsSpeed", {u"km/hr"_s, u"mph"_s, u"m/s"_s, u"knot"_s},
-               units.UnitsSpeed);
+    addOptions(column, "UnitsSpeed", {u"km/hr"_s, u"mph"_s, u"m/s"_s, u"knot"_s}, units.UnitsSpeed);
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kGap);
     const auto addButton = [&](const QString& name, const QString& text, Button& record,
@@ -121,13 +115,13 @@ QWidget* makeUnitsGroup(UnitControls& units, QWidget* page) {
 }
 
 QWidget* makeSensorGroup(SessionControls& session, QWidget* page) {
-    auto* group = new QGroupBox(u"Cloud sensor (Kiv_Nubilo)"_s, page);
-    QVBoxLayout* column = groupColumn(group);
+    QVBoxLayout* column = addGroup(page, u"Cloud sensor (Kiv_Nubilo)"_s);
+    QWidget* group = column->parentWidget();
     addNumberRow(column, u"Wa&it for its first data"_s, u"NBTimeout"_s, session.NBTimeout,
                  u"secs"_s);
     column->addWidget(makeCheck(group, u"EmulatorFlag"_s, {}, session.EmulatorFlag));
     addHint(column, u"Roof switch driven by the verdict"_s);
-    addOptions(column, "SWRole", {u"&Enabled"_s, u"Disa&ble"_s}, session.SWRole);
+    addOptions(column, "SWRole", {u"Enabled"_s, u"Disable"_s}, session.SWRole);
     column->addStretch();
     return group;
 }
@@ -136,7 +130,7 @@ QWidget* makeSensorGroup(SessionControls& session, QWidget* page) {
 QWidget* makeStationValues(ReadingDisplay& display, QWidget* page) {
     auto* group = new QGroupBox(u"Station values"_s, page);
     auto* grid = new QGridLayout(group);
-    grid->setContentsMargins(14, 12, 14, 12);
+    grid->setContentsMargins(14, 8, 14, 10);
     grid->setHorizontalSpacing(look::kMargin);
     grid->setVerticalSpacing(3);
     for (std::size_t i = 0; i < display.LblWSValue.size(); ++i) {
@@ -164,7 +158,7 @@ QWidget* makeSourcesPage(MonitoringCore& core, QWidget* parent) {
     columns->setSpacing(look::kMargin);
     columns->addWidget(makeStationGroup(core, page), 4);
     auto* middle = new QVBoxLayout;
-    middle->setSpacing(look::kMargin);
+    middle->setSpacing(look::kGap);
     middle->addWidget(makeUnitsGroup(core.records.units, page));
     middle->addWidget(makeSensorGroup(core.records.session, page), 1);
     columns->addLayout(middle, 4);

@@ -7,7 +7,6 @@
 
 #include <QCheckBox>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -26,31 +25,33 @@ struct UnsafeGroup {
 };
 
 QWidget* makeLevels(const UnsafeGroup& made, ConditionControls& conditions, QWidget* page) {
-    auto* group = new QGroupBox(made.title, page);
-    auto* column = new QVBoxLayout(group);
-    column->setContentsMargins(12, 8, 12, 10);
-    column->setSpacing(6);
+    QVBoxLayout* column = addGroup(page, made.title);
+    QWidget* group = column->parentWidget();
     for (std::size_t i = 0; i < 3; ++i)
         column->addWidget(makeCheck(group, indexed(made.control, i), made.levels[i],
                                     conditions.unsafe(made.quantity)[i]));
+    column->addStretch();
     return group;
 }
 
-QWidget* makeDataOld(const QString& title, const QString& name, CheckBox& record, QWidget* page) {
-    auto* group = new QGroupBox(title, page);
-    auto* column = new QVBoxLayout(group);
-    column->setContentsMargins(12, 8, 12, 10);
-    column->addWidget(makeCheck(group, name, {}, record));
+QWidget* makeSources(ConditionControls& conditions, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Failing sources"_s);
+    QWidget* group = column->parentWidget();
+    addHint(column, u"Weather station"_s);
+    column->addWidget(makeCheck(group, u"WSDataOldUnsafe"_s, {}, conditions.WSDataOldUnsafe));
+    addHint(column, u"Cloud sensor (Kiv_Nubilo)"_s);
+    column->addWidget(makeCheck(group, u"NBDataOldUnsafe"_s, {}, conditions.NBDataOldUnsafe));
+    column->addStretch();
     return group;
 }
 
 QWidget* makeDelay(ConditionControls& conditions, QWidget* page) {
-    auto* group = new QGroupBox(u"Safe Condition Delay Period"_s, page);
-    auto* column = new QVBoxLayout(group);
-    column->setContentsMargins(12, 8, 12, 10);
+    QVBoxLayout* column = addGroup(page, u"Return to safe"_s);
+    addHint(column, u"Safe Condition Delay Period"_s);
     addNumberRow(column, u"&Delay Period"_s, u"SafeDelayVal"_s, conditions.SafeDelayVal,
                  u"(secs)"_s);
-    return group;
+    column->addStretch();
+    return column->parentWidget();
 }
 
 } // namespace
@@ -83,15 +84,10 @@ QWidget* makeUnsafePage(ConditionControls& conditions, QWidget* parent) {
         grid->addWidget(makeLevels(made, conditions, page), place / kPerRow, place % kPerRow);
         ++place;
     }
-    for (int i = 0; i < kPerRow; ++i)
+    grid->addWidget(makeSources(conditions, page), 0, kPerRow);
+    grid->addWidget(makeDelay(conditions, page), 1, kPerRow);
+    for (int i = 0; i <= kPerRow; ++i)
         grid->setColumnStretch(i, 1);
-    grid->addWidget(makeDataOld(u"Weather station"_s, u"WSDataOldUnsafe"_s,
-                                conditions.WSDataOldUnsafe, page),
-                    2, 0);
-    grid->addWidget(makeDataOld(u"Cloud sensor (Kiv_Nubilo)"_s, u"NBDataOldUnsafe"_s,
-                                conditions.NBDataOldUnsafe, page),
-                    2, 1);
-    grid->addWidget(makeDelay(conditions, page), 2, 2, 1, 2);
     column->addLayout(grid);
     column->addStretch();
     return page;
