@@ -15,7 +15,8 @@ import sys
 import tempfile
 import time
 
-PROGRAMS = pathlib.Path(__file__).resolve().parent.parent / "build" / "release" / "bin"
+PROGRAMS = pathlib.Path(os.environ.get("SKYHOLD_PROGRAMS") or
+                        pathlib.Path(__file__).resolve().parent.parent / "build/release/bin")
 SENSOR_NAME = "Kiv_Nubilo.Nubilo"
 CCDAP_NAME = "Kiv_CCDAP4_II.dat"
 READ_SECONDS = [5, 10, 30, 60]  # choices of the read interval, by their index in the settings
@@ -215,7 +216,7 @@ def follow(monitor, station, seconds):
             end_program(monitor, patience=30)
         elif time.monotonic() > end:
             end_program(monitor, patience=30)
-            raise RunFailed("the monitor did not get to its end in time")
+            raise RunFailed(f"no session, or too few cycles, in {seconds:.0f} s")
         time.sleep(0.05)
     return monitor.returncode
 
@@ -243,7 +244,7 @@ def play(run, options):
         time_limit = (last - first).total_seconds() / speed * 2 + 60
     if options.headless and not options.replay:
         cycles = cycles or 12
-        time_limit = cycles * max(read_seconds / speed, 3) + 60
+        time_limit = cycles * max(read_seconds / speed, 3) + 20
     shared_clock = ["--time-from", time_from.isoformat(timespec="seconds"),
                     "--time-origin", time.time_ns() // 1_000_000, "--time-scale", speed]
 

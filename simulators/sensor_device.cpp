@@ -12,6 +12,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kHistoryPoints = 120;
 constexpr int kSlowReadySeconds = 30;
+constexpr qint64 kSecondsPerPoint = qint64{kSensorReadCycle} * kSensorGraphFreq;
 
 } // namespace
 
@@ -90,21 +91,20 @@ int SensorDevice::historySize() const {
     const QDateTime last = lastReading();
     if (!last.isValid())
         return 0;
-    const qint64 points = firstReading().secsTo(last) / (kSensorReadCycle * kSensorGraphFreq) + 1;
+    const qint64 points = firstReading().secsTo(last) / kSecondsPerPoint + 1;
     return static_cast<int>(std::min<qint64>(points, kHistoryPoints));
 }
 
 QList<QVariantList> SensorDevice::history(SensorGraph graph) const {
     const QVariant unused = QVariantList(); // how an empty value goes over the bus
     QList<QVariantList> table{{unused}, {unused}, {unused}, {unused}};
-    constexpr int kStep = kSensorReadCycle * kSensorGraphFreq;
     const int size = historySize();
     if (size == 0)
         return table;
     const QDateTime first = firstReading();
-    const qint64 newest = first.secsTo(lastReading()) / kStep;
+    const qint64 newest = first.secsTo(lastReading()) / kSecondsPerPoint;
     for (qint64 point = newest - size + 1; point <= newest; ++point) {
-        const QDateTime time = first.addSecs(point * kStep);
+        const QDateTime time = first.addSecs(point * kSecondsPerPoint);
         const Weather weather = weatherAt(time);
         table[1].append(QVariant::fromValue(AutomationDate{daySerial(time)}));
         switch (graph) {

@@ -81,16 +81,16 @@ class Adder {
         table_.add({name, ++id_, kMethod, result, std::move(parameters), std::move(act)});
     }
     void method(const QString& name, AutomationType result, std::function<QVariant()> get) {
-        method(name, result, {}, [get](QVariantList&) { return answered(get()); });
+        method(name, result, {}, [get = std::move(get)](QVariantList&) { return answered(get()); });
     }
     void call(const QString& name, Parameters parameters, std::function<void(QVariantList&)> act) {
-        method(name, Empty, std::move(parameters), [act](QVariantList& arguments) {
+        method(name, Empty, std::move(parameters), [act = std::move(act)](QVariantList& arguments) {
             act(arguments);
             return done();
         });
     }
     void get(const QString& name, AutomationType type, std::function<QVariant()> get) {
-        table_.add({name, ++id_, kPropertyGet, type, {}, [get](QVariantList&) {
+        table_.add({name, ++id_, kPropertyGet, type, {}, [get = std::move(get)](QVariantList&) {
                         return answered(get());
                     }});
     }
@@ -102,7 +102,7 @@ class Adder {
                     kPropertyPut,
                     Empty,
                     {{u"value"_s, type, false}},
-                    [put](QVariantList& arguments) {
+                    [put = std::move(put)](QVariantList& arguments) {
                         put(arguments[0]);
                         return done();
                     }});
@@ -267,6 +267,7 @@ void addSensorForm(AutomationServer& server, SensorDevice& device) {
     }
     for (const char* name : {"RainLimit", "CloudLimit"}) {
         std::vector<QDBusObjectPath> boxes;
+        boxes.reserve(3);
         for (int i = 0; i < 3; ++i)
             boxes.push_back(addNumberBox(server, device, formName(name) + QString::number(i), 0.0));
         add.method(QString::fromLatin1(name), Object, {{u"Index"_s, I4, false}},

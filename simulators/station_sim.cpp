@@ -38,7 +38,7 @@ Faults (--fault, or the text of the --control file, which is read before each wr
   huge       200 MB
   none       as it should be)";
 
-constexpr std::int64_t kMaxLogBytes = 256 * 1024 * 1024;
+constexpr std::int64_t kMaxLogBytes = std::int64_t{256} * 1024 * 1024;
 constexpr std::int64_t kMaxControlBytes = 4096;
 constexpr double kMinIntervalMs = 5; // real time between two writes
 

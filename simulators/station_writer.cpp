@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QRandomGenerator>
-#include <QTimer>
 
 #include <cerrno>
 #include <cstdio>
@@ -35,12 +34,19 @@ void renameOver(const QString& from, const QString& to) {
 
 } // namespace
 
+StationWriter::StationWriter(const QString& path)
+    : path_(path) {
+    pause_.setSingleShot(true);
+    pause_.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&pause_, &QTimer::timeout, &pause_, [this] { writeSecondHalf(); });
+}
+
 QStringList StationWriter::faultNames() {
     return {u"stop"_s, u"delete"_s, u"halves"_s, u"rubbish"_s, u"empty"_s, u"huge"_s};
 }
 
 void StationWriter::write(const QByteArray& text, const Faults& faults) {
-    if (halfWritten_ || faults.has(u"stop"_s))
+    if (pause_.isActive() || faults.has(u"stop"_s))
         return;
     if (faults.has(u"delete"_s))
         QFile::remove(path_);
@@ -84,14 +90,15 @@ void StationWriter::writeInHalves(const QByteArray& text, int pauseMs) {
         report(path_, file.errorString());
         return;
     }
-    halfWritten_ = true;
-    QTimer::singleShot(pauseMs, Qt::PreciseTimer, this, [this, rest = text.mid(middle)] {
-        halfWritten_ = false;
-        QFile opened(path_);
-        if (!opened.open(QIODevice::WriteOnly | QIODevice::Append) ||
-            opened.write(rest) != rest.size())
-            report(path_, opened.errorString());
-    });
+    secondHalf_ = text.mid(middle);
+    pause_.start(pauseMs);
+}
+
+void StationWriter::writeSecondHalf() {
+    QFile file(path_);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append) ||
+        file.write(secondHalf_) != secondHalf_.size())
+        report(path_, file.errorString());
 }
 
 } // namespace skyhold

@@ -4,15 +4,14 @@
 #include "simulators/faults.h"
 
 #include <QByteArray>
-#include <QObject>
 #include <QString>
+#include <QTimer>
 
 namespace skyhold {
 
-class StationWriter : public QObject {
+class StationWriter {
   public:
-    explicit StationWriter(const QString& path)
-        : path_(path) {}
+    explicit StationWriter(const QString& path);
 
     static QStringList faultNames();
 
@@ -24,9 +23,11 @@ class StationWriter : public QObject {
     void replace(const QByteArray& bytes);
     void replaceByHuge();
     void writeInHalves(const QByteArray& text, int pauseMs);
+    void writeSecondHalf();
 
     QString path_;
-    bool halfWritten_ = false;
+    QTimer pause_; // runs between the two halves
+    QByteArray secondHalf_;
 };
 
 } // namespace skyhold

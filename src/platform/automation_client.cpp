@@ -6,7 +6,6 @@
 #include <QDBusPendingReply>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QPointer>
 
 #include <algorithm>
 #include <limits>
@@ -38,9 +37,11 @@ bool isTimeout(QDBusError::ErrorType type) {
            type == QDBusError::TimedOut;
 }
 
-bool isGone(QDBusError::ErrorType type) {
-    return type == QDBusError::ServiceUnknown || type == QDBusError::UnknownObject ||
-           type == QDBusError::Disconnected;
+bool isGone(const QDBusError& error) {
+    // What the bus answers for a connection that is no longer there has no type of its own in Qt.
+    return error.type() == QDBusError::ServiceUnknown ||
+           error.type() == QDBusError::UnknownObject || error.type() == QDBusError::Disconnected ||
+           error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
 // An object reached through the unique name of the connection that made it, so that a program that
@@ -79,10 +80,11 @@ class BusObject : public DispatchObject {
             return answer(reply, arguments);
 
         const QDBusError error(reply);
-        // The bus answers "no reply" as well when the program ends in mid-call, and at once.
-        if (isTimeout(error.type()) && timer.elapsed() >= timeout - 50)
+        // The bus answers "no reply" as well when the program ends in mid-call, and at once; a
+        // time-out may come a twentieth early.
+        if (isTimeout(error.type()) && timer.elapsed() >= timeout * 9 / 10)
             giveUp();
-        else if (isTimeout(error.type()) || isGone(error.type()))
+        else if (isTimeout(error.type()) || isGone(error))
             alive_ = false;
         return {{}, errorNamed(reply.errorName()), reply.errorMessage()};
     }
@@ -125,8 +127,7 @@ class BusObject : public DispatchObject {
         QObject::connect(probe_.get(), &QDBusPendingCallWatcher::finished, probe_.get(),
                          [this](QDBusPendingCallWatcher* watcher) {
                              hung_ = false;
-                             if (isGone(watcher->error().type()) ||
-                                 isTimeout(watcher->error().type()))
+                             if (isGone(watcher->error()) || isTimeout(watcher->error().type()))
                                  alive_ = false;
                              probe_.release()->deleteLater();
                          });
@@ -154,30 +155,56 @@ void activate(const QDBusConnection& bus, const QString& name) {
     loop.exec();
 }
 
-std::unique_ptr<DispatchObject> create(const QDBusConnection& bus, const QString& programId) {
-    if (!bus.isConnected())
-        return nullptr;
-    if (!bus.interface()->isServiceRegistered(programId))
-        activate(bus, programId);
-    QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
-                                                       QString::fromLatin1(kFactoryInterface),
-                                                       QStringLiteral("CreateInstance"));
-    call.setAutoStartService(false);
-    const QDBusMessage reply = bus.call(call, QDBus::Block, kCallTimeoutMs);
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-        return nullptr;
-    const auto path = reply.arguments().constFirst().value<QDBusObjectPath>();
-    if (path.path().isEmpty())
-        return nullptr;
-    return std::make_unique<BusObject>(bus, reply.service(), path.path());
-}
+// Creates objects; a factory that has once not answered is waited for without holding anybody up.
+class BusCreator {
+  public:
+    explicit BusCreator(const QDBusConnection& bus)
+        : bus_(bus) {}
+
+    std::unique_ptr<DispatchObject> create(const QString& programId) {
+        if (!bus_.isConnected())
+            return nullptr;
+        if (late_) {
+            if (!late_->isFinished())
+                return nullptr;
+            const QDBusMessage reply = late_->reply();
+            late_.reset();
+            if (auto object = objectOf(reply))
+                return object;
+        }
+        if (!bus_.interface()->isServiceRegistered(programId))
+            activate(bus_, programId);
+        QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
+                                                           QString::fromLatin1(kFactoryInterface),
+                                                           QStringLiteral("CreateInstance"));
+        call.setAutoStartService(false);
+        const QDBusMessage reply = bus_.call(call, QDBus::Block, kCallTimeoutMs);
+        if (isTimeout(QDBusError(reply).type()))
+            late_ = std::make_unique<QDBusPendingCallWatcher>(
+                bus_.asyncCall(call, std::numeric_limits<int>::max()));
+        return objectOf(reply);
+    }
+
+  private:
+    std::unique_ptr<DispatchObject> objectOf(const QDBusMessage& reply) const {
+        if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
+            return nullptr;
+        const auto path = reply.arguments().constFirst().value<QDBusObjectPath>();
+        if (path.path().isEmpty())
+            return nullptr;
+        return std::make_unique<BusObject>(bus_, reply.service(), path.path());
+    }
+
+    QDBusConnection bus_;
+    std::unique_ptr<QDBusPendingCallWatcher> late_;
+};
 
 } // namespace
 
 CreateObject busObjectCreator(const QDBusConnection& bus) {
     registerAutomationTypes();
-    return [bus](const QString& programId) {
-        return create(bus, programId);
+    return [creator = std::make_shared<BusCreator>(bus)](const QString& programId) {
+        return creator->create(programId);
     };
 }
 

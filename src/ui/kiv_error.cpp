@@ -88,7 +88,7 @@ MessageAnswer KivError::ask() {
 
 ShowMessage makeMessageDialog(KivSHMainform& window) {
     return [&window](const Message& message) {
-        if (window.isMinimized() || !window.isVisible())
+        if (window.isMinimized())
             window.restore();
         return KivError(message, window.windowTitle(), &window).ask();
     };

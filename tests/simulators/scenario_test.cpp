@@ -52,6 +52,7 @@ std::vector<int> sequence(const std::vector<Weather>& samples,
 
 TEST(Scenario, QuickNightGoesFromAShowerToSafeAndStaysSafe) {
     std::vector<Weather> firstTenMinutes;
+    firstTenMinutes.reserve(600);
     for (int second = 0; second < 600; ++second)
         firstTenMinutes.push_back(quickAt(second));
     EXPECT_EQ(sequence(firstTenMinutes, [](const Weather& w) { return w.rainCondition; }),

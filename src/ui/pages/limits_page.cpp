@@ -59,10 +59,11 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     label->setToolTip(u"From and to in degrees, and minutes; right-click to change"_s);
     bind(label, sector);
     openEditorOn(label, [label, &sector] { KivWindPars(sector, label).exec(); });
-    label->reserve(u"-000 000  00"_s);
+    label->reserve(u"-000 0000  00"_s);
     auto* caption = new QLabel(u"Sector"_s, group);
     auto* line = new QHBoxLayout;
     line->setContentsMargins(0, 0, 0, 4);
+    line->setSpacing(look::kGap);
     line->addStretch();
     line->addWidget(caption);
     line->addWidget(label);

@@ -1,0 +1,142 @@
+"""The whole program with both simulators on a bus of their own, for tests.
+
+The clock of all three runs SPEED times as fast; a line that the monitor writes for every read cycle
+tells what it shows.
+"""
+
+import contextlib
+import pathlib
+import sys
+import tempfile
+import threading
+import time
+
+import dbus
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+import run  # noqa: E402  (the script of the demonstration run)
+
+SPEED = 30
+READ = 3  # a method or a property get
+METHOD = 1
+PUT = 4
+
+
+class Cycle:
+    """One line of the monitor: time, verdict, cause, readings, status line, codes."""
+
+    def __init__(self, line):
+        self.line = line
+        parts = [part.strip() for part in line.split("|")]
+        self.time, self.verdict, self.cause = parts[:3]
+        self.status, self.codes = parts[-2:]
+
+
+class Monitored:
+    """Starts everything; `with Monitored() as monitored` ends it all."""
+
+    def __init__(self, arguments=(), weather="quick"):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-test-"))
+        self.run = run.Run(self.folder, run.environment(self.folder, None))
+        self.station_file = self.folder / "station.htm"
+        self.station_control = self.folder / "station-faults"
+        self.weather = weather
+        run.write_settings(self.folder, self.station_file, 10)
+        self.clock = ["--time-from", "2026-11-16T22:00:00", "--time-origin",
+                      time.time_ns() // 1_000_000, "--time-scale", SPEED]
+        self.arguments = arguments
+        self.cycles = []
+        self.errors = []
+
+    def __enter__(self):
+        self.run.start_bus()
+        self.bus = dbus.bus.BusConnection(self.run.variables["DBUS_SESSION_BUS_ADDRESS"])
+        self.start_sensor()
+        self.start_station()
+        self.start_monitor()
+        return self
+
+    def __exit__(self, *_failure):
+        with contextlib.suppress(dbus.DBusException):
+            self.bus.close()
+        self.run.end()
+        for program in self.run.started:
+            for stream in [program.stdout, program.stderr]:
+                if stream:
+                    stream.close()
+
+    def start_sensor(self):
+        self.sensor = self.run.start(run.PROGRAMS / "Kiv_NubiloSim", "--scenario", self.weather,
+                                     *self.clock)
+        self.run.wait_for_name(run.SENSOR_NAME, self.sensor)
+
+    def start_station(self):
+        self.station = self.run.start(run.PROGRAMS / "Kiv_StationSim", "--file", self.station_file,
+                                      "--control", self.station_control,
+                                      "--scenario", self.weather, *self.clock)
+        run.wait_for_file(self.station_file, 5)
+
+    def start_monitor(self):
+        import subprocess
+        self.monitor = self.run.start(run.PROGRAMS / "Kiv_Skyhold", "--headless", "--report",
+                                      *self.arguments, *self.clock, stdout=subprocess.PIPE,
+                                      stderr=subprocess.PIPE, text=True)
+        # A pipe that nobody reads would stop the monitor.
+        for stream, lines in [(self.monitor.stdout, self.cycles),
+                              (self.monitor.stderr, self.errors)]:
+            threading.Thread(target=lambda s=stream, l=lines: l.extend(map(str.rstrip, s)),
+                             daemon=True).start()
+        self.run.wait_for_name("Kiv_Skyhold.Nubilo", self.monitor)
+
+    def wait_until(self, what, holds, seconds=20):
+        end = time.monotonic() + seconds
+        while not holds():
+            if time.monotonic() > end:
+                seen = "\n".join(self.cycles[-5:] + self.errors[-5:])
+                raise AssertionError(f"did not come: {what}\n{seen}")
+            time.sleep(0.02)
+
+    def next_cycle(self, what, matches, seconds=20):
+        """The first cycle from now on that `matches`."""
+        begin = len(self.cycles)
+        found = []
+
+        def look():
+            found[:] = [cycle for cycle in map(Cycle, self.cycles[begin:]) if matches(cycle)]
+            return found
+
+        self.wait_until(what, look, seconds)
+        return found[0]
+
+    def break_station(self, fault):
+        part = self.station_control.with_suffix(".part")
+        part.write_text(fault)
+        part.rename(self.station_control)
+
+    def break_sensor(self, fault):
+        factory = self.bus.get_object(run.SENSOR_NAME, "/Kiv_Nubilo/Nubilo", introspect=False)
+        factory.InvokeByName("Sim_Fault", dbus.UInt32(METHOD), dbus.Array([fault], signature="v"),
+                             dbus_interface="Kiv.Automation.Dispatch")
+
+
+class Client:
+    """An automation client of the monitor with a bus connection of its own."""
+
+    def __init__(self, monitored):
+        self.bus = dbus.bus.BusConnection(monitored.run.variables["DBUS_SESSION_BUS_ADDRESS"])
+        factory = self.bus.get_object("Kiv_Skyhold.Nubilo", "/Kiv_Skyhold/Nubilo",
+                                      introspect=False)
+        self.path = factory.CreateInstance(dbus_interface="Kiv.Automation.ClassFactory")
+        self.object = self.bus.get_object("Kiv_Skyhold.Nubilo", self.path, introspect=False)
+
+    def invoke(self, name, use=READ, arguments=()):
+        result, _changed = self.object.InvokeByName(
+            name, dbus.UInt32(use), dbus.Array(arguments, signature="v"),
+            dbus_interface="Kiv.Automation.Dispatch")
+        return result
+
+    def release(self):
+        self.object.Release(dbus_interface="Kiv.Automation.Dispatch")
+
+    def close(self):
+        self.bus.close()

@@ -1,0 +1,111 @@
+"""A session of the whole program: verdicts, faults of both sources, clients, and the end."""
+
+import signal
+import time
+import unittest
+
+import dbus
+
+from monitored import METHOD, Client, Monitored
+
+
+class SessionTest(unittest.TestCase):
+    def test_verdict_flips_with_the_weather_and_with_failing_sources(self):
+        with Monitored(["--start"]) as monitored:
+            shower = monitored.next_cycle("the shower", lambda c: c.verdict == "UNSAFE")
+            self.assertIn("Rain:", shower.cause)
+            waiting = monitored.next_cycle("the delay", lambda c: "SAFE condition" in c.cause)
+            self.assertEqual(waiting.verdict, "UNSAFE")
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE")
+            record = (monitored.folder / "ccdap" / "Kiv_CCDAP4_II.dat").read_bytes()
+            self.assertEqual(len(record), 100)
+            self.assertEqual(record[23:27], b"C K ")
+
+            monitored.sensor.send_signal(signal.SIGKILL)
+            lost = monitored.next_cycle("the sensor's loss", lambda c: c.verdict == "UNSAFE")
+            self.assertEqual((lost.status, lost.codes, lost.cause),
+                             ("Error with Kiv_Nubilo", "a31", "Sensor program: failed"))
+            monitored.start_sensor()
+            back = monitored.next_cycle("the sensor's return", lambda c: c.verdict == "SAFE")
+            self.assertEqual(back.codes, "")
+
+            faults = [
+                ("stop", "Weather Station Data too old", "a41"),
+                ("delete", "Weather Station Data - file not available", "a42"),
+                ("empty", "Weather Station Data - no readings in file", "a41"),
+                ("rubbish", "Weather Station Data - ", "a41"),
+                ("huge", "Weather Station Data - file too large (over 16 MB)", "a41"),
+            ]
+            for fault, status, code in faults:
+                with self.subTest(fault=fault):
+                    monitored.break_station(fault)
+                    seen = monitored.next_cycle(fault, lambda c: c.verdict == "UNSAFE", 40)
+                    self.assertTrue(seen.status.startswith(status), seen.line)
+                    self.assertEqual(seen.codes, code)
+                    self.assertIn("data old or missing", seen.cause)
+                    monitored.break_station("none")
+                    monitored.next_cycle("the station's return", lambda c: c.verdict == "SAFE")
+
+    def test_hung_sensor_holds_no_cycle_for_long(self):
+        with Monitored(["--start"]) as monitored:
+            monitored.next_cycle("a first cycle", lambda c: not c.codes)
+            client = Client(monitored)
+            for fault in ["silent", "late=1000"]:
+                with self.subTest(fault=fault):
+                    monitored.break_sensor(fault)
+                    begin = time.monotonic()
+                    first = monitored.next_cycle(fault, lambda c: c.codes == "a31")
+                    self.assertLess(time.monotonic() - begin, 5)
+                    self.assertEqual(first.verdict, "UNSAFE")
+                    client.invoke("Safe")
+                    if fault == "silent":
+                        # Once it is known to hang it holds nobody up any more.
+                        begin = time.monotonic()
+                        for _ in range(3):
+                            monitored.next_cycle("a quick cycle", lambda c: c.codes == "a31", 3)
+                        self.assertLess(time.monotonic() - begin, 4.5)
+                    monitored.break_sensor("none")
+                    monitored.next_cycle("its return", lambda c: c.codes == "")
+
+    def test_clients_are_counted_and_the_end_is_in_order(self):
+        with Monitored() as monitored:
+            first, second = Client(monitored), Client(monitored)
+            self.assertEqual(str(first.invoke("Name")), "Kiv_Skyhold")
+            self.assertFalse(first.invoke("DataReady"))
+            first.invoke("Device_Start", METHOD)
+            monitored.next_cycle("a first cycle", lambda c: True)
+            self.assertTrue(first.invoke("DataReady"))
+
+            second.release()
+            with self.assertRaises(dbus.DBusException) as gone:
+                second.release()
+            self.assertEqual(gone.exception.get_dbus_name(),
+                             "org.freedesktop.DBus.Error.UnknownObject")
+            for name, error in [("NoSuchMember", "UnknownName"), ("Safe", "BadParamCount")]:
+                with self.assertRaises(dbus.DBusException) as refused:
+                    first.invoke(name, METHOD, [dbus.Int32(1)])
+                self.assertEqual(refused.exception.get_dbus_name(),
+                                 f"Kiv.Automation.Error.{error}")
+
+            # A client that dies with control of the verdict does not keep it.
+            first.invoke("Kiv_LocalControl", METHOD, [True, "script"])
+            monitored.next_cycle("its control", lambda c: c.cause == "Decided by script")
+            first.close()
+            monitored.next_cycle("the end of its control", lambda c: "script" not in c.cause)
+
+            monitored.monitor.send_signal(signal.SIGTERM)
+            self.assertEqual(monitored.monitor.wait(10), 0)
+            settings = monitored.folder / "user/config/Kiv/Kiv_Skyhold.ini"
+            self.assertEqual(settings.stat().st_mode & 0o777, 0o600)
+            self.assertIn("GraphNoPoints=120", settings.read_text())
+
+    def test_second_instance_ends_silently(self):
+        with Monitored() as monitored:
+            import run
+            second = monitored.run.start(run.PROGRAMS / "Kiv_Skyhold", "--headless")
+            self.assertEqual(second.wait(10), 0)
+            self.assertIsNone(monitored.monitor.poll())
+
+
+if __name__ == "__main__":
+    unittest.main()

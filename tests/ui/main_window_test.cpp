@@ -1,0 +1,188 @@
+#include "dialog_driver.h"
+
+#include "core/clients.h"
+#include "support/core_fixture.h"
+#include "ui/kiv_error.h"
+#include "ui/kiv_legend.h"
+#include "ui/look.h"
+#include "ui/main_window.h"
+#include "ui/readout.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QWindow>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+class MainWindow : public CoreFixture {
+  protected:
+    MainWindow()
+        : window_(std::make_unique<KivSHMainform>(*core_)) {
+        window_->show();
+        QCoreApplication::processEvents();
+    }
+
+    QString shown(const char* name) { return child<Readout>(*window_, name)->text(); }
+    bool visible(const char* name) { return child(*window_, name)->isVisible(); }
+    bool offered(const char* name) { return child<QAction>(name)->isVisible(); }
+    template <class Object>
+    Object* child(const char* name) {
+        return window_->findChild<Object*>(QString::fromLatin1(name));
+    }
+    template <class Widget = QWidget>
+    Widget* child(QWidget& window, const char* name) {
+        return skyhold::child<Widget>(window, name);
+    }
+    void openPage(int index) {
+        window_->findChild<QTabWidget*>()->setCurrentIndex(index);
+        QCoreApplication::processEvents();
+    }
+
+    std::unique_ptr<KivSHMainform> window_;
+};
+
+TEST_F(MainWindow, StartShowsTheVerdictAndStopNoLongerPassesItOffAsCurrent) {
+    EXPECT_EQ(window_->windowTitle(), u"Kiv_Skyhold (v2.30.004)"_s);
+    EXPECT_EQ(shown("LblVerdictNote"), u"Not monitoring"_s);
+    EXPECT_FALSE(visible("ButtStop"));
+    EXPECT_TRUE(offered("mnuStart"));
+
+    click(*window_, "ButtStart");
+    EXPECT_EQ(shown("LblStatus"), u"Safe"_s);
+    EXPECT_EQ(shown("LValWindSpeed"), u"5"_s);
+    EXPECT_EQ(shown("LCondWind"), u"Calm"_s);
+    EXPECT_EQ(child<LampWidget>(*window_, "LEDUnsafe")->colour(), screenColour(kGreen));
+    EXPECT_FALSE(visible("ButtStart"));
+    EXPECT_FALSE(visible("LblVerdictNote"));
+    EXPECT_TRUE(offered("mnuStop"));
+    EXPECT_FALSE(child<QWidget>(*window_, "NBTimeout")->isEnabled());
+
+    cycle({.wind = u"15"_s});
+    cycle({.wind = u"15"_s}, 60);
+    EXPECT_EQ(shown("LblStatus"), u"Unsafe"_s);
+    EXPECT_EQ(child<Readout>(*window_, "LCondWind")->ink(), screenColour(kOrange));
+    EXPECT_TRUE(shown("LblCause").contains(u"Windy"_s));
+
+    click(*window_, "ButtStop");
+    EXPECT_TRUE(visible("ButtStart"));
+    EXPECT_EQ(shown("LblVerdictNote"), u"Not monitoring: this was the last verdict"_s);
+}
+
+TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
+    openPage(1);
+    auto* limit = child<QWidget>(*window_, "LimitWind0");
+    limit->setFocus();
+    QTest::keyClick(limit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(limit, u"7.5"_s);
+    EXPECT_EQ(records().conditions.LimitWind[0].Value, 7.5);
+
+    openPage(2);
+    const int before = records().conditions.CondDew[2].Value;
+    QTest::keyClick(child<QWidget>(*window_, "CondDew2"), Qt::Key_Space);
+    EXPECT_EQ(records().conditions.CondDew[2].Value, 1 - before);
+    EXPECT_EQ(records().window.SSTab1, 2);
+}
+
+TEST_F(MainWindow, EditorsOpenOnTheReleaseOfTheRightButton) {
+    openPage(1);
+    const auto release = [this](const char* name) {
+        QWidget* item = child<QWidget>(*window_, name);
+        QTest::mousePress(item, Qt::RightButton);
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        QTest::mouseRelease(item, Qt::RightButton);
+    };
+    for (const auto& [item, editor] : {std::pair{"ColorGust1", "KivColor"},
+                                       {"DirectionWind2", "KivWindPars"},
+                                       {"DirectionGust0", "KivWindPars"}}) {
+        EXPECT_TRUE(duringDialog([&, name = item] { release(name); },
+                                 [name = editor](QDialog& dialog) {
+                                     EXPECT_EQ(dialog.objectName(), QLatin1String(name));
+                                     dialog.reject();
+                                 }))
+            << item;
+    }
+    EXPECT_FALSE(duringDialog([&] { click(*window_, "ColorGust1"); },
+                              [](QDialog& dialog) { dialog.reject(); }));
+}
+
+TEST_F(MainWindow, LegendOpensFromTheStatusCodesAndItsOkClosesIt) {
+    QWidget* codes = child<QWidget>(*window_, "Statusbar2");
+    for (int i = 0; i < 2; ++i)
+        QTest::mouseClick(codes, Qt::RightButton);
+    ASSERT_EQ(window_->findChildren<KivLegend*>().size(), 1);
+    auto* legend = window_->findChild<KivLegend*>();
+    EXPECT_TRUE(legend->isVisible());
+    EXPECT_EQ(child<QLabel>(*legend, "LblLegend")->text().count(u'\n'), 13);
+    click(*legend, "ButtOK");
+    EXPECT_FALSE(legend->isVisible());
+}
+
+TEST_F(MainWindow, ClosingIsRefusedWhileClientsAreAttached) {
+    int closed = 0;
+    QObject::connect(window_.get(), &KivSHMainform::closed, window_.get(), [&] { ++closed; });
+    const auto closeItem = [this] {
+        return window_->windowHandle()->flags().testFlag(Qt::WindowCloseButtonHint);
+    };
+    EXPECT_TRUE(closeItem());
+    click(*window_, "ButtStart");
+    RegisterUsers(records(), clock_, 1);
+    EXPECT_FALSE(closeItem());
+    EXPECT_FALSE(visible("ButtStop"));
+    EXPECT_TRUE(visible("FrameCOM"));
+    window_->close();
+    EXPECT_TRUE(window_->isVisible());
+    EXPECT_TRUE(messages_.contains(u"There are other users present - cannot UNLOAD"_s));
+    EXPECT_TRUE(records().session.Running);
+    EXPECT_EQ(closed, 0);
+
+    RegisterUsers(records(), clock_, -1);
+    EXPECT_TRUE(closeItem());
+    child<QAction>("MnuExit")->trigger();
+    EXPECT_FALSE(window_->isVisible());
+    EXPECT_FALSE(records().session.Running);
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(MainWindow, MessagesRestoreAMinimisedWindow) {
+    const ShowMessage ask = makeMessageDialog(*window_);
+    window_->showMinimized();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(records().window.State, WindowState::Minimized);
+    MessageAnswer answer{};
+    EXPECT_TRUE(duringDialog(
+        [&] {
+            answer = ask({u"Overwrite?"_s, MessageStyle::YesNo, {}});
+        },
+        [this](QDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), window_->windowTitle());
+            EXPECT_FALSE(window_->isMinimized());
+            click(dialog, "Butt0");
+        }));
+    EXPECT_EQ(answer, MessageAnswer::Yes);
+    EXPECT_EQ(records().window.State, WindowState::Normal);
+}
+
+TEST_F(MainWindow, OpensWhereItWasLeftUnlessThatIsOffTheScreen) {
+    window_->move(30, 40);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(records().window.Left, 30);
+    EXPECT_EQ(records().window.Top, 40);
+    window_ = std::make_unique<KivSHMainform>(*core_);
+    window_->show();
+    EXPECT_EQ(window_->pos(), QPoint(30, 40));
+
+    records().window.Left = -5000;
+    window_ = std::make_unique<KivSHMainform>(*core_);
+    window_->show();
+    EXPECT_GE(window_->x(), 0);
+}
+
+} // namespace
+
+} // namespace skyhold
