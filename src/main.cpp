@@ -9,6 +9,7 @@
 #include "terminal.h"
 #include "ui/kiv_error.h"
 #include "ui/kiv_setup_form.h"
+#include "ui/look.h"
 #include "ui/main_window.h"
 
 #include <QApplication>
@@ -78,6 +79,12 @@ void warnOfImageLibrary(bool headless) {
         QMessageBox::warning(nullptr, kVersion.title(), text, QMessageBox::Ok);
 }
 
+// Ends the program whatever holds the window: a request to quit would first ask the window to
+// close, which it refuses while automation clients are attached.
+void end() {
+    QCoreApplication::exit(0);
+}
+
 // A line per cycle, and the end after as many as were asked for.
 void followCycles(MonitoringCore& core, const Options& options) {
     core.cycleDone = [&core, options, done = 0]() mutable {
@@ -86,7 +93,7 @@ void followCycles(MonitoringCore& core, const Options& options) {
             std::fflush(stdout);
         }
         if (++done == options.cycles)
-            QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+            QTimer::singleShot(0, qApp, end);
     };
 }
 
@@ -101,6 +108,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(kVersion.text());
     QApplication::setQuitOnLastWindowClosed(false);
     const Options options = parseOptions(application, headless);
+    applyLook(application);
 
     QLockFile instance(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) +
                        QStringLiteral("/Kiv_Skyhold.lock"));
@@ -131,11 +139,10 @@ int main(int argc, char** argv) {
         core.closeWindow = [&window] {
             window->close();
         };
+        QObject::connect(window.get(), &KivSHMainform::closed, window.get(), end);
         window->show();
     } else {
-        core.closeWindow = [] {
-            QCoreApplication::quit();
-        };
+        core.closeWindow = end;
     }
     if (!core.images.initialise())
         warnOfImageLibrary(headless);
@@ -147,7 +154,7 @@ int main(int argc, char** argv) {
 
     onQuitSignal([&core] {
         StopSession(core); // ends a start that still waits, too
-        QCoreApplication::quit();
+        end();
     });
     followCycles(core, options);
     if (options.start)

@@ -112,7 +112,17 @@ QVariantList fromBus(const QVariantList& values) {
 }
 
 QVariant toBus(const QVariant& value) {
-    return value.isValid() ? value : QVariant(QVariantList());
+    if (!value.isValid())
+        return QVariantList();
+    if (value.typeId() == QMetaType::QVariantList)
+        return toBus(value.toList());
+    if (value.metaType() == QMetaType::fromType<TwoDimensions>()) {
+        auto rows = value.value<TwoDimensions>();
+        for (QVariantList& row : rows)
+            row = toBus(row);
+        return QVariant::fromValue(rows);
+    }
+    return value;
 }
 
 QVariantList toBus(const QVariantList& values) {

@@ -34,7 +34,7 @@ void registerAutomationTypes();
 // forms above. Unknown structures become an empty value.
 QVariant fromBus(const QVariant& value);
 QVariantList fromBus(const QVariantList& values);
-// The form to send: an empty value becomes an array without elements.
+// The form to send: an empty value, in an array too, becomes an array without elements.
 QVariant toBus(const QVariant& value);
 QVariantList toBus(const QVariantList& values);
 

@@ -40,6 +40,11 @@ TEST(AutomationValue, convertsAsTheParameterNeeds) {
     }
     EXPECT_EQ(fromBus(QVariant(QVariantList())), QVariant());
     EXPECT_EQ(toBus(QVariant()), QVariant(QVariantList()));
+    EXPECT_EQ(toBus(QVariant(QVariantList{QVariant(), 1})),
+              QVariant(QVariantList{QVariantList(), 1}));
+    const QList<QVariantList> table{{QVariant(), 2.5}};
+    EXPECT_EQ(toBus(QVariant::fromValue(table)).value<QList<QVariantList>>(),
+              (QList<QVariantList>{{QVariantList(), 2.5}}));
     EXPECT_EQ(fromBus(QVariant(quint64(5))), QVariant(5));
     EXPECT_EQ(errorMessage(AutomationError::TypeMismatch, u"x"_s), u"0x80020005: x"_s);
     EXPECT_EQ(factoryPath(u"Kiv_Skyhold.Nubilo"_s), u"/Kiv_Skyhold/Nubilo"_s);
