@@ -27,10 +27,12 @@ class Collector : public benchmark::BenchmarkReporter {
             if (run.run_type != Run::RT_Iteration || run.error_occurred)
                 continue;
             const auto bytes = run.counters.find("bytes_per_second");
+            // Work that another process does is real time alone.
+            const double time = run.run_name.time_type == "real_time" ? run.GetAdjustedRealTime()
+                                                                      : run.GetAdjustedCPUTime();
             const double perNanosecond = 1e9 / benchmark::GetTimeUnitMultiplier(run.time_unit);
             samples[run.run_name.function_name].push_back(
-                {run.GetAdjustedCPUTime() * perNanosecond,
-                 bytes == run.counters.end() ? 0 : bytes->second.value});
+                {time * perNanosecond, bytes == run.counters.end() ? 0 : bytes->second.value});
         }
     }
 

@@ -23,6 +23,8 @@ READ_SECONDS = [5, 10, 30, 60]  # choices of the read interval, by their index i
 
 SENSOR_FAULTS = ["slow-ready", "old-version", "role", "not-running", "xfer-error", "late", "silent",
                  "die", "nan", "wrong-types"]
+# Faults that would keep the session from starting at all begin a little later.
+LATER_FAULTS = ["not-running", "late", "silent", "die", "nan", "wrong-types", "xfer-error"]
 STATION_FAULTS = ["stop", "delete", "halves", "rubbish", "empty", "huge"]
 
 # A bus without service folders: it cannot start an installed sensor program.
@@ -249,8 +251,10 @@ def play(run, options):
                     "--time-origin", time.time_ns() // 1_000_000, "--time-scale", speed]
 
     run.start_bus()
+    later = faults_for(LATER_FAULTS, options.fault)
     sensor = run.start(PROGRAMS / "Kiv_NubiloSim", *sensor_weather, *shared_clock,
-                       *faults_for(SENSOR_FAULTS, options.fault))
+                       *faults_for(SENSOR_FAULTS, options.fault),
+                       *([f"--fault-after={4 * read_seconds}"] if later else []))
     station = run.start(PROGRAMS / "Kiv_StationSim", "--file", station_file,
                         "--format", options.station, *weather, *shared_clock,
                         *faults_for(STATION_FAULTS, options.fault))

@@ -6,7 +6,11 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QTimer>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <cstdio>
 
 namespace {
@@ -50,6 +54,7 @@ int main(int argc, char** argv) {
         {u"role"_s, u"The device's role (MASTER)."_s, u"ROLE"_s, u"MASTER"_s},
         {u"sensor-version"_s, u"The version it reports (5.20.0001)."_s, u"TEXT"_s, u"5.20.0001"_s},
         {u"fault"_s, u"A fault from the list above."_s, u"NAME[=VALUE]"_s},
+        {u"fault-after"_s, u"Seconds until the faults begin (0)."_s, u"SECONDS"_s, u"0"_s},
         {u"verbose"_s, u"Prints a line for every change that it is told."_s},
     });
     parser.process(application);
@@ -71,9 +76,21 @@ int main(int argc, char** argv) {
 
     Faults faults({u"slow-ready"_s, u"old-version"_s, u"role"_s, u"not-running"_s, u"xfer-error"_s,
                    u"late"_s, u"silent"_s, u"die"_s, u"nan"_s, u"wrong-types"_s});
-    for (const QString& fault : parser.values(u"fault"_s)) {
-        if (!faults.set(fault))
-            return refuse(u"there is no fault "_s + fault);
+    const auto begin = [&faults, wanted = parser.values(u"fault"_s)] {
+        return std::find_if_not(wanted.cbegin(), wanted.cend(), [&faults](const QString& fault) {
+                   return faults.set(fault);
+               }) == wanted.cend();
+    };
+    if (!begin())
+        return refuse(u"there is no such fault"_s);
+    const double faultAfter = parser.value(u"fault-after"_s).toDouble(&number);
+    if (!number || !(faultAfter >= 0 && faultAfter < 1e6))
+        return refuse(u"--fault-after takes seconds"_s);
+    if (faultAfter > 0) {
+        faults.clear();
+        QTimer::singleShot(
+            std::chrono::milliseconds(std::llround(faultAfter * 1000 / clock.scale())),
+            &application, [begin] { begin(); });
     }
 
     const bool verbose = parser.isSet(u"verbose"_s);

@@ -5,6 +5,7 @@
 #include "platform/clock_options.h"
 #include "platform/display.h"
 #include "platform/files.h"
+#include "platform/media_control.h"
 #include "platform/quit_signals.h"
 #include "terminal.h"
 #include "ui/kiv_error.h"
@@ -79,6 +80,22 @@ void warnOfImageLibrary(bool headless) {
         QMessageBox::warning(nullptr, kVersion.title(), text, QMessageBox::Ok);
 }
 
+// Says when the window has first been painted; once.
+class PaintReport : public QObject {
+  public:
+    using QObject::QObject;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            std::printf("Window painted\n");
+            std::fflush(stdout);
+            watched->removeEventFilter(this);
+        }
+        return false;
+    }
+};
+
 // Ends the program whatever holds the window: a request to quit would first ask the window to
 // close, which it refuses while automation clients are attached.
 void end() {
@@ -128,7 +145,10 @@ int main(int argc, char** argv) {
 
     SystemClock clock(clockStartFromArguments(application.arguments()));
     const QDBusConnection bus = QDBusConnection::sessionBus();
-    MonitoringCore core(clock, settings, busObjectCreator(bus), kVersion);
+    SoundPlayerProgram media(
+        joinPath(programFolder(), QStringLiteral("Kiv_SoundPlayer")),
+        [](const QString& reason) { std::fprintf(stderr, "No sound: %s\n", qPrintable(reason)); });
+    MonitoringCore core(clock, settings, busObjectCreator(bus), media, kVersion);
     core.showMessage = terminalMessages();
     LoadMainWindow(core);
 
@@ -140,6 +160,8 @@ int main(int argc, char** argv) {
             window->close();
         };
         QObject::connect(window.get(), &KivSHMainform::closed, window.get(), end);
+        if (options.report)
+            window->centralWidget()->installEventFilter(new PaintReport(window.get()));
         window->show();
     } else {
         core.closeWindow = end;

@@ -1,5 +1,4 @@
-// The public members of this program's automation class, each once: name, id, kind, types, whether
-// its call shows as activity, and what it does.
+// The member table at work on one core: what the bus calls.
 #pragma once
 
 #include "core/monitoring_core.h"

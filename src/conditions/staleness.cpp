@@ -5,8 +5,6 @@
 #include "platform/text_forms.h"
 #include "records/status_lines.h"
 
-#include <QFileInfo>
-
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,8 +16,7 @@ QDateTime stationFileTime(const QString& path) {
     if (!found)
         return {};
     // What cannot be read is as good as missing: it must not count as fresh for its time alone.
-    const QFileInfo file(*found);
-    return file.isFile() && file.isReadable() ? modificationTime(*found) : QDateTime();
+    return isReadableFile(*found) ? modificationTime(*found) : QDateTime();
 }
 
 QString fileTimeText(const QDateTime& time) {
@@ -52,17 +49,21 @@ StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& la
 }
 
 bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
-                           ReadingDisplay& display, SessionControls& session,
-                           const QDateTime& now) {
+                           ReadingDisplay& display, SessionControls& session, const QDateTime& now,
+                           const std::function<void(StationFileState)>& soundAlarm) {
     const StationFileVerdict verdict =
         judgeStationFile(stationFileTime(file.HTMFile.Caption), readings.LastFileTime,
                          readings.StationDateTime, now, file.TimeoutREAD.Value);
     const QString age = formatNumber(verdict.ageSeconds, u"0", {}) + u"s old"_s;
+    readings.StationFileMissing = verdict.state == StationFileState::Missing;
+    readings.StationDataOld = readings.StationFileMissing || verdict.state == StationFileState::Old;
+    readings.ReadLedColour = readings.StationDataOld ? kYellow : kGreen;
 
     const auto tell = [&](const QString& status, Colour colour, const QString& alarm,
                           const QString& code) {
         SetStatusText(session.Statusbar1, status, colour);
         display.WSAlarmMsg.Caption = alarm;
+        soundAlarm(verdict.state);
         SetErrorCodes(session.Statusbar2, code, kRed);
     };
     switch (verdict.state) {
@@ -80,10 +81,6 @@ bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& rea
         tell(u"Weather Station Data - Refreshed"_s, kNavy, QString(), QString());
         break;
     }
-
-    readings.StationFileMissing = verdict.state == StationFileState::Missing;
-    readings.StationDataOld = readings.StationFileMissing || verdict.state == StationFileState::Old;
-    readings.ReadLedColour = readings.StationDataOld ? kYellow : kGreen;
     return !readings.StationDataOld;
 }
 

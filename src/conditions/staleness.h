@@ -6,6 +6,8 @@
 #include "records/reading_display.h"
 #include "records/session_controls.h"
 
+#include <functional>
+
 namespace skyhold {
 
 // Modification time of the station file, found without regard to the case of its name; invalid
@@ -38,9 +40,10 @@ StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& la
                                     const QDateTime& stationDateTime, const QDateTime& now,
                                     double timeoutMinutes);
 
-// Judges the station file and tells it: health flags, read lamp colour, WSAlarmMsg, status line
-// and the codes a41 and a42. True when the station's data is fresh.
+// Judges the station file and tells it: status line, health flags, WSAlarmMsg, read lamp colour,
+// then `soundAlarm`, then the codes a41 and a42. True when the station's data is fresh.
 bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
-                           ReadingDisplay& display, SessionControls& session, const QDateTime& now);
+                           ReadingDisplay& display, SessionControls& session, const QDateTime& now,
+                           const std::function<void(StationFileState)>& soundAlarm);
 
 } // namespace skyhold

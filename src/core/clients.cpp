@@ -1,5 +1,6 @@
 #include "core/clients.h"
 
+#include "core/alarms.h"
 #include "core/session.h"
 
 namespace skyhold {
@@ -42,7 +43,7 @@ void HasControl(MonitoringCore& core, bool flag, const QString& text) {
     records.safety.LocalControl = flag;
     records.session.LblControl.Caption = text;
     if (flag)
-        records.readings.AlarmSoundId.clear();
+        releaseAlarm(alarmPlayer(core), records.readings);
     records.session.Frame3.Visible = !flag;
 }
 

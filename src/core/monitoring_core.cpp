@@ -1,5 +1,8 @@
 #include "core/monitoring_core.h"
 
+#include "core/alarms.h"
+#include "core/recording.h"
+#include "graphs/history.h"
 #include "units/unit_change.h"
 
 namespace skyhold {
@@ -18,6 +21,43 @@ void requireSound(CheckBox& box) {
     };
 }
 
+void unitRules(Records& records) {
+    records.units.UnitsSpeed.Click = [&records](int index) {
+        UnitsSpeed_Click(index, records.units, records.conditions, records.readings,
+                         [&records](const QString& fromCode, const QString& toCode) {
+                             convertSpeedHistory(records.history, fromCode, toCode);
+                         });
+    };
+    records.units.UnitsTemp.Click = [&records](int index) {
+        UnitsTemp_Click(index, records.units, records.conditions, records.readings,
+                        [&records](const QString& fromCode, const QString& toCode) {
+                            convertTemperatureHistory(records.history, fromCode, toCode);
+                        });
+    };
+}
+
+void graphRules(GraphHistory& history, GraphControls& graphs, ComboBox& refreshRead) {
+    graphs.GraphNoPoints.Change = [&] {
+        SetCapacity(history, graphs, refreshRead);
+    };
+    graphs.GraphFreq.Change = [&] {
+        SetSampleEvery(history, graphs, refreshRead);
+    };
+    refreshRead.Click = [&] {
+        UpdateSpanText(history, graphs, refreshRead);
+    };
+}
+
+// The quality matters to JPEG alone.
+void imageRules(GraphControls& graphs) {
+    graphs.ImageType.Click = [&graphs] {
+        const bool png = graphs.ImageType.checked();
+        graphs.ImageType.Caption = png ? QStringLiteral("Image PNG") : QStringLiteral("Image JPEG");
+        graphs.ImageQuality.Visible = !png;
+    };
+    graphs.ImageType.Click();
+}
+
 } // namespace
 
 QString ProgramVersion::text() const {
@@ -34,13 +74,16 @@ QString ProgramVersion::trayTip() const {
 }
 
 MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
-                               CreateObject createObject, const ProgramVersion& theVersion)
+                               CreateObject createObject, MediaControl& theMedia,
+                               const ProgramVersion& theVersion)
     : clock(theClock)
     , settings(theSettings)
+    , media(theMedia)
     , version(theVersion)
     , sensor(std::move(createObject), theClock)
     , TimerRead(theClock)
     , TimerUpload(theClock)
+    , TimerPlayer(theClock)
     , Timer6(theClock)
     , forms(localeNumberForms()) {
     for (const Quantity quantity : kAllQuantities) {
@@ -50,11 +93,16 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     requireSound(records.alarms.AlarmWS);
     requireSound(records.alarms.AlarmNB);
 
-    records.units.UnitsSpeed.Click = [this](int index) {
-        UnitsSpeed_Click(index, records.units, records.conditions, records.readings, nullptr);
+    alarmRules(*this);
+    unitRules(records);
+    prepareUpload(*this);
+    graphRules(records.history, records.graphs, records.session.RefreshRead);
+    imageRules(records.graphs);
+    records.dataFile.RecOption.Click = [this](int index) {
+        RecOption_Click(*this, index);
     };
-    records.units.UnitsTemp.Click = [this](int index) {
-        UnitsTemp_Click(index, records.units, records.conditions, records.readings, nullptr);
+    records.dataFile.SaveFreq.Change = [this] {
+        SetSaveFreq(records.dataFile.SaveFreq);
     };
     records.session.EmulatorFlag.Click = [this] {
         if (!records.units.Loading)

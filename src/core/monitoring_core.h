@@ -1,13 +1,17 @@
 // The one owner of all monitoring state: the records, the link to the sensor program, the timers.
 //
 // Its operations are free functions, each in the header of its subject: start_up.h, session.h,
-// read_cycle.h, clients.h. Everything runs on the user-interface thread.
+// read_cycle.h, recording.h, upload.h, clients.h. Everything runs on the user-interface thread.
 #pragma once
 
+#include "core/upload.h"
 #include "datafiles/station_file.h"
+#include "datafiles/user_data_file.h"
+#include "graphs/render.h"
 #include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "platform/image_library.h"
+#include "platform/media_control.h"
 #include "platform/settings_store.h"
 #include "platform/text_forms.h"
 #include "platform/timer.h"
@@ -30,10 +34,11 @@ struct ProgramVersion {
 
 struct MonitoringCore {
     MonitoringCore(Clock& clock, SettingsStore& settings, CreateObject createObject,
-                   const ProgramVersion& version);
+                   MediaControl& media, const ProgramVersion& version);
 
     Clock& clock;
     SettingsStore& settings;
+    MediaControl& media;
     ProgramVersion version;
     Records records;
     SensorLink sensor;
@@ -41,6 +46,7 @@ struct MonitoringCore {
 
     Timer TimerRead;   // one read cycle a tick
     Timer TimerUpload; // the upload hand-off when due
+    Timer TimerPlayer; // notices the end of an alarm's sound
     Timer Timer6;      // news and last update status, once after loading
 
     // Set by the face of the program.
@@ -50,6 +56,9 @@ struct MonitoringCore {
 
     NumberForms forms; // the locale's separators, re-read by every cycle
     StationFileMemory stationMemory;
+    UserDataRecorder recorder;
+    RenderedGraphs renderedGraphs;
+    UploadHandOff handOff;
     bool closeWanted = false; // a close was asked for while a session start was waiting
 };
 

@@ -3,10 +3,14 @@
 #include "conditions/classification.h"
 #include "conditions/safety.h"
 #include "conditions/staleness.h"
+#include "core/alarms.h"
+#include "core/recording.h"
 #include "core/sensor_readings.h"
 #include "core/station_display.h"
 #include "datafiles/ccdap_file.h"
 #include "datafiles/station_file.h"
+#include "graphs/history.h"
+#include "graphs/render.h"
 #include "records/status_lines.h"
 #include "units/detection.h"
 
@@ -43,7 +47,7 @@ void RunReadCycle(MonitoringCore& core) {
     tellTemperatureUnit(core.sensor, units.temperature);
     followUnits(records, units);
 
-    ReadSensor(core.sensor, records, core.forms);
+    ReadSensor(core.sensor, records, core.forms, alarmPlayer(core));
     classify(core);
     decide(core);
     driveSwitch(core.sensor, records);
@@ -51,6 +55,10 @@ void RunReadCycle(MonitoringCore& core) {
         core.sensor.readBoolean(QStringLiteral("DataReady")).value_or(false);
 
     writeCcdapFile(core);
+    WriteUserDataLine(core);
+    AddReading(records.history, records.readings, records.graphs.GraphNoPoints);
+    RenderGraphs({records.history, records.conditions, records.graphs}, records.pictures,
+                 core.renderedGraphs, core.images, records.session.Statusbar2);
     records.display.LEDRead.blink(records.readings.ReadLedColour);
     if (core.cycleDone)
         core.cycleDone();
@@ -95,8 +103,18 @@ void readStation(MonitoringCore& core) {
     Records& records = core.records;
     CurrentReadings& readings = records.readings;
     const QDateTime modified = stationFileTime(records.stationFile.HTMFile.Caption);
+    const auto soundAlarm = [&core, &readings](StationFileState state) {
+        StationDataAlarm(state, alarmPlayer(core), readings,
+                         [&core] { stopSensorAlarm(core.sensor); });
+    };
+    StationFileState state = StationFileState::Missing;
+    const auto whenJudged = [&](StationFileState judged) {
+        state = judged;
+        if (readings.StationDataOld)
+            soundAlarm(state);
+    };
     if (!CheckStationStaleness(records.stationFile, readings, records.display, records.session,
-                               core.clock.now())) {
+                               core.clock.now(), whenJudged)) {
         SetStationDataValid(false, records, core.forms);
         return;
     }
@@ -108,7 +126,10 @@ void readStation(MonitoringCore& core) {
         readings.StationDataOld = true;
         readings.ReadLedColour = kYellow;
         SetStatusText(records.session.Statusbar1, stationReadStatus(read), kRed);
+        soundAlarm(StationFileState::Old);
         SetErrorCodes(records.session.Statusbar2, QStringLiteral("a41"), kRed);
+    } else {
+        soundAlarm(state); // over only now, so that an unusable file does not start it again
     }
     SetStationDataValid(read == StationRead::Valid, records, core.forms);
 }
@@ -163,9 +184,12 @@ void classify(MonitoringCore& core) {
 
 void decide(MonitoringCore& core) {
     Records& records = core.records;
-    const SafetyDecision decision =
-        DecideSafety(records.readings, records.conditions, records.safety, records.sectors,
-                     core.clock.MsClock(), [] {});
+    const SafetyDecision decision = DecideSafety(
+        records.readings, records.conditions, records.safety, records.sectors, core.clock.MsClock(),
+        [&core, &records] {
+            SelectConditionAlarm(alarmPlayer(core), records.readings, records.conditions,
+                                 records.safety, records.sectors, core.clock.MsClock());
+        });
     Disp_UnsafeFlag(records.readings, records.conditions);
     records.display.LblCause.Caption = causeInWords(decision, records);
     // A copy: what the sensor program makes of its argument must not reach the verdict.

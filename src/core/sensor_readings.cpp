@@ -1,6 +1,7 @@
 #include "core/sensor_readings.h"
 
 #include "conditions/classification.h"
+#include "core/alarms.h"
 #include "records/status_lines.h"
 
 namespace skyhold {
@@ -50,12 +51,13 @@ bool sensorFailed(SensorLink& sensor) {
     return sensor.takeCallFailure() || !running || transferError;
 }
 
-void showFailure(SensorLink& sensor, Records& records) {
+void showFailure(SensorLink& sensor, Records& records, const AlarmPlayer& player) {
     ReadingDisplay& display = records.display;
     SetStatusText(records.session.Statusbar1, QStringLiteral("Error with Kiv_Nubilo"), kRed);
     records.readings.SensorError = true;
     display.SensorStatus.Caption = QStringLiteral("NB error");
     records.readings.ReadLedColour = kYellow;
+    SensorFailureAlarm(true, player, records.readings, [&sensor] { stopSensorAlarm(sensor); });
     SetErrorCodes(records.session.Statusbar2, QStringLiteral("a31"), kRed);
     paintHeaders(display, kRed);
     for (Label* label : {&display.LValCloud, &display.LValRain, &display.LValBrightness,
@@ -72,7 +74,8 @@ void showFailure(SensorLink& sensor, Records& records) {
 
 } // namespace
 
-void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms) {
+void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms,
+                const AlarmPlayer& player) {
     CurrentReadings& readings = records.readings;
     ReadingDisplay& display = records.display;
     readings.SensorError = false;
@@ -96,9 +99,12 @@ void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms) 
     PaintLabel(display.Label3Sensor, kGreen,
                formatDate(readings.LastReading, dayFirst ? u"dd/mm hh:mm:ss" : u"mm/dd hh:mm:ss"));
 
-    if (sensorFailed(sensor))
-        showFailure(sensor, records);
-    else if (records.session.Statusbar2.Caption.value() == QStringLiteral("a31"))
+    if (sensorFailed(sensor)) {
+        showFailure(sensor, records, player);
+        return;
+    }
+    SensorFailureAlarm(false, player, readings, nullptr);
+    if (records.session.Statusbar2.Caption.value() == QStringLiteral("a31"))
         SetErrorCodes(records.session.Statusbar2, QString(), kRed);
 }
 

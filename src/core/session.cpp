@@ -1,6 +1,8 @@
 #include "core/session.h"
 
+#include "core/alarms.h"
 #include "core/read_cycle.h"
+#include "core/upload.h"
 #include "platform/files.h"
 #include "records/status_lines.h"
 
@@ -90,8 +92,10 @@ void start(MonitoringCore& core) {
     resetForSession(core);
     if (session.flgReadStation.checked() && !startReading(core))
         return;
-    if (session.flgUpload.checked())
+    if (session.flgUpload.checked()) {
+        StartUpload(core);
         core.TimerUpload.arm(intervalMs(records.upload.RefreshUpload));
+    }
     if (!session.flgReadStation.checked() && !session.flgUpload.checked()) {
         StopSession(core);
         return;
@@ -125,11 +129,13 @@ void StopSession(MonitoringCore& core) {
         StopReading(core);
         core.sensor.CloseSensor(records.readings);
     }
-    if (session.flgUpload.checked())
-        core.TimerUpload.disarm();
-    SetIdleControls(records, true);
-    session.ButtStop.Enabled = true;
-    records.readings.AlarmSoundId.clear();
+    if (session.flgUpload.checked()) {
+        StopUpload(core);
+    } else {
+        SetIdleControls(records, true);
+        session.ButtStop.Enabled = true;
+    }
+    releaseAlarm(alarmPlayer(core), records.readings);
     session.Running = false;
     UpdateMenus(records);
 }

@@ -1,6 +1,7 @@
 #include "core/start_up.h"
 
 #include "core/session.h"
+#include "datafiles/upload_list.h"
 #include "platform/files.h"
 #include "settings/settings.h"
 
@@ -52,6 +53,7 @@ void LoadMainWindow(MonitoringCore& core) {
         findFile(joinPath(programFolder(), QStringLiteral("Kiv_Skyhold.chm"))).value_or(QString());
     core.records.window.Caption = core.version.title();
     LoadSettings(core.records, core.settings, core.forms);
+    RefreshFileList(core.records.upload);
     SetIdleControls(core.records, true);
     UpdateMenus(core.records);
     core.Timer6.Tick = [&core] {
@@ -81,6 +83,7 @@ void Unload(MonitoringCore& core) {
     if (core.sensor.connected())
         core.sensor.CloseSensor(core.records.readings);
     core.images.deInitialise();
+    CloseUserDataFile(core.recorder);
 }
 
 } // namespace skyhold

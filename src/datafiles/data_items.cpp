@@ -109,9 +109,8 @@ QString FormatDataItem(int item, const DataItemSource& source) {
 }
 
 QByteArray dataHeaderLine(const DataColumns& columns) {
-    return joinFields(columns, [](const DataColumn& column) {
-        return column.Hdr.left(kHeaderWidth).trimmed();
-    });
+    return joinFields(
+        columns, [](const DataColumn& column) { return column.Hdr.left(kHeaderWidth).trimmed(); });
 }
 
 QByteArray dataLine(const DataColumns& columns, const DataItemSource& source) {

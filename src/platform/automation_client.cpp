@@ -44,23 +44,25 @@ bool isGone(const QDBusError& error) {
            error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
-// An object reached through the unique name of the connection that made it, so that a program that
-// takes over the well-known name is never mistaken for it.
-class BusObject : public DispatchObject {
+// What one instance and the objects that its members answered with share: the program behind them.
+// It is reached through the unique name of the connection that made the instance, so that a
+// program that takes over the well-known name is never mistaken for it.
+class BusLink {
   public:
-    BusObject(const QDBusConnection& bus, const QString& owner, const QString& path)
+    BusLink(const QDBusConnection& bus, const QString& owner, const QString& instance)
         : bus_(bus)
         , owner_(owner)
-        , path_(path) {
+        , instance_(instance) {
         spent_.start();
     }
 
-    ~BusObject() override {
+    ~BusLink() {
         if (alive_)
-            bus_.send(message(QStringLiteral("Release")));
+            bus_.send(message(instance_, QStringLiteral("Release")));
     }
 
-    AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) override {
+    AutomationReply invoke(const QString& path, const QString& name, unsigned use,
+                           QVariantList& arguments) {
         if (!alive_)
             return failure(QStringLiteral("the program has gone"));
         if (hung_)
@@ -70,7 +72,7 @@ class BusObject : public DispatchObject {
             giveUp();
             return failure(QStringLiteral("the program answers too slowly"));
         }
-        QDBusMessage call = message(QStringLiteral("InvokeByName"));
+        QDBusMessage call = message(path, QStringLiteral("InvokeByName"));
         call << name << use << QVariant(toBus(arguments));
         QElapsedTimer timer;
         timer.start();
@@ -84,22 +86,27 @@ class BusObject : public DispatchObject {
         // time-out may come a twentieth early.
         if (isTimeout(error.type()) && timer.elapsed() >= timeout * 9 / 10)
             giveUp();
-        else if (isTimeout(error.type()) || isGone(error))
+        else if (isTimeout(error.type()) || (isGone(error) && !isOnlyUnknown(error, path)))
             alive_ = false;
         return {{}, errorNamed(reply.errorName()), reply.errorMessage()};
     }
 
-    bool alive() const override { return alive_; }
+    bool alive() const { return alive_; }
 
-    void beginCalls(int ms) override {
+    void beginCalls(int ms) {
         budgetMs_ = ms;
         spent_.start();
     }
 
   private:
-    QDBusMessage message(const QString& method) const {
+    // A further object that is not known says nothing about the instance.
+    bool isOnlyUnknown(const QDBusError& error, const QString& path) const {
+        return error.type() == QDBusError::UnknownObject && path != instance_;
+    }
+
+    QDBusMessage message(const QString& path, const QString& method) const {
         QDBusMessage call = QDBusMessage::createMethodCall(
-            owner_, path_, QString::fromLatin1(kDispatchInterface), method);
+            owner_, path, QString::fromLatin1(kDispatchInterface), method);
         call.setAutoStartService(false);
         return call;
     }
@@ -120,7 +127,7 @@ class BusObject : public DispatchObject {
     // whatever it is, ends that.
     void giveUp() {
         hung_ = true;
-        QDBusMessage call = message(QStringLiteral("GetIDsOfNames"));
+        QDBusMessage call = message(instance_, QStringLiteral("GetIDsOfNames"));
         call << QStringList{QStringLiteral("Version")};
         probe_ = std::make_unique<QDBusPendingCallWatcher>(
             bus_.asyncCall(call, std::numeric_limits<int>::max()));
@@ -135,12 +142,34 @@ class BusObject : public DispatchObject {
 
     QDBusConnection bus_;
     QString owner_;
-    QString path_;
+    QString instance_;
     bool alive_ = true;
     bool hung_ = false;
     int budgetMs_ = std::numeric_limits<int>::max();
     QElapsedTimer spent_;
     std::unique_ptr<QDBusPendingCallWatcher> probe_;
+};
+
+// An instance, or an object that one of its members answered with.
+class BusObject : public DispatchObject {
+  public:
+    BusObject(std::shared_ptr<BusLink> link, const QString& path)
+        : link_(std::move(link))
+        , path_(path) {}
+
+    AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) override {
+        return link_->invoke(path_, name, use, arguments);
+    }
+    std::unique_ptr<DispatchObject> object(const QVariant& answer) override {
+        const auto path = answer.value<QDBusObjectPath>();
+        return path.path().isEmpty() ? nullptr : std::make_unique<BusObject>(link_, path.path());
+    }
+    bool alive() const override { return link_->alive(); }
+    void beginCalls(int ms) override { link_->beginCalls(ms); }
+
+  private:
+    std::shared_ptr<BusLink> link_; // ends the instance when the last object lets go
+    QString path_;
 };
 
 // Starts the program of `name` through the bus while events are served.
@@ -192,7 +221,8 @@ class BusCreator {
         const auto path = reply.arguments().constFirst().value<QDBusObjectPath>();
         if (path.path().isEmpty())
             return nullptr;
-        return std::make_unique<BusObject>(bus_, reply.service(), path.path());
+        return std::make_unique<BusObject>(
+            std::make_shared<BusLink>(bus_, reply.service(), path.path()), path.path());
     }
 
     QDBusConnection bus_;

@@ -19,6 +19,9 @@ class DispatchObject {
     // Never throws; a call that could not be made or was refused answers an error.
     virtual AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) = 0;
 
+    // The object that a member answered with, to call its members; nothing when it is none.
+    virtual std::unique_ptr<DispatchObject> object(const QVariant& answer) = 0;
+
     // False once the other program has gone away or forgotten the object.
     virtual bool alive() const = 0;
 

@@ -45,11 +45,20 @@ AutomationReply error(AutomationError kind, const QString& text) {
     return {{}, kind, text};
 }
 
-QDBusMessage errorReply(const QDBusMessage& message, AutomationError kind, const QString& text) {
+} // namespace
+
+QDBusMessage automationErrorReply(const QDBusMessage& message, AutomationError kind,
+                                  const QString& text) {
     return message.createErrorReply(errorForm(kind).name, errorMessage(kind, text));
 }
 
-} // namespace
+QString factoryInterfaceXml() {
+    return QString::fromLatin1(kFactoryXml);
+}
+
+QString dispatchInterfaceXml() {
+    return QString::fromLatin1(kDispatchXml);
+}
 
 void MemberTable::add(AutomationMember member) {
     idByName_.insert(member.name.toLower(), member.id);
@@ -62,31 +71,40 @@ std::optional<std::int32_t> MemberTable::idOf(const QString& name) const {
     return found == idByName_.cend() ? std::nullopt : std::optional(*found);
 }
 
-AutomationReply MemberTable::invoke(std::int32_t id, unsigned use, QVariantList& arguments) const {
+const AutomationMember* MemberTable::find(std::int32_t id, unsigned use) const {
     const auto found = membersById_.constFind(id);
     if (found == membersById_.cend())
-        return error(AutomationError::MemberNotFound, QStringLiteral("no member has this id"));
+        return nullptr;
     for (const std::size_t index : *found) {
-        const AutomationMember& member = members_[index];
-        if ((member.use & use) == 0)
-            continue;
-        if (static_cast<std::size_t>(arguments.size()) != member.parameters.size())
-            return error(AutomationError::BadParamCount, QStringLiteral("%1 takes %2 arguments")
-                                                             .arg(member.name)
-                                                             .arg(member.parameters.size()));
-        for (std::size_t i = 0; i < member.parameters.size(); ++i) {
-            QVariant& argument = arguments[static_cast<qsizetype>(i)];
-            std::optional<QVariant> converted = convertTo(member.parameters[i].type, argument);
-            if (!converted)
-                return error(
-                    AutomationError::TypeMismatch,
-                    QStringLiteral("%1: argument %2 does not convert").arg(member.name).arg(i + 1));
-            argument = *converted;
-        }
-        return member.act(arguments);
+        if ((members_[index].use & use) != 0)
+            return &members_[index];
     }
+    return nullptr;
+}
+
+AutomationReply MemberTable::invoke(std::int32_t id, unsigned use, QVariantList& arguments) const {
+    if (const AutomationMember* member = find(id, use))
+        return invoke(*member, arguments);
     return error(AutomationError::MemberNotFound,
-                 QStringLiteral("the member cannot be used in this way"));
+                 membersById_.contains(id) ? QStringLiteral("the member cannot be used in this way")
+                                           : QStringLiteral("no member has this id"));
+}
+
+AutomationReply MemberTable::invoke(const AutomationMember& member, QVariantList& arguments) {
+    if (static_cast<std::size_t>(arguments.size()) != member.parameters.size())
+        return error(
+            AutomationError::BadParamCount,
+            QStringLiteral("%1 takes %2 arguments").arg(member.name).arg(member.parameters.size()));
+    for (std::size_t i = 0; i < member.parameters.size(); ++i) {
+        QVariant& argument = arguments[static_cast<qsizetype>(i)];
+        std::optional<QVariant> converted = convertTo(member.parameters[i].type, argument);
+        if (!converted)
+            return error(
+                AutomationError::TypeMismatch,
+                QStringLiteral("%1: argument %2 does not convert").arg(member.name).arg(i + 1));
+        argument = *converted;
+    }
+    return member.act(arguments);
 }
 
 AutomationReply MemberTable::invokeByName(const QString& name, unsigned use,
@@ -141,7 +159,42 @@ QDBusObjectPath AutomationServer::addObject(const QString& name,
 }
 
 QString AutomationServer::introspect(const QString& path) const {
-    return QString::fromLatin1(path == rootPath_ ? kFactoryXml : kDispatchXml);
+    QString xml;
+    if (path != rootPath_) {
+        xml = dispatchInterfaceXml();
+        if (instanceOf(path)) {
+            for (const InstanceInterface& interface : interfaces_)
+                xml += interface.xml;
+        }
+        return xml;
+    }
+    xml = factoryInterfaceXml();
+    QStringList children;
+    for (auto object = objects_.cbegin(); object != objects_.cend(); ++object)
+        children.append(object.key().mid(rootPath_.size() + 1).section(u'/', 0, 0));
+    for (auto instance = instances_.cbegin(); instance != instances_.cend(); ++instance)
+        children.append(QString::number(instance.key()));
+    children.removeDuplicates();
+    for (const QString& child : std::as_const(children))
+        xml += QStringLiteral("  <node name=\"%1\"/>\n").arg(child);
+    return xml;
+}
+
+std::optional<std::uint32_t> AutomationServer::instanceOf(const QString& path) const {
+    const QStringView name = QStringView(path).mid(rootPath_.size() + 1);
+    bool numbered = false;
+    const std::uint32_t number = name.toUInt(&numbered);
+    // One object has one path: "07" is not "7".
+    if (!numbered || name.startsWith(u'0') || !instances_.contains(number))
+        return std::nullopt;
+    return number;
+}
+
+const MemberTable* AutomationServer::tableOf(const QString& path) const {
+    if (instanceOf(path))
+        return members_.get();
+    const auto object = objects_.constFind(path);
+    return object == objects_.cend() ? nullptr : object->get();
 }
 
 bool AutomationServer::handleMessage(const QDBusMessage& message, const QDBusConnection&) {
@@ -154,28 +207,34 @@ bool AutomationServer::handleMessage(const QDBusMessage& message, const QDBusCon
         createInstance(message);
         return true;
     }
-    if (!interface.isEmpty() && interface != QLatin1String(kDispatchInterface))
-        return false;
-
-    const auto object = objects_.constFind(path);
-    if (object != objects_.cend()) {
-        dispatch(**object, message);
-        return true;
-    }
-    bool numbered = false;
-    const std::uint32_t number = QStringView(path).mid(rootPath_.size() + 1).toUInt(&numbered);
-    if (!numbered || !instances_.contains(number)) {
+    const MemberTable* table = tableOf(path);
+    if (!table) {
         bus_.send(message.createErrorReply(QDBusError::UnknownObject,
                                            QStringLiteral("No such object ") + path));
         return true;
     }
-    if (message.member() == QStringLiteral("Release")) {
-        release(path);
-        bus_.send(message.createReply());
+    const bool forDispatch = interface == QLatin1String(kDispatchInterface);
+    if ((forDispatch || interface.isEmpty()) && dispatch(*table, message))
         return true;
-    }
-    dispatch(*members_, message);
+    if (!forDispatch)
+        return table == members_.get() && answerFurther(message);
+    bus_.send(message.createErrorReply(QDBusError::UnknownMethod,
+                                       QStringLiteral("No method %1 with signature \"%2\"")
+                                           .arg(message.member(), message.signature())));
     return true;
+}
+
+bool AutomationServer::answerFurther(const QDBusMessage& message) {
+    const QString name = message.interface();
+    for (const InstanceInterface& interface : interfaces_) {
+        if (!name.isEmpty() && name != interface.name)
+            continue;
+        if (const std::optional<QDBusMessage> answer = interface.answer(message)) {
+            bus_.send(*answer);
+            return true;
+        }
+    }
+    return false;
 }
 
 void AutomationServer::createInstance(const QDBusMessage& message) {
@@ -230,46 +289,49 @@ void AutomationServer::releaseAllOf(const QString& client) {
     }
 }
 
-void AutomationServer::dispatch(const MemberTable& table, const QDBusMessage& message) {
+// False for a method that the dispatch interface has not.
+bool AutomationServer::dispatch(const MemberTable& table, const QDBusMessage& message) {
     const QString method = message.member();
     const QString signature = message.signature();
-    const QVariantList sent = message.arguments();
+    if (method == QStringLiteral("Release") && signature.isEmpty()) {
+        if (!instanceOf(message.path()))
+            return false;
+        release(message.path());
+        bus_.send(message.createReply());
+        return true;
+    }
 
+    const QVariantList sent = message.arguments();
     if (method == QStringLiteral("GetIDsOfNames") && signature == QStringLiteral("as")) {
         QList<int> ids;
         const QStringList names = sent[0].toStringList();
         for (const QString& name : names) {
             const std::optional<std::int32_t> id = table.idOf(name);
             if (!id) {
-                bus_.send(errorReply(message, AutomationError::UnknownName,
-                                     QStringLiteral("no member is named ") + name));
-                return;
+                bus_.send(automationErrorReply(message, AutomationError::UnknownName,
+                                               QStringLiteral("no member is named ") + name));
+                return true;
             }
             ids.append(*id);
         }
         bus_.send(message.createReply(QVariant::fromValue(ids)));
-        return;
+        return true;
     }
 
     const bool byId = method == QStringLiteral("Invoke") && signature == QStringLiteral("iuav");
     const bool byName =
         method == QStringLiteral("InvokeByName") && signature == QStringLiteral("suav");
-    if (!byId && !byName) {
-        bus_.send(message.createErrorReply(
-            QDBusError::UnknownMethod,
-            QStringLiteral("No method %1 with signature \"%2\"").arg(method, signature)));
-        return;
-    }
+    if (!byId && !byName)
+        return false;
     QVariantList arguments = fromBus(qdbus_cast<QVariantList>(sent[2]));
     const unsigned use = sent[1].toUInt();
     const AutomationReply reply = byId ? table.invoke(sent[0].toInt(), use, arguments)
                                        : table.invokeByName(sent[0].toString(), use, arguments);
-    if (!reply.ok()) {
-        bus_.send(errorReply(message, reply.error, reply.text));
-        return;
-    }
-    bus_.send(message.createReply(
-        {QVariant::fromValue(QDBusVariant(toBus(reply.result))), toBus(arguments)}));
+    bus_.send(reply.ok()
+                  ? message.createReply(
+                        {QVariant::fromValue(QDBusVariant(toBus(reply.result))), toBus(arguments)})
+                  : automationErrorReply(message, reply.error, reply.text));
+    return true;
 }
 
 } // namespace skyhold

@@ -4,6 +4,7 @@
 #include "platform/automation_value.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QHash>
 #include <QSet>
@@ -32,6 +33,7 @@ struct AutomationMember {
     // The arguments are already converted to the parameters' types; changes to them reach the
     // caller. A let's last argument is the new value.
     std::function<AutomationReply(QVariantList& arguments)> act;
+    QString enumeration = {}; // that the result's numbers belong to
 };
 
 // The members of one class of objects, by name (without regard to case) and by id.
@@ -42,13 +44,33 @@ class MemberTable {
     std::optional<std::int32_t> idOf(const QString& name) const;
     AutomationReply invoke(std::int32_t id, unsigned use, QVariantList& arguments) const;
     AutomationReply invokeByName(const QString& name, unsigned use, QVariantList& arguments) const;
+    // The half of a member that `use` names; nothing when there is none.
+    const AutomationMember* find(std::int32_t id, unsigned use) const;
     const std::vector<AutomationMember>& members() const { return members_; }
 
   private:
+    static AutomationReply invoke(const AutomationMember& member, QVariantList& arguments);
+
     std::vector<AutomationMember> members_;
     QHash<QString, std::int32_t> idByName_; // lower case
     QHash<std::int32_t, std::vector<std::size_t>> membersById_;
 };
+
+// A further interface of every instance: its introspection data, and what it answers to a message
+// with its name (or with none); nothing when it does not know the method.
+struct InstanceInterface {
+    QString name;
+    QString xml;
+    std::function<std::optional<QDBusMessage>(const QDBusMessage&)> answer;
+};
+
+// The error as the answer to a message.
+QDBusMessage automationErrorReply(const QDBusMessage& message, AutomationError kind,
+                                  const QString& text);
+
+// The class factory and the dispatch interface as introspection data.
+QString factoryInterfaceXml();
+QString dispatchInterfaceXml();
 
 // Serves one program identifier: its class factory, the instances that clients create, and further
 // objects that members answer with. An instance holds no state of its own; it lives until it is
@@ -68,6 +90,8 @@ class AutomationServer : public QDBusVirtualObject {
     // A further object below the factory's path; lives as long as the server.
     QDBusObjectPath addObject(const QString& name, std::shared_ptr<const MemberTable> members);
 
+    void addInterface(InstanceInterface interface) { interfaces_.push_back(std::move(interface)); }
+
     int instanceCount() const { return static_cast<int>(instances_.size()); }
 
     QString introspect(const QString& path) const override;
@@ -81,7 +105,11 @@ class AutomationServer : public QDBusVirtualObject {
     void release(const QString& path);
     void releaseAllOf(const QString& client);
     void watch(const QString& client);
-    void dispatch(const MemberTable& table, const QDBusMessage& message);
+    // The member table behind a path; nothing when there is no such object.
+    const MemberTable* tableOf(const QString& path) const;
+    std::optional<std::uint32_t> instanceOf(const QString& path) const;
+    bool answerFurther(const QDBusMessage& message);
+    bool dispatch(const MemberTable& table, const QDBusMessage& message);
 
     QDBusConnection bus_;
     QString programId_;
@@ -93,6 +121,7 @@ class AutomationServer : public QDBusVirtualObject {
     QHash<std::uint32_t, QString> instances_; // instance number -> client
     QHash<QString, QSet<std::uint32_t>> instancesOfClient_;
     QHash<QString, std::shared_ptr<const MemberTable>> objects_; // by path
+    std::vector<InstanceInterface> interfaces_;
     QDBusServiceWatcher* watcher_ = nullptr;
 };
 

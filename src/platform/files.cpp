@@ -101,6 +101,11 @@ std::optional<QString> findFile(const QString& path) {
     return std::nullopt;
 }
 
+bool isReadableFile(const QString& path) {
+    const QFileInfo file(nativePath(path));
+    return file.isFile() && file.isReadable();
+}
+
 QDateTime modificationTime(const QString& path) {
     struct stat status {};
     if (::stat(nativePath(path).toLocal8Bit().constData(), &status) != 0)
@@ -154,6 +159,11 @@ QString writableProgramFolder() {
     const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(data);
     return data;
+}
+
+QString soundsFolder() {
+    return QDir::cleanPath(
+        joinPath(programFolder(), QStringLiteral("../share/kiv_skyhold/sounds")));
 }
 
 } // namespace skyhold

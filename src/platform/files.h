@@ -28,6 +28,9 @@ QString nativePath(const QString& path);
 // nothing when there is none. An exact match wins.
 std::optional<QString> findFile(const QString& path);
 
+// A regular file that may be read; not a folder, a pipe or a device.
+bool isReadableFile(const QString& path);
+
 // Modification time with the disk's resolution, as local time; invalid when there is no such file.
 QDateTime modificationTime(const QString& path);
 
@@ -47,5 +50,7 @@ QString programFolder();
 // The program folder, or the user's data folder where the program folder cannot be written to
 // (an installed package).
 QString writableProgramFolder();
+// The folder of the sounds that come with the program, beside the program folder.
+QString soundsFolder();
 
 } // namespace skyhold

@@ -41,9 +41,9 @@ bool LineFile::open(const QString& path, bool append) {
     close();
     const QByteArray name = nativePath(path).toLocal8Bit();
     // Reading is for the last byte alone.
-    fd_ = ::open(name.constData(),
-                 O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
-                 0644);
+    fd_ =
+        ::open(name.constData(),
+               O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0644);
     const std::optional<std::int64_t> size = fd_ >= 0 ? fileSize(fd_) : std::nullopt;
     if (!size || (!append && ::ftruncate(fd_, 0) != 0)) {
         close();

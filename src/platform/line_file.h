@@ -31,7 +31,7 @@ class LineFile {
     bool cutTornLine();
 
     int fd_ = -1;
-    bool midLine_ = false;              // the file found does not end in a line end
+    bool midLine_ = false;               // the file found does not end in a line end
     std::optional<std::int64_t> tornAt_; // where a line begins that could not be written whole
 };
 

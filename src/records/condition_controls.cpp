@@ -76,4 +76,8 @@ ThreeChecks& ConditionControls::unsafe(Quantity quantity) {
     return CondHum;
 }
 
+const ThreeChecks& ConditionControls::unsafe(Quantity quantity) const {
+    return const_cast<ConditionControls*>(this)->unsafe(quantity);
+}
+
 } // namespace skyhold

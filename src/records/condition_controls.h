@@ -38,6 +38,7 @@ struct ConditionControls {
     ThreeLabels& swatches(Quantity quantity);
     const ThreeLabels& swatches(Quantity quantity) const;
     ThreeChecks& unsafe(Quantity quantity);
+    const ThreeChecks& unsafe(Quantity quantity) const;
 };
 
 // What the safe decision remembers from cycle to cycle. Times are MsClock stamps in milliseconds.

@@ -60,6 +60,7 @@ struct NumberBox {
 struct OptionGroup {
     QProperty<int> Index{-1};
     QProperty<bool> Enabled{true};
+    QProperty<bool> Visible{true};
     std::function<void(int index)> Click;
 
     void choose(int index) {

@@ -54,6 +54,10 @@ struct UploadControls {
     QString UploadDir;
     CheckBox DispFileNameOnly;
     std::vector<FileItem> Files;
+    QProperty<QStringList> FileLines; // the list as it is shown
+    QProperty<int> ListIndex{-1};     // selected item from 0; -1 is none
+    CheckBox UploadOnce;              // of the selected item
+    Button ButtFileADD, ButtFileDEL;
     LampPair LEDUpload;
 };
 

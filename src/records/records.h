@@ -6,6 +6,8 @@
 #include "records/condition_controls.h"
 #include "records/current_readings.h"
 #include "records/file_controls.h"
+#include "records/graph_history.h"
+#include "records/graph_pictures.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"
 #include "records/unit_controls.h"
@@ -27,6 +29,8 @@ struct Records {
     DataFileControls dataFile;
     UploadControls upload;
     GraphControls graphs;
+    GraphHistory history;
+    GraphPictures pictures;
     SessionControls session;
     WindowControls window;
 };

@@ -117,6 +117,11 @@ void SensorLink::beginCycle(const SensorLinkRecords& records) {
         callFailed_ = true;
 }
 
+void SensorLink::beginRequest() {
+    if (object_)
+        object_->beginCalls(kCycleBudgetMs);
+}
+
 bool SensorLink::takeCallFailure() {
     return std::exchange(callFailed_, false);
 }
@@ -125,6 +130,10 @@ AutomationReply SensorLink::forward(const QString& name, unsigned use, QVariantL
     if (!object_)
         return {{}, AutomationError::Fail, QStringLiteral("Kiv_Nubilo is not connected")};
     return object_->invoke(name, use, arguments);
+}
+
+std::unique_ptr<DispatchObject> SensorLink::object(const QVariant& answer) {
+    return object_ ? object_->object(answer) : nullptr;
 }
 
 std::optional<QVariant> SensorLink::read(const QString& name, QVariantList arguments) {

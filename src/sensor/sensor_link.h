@@ -38,6 +38,9 @@ class SensorLink {
     // Marks the beginning of a read cycle: its calls together take at most a bounded time, and a
     // sensor program that has come back is taken up again.
     void beginCycle(const SensorLinkRecords& records);
+    // Marks the beginning of an automation client's request outside of a cycle; its calls together
+    // are bounded in the same way.
+    void beginRequest();
     // True when a call has failed since this was last asked.
     bool takeCallFailure();
 
@@ -55,6 +58,9 @@ class SensorLink {
 
     // As read, but with the error for a client that is to receive it.
     AutomationReply forward(const QString& name, unsigned use, QVariantList& arguments);
+    // The object that a member answered with, for calls of its own members; nothing when it is none
+    // or the link has ended.
+    std::unique_ptr<DispatchObject> object(const QVariant& answer);
 
     // Description of level 1..3 of cloud, rain or brightness as the sensor program names it;
     // empty when it does not answer.

@@ -172,7 +172,9 @@ void KivSHMainform::placeOnScreen() {
     const QScreen* savedScreen = QGuiApplication::screenAt(saved + QPoint(40, 10));
     const QScreen* on = window.Placed && savedScreen ? savedScreen : screen();
     const QRect room = on->availableGeometry();
-    resize(kUsualSize.boundedTo(room.size()).expandedTo(kSmallestSize));
+    // The frame around the window is only known once it stands; leave room for a usual one.
+    const QSize inside = room.size() - QSize(8, 40);
+    resize(kUsualSize.boundedTo(inside).expandedTo(kSmallestSize));
     if (on == savedScreen && window.Placed)
         move(saved);
     else

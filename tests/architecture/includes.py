@@ -12,7 +12,7 @@ ROWS = [
     {"platform"},
     {"records"},
     {"settings", "units", "sensor"},
-    {"conditions", "datafiles"},
+    {"conditions", "datafiles", "graphs"},
     {"core"},
     {"automation", "ui"},
 ]

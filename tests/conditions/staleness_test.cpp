@@ -44,10 +44,22 @@ TEST(StationFile, Judgement) {
          0},
         {"at the limit", written, same, now.addSecs(-180), now, 3, StationFileState::Unchanged,
          180},
-        {"left behind before the session", written, neverReadFileTime(), {}, written.addSecs(181), 3,
-         StationFileState::Old, 181},
-        {"first read", written, neverReadFileTime(), {}, written.addSecs(180), 3,
-         StationFileState::Refreshed, 0},
+        {"left behind before the session",
+         written,
+         neverReadFileTime(),
+         {},
+         written.addSecs(181),
+         3,
+         StationFileState::Old,
+         181},
+        {"first read",
+         written,
+         neverReadFileTime(),
+         {},
+         written.addSecs(180),
+         3,
+         StationFileState::Refreshed,
+         0},
         {"beyond the limit", written, same, now.addSecs(-181), now, 3, StationFileState::Old, 181},
         {"a record of the future", written, same, now.addSecs(181), now, 3, StationFileState::Old,
          181},
@@ -81,9 +93,17 @@ struct StationFileCheck : testing::Test {
         file.flush(); // a later write would change the time again
         ASSERT_TRUE(file.setFileTime(time, QFileDevice::FileModificationTime));
     }
-    // Checks, and leaves the file as read when its data is fresh.
+    // Checks, and leaves the file as read when its data is fresh. The alarm sees the health flags
+    // of this check and the codes of the last one.
     bool check() {
-        const bool fresh = CheckStationStaleness(controls, readings, display, session, clock.now());
+        const QString codes = session.Statusbar2.Caption;
+        const bool fresh = CheckStationStaleness(
+            controls, readings, display, session, clock.now(), [&](StationFileState state) {
+                alarms.append(state);
+                expectFlags(state == StationFileState::Missing,
+                            state == StationFileState::Missing || state == StationFileState::Old);
+                EXPECT_EQ(session.Statusbar2.Caption.value(), codes);
+            });
         if (fresh)
             readings.LastFileTime = fileTimeText(stationFileTime(path));
         return fresh;
@@ -109,6 +129,7 @@ struct StationFileCheck : testing::Test {
     CurrentReadings readings;
     ReadingDisplay display;
     SessionControls session;
+    QList<StationFileState> alarms; // what the alarm was told
 };
 
 TEST_F(StationFileCheck, FromMissingToFreshToOldAndBack) {
@@ -148,6 +169,9 @@ TEST_F(StationFileCheck, FromMissingToFreshToOldAndBack) {
     EXPECT_FALSE(check());
     expectFlags(true, true);
     EXPECT_EQ(session.Statusbar2.Caption.value(), u"a42"_s);
+
+    using enum StationFileState;
+    EXPECT_EQ(alarms, (QList{Missing, Refreshed, Unchanged, Old, Refreshed, Old, Missing}));
 }
 
 TEST_F(StationFileCheck, TheNameIsFoundWithoutRegardToCaseAndAFolderIsNoFile) {

@@ -62,14 +62,14 @@ TEST_F(Session, foldersAreMadeOrReported) {
         {below("i2"), below("d2"), u"i21 d11"_s},
         {file + u"/x"_s, file + u"/y"_s, u"i22 d12"_s},
     };
+    QString seen;
+    sensor_.onCall = [&](const QString& name) {
+        if (name == u"Version"_s)
+            seen = codes();
+    };
     for (const auto& [images, data, expected] : cases) {
         records().graphs.GraphImagePath.Caption = images;
         records().dataFile.LblPathName.Caption = data;
-        QString seen;
-        sensor_.onCall = [&](const QString& name) {
-            if (name == u"Version"_s)
-                seen = codes();
-        };
         StartSession(*core_);
         EXPECT_EQ(seen, expected);
         EXPECT_TRUE(records().session.Running);

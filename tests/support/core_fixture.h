@@ -6,6 +6,7 @@
 #include "core/session.h"
 #include "core/start_up.h"
 #include "support/manual_clock.h"
+#include "support/scripted_media.h"
 #include "support/scripted_sensor.h"
 
 #include <QFile>
@@ -32,7 +33,7 @@ class CoreFixture : public testing::Test {
     CoreFixture()
         : folder_(makeFolder())
         , settings_(QStringLiteral("Kiv_Skyhold")) {
-        core_ = std::make_unique<MonitoringCore>(clock_, settings_, sensor_.creator(),
+        core_ = std::make_unique<MonitoringCore>(clock_, settings_, sensor_.creator(), media_,
                                                  ProgramVersion{2, 30, 4});
         core_->showMessage = [this](const Message& message) {
             messages_.append(message.text);
@@ -43,6 +44,7 @@ class CoreFixture : public testing::Test {
         records().ccdap.LblPathNameCCDAP4.Caption = folder_->path();
         records().dataFile.LblPathName.Caption = folder_->path();
         records().graphs.GraphImagePath.Caption = folder_->path();
+        core_->handOff.program = folder_->filePath(QStringLiteral("no uploader"));
         writeStation({});
     }
 
@@ -94,6 +96,7 @@ class CoreFixture : public testing::Test {
     MessageAnswer answer_ = MessageAnswer::Ok;
     ManualClock clock_;
     ScriptedSensor sensor_;
+    ScriptedMedia media_;
     std::unique_ptr<QTemporaryDir> folder_;
     SettingsStore settings_;
     std::unique_ptr<MonitoringCore> core_;

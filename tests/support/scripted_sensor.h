@@ -58,6 +58,8 @@ inline QString argumentText(const QVariant& value) {
         return value.toBool() ? QStringLiteral("b true") : QStringLiteral("b false");
     case QMetaType::Int:
         return QStringLiteral("i %1").arg(value.toInt());
+    case QMetaType::Short:
+        return QStringLiteral("n %1").arg(value.toInt());
     case QMetaType::Double:
         return QStringLiteral("d %1").arg(value.toDouble());
     default:
@@ -65,16 +67,22 @@ inline QString argumentText(const QVariant& value) {
     }
 }
 
+// An instance, or, with the path of its members ("MForm.RainLimit."), an object of one.
 class ScriptedObject : public DispatchObject {
   public:
-    explicit ScriptedObject(ScriptedSensor& sensor)
-        : sensor_(sensor) {}
-    ~ScriptedObject() override { sensor_.calls.append(QStringLiteral("released")); }
+    explicit ScriptedObject(ScriptedSensor& sensor, const QString& path = {})
+        : sensor_(sensor)
+        , path_(path) {}
+    ~ScriptedObject() override {
+        if (path_.isEmpty())
+            sensor_.calls.append(QStringLiteral("released"));
+    }
 
-    AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) override {
+    AutomationReply invoke(const QString& member, unsigned use, QVariantList& arguments) override {
         QStringList texts;
         for (const QVariant& argument : arguments)
             texts.append(argumentText(argument));
+        const QString name = path_ + member;
         QString call = name;
         if (use == kPropertyPut)
             call += u'=';
@@ -89,11 +97,19 @@ class ScriptedObject : public DispatchObject {
             sensor_.values[name] = arguments.constLast();
         return {use == kRead ? sensor_.values.value(name) : QVariant(), AutomationError::None, {}};
     }
+    std::unique_ptr<DispatchObject> object(const QVariant& answer) override {
+        QString path = answer.value<QDBusObjectPath>().path();
+        if (path.isEmpty())
+            return nullptr;
+        path = path.mid(1).replace(u'/', u'.') + u'.';
+        return std::make_unique<ScriptedObject>(sensor_, path);
+    }
     bool alive() const override { return sensor_.alive; }
     void beginCalls(int) override {}
 
   private:
     ScriptedSensor& sensor_;
+    QString path_;
 };
 
 inline CreateObject ScriptedSensor::creator() {

@@ -33,9 +33,10 @@ class Cycle:
 
 
 class Monitored:
-    """Starts everything; `with Monitored() as monitored` ends it all."""
+    """Starts everything; `with Monitored() as monitored` ends it all. With `window` the monitor has
+    its window, without a display."""
 
-    def __init__(self, arguments=(), weather="quick"):
+    def __init__(self, arguments=(), weather="quick", window=False):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-test-"))
         self.run = run.Run(self.folder, run.environment(self.folder, None))
         self.station_file = self.folder / "station.htm"
@@ -44,7 +45,9 @@ class Monitored:
         run.write_settings(self.folder, self.station_file, 10)
         self.clock = ["--time-from", "2026-11-16T22:00:00", "--time-origin",
                       time.time_ns() // 1_000_000, "--time-scale", SPEED]
-        self.arguments = arguments
+        self.arguments = [*arguments, *([] if window else ["--headless"])]
+        if window:
+            self.run.variables["QT_QPA_PLATFORM"] = "offscreen"
         self.cycles = []
         self.errors = []
 
@@ -78,7 +81,7 @@ class Monitored:
 
     def start_monitor(self):
         import subprocess
-        self.monitor = self.run.start(run.PROGRAMS / "Kiv_Skyhold", "--headless", "--report",
+        self.monitor = self.run.start(run.PROGRAMS / "Kiv_Skyhold", "--report",
                                       *self.arguments, *self.clock, stdout=subprocess.PIPE,
                                       stderr=subprocess.PIPE, text=True)
         # A pipe that nobody reads would stop the monitor.

@@ -1,0 +1,32 @@
+// A window with labels that does nothing: what a program of its kind costs anyway. Says when it has
+// first been painted.
+#include <QApplication>
+#include <QGridLayout>
+#include <QLabel>
+
+#include <cstdio>
+
+class Window : public QWidget {
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        if (!told_) {
+            std::printf("Window painted\n");
+            std::fflush(stdout);
+        }
+        told_ = true;
+    }
+
+  private:
+    bool told_ = false;
+};
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    Window window;
+    auto* grid = new QGridLayout(&window);
+    for (int i = 0; i < 175; ++i)
+        grid->addWidget(new QLabel(QString::number(i)), i / 12, i % 12);
+    window.resize(1280, 760);
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,101 @@
+"""What the running program costs: its start, CPU of a read cycle with its display, memory, CPU while idle.
+
+Run by `./dev bench` against the programs of build/release, without a display.
+"""
+
+import pathlib
+import statistics
+import subprocess
+import sys
+import time
+
+HERE = pathlib.Path(__file__).resolve()
+sys.path.insert(0, str(HERE.parents[1] / "tests" / "system"))
+from monitored import Monitored, run  # noqa: E402
+
+BARE = HERE.parents[1] / "build" / "bench" / "bin" / "bare_window"
+CYCLES = 60
+IDLE_SECONDS = 20
+
+
+def cpu_ms(pid):
+    """CPU time of all threads, in milliseconds."""
+    tasks = pathlib.Path(f"/proc/{pid}/task").iterdir()
+    return sum(int((task / "schedstat").read_text().split()[0]) for task in tasks) / 1e6
+
+
+def pss_mb(pid):
+    for line in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines():
+        if line.startswith("Pss:"):
+            return int(line.split()[1]) / 1024
+    raise RuntimeError("no Pss")
+
+
+def cpu_over(pid, seconds):
+    begin = cpu_ms(pid)
+    time.sleep(seconds)
+    return (cpu_ms(pid) - begin) / seconds
+
+
+def until_painted(command, variables):
+    begin = time.monotonic()
+    program = subprocess.Popen([str(part) for part in command], env=variables, text=True,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    for line in program.stdout:
+        if "painted" in line:
+            break
+    took = time.monotonic() - begin
+    program.terminate()
+    program.wait()
+    program.stdout.close()
+    return took * 1000
+
+
+def start():
+    with Monitored(window=True) as monitored:
+        variables = monitored.run.variables
+        monitored.monitor.terminate()  # one instance only
+        monitored.monitor.wait()
+        ours, theirs = [], []
+        for _ in range(15):
+            theirs.append(until_painted([BARE], variables))
+            ours.append(until_painted([run.PROGRAMS / "Kiv_Skyhold", "--report"], variables))
+        ratio = statistics.median(ours) / statistics.median(theirs)
+        print(f"start to first paint: {statistics.median(ours):.0f} ms "
+              f"({min(ours):.0f} to {max(ours):.0f}), bare window "
+              f"{statistics.median(theirs):.0f} ms ({min(theirs):.0f} to {max(theirs):.0f}), "
+              f"ratio {ratio:.2f} (at most 2)")
+
+
+def busy():
+    with Monitored(["--start"], window=True) as monitored:
+        pid = monitored.monitor.pid
+        monitored.wait_until("the first cycles", lambda: len(monitored.cycles) >= 5)
+        rounds = []
+        for _ in range(5):
+            count, begin = len(monitored.cycles), cpu_ms(pid)
+            monitored.wait_until("more cycles", lambda: len(monitored.cycles) >= count + CYCLES / 5)
+            rounds.append((cpu_ms(pid) - begin) / (len(monitored.cycles) - count))
+        print(f"CPU of a cycle with display: median {statistics.median(rounds):.2f} ms, "
+              f"{min(rounds):.2f} to {max(rounds):.2f} (at most 6)")
+        print(f"memory after {len(monitored.cycles)} cycles: PSS {pss_mb(pid):.1f} MB (under 45)")
+
+
+def idle():
+    with Monitored(window=True) as monitored:
+        bare = subprocess.Popen([BARE], env=monitored.run.variables)
+        try:
+            time.sleep(2)  # both have painted by then
+            ours = cpu_over(monitored.monitor.pid, IDLE_SECONDS)
+            theirs = cpu_over(bare.pid, IDLE_SECONDS)
+            print(f"idle CPU: {ours:.4f} ms/s, bare window {theirs:.4f} ms/s (at most 3 times)")
+            print(f"memory while idle: PSS {pss_mb(monitored.monitor.pid):.1f} MB, "
+                  f"bare window {pss_mb(bare.pid):.1f} MB")
+        finally:
+            bare.terminate()
+            bare.wait()
+
+
+start()
+busy()
+idle()

@@ -1,0 +1,18 @@
+// The main window as an object of its own, for clients that ask for "MForm".
+#pragma once
+
+#include "core/monitoring_core.h"
+#include "platform/automation_server.h"
+
+namespace skyhold {
+
+// Minimises the window or brings it back, and recomputes the menus.
+void setWindowState(Records& records, WindowState state);
+
+// Below the class factory's path.
+inline constexpr char kFormName[] = "MForm";
+QDBusObjectPath formPath();
+
+std::shared_ptr<const MemberTable> formMembers(MonitoringCore& core);
+
+} // namespace skyhold

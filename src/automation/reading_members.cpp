@@ -1,0 +1,172 @@
+#include "automation/displayed_data.h"
+#include "automation/nubilo_table.h"
+#include "automation/read_interval.h"
+#include "automation/sensor_calls.h"
+
+namespace skyhold {
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using enum AutomationType;
+using Core = MonitoringCore;
+
+// The sky as one condition: rain counts more than clouds.
+std::int32_t skyCondition(const CurrentReadings& readings) {
+    if (readings.RainCondition == RainUnknown || readings.CloudCondition == CloudUnknown)
+        return SkyUnknown;
+    return readings.RainCondition == RainDry ? readings.CloudCondition
+                                             : static_cast<std::int32_t>(SkyWet);
+}
+
+bool isWet(const CurrentReadings& readings) {
+    return readings.RainCondition == RainRain || readings.RainCondition == RainWet;
+}
+
+double shownTemperature(const Core& core) {
+    return numberFromText(core.records.display.LValTemperature.Caption.value(), core.forms)
+        .value_or(0);
+}
+
+// One end of the temperature scale of the sensor program's graph; it expects a 16-bit number.
+MemberAct graphTemperature(const QString& name) {
+    return [name](Core& core, QVariantList& arguments) {
+        if (arguments[0].toInt() != 0)
+            return answered(0);
+        return readFromSensor(core, name, I4, {QVariant::fromValue(qint16{0})});
+    };
+}
+
+// A value of the current readings.
+template <typename Value>
+MemberAct reading(Value CurrentReadings::*field) {
+    return answering([field](Core& core) { return core.records.readings.*field; });
+}
+
+MemberAct sensorValue(std::size_t index) {
+    return answering([index](Core& core) { return core.records.readings.SensorValues[index]; });
+}
+
+// A unit text of the station's file.
+MemberAct unitText(std::size_t entry) {
+    return answering(
+        [entry](Core& core) { return core.records.display.LblWSValue[entry].Caption.value(); });
+}
+
+MemberKind condition(const QString& enumeration, const QString& help,
+                     Activity activity = Activity::Signal) {
+    return {I4, help, activity, Source::Local, enumeration};
+}
+
+void addConditions(MemberList& list) {
+    constexpr Activity kTimed = Activity::SignalWithPeriod;
+    list.method(u"AmbientTemperature"_s,
+                {R8, u"station temperature as the window shows it, 0 when it shows none"_s},
+                answering(shownTemperature));
+    list.method(u"Condition_Brightness"_s, condition(u"BrightnessCond"_s, u"brightness"_s),
+                reading(&CurrentReadings::BrightnessCondition));
+    list.method(u"Condition_Cloud"_s, condition(u"CloudCond"_s, u"clouds"_s, kTimed),
+                reading(&CurrentReadings::CloudCondition));
+    list.method(u"Condition_DewCond"_s, condition(u"DewCond"_s, u"dew point"_s, kTimed),
+                reading(&CurrentReadings::DewCondition));
+    list.method(u"Condition_Gust"_s, condition(u"WindCond"_s, u"gusts"_s),
+                reading(&CurrentReadings::GustCondition));
+    list.method(u"Condition_HumCond"_s, condition(u"HumidityCond"_s, u"humidity"_s, kTimed),
+                reading(&CurrentReadings::HumidityCondition));
+    list.method(u"Condition_Rain"_s, condition(u"RainCond"_s, u"rain"_s),
+                reading(&CurrentReadings::RainCondition));
+    list.method(u"Condition_Temp"_s, condition(u"TemperatureCond"_s, u"temperature"_s),
+                reading(&CurrentReadings::TemperatureCondition));
+    list.method(u"Condition_Sky"_s, condition(u"SkyCond"_s, u"clouds, or wet"_s, kTimed),
+                answering([](Core& core) { return skyCondition(core.records.readings); }));
+    list.method(u"Condition_WetF"_s, {Bool, u"whether it is wet or rains"_s},
+                answering([](Core& core) { return isWet(core.records.readings); }));
+    list.method(u"Condition_Wind"_s, condition(u"WindCond"_s, u"wind"_s),
+                reading(&CurrentReadings::WindCondition));
+}
+
+void addFirstValues(MemberList& list) {
+    list.method(u"DataReady"_s, {Bool, u"whether Kiv_Nubilo has data"_s},
+                reading(&CurrentReadings::SensorDataReady));
+    list.method(u"BrightnessValue"_s, {R8, u"brightness"_s}, sensorValue(2));
+    list.method(u"DewPointTemp"_s, {R8, u"dew point"_s, Activity::None},
+                reading(&CurrentReadings::DewPointValue));
+    list.method(u"GraphFreq"_s, {I4, u"readings per point of the graphs"_s},
+                answering([](Core& core) { return rounded(core.records.graphs.GraphFreq.Value); }));
+    for (const char* end : {"Max", "Min"}) {
+        const QString name = u"GraphTemperature"_s + QLatin1String(end);
+        list.method(name, {{u"iP"_s, I4, true}},
+                    {I4, u"end of the temperature scale of Kiv_Nubilo for 0, else 0"_s,
+                     Activity::Signal, Source::SensorUnchecked},
+                    graphTemperature(name));
+    }
+    list.method(u"GustValue"_s, {R8, u"gust speed"_s}, reading(&CurrentReadings::GustSpeed));
+    list.method(u"HumidityRelative"_s, {R8, u"relative humidity in percent"_s, Activity::None},
+                reading(&CurrentReadings::HumidityValue));
+    list.method(u"RainHeaterPercent"_s, {R8, u"power of the rain sensor's heater in percent"_s},
+                sensorValue(4));
+    list.method(u"RainHeaterTemperature"_s, {R8, u"temperature of the rain sensor"_s},
+                sensorValue(5));
+    list.method(u"RainValue"_s, {R8, u"value of the rain sensor, cycles"_s}, sensorValue(1));
+    list.method(u"Safe"_s, {Bool, u"the verdict"_s},
+                answering([](Core& core) { return !core.records.readings.UnsafeFlag; }));
+    list.method(u"SecondsSinceGoodData"_s,
+                {I4, u"3 while both sources are healthy, 1000 while any is not"_s,
+                 Activity::SignalWithPeriod},
+                answering([](Core& core) { return SecondsSinceGoodData(core.records.readings); }));
+}
+
+void addSecondValues(MemberList& list) {
+    list.method(u"SkySensorTemperature"_s, {R8, u"temperature of the sky sensor"_s},
+                reading(&CurrentReadings::SkySensorTemperature));
+    list.method(u"SkyTemperature"_s, {R8, u"temperature of the sky"_s}, sensorValue(0));
+    list.method(u"SwitchStatus"_s, {I4, u"roof switch: 1 opened, 2 closed"_s},
+                answering([](Core& core) { return rounded(core.records.readings.SwitchValue); }));
+    list.method(u"TemperatureAmb"_s, {R8, u"station temperature"_s},
+                reading(&CurrentReadings::StationTemperature));
+    list.get(u"UnitTemp"_s, {Text, u"unit of temperatures in the station's file"_s}, unitText(10));
+    list.get(u"UnitSpeed"_s, {Text, u"unit of speeds in the station's file"_s}, unitText(11));
+    list.method(u"WindDir"_s, {R8, u"wind direction in degrees"_s},
+                reading(&CurrentReadings::WindDirection));
+    list.method(u"WindValue"_s, {R8, u"wind speed"_s}, reading(&CurrentReadings::WindSpeed));
+    list.method(u"BarometricPressure"_s, {R8, u"pressure"_s},
+                reading(&CurrentReadings::BarometricPressure));
+    list.method(u"UnitsBarometricPressure"_s, {Text, u"unit of the pressure"_s}, unitText(12));
+}
+
+} // namespace
+
+void addReadingMembers(MemberList& list) {
+    addConditions(list);
+    addFirstValues(list);
+    addSecondValues(list);
+}
+
+void addLastMembers(MemberList& list) {
+    const auto ofWhich = [](const QString& what) {
+        return MemberKind{I4, what + u": of Kiv_Nubilo for 0, else of this program"_s,
+                          Activity::None, Source::SensorUnchecked};
+    };
+    list.method(u"GetGraphCycle"_s, {{u"iP"_s, I4, false}}, ofWhich(u"read interval in seconds"_s),
+                [](Core& core, QVariantList& arguments) {
+                    if (arguments[0].toInt() == 0)
+                        return readFromSensor(core, u"ReadCycle"_s, I4);
+                    return answered(readCycleSeconds(core.records.session.RefreshRead));
+                });
+    list.method(u"GetGraphFreq"_s, {{u"iP"_s, I4, false}}, ofWhich(u"readings per point"_s),
+                [](Core& core, QVariantList& arguments) {
+                    if (arguments[0].toInt() == 0)
+                        return readFromSensor(core, u"GetGraphFreq"_s, I4, {0});
+                    return answered(rounded(core.records.graphs.GraphFreq.Value));
+                });
+    list.skipMethodId();
+    list.method(u"Kiv_DataDisplayed"_s, {{u"info"_s, Text, false}, {u"ref"_s, Text, false}},
+                {Text, u"what the window shows of a quantity"_s, Activity::None},
+                [](Core& core, QVariantList& arguments) {
+                    return answered(Kiv_DataDisplayed(core.records.display, core.records.units,
+                                                      arguments[0].toString(),
+                                                      arguments[1].toString()));
+                });
+}
+
+} // namespace skyhold

@@ -1,0 +1,337 @@
+#include "automation/nubilo_table.h"
+#include "automation/read_interval.h"
+#include "automation/sensor_calls.h"
+#include "conditions/alarms.h"
+
+namespace skyhold {
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using enum AutomationType;
+using Core = MonitoringCore;
+using Controls = ConditionControls;
+
+// A family lists its names in interface order; the index is that of the condition's level.
+template <typename Three, typename Owner>
+struct Leveled {
+    const char* name;
+    Three Owner::*controls;
+    std::size_t index;
+};
+
+QString latin(const char* text) {
+    return QString::fromLatin1(text);
+}
+
+// Properties of the sensor program, passed on.
+void addSensorFamily(MemberList& list, const MemberKind& kind,
+                     std::initializer_list<const char*> names) {
+    MemberKind sensor = kind;
+    sensor.source = Source::Sensor;
+    for (const char* text : names) {
+        const QString name = latin(text);
+        list.property(name, sensor, forwardedRead(name, kind.type), forwardedLet(name));
+    }
+}
+
+// The same, where the new value also goes into a control on the sensor program's main window.
+void addSensorLimit(MemberList& list, const char* text, const MemberKind& kind,
+                    const FormControl& control) {
+    const QString name = latin(text);
+    MemberKind sensor = kind;
+    sensor.source = Source::Sensor;
+    list.property(name, sensor, forwardedRead(name, kind.type),
+                  [name, control](Core& core, QVariantList& arguments) {
+                      const AutomationReply stored = writeToSensor(core, name, arguments[0]);
+                      return stored.ok() ? writeToSensorForm(core, control, arguments[0]) : stored;
+                  });
+}
+
+void addSensorThresholds(MemberList& list) {
+    const MemberKind limit{R8, u"limit of Kiv_Nubilo"_s};
+    const MemberKind unknown{I4, u"value of Kiv_Nubilo that counts as unknown"_s};
+    addSensorFamily(list, limit,
+                    {"ThreshBrightnessDark", "ThreshBrightnessLigth", "ThreshBrightnessVLigth"});
+    addSensorFamily(list, unknown, {"BrightnessUnknowConditionValue"});
+    addSensorFamily(list, limit, {"ThreshRainDry", "ThreshRainWet"});
+    addSensorLimit(list, "ThreshRainRain", limit, {"UnknowRainLT", std::nullopt});
+    addSensorLimit(list, "RainUnknowConditionValue", unknown, {"RainLimit", 2});
+    addSensorFamily(list, limit, {"ThreshTempClear", "ThreshTempCloudy"});
+    addSensorLimit(list, "ThreshTempVCloudy", limit, {"UnknowCloudGT", std::nullopt});
+    addSensorLimit(list, "CloudUnknowConditionValue", unknown, {"CloudLimit", 2});
+}
+
+constexpr std::array<Leveled<ThreeBoxes, Controls>, 15> kLimits{{
+    {"ThreshWindCalm", &Controls::LimitWind, 0},
+    {"ThreshWindWindy", &Controls::LimitWind, 1},
+    {"ThreshWindVWindy", &Controls::LimitWind, 2},
+    {"ThreshGustCalm", &Controls::LimitGust, 0},
+    {"ThreshGustWindy", &Controls::LimitGust, 1},
+    {"ThreshGustVWindy", &Controls::LimitGust, 2},
+    {"ThreshDewCondensation", &Controls::LimitDew, 0},
+    {"ThreshDewHumid", &Controls::LimitDew, 1},
+    {"ThreshDewFine", &Controls::LimitDew, 2},
+    {"ThreshHumFine", &Controls::LimitHum, 0},
+    {"ThreshHumHumid", &Controls::LimitHum, 1},
+    {"ThreshHumVHumid", &Controls::LimitHum, 2},
+    {"ThreshTAmbCold", &Controls::LimitTemp, 0},
+    {"ThreshTAmbFine", &Controls::LimitTemp, 1},
+    {"ThreshTAmbHot", &Controls::LimitTemp, 2},
+}};
+
+void addLimits(MemberList& list) {
+    for (const auto& [name, boxes, index] : kLimits) {
+        const auto box = [boxes = boxes, index = index](Core& core) -> NumberBox& {
+            return (core.records.conditions.*boxes)[index];
+        };
+        list.property(latin(name), {R8, u"upper limit of the level, in display units"_s},
+                      answering([box](Core& core) { return box(core).Value.value(); }),
+                      [box](Core& core, QVariantList& arguments) {
+                          box(core).set(arguments[0].toDouble());
+                          return answered();
+                      });
+    }
+}
+
+struct Swatch {
+    const char* colour;
+    const char* description;
+    ThreeLabels Controls::*swatches;
+    ThreeChecks Controls::*unsafe; // its caption is the same description
+    std::size_t index;
+};
+
+constexpr std::array<Swatch, 15> kSwatches{{
+    {"ColorWindCalm", "DescWindCalm", &Controls::ColorWind, &Controls::CondWind, 0},
+    {"ColorWindWindy", "DescWindWindy", &Controls::ColorWind, &Controls::CondWind, 1},
+    {"ColorWindVWindy", "DescWindVWindy", &Controls::ColorWind, &Controls::CondWind, 2},
+    {"ColorGustCalm", "DescGustCalm", &Controls::ColorGust, &Controls::CondGust, 0},
+    {"ColorGustWindy", "DescGustWindy", &Controls::ColorGust, &Controls::CondGust, 1},
+    {"ColorGustVWindy", "DescGustVWindy", &Controls::ColorGust, &Controls::CondGust, 2},
+    {"ColorDewCondensation", "DescDewCondensation", &Controls::ColorDew, &Controls::CondDew, 0},
+    {"ColorDewHumid", "DescDewHumid", &Controls::ColorDew, &Controls::CondDew, 1},
+    {"ColorDewFine", "DescDewFine", &Controls::ColorDew, &Controls::CondDew, 2},
+    {"ColorHumFine", "DescHumFine", &Controls::ColorHum, &Controls::CondHum, 0},
+    {"ColorHumHumid", "DescHumHumid", &Controls::ColorHum, &Controls::CondHum, 1},
+    {"ColorHumVHumid", "DescHumVHumid", &Controls::ColorHum, &Controls::CondHum, 2},
+    {"ColorTempCold", "DescTempCold", &Controls::ColorTemp, &Controls::CondTemp, 0},
+    {"ColorTempFine", "DescTempFine", &Controls::ColorTemp, &Controls::CondTemp, 1},
+    {"ColorTempHot", "DescTempHot", &Controls::ColorTemp, &Controls::CondTemp, 2},
+}};
+// The descriptions of temperatures come later than the others.
+constexpr std::size_t kFirstTemperature = 12;
+
+void addColours(MemberList& list) {
+    const MemberKind ofSensor{I4, u"colour in Kiv_Nubilo, 0x00BBGGRR"_s};
+    addSensorFamily(
+        list, ofSensor,
+        {"ColorClear", "ColorCloudy", "ColorVCloudy", "ColorDry", "ColorWet", "ColorRain"});
+    for (const Swatch& swatch : kSwatches) {
+        const auto colour = [swatch](Core& core) -> QProperty<Colour>& {
+            return (core.records.conditions.*swatch.swatches)[swatch.index].BackColor;
+        };
+        list.property(latin(swatch.colour), {I4, u"colour of the level, 0x00BBGGRR"_s},
+                      answering([colour](Core& core) { return colour(core).value(); }),
+                      [colour](Core& core, QVariantList& arguments) {
+                          colour(core) = arguments[0].toInt();
+                          return answered();
+                      });
+    }
+    addSensorFamily(list, ofSensor, {"ColorDark", "ColorLight", "ColorVLight"});
+}
+
+void addDescription(MemberList& list, const Swatch& swatch) {
+    list.property(
+        latin(swatch.description), {Text, u"description of the level"_s},
+        answering([swatch](Core& core) {
+            return (core.records.conditions.*swatch.swatches)[swatch.index].Caption.value();
+        }),
+        [swatch](Core& core, QVariantList& arguments) {
+            Controls& controls = core.records.conditions;
+            const QString text = arguments[0].toString();
+            (controls.*swatch.swatches)[swatch.index].Caption = text;
+            (controls.*swatch.unsafe)[swatch.index].Caption = text;
+            return answered();
+        });
+}
+
+constexpr std::array<Leveled<ThreeLabels, Controls>, 6> kSectors{{
+    {"DescDirWindCalm", &Controls::DirectionWind, 0},
+    {"DescDirWindWindy", &Controls::DirectionWind, 1},
+    {"DescDirWindVWindy", &Controls::DirectionWind, 2},
+    {"DescDirGustCalm", &Controls::DirectionGust, 0},
+    {"DescDirGustWindy", &Controls::DirectionGust, 1},
+    {"DescDirGustVWindy", &Controls::DirectionGust, 2},
+}};
+
+void addDescriptions(MemberList& list) {
+    addSensorFamily(list, {Text, u"description in Kiv_Nubilo"_s},
+                    {"DescriptionClear", "DescriptionCloudy", "DescriptionVCloudy",
+                     "DescriptionDry", "DescriptionWet", "DescriptionRain", "DescriptionDark",
+                     "DescriptionLight", "DescriptionVLight"});
+    for (std::size_t i = 0; i < kFirstTemperature; ++i)
+        addDescription(list, kSwatches[i]);
+    for (const auto& [name, labels, index] : kSectors) {
+        list.get(latin(name),
+                 {Text, u"direction sector of the level: from, to, minutes"_s, Activity::None},
+                 answering([labels = labels, index = index](Core& core) {
+                     return (core.records.conditions.*labels)[index].Caption.value();
+                 }));
+    }
+    for (std::size_t i = kFirstTemperature; i < kSwatches.size(); ++i)
+        addDescription(list, kSwatches[i]);
+}
+
+struct AlarmBox {
+    const char* level;
+    ThreeChecks AlarmControls::*boxes;
+    std::size_t index;
+
+    CheckBox& of(Core& core) const { return (core.records.alarms.*boxes)[index]; }
+};
+
+constexpr std::array<AlarmBox, 9> kAlarms{{
+    {"Clear", &AlarmControls::AlarmCloud, 0},
+    {"Cloudy", &AlarmControls::AlarmCloud, 1},
+    {"Overcast", &AlarmControls::AlarmCloud, 2},
+    {"Dry", &AlarmControls::AlarmRain, 0},
+    {"Wet", &AlarmControls::AlarmRain, 1},
+    {"Rain", &AlarmControls::AlarmRain, 2},
+    {"Dark", &AlarmControls::AlarmDay, 0},
+    {"Light", &AlarmControls::AlarmDay, 1},
+    {"VLight", &AlarmControls::AlarmDay, 2},
+}};
+
+// A value that a check box does not have must not end up as "not checked".
+bool isCheckValue(const QVariant& value) {
+    return value.toInt() == 0 || value.toInt() == 1;
+}
+
+AutomationReply noCheckValue() {
+    return failed(u"a check box is 0 or 1"_s);
+}
+
+// An alarm without a sound has no icons and is off.
+void settleAlarm(CheckBox& box) {
+    const bool hasSound = !box.Tag.value().isEmpty();
+    SetAlarmIcons(box, hasSound);
+    if (!hasSound)
+        box.set(0);
+}
+
+void addAlarms(MemberList& list) {
+    for (const AlarmBox& alarm : kAlarms) {
+        list.property(
+            u"Alarm"_s + latin(alarm.level),
+            {I4, u"1: the alarm of the level is on; only with a sound"_s},
+            answering([alarm](Core& core) { return alarm.of(core).Value.value(); }),
+            [alarm](Core& core, QVariantList& arguments) {
+                if (!isCheckValue(arguments[0]))
+                    return noCheckValue();
+                CheckBox& box = alarm.of(core);
+                box.set(arguments[0].toInt());
+                settleAlarm(box);
+                return answered();
+            },
+            true);
+    }
+    for (const AlarmBox& alarm : kAlarms) {
+        list.property(
+            u"Sound"_s + latin(alarm.level), {Text, u"sound file of the level's alarm"_s},
+            answering([alarm](Core& core) { return alarm.of(core).Tag.value(); }),
+            [alarm](Core& core, QVariantList& arguments) {
+                CheckBox& box = alarm.of(core);
+                box.Tag = arguments[0].toString();
+                settleAlarm(box);
+                return answered();
+            },
+            true);
+    }
+}
+
+constexpr std::array<Leveled<ThreeChecks, Controls>, 24> kUnsafe{{
+    {"SafeClear", &Controls::CondCloud, 0},     {"SafeCloudy", &Controls::CondCloud, 1},
+    {"SafeOvercast", &Controls::CondCloud, 2},  {"SafeDry", &Controls::CondRain, 0},
+    {"SafeWet", &Controls::CondRain, 1},        {"SafeRain", &Controls::CondRain, 2},
+    {"SafeDark", &Controls::CondDay, 0},        {"SafeLight", &Controls::CondDay, 1},
+    {"SafeVLight", &Controls::CondDay, 2},      {"SafeWindCalm", &Controls::CondWind, 0},
+    {"SafeWindWindy", &Controls::CondWind, 1},  {"SafeWindVWindy", &Controls::CondWind, 2},
+    {"SafeGustCalm", &Controls::CondGust, 0},   {"SafeGustWindy", &Controls::CondGust, 1},
+    {"SafeGustVWindy", &Controls::CondGust, 2}, {"SafeDewFine", &Controls::CondDew, 2},
+    {"SafeDewHumid", &Controls::CondDew, 1},    {"SafeDewCondensation", &Controls::CondDew, 0},
+    {"SafeHumFine", &Controls::CondHum, 0},     {"SafeHumHumid", &Controls::CondHum, 1},
+    {"SafeHumVHumid", &Controls::CondHum, 2},   {"SafeTempCold", &Controls::CondTemp, 0},
+    {"SafeTempFine", &Controls::CondTemp, 1},   {"SafeTempHot", &Controls::CondTemp, 2},
+}};
+
+void addUnsafe(MemberList& list) {
+    for (const auto& [name, boxes, index] : kUnsafe) {
+        const auto box = [boxes = boxes, index = index](Core& core) -> CheckBox& {
+            return (core.records.conditions.*boxes)[index];
+        };
+        list.property(
+            latin(name), {I4, u"1: the level makes the sky unsafe"_s},
+            answering([box](Core& core) { return box(core).Value.value(); }),
+            [box](Core& core, QVariantList& arguments) {
+                if (!isCheckValue(arguments[0]))
+                    return noCheckValue();
+                box(core).set(arguments[0].toInt());
+                return answered();
+            },
+            true);
+    }
+}
+
+void addCorrection(MemberList& list) {
+    const QString on = u"TempFactorON"_s;
+    list.property(on,
+                  {Bool, u"whether Kiv_Nubilo corrects the sky temperature"_s, Activity::Signal,
+                   Source::Sensor},
+                  forwardedRead(on, Bool), [on](Core& core, QVariantList& arguments) {
+                      const AutomationReply stored = writeToSensor(core, on, arguments[0]);
+                      return stored.ok() ? callSensorForm(core, u"CloudTempSet"_s, {arguments[0]})
+                                         : stored;
+                  });
+    addSensorFamily(
+        list, {I4, u"factor of that correction"_s},
+        {"TempFactorK1", "TempFactorK2", "TempFactorK3", "TempFactorK4", "TempFactorK5"});
+}
+
+void addRest(MemberList& list) {
+    const auto suspend = [](Core& core) -> CheckBox& {
+        return core.records.alarms.SuspendSoundAlarm;
+    };
+    list.property(u"AlarmSuspendSound"_s, {I4, u"1: condition alarms make no sound"_s},
+                  answering([suspend](Core& core) { return suspend(core).Value.value(); }),
+                  [suspend](Core& core, QVariantList& arguments) {
+                      if (!isCheckValue(arguments[0]))
+                          return noCheckValue();
+                      suspend(core).set(arguments[0].toInt());
+                      return answered();
+                  });
+    addSensorFamily(list, {I4, u"failed readings that Kiv_Nubilo tolerates"_s},
+                    {"NoConsecutiveUnknownReads", "NoConsecutiveRS232Errors"});
+    list.property(
+        u"ReadCycle"_s, {I4, u"read interval in seconds: 5, 10, 30 or 60"_s},
+        answering([](Core& core) { return readCycleSeconds(core.records.session.RefreshRead); }),
+        [](Core& core, QVariantList& arguments) {
+            selectReadCycle(core.records.session.RefreshRead, arguments[0].toInt());
+            return answered();
+        });
+}
+
+} // namespace
+
+void addSettingMembers(MemberList& list) {
+    addSensorThresholds(list);
+    addLimits(list);
+    addColours(list);
+    addDescriptions(list);
+    addAlarms(list);
+    addUnsafe(list);
+    addCorrection(list);
+    addRest(list);
+}
+
+} // namespace skyhold

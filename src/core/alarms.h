@@ -1,0 +1,22 @@
+// The core's alarms: what their rules need of it.
+#pragma once
+
+#include "conditions/alarms.h"
+#include "core/monitoring_core.h"
+
+namespace skyhold {
+
+AlarmPlayer alarmPlayer(MonitoringCore& core);
+
+// Sounds `spec`, a file or a file and "|repeat", whichever alarm owns the sound.
+void AlarmStart(MonitoringCore& core, const QString& spec);
+// The Stop Alarm button and automation: silence, but the alarm keeps the sound it owns.
+void AlarmStop(MonitoringCore& core);
+
+// The sensor program's own alarm gives way to one of this program.
+void stopSensorAlarm(SensorLink& sensor);
+
+// The tick of the player's timer and the click rule of the suspending box.
+void alarmRules(MonitoringCore& core);
+
+} // namespace skyhold

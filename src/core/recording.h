@@ -1,0 +1,18 @@
+// Recording of the user data file as part of the monitor: a start that fails shows code d13.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+namespace skyhold {
+
+// The user chose 0 record or 1 stop.
+void RecOption_Click(MonitoringCore& core, int index);
+
+// For automation clients: nothing is asked, `append` keeps what an existing file holds.
+void Record_Start(MonitoringCore& core, bool append);
+void Record_Stop(MonitoringCore& core);
+
+// The line of a read cycle, when one is due.
+void WriteUserDataLine(MonitoringCore& core);
+
+} // namespace skyhold

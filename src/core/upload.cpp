@@ -1,0 +1,87 @@
+#include "core/upload.h"
+
+#include "core/monitoring_core.h"
+#include "core/session.h"
+#include "datafiles/upload_list.h"
+#include "platform/files.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+// The uploader says "Running" and holds its lock meanwhile. One that was killed has left the word,
+// but no lock.
+bool uploaderIsBusy(const SettingsStore& area) {
+    const QString running = area.GetSetting(u"Window"_s, u"Running"_s, u"0"_s);
+    return running != u"0"_s && isLocked(taskLockPath(area));
+}
+
+void uploadTick(MonitoringCore& core) {
+    if (!core.handOff.stop && IsUploadDue(core.records.upload))
+        TriggerUpload(core.records.upload, core.handOff);
+}
+
+} // namespace
+
+void prepareUpload(MonitoringCore& core) {
+    UploadControls& upload = core.records.upload;
+    core.handOff.program = joinPath(programFolder(), u"Kiv_Uploader.exe"_s);
+    core.TimerUpload.Tick = [&core] {
+        uploadTick(core);
+    };
+    upload.UploadOnce.Click = [&upload] {
+        UploadOnce_Click(upload);
+    };
+    upload.DispFileNameOnly.Click = [&upload] {
+        RefreshFileList(upload);
+    };
+}
+
+void StartUpload(MonitoringCore& core) {
+    core.handOff.force = true;
+    TriggerUpload(core.records.upload, core.handOff);
+}
+
+void TriggerUpload(UploadControls& upload, UploadHandOff& handOff) {
+    handOff.stop = false;
+    SetUploadEditable(upload, false);
+    if (handOff.task && isRunning(*handOff.task))
+        return;
+    SettingsStore area(kUploaderArea);
+    if (!handOff.force && uploaderIsBusy(area))
+        return;
+    const std::vector<FileItem> before = upload.Files;
+    WriteUploadList(upload, area);
+    handOff.task = startTask(handOff.program);
+    if (handOff.task)
+        handOff.force = false;
+    else
+        upload.Files = before; // nothing has been handed off
+}
+
+void StopUpload(MonitoringCore& core) {
+    Records& records = core.records;
+    core.handOff.stop = true;
+    core.TimerUpload.disarm();
+    SetIdleControls(records, true);
+    records.session.ButtStop.Enabled = true;
+    SetUploadEditable(records.upload, true);
+    if (core.handOff.task)
+        sendKeyF6(*core.handOff.task);
+}
+
+void SetUploadEditable(UploadControls& upload, bool enabled) {
+    for (TextBox* box :
+         {&upload.ServerAddress, &upload.ServerPath, &upload.UserName, &upload.PassWord})
+        box->Enabled = enabled;
+    upload.RefreshUpload.Enabled = enabled;
+    for (NumberBox* box : {&upload.UploadOnSec, &upload.TimeoutUPLOAD})
+        box->Enabled = enabled;
+    upload.ButtFileADD.Enabled = enabled;
+    upload.ButtFileDEL.Enabled = enabled;
+    upload.UploadOnce.Enabled = enabled;
+}
+
+} // namespace skyhold

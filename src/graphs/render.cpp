@@ -1,0 +1,102 @@
+#include "graphs/render.h"
+
+#include "graphs/graph_paper.h"
+#include "platform/files.h"
+#include "records/status_lines.h"
+
+namespace skyhold {
+
+namespace {
+
+struct GraphKind {
+    double GraphPoint::*field;
+    ThreeBoxes ConditionControls::*limits; // the direction has neither limits nor swatches
+    ThreeLabels ConditionControls::*swatches;
+    const char* fileName;
+};
+
+using C = ConditionControls;
+constexpr std::array<GraphKind, 6> kGraphs{
+    {{&GraphPoint::wind, &C::LimitWind, &C::ColorWind, "Kiv_ImageWindCondition"},
+     {&GraphPoint::gust, &C::LimitGust, &C::ColorGust, "Kiv_ImageGustCondition"},
+     {&GraphPoint::direction, nullptr, nullptr, "Kiv_ImageWindDirCondition"},
+     {&GraphPoint::spread, &C::LimitDew, &C::ColorDew, "Kiv_ImageDewCondition"},
+     {&GraphPoint::humidity, &C::LimitHum, &C::ColorHum, "Kiv_ImageHumCondition"},
+     {&GraphPoint::temperature, &C::LimitTemp, &C::ColorTemp, "Kiv_ImageTempCondition"}}};
+
+ValueGraph valueGraph(const GraphKind& kind, GraphSeries series, const ConditionControls& controls,
+                      const std::array<Label, 3>& colours) {
+    ValueGraph graph{.series = std::move(series),
+                     .bands = {},
+                     .thresholds = {},
+                     .textColour = colours[0].BackColor,
+                     .lineColour = colours[1].BackColor};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const Label& swatch = (controls.*kind.swatches)[i];
+        graph.bands[i] = {swatch.Caption, swatch.BackColor};
+        graph.thresholds[i] = (controls.*kind.limits)[i].Value;
+    }
+    return graph;
+}
+
+void draw(const ValueGraph& graph, Picture& picture) {
+    DrawValueGraph(graph, picture);
+}
+void draw(const DirectionGraph& graph, Picture& picture) {
+    DrawDirectionGraph(graph, picture);
+}
+
+template <class Graph>
+void drawWhenChanged(Graph graph, Picture& picture, RenderedGraph& rendered) {
+    const Graph* shown = std::get_if<Graph>(&rendered.graph);
+    if (shown != nullptr && *shown == graph && picture.fits())
+        return;
+    draw(graph, picture);
+    rendered.graph = std::move(graph);
+}
+
+} // namespace
+
+void drawGraph(std::size_t index, const GraphSources& sources, Picture& picture,
+               RenderedGraph& rendered) {
+    const GraphKind& kind = kGraphs[index];
+    const std::array<Label, 3>& colours = sources.graphs.GraphColor[index];
+    GraphSeries series = graphSeries(sources.history, kind.field,
+                                     sources.graphs.GraphSpan.Caption.value().toDouble());
+    if (kind.limits != nullptr)
+        drawWhenChanged(valueGraph(kind, std::move(series), sources.conditions, colours), picture,
+                        rendered);
+    else
+        drawWhenChanged(DirectionGraph{.series = std::move(series),
+                                       .textColour = colours[0].BackColor,
+                                       .pointColour = colours[1].BackColor,
+                                       .gridColour = colours[2].BackColor},
+                        picture, rendered);
+}
+
+void RenderGraphs(const GraphSources& sources, GraphPictures& pictures, RenderedGraphs& rendered,
+                  ImageLibrary& library, Label& statusbar2) {
+    const GraphControls& graphs = sources.graphs;
+    const bool png = graphs.ImageType.checked();
+    const ImageFormat format = png ? ImageFormat::Png : ImageFormat::Jpeg;
+    const QString extension = png ? QStringLiteral(".png") : QStringLiteral(".jpg");
+    const QString folder = graphs.GraphImagePath.Caption.value().trimmed();
+    const int flags = ImageSaveFlags(graphs);
+
+    for (std::size_t i = 0; i < kGraphs.size(); ++i) {
+        if (graphs.GraphGenerate[i].checked())
+            drawGraph(i, sources, pictures[i], rendered[i]);
+        if (!graphs.GraphImage[i].checked() || folder.isEmpty())
+            continue;
+        if (pictures[i].Image.isNull()) // never drawn: an empty sheet
+            const GraphPaper empty(pictures[i], 0);
+        const QString name = QString::fromLatin1(kGraphs[i].fileName) + extension;
+        if (SavePicture(pictures[i], joinPath(folder, name), format, flags, library,
+                        rendered[i].saved))
+            continue;
+        const QString code = library.loaded() ? QStringLiteral("i23") : QStringLiteral("i24");
+        SetErrorCodes(statusbar2, code, kRed);
+    }
+}
+
+} // namespace skyhold

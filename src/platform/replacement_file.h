@@ -1,0 +1,35 @@
+// A file that takes the place of another one whole: whoever opens that name finds the old contents
+// or the new ones, never a part of them.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QTemporaryFile>
+
+namespace skyhold {
+
+class ReplacementFile {
+  public:
+    // Makes an empty file in the folder of `path`. What stands at `path` is not touched yet; a
+    // link there is replaced, never followed.
+    explicit ReplacementFile(const QString& path);
+
+    // False when it could not be made; then nothing else succeeds.
+    bool isOpen() const { return file_.isOpen(); }
+
+    // Where a library that opens files by name writes it. It leads to this very file, whatever
+    // becomes of names in the folder.
+    QByteArray writerPath() const;
+    bool write(const QByteArray& bytes);
+    // What has been written.
+    QByteArray contents();
+
+    // Puts the file at `path`; readable by everyone. False when that failed.
+    bool commit();
+
+  private:
+    QString path_;
+    QTemporaryFile file_; // removed unless committed
+};
+
+} // namespace skyhold

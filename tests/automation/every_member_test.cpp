@@ -1,0 +1,224 @@
+// Every member once, without and with the sensor program: what it answers, what reaches the sensor
+// program, and what shows as activity.
+#include "automation/nubilo_table.h"
+#include "nubilo_fixture.h"
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+class EveryMember : public NubiloFixture {};
+
+QStringList words(const char* text) {
+    return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+}
+
+const QStringList kSilent =
+    words("Kiv_SafeDelayValue Kiv_SafeDelayMsg Kiv_SafeDelayWait Kiv_GraphArrayFirstElem "
+          "Kiv_GraphArrayLastElem MForm Kiv_CloudAlarmDelay WindowLeft WindowTop Device_Start "
+          "Device_Stop Kiv_DeviceStop LastReading Kiv_TotalNoUsers Name Version VersionNB "
+          "DewPointTemp HumidityRelative DescDirWindCalm DescDirWindWindy DescDirWindVWindy "
+          "DescDirGustCalm DescDirGustWindy DescDirGustVWindy GetGraphCycle GetGraphFreq "
+          "Kiv_DataDisplayed");
+const QStringList kTimed =
+    words("Condition_Cloud Condition_DewCond Condition_HumCond Condition_Sky SecondsSinceGoodData");
+// Nothing happens without the sensor program.
+const QStringList kSensor = words(
+    "Kiv_DeviceRole Kiv_DeviceSwitchCtrl Kiv_XFERFileErr ThreshBrightnessDark "
+    "ThreshBrightnessLigth ThreshBrightnessVLigth BrightnessUnknowConditionValue ThreshRainDry "
+    "ThreshRainWet ThreshRainRain RainUnknowConditionValue ThreshTempClear ThreshTempCloudy "
+    "ThreshTempVCloudy CloudUnknowConditionValue ColorClear ColorCloudy ColorVCloudy ColorDry "
+    "ColorWet ColorRain ColorDark ColorLight ColorVLight DescriptionClear DescriptionCloudy "
+    "DescriptionVCloudy DescriptionDry DescriptionWet DescriptionRain DescriptionDark "
+    "DescriptionLight DescriptionVLight TempFactorON TempFactorK1 TempFactorK2 TempFactorK3 "
+    "TempFactorK4 TempFactorK5 NoConsecutiveUnknownReads NoConsecutiveRS232Errors");
+// The client is told that the sensor program is missing.
+const QStringList kUnchecked =
+    words("Kiv_GraphArrayFirstElem Kiv_GraphArrayLastElem Kiv_GraphArrayCloud Kiv_GraphArrayRain "
+          "Kiv_GraphArrayDay Kiv_GraphArrayTemp GraphTemperatureMax GraphTemperatureMin "
+          "GetGraphCycle GetGraphFreq");
+
+// What reaches the sensor program, where it is not the member's own name alone.
+const QMap<QString, QString> kForwarded{
+    {u"get VersionNB"_s, u"Version"_s},
+    {u"method Kiv_XFERFileErr"_s, u"XFERFileErr"_s},
+    {u"get Kiv_DeviceSwitchCtrl"_s, QString()},
+    {u"let Kiv_DeviceSwitchCtrl"_s, u"Kiv_DeviceRole"_s},
+    {u"get Kiv_CloudAlarmDelay"_s, u"Kiv_CloudAlarmDelay"_s},
+    {u"let Kiv_CloudAlarmDelay"_s, u"Kiv_CloudAlarmDelay=(i 1)"_s},
+    {u"let ThreshRainRain"_s,
+     u"ThreshRainRain=(d 2.5); MForm; MForm.UnknowRainLT; MForm.UnknowRainLT.Value=(d 2.5)"_s},
+    {u"let RainUnknowConditionValue"_s,
+     u"RainUnknowConditionValue=(i 1); MForm; MForm.RainLimit(i 2); MForm.RainLimit.Value=(i 1)"_s},
+    {u"let ThreshTempVCloudy"_s,
+     u"ThreshTempVCloudy=(d 2.5); MForm; MForm.UnknowCloudGT; MForm.UnknowCloudGT.Value=(d 2.5)"_s},
+    {u"let CloudUnknowConditionValue"_s,
+     u"CloudUnknowConditionValue=(i 1); MForm; MForm.CloudLimit(i 2); "
+     "MForm.CloudLimit.Value=(i 1)"_s},
+    {u"let TempFactorON"_s, u"TempFactorON=(b true); MForm; MForm.CloudTempSet(b true)"_s},
+    {u"method Kiv_GraphArrayFirstElem"_s, u"Kiv_GraphArrayFirstElem(i 1)"_s},
+    {u"method Kiv_GraphArrayLastElem"_s, u"Kiv_GraphArrayLastElem(i 1)"_s},
+    {u"method GraphTemperatureMax"_s, u"GraphTemperatureMax(n 0)"_s},
+    {u"method GraphTemperatureMin"_s, u"GraphTemperatureMin(n 0)"_s},
+    {u"method GetGraphCycle"_s, u"ReadCycle"_s},
+    {u"method SetUnSafe"_s, u"SetUnSafe(b true)"_s}, // Kiv_LocalControl has been called before it
+    {u"method GetGraphFreq"_s, u"GetGraphFreq(i 0)"_s}};
+
+QVariant valueOf(AutomationType type) {
+    switch (type) {
+    case AutomationType::I4:
+        return 1;
+    case AutomationType::R8:
+        return 2.5;
+    case AutomationType::Bool:
+        return true;
+    case AutomationType::Text:
+        return u"C"_s;
+    case AutomationType::Variant:
+        return QVariantList{1.5, 2};
+    default:
+        return {};
+    }
+}
+
+// Graph 1 is the sensor program's; for the members with "iP" it is 0 that asks the sensor program.
+QVariantList argumentsOf(const NubiloMember& member) {
+    QVariantList arguments;
+    for (const AutomationParameter& parameter : member.parameters)
+        arguments.append(parameter.name == u"iP"_s && parameter.type == AutomationType::I4
+                             ? QVariant(0)
+                             : valueOf(parameter.type));
+    return arguments;
+}
+
+QString kindAndName(const NubiloMember& member) {
+    const QString kind = member.use == kMethod        ? u"method "_s
+                         : member.use == kPropertyGet ? u"get "_s
+                                                      : u"let "_s;
+    return kind + member.name;
+}
+
+bool hasType(const QVariant& value, AutomationType type) {
+    switch (type) {
+    case AutomationType::I4:
+        return value.typeId() == QMetaType::Int;
+    case AutomationType::R8:
+        return value.typeId() == QMetaType::Double;
+    case AutomationType::Bool:
+        return value.typeId() == QMetaType::Bool;
+    case AutomationType::Text:
+        return value.typeId() == QMetaType::QString;
+    case AutomationType::Object:
+        return value.metaType() == QMetaType::fromType<QDBusObjectPath>();
+    case AutomationType::Empty:
+        return !value.isValid();
+    default:
+        return true;
+    }
+}
+
+TEST_F(EveryMember, withoutTheSensorProgram) {
+    for (const NubiloMember& member : nubiloTable()) {
+        SCOPED_TRACE(qPrintable(kindAndName(member)));
+        if (member.name == u"Device_Start"_s)
+            continue; // it would bring the sensor program
+        const int before = callsShown();
+        clock_.advanceSeconds(7);
+        const AutomationReply reply = use(member.name, member.use, argumentsOf(member));
+        if (kUnchecked.contains(member.name)) {
+            EXPECT_EQ(reply.error, AutomationError::Exception);
+        } else {
+            EXPECT_TRUE(reply.ok()) << qPrintable(reply.text);
+            EXPECT_TRUE(hasType(reply.result, member.result)) << reply.result.typeName();
+        }
+        if (kSensor.contains(member.name) && reply.result.isValid()) {
+            EXPECT_FALSE(reply.result.toBool());
+            EXPECT_TRUE(reply.result.toString().isEmpty() || reply.result.toDouble() == 0);
+        }
+        const bool shows = !kSilent.contains(member.name) && !kSensor.contains(member.name);
+        EXPECT_EQ(callsShown(), before + (shows ? 1 : 0));
+        EXPECT_EQ(records().session.LastTimedCall == clock_.MsClock(),
+                  kTimed.contains(member.name));
+        EXPECT_EQ(sensor_.takeCalls(), QStringList());
+    }
+    EXPECT_EQ(records().safety.CloudAlarmDelay, 1); // kept here without the sensor program, too
+}
+
+TEST_F(EveryMember, withTheSensorProgram) {
+    for (const NubiloMember& member : nubiloTable()) {
+        const bool asksSensor = kSensor.contains(member.name) || kUnchecked.contains(member.name);
+        if (asksSensor && member.use != kPropertyPut)
+            sensor_.values.insert(member.name, valueOf(member.result));
+    }
+    const auto path = [](const char* text) {
+        return QVariant::fromValue(QDBusObjectPath(QString::fromLatin1(text)));
+    };
+    sensor_.values.insert({{u"XFERFileErr"_s, true},
+                           {u"ReadCycle"_s, 10},
+                           {u"Kiv_CloudAlarmDelay"_s, 300},
+                           {u"Kiv_DeviceRole"_s, u"MASTER"_s},
+                           {u"MForm"_s, path("/MForm")},
+                           {u"MForm.UnknowRainLT"_s, path("/MForm/UnknowRainLT")},
+                           {u"MForm.RainLimit"_s, path("/MForm/RainLimit")},
+                           {u"MForm.UnknowCloudGT"_s, path("/MForm/UnknowCloudGT")},
+                           {u"MForm.CloudLimit"_s, path("/MForm/CloudLimit")}});
+    connectSensor();
+
+    for (const NubiloMember& member : nubiloTable()) {
+        SCOPED_TRACE(qPrintable(kindAndName(member)));
+        if (member.name.startsWith(u"Device_"_s) || member.name == u"Kiv_DeviceStop"_s)
+            continue; // a session's own calls
+        const int before = callsShown();
+        const AutomationReply reply = use(member.name, member.use, argumentsOf(member));
+        EXPECT_TRUE(reply.ok()) << qPrintable(reply.text);
+        EXPECT_TRUE(hasType(reply.result, member.result)) << reply.result.typeName();
+        EXPECT_EQ(callsShown(), before + (kSilent.contains(member.name) ? 0 : 1));
+
+        const bool asksSensor = kSensor.contains(member.name) || kUnchecked.contains(member.name);
+        QString expected = asksSensor ? member.name : QString();
+        if (asksSensor && member.use == kPropertyPut) {
+            QVariantList arguments = argumentsOf(member);
+            expected += u"=("_s + argumentText(arguments[0]) + u')';
+        }
+        EXPECT_EQ(sensor_.takeCalls().join(u"; "_s),
+                  kForwarded.value(kindAndName(member), expected));
+    }
+    // The sensor program's arrays are passed on as they are.
+    EXPECT_EQ(read(u"Kiv_GraphArrayRain"_s), QVariant(QVariantList{1.5, 2}));
+}
+
+// A client never takes a default for a reading: whatever fails, it is told.
+TEST_F(EveryMember, ofAFailingSensorProgram) {
+    connectSensor();
+    const auto each = [this](const QStringList& names, const char* what) {
+        SCOPED_TRACE(what);
+        for (const NubiloMember& member : nubiloTable()) {
+            if (!names.contains(member.name) ||
+                kindAndName(member) == u"get Kiv_DeviceSwitchCtrl"_s)
+                continue;
+            const AutomationReply reply = use(member.name, member.use, argumentsOf(member));
+            EXPECT_EQ(reply.error, AutomationError::Exception) << qPrintable(member.name);
+        }
+    };
+    sensor_.answering = false;
+    each(kSensor + kUnchecked, "no answer");
+    EXPECT_EQ(read(u"Kiv_CloudAlarmDelay"_s), 0);
+
+    sensor_.answering = true;
+    for (const NubiloMember& member : nubiloTable()) {
+        const bool number =
+            member.result == AutomationType::I4 || member.result == AutomationType::R8;
+        if (kSensor.contains(member.name) && number) {
+            sensor_.values[member.name] = u"wrong"_s;
+            EXPECT_EQ(use(member.name, member.use).error, AutomationError::Exception)
+                << qPrintable(member.name);
+        }
+    }
+    // The control that a limit is copied to is missing: the client is told, the limit is stored.
+    EXPECT_EQ(use(u"ThreshRainRain"_s, kPropertyPut, {7.5}).error, AutomationError::Exception);
+    EXPECT_EQ(sensor_.values.value(u"ThreshRainRain"_s), 7.5);
+}
+
+} // namespace
+} // namespace skyhold

@@ -1,0 +1,376 @@
+// Members with rules of their own.
+#include "automation/form_members.h"
+#include "automation/object_safety.h"
+#include "nubilo_fixture.h"
+
+#include <limits>
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+class OddMembers : public NubiloFixture {};
+
+TEST_F(OddMembers, readCycleSelectsAnEntry) {
+    const struct {
+        int written, read;
+    } cases[] = {{-3, 5},  {0, 5},   {5, 5},   {6, 10},  {10, 10}, {11, 30},
+                 {30, 30}, {31, 60}, {60, 60}, {61, 10}, {90, 10}};
+    int spans = 0;
+    const auto click = records().session.RefreshRead.Click;
+    records().session.RefreshRead.Click = [&] {
+        ++spans;
+        click();
+    };
+    for (const auto& [written, expected] : cases) {
+        let(u"ReadCycle"_s, written);
+        EXPECT_EQ(read(u"ReadCycle"_s), expected) << written;
+        EXPECT_EQ(read(u"GetGraphCycle"_s, {1}), expected);
+    }
+    EXPECT_EQ(spans, 11); // as the user's choice does it
+}
+
+TEST_F(OddMembers, unitsAreChosenByTheirExactLetter) {
+    records().conditions.LimitWind[0].Value = 36;
+    const struct {
+        QString written, read;
+    } speeds[] = {{u"K"_s, u"K"_s}, {u"KM"_s, u"K"_s}, {u""_s, u"K"_s},  {u"m"_s, u"m"_s},
+                  {u"M"_s, u"M"_s}, {u"k"_s, u"k"_s},  {u"C"_s, u"k"_s}, {u"K"_s, u"K"_s}};
+    for (const auto& [written, expected] : speeds) {
+        let(u"Kiv_SpeedUnits"_s, written);
+        EXPECT_EQ(read(u"Kiv_SpeedUnits"_s), expected) << qPrintable(written);
+    }
+    let(u"Kiv_SpeedUnits"_s, u"m"_s);
+    EXPECT_NEAR(read(u"ThreshWindCalm"_s).toDouble(), 10, 1e-9); // 36 km/h
+
+    let(u"Kiv_TemperatureUnits"_s, u"c"_s);
+    EXPECT_EQ(read(u"Kiv_TemperatureUnits"_s), u"C"_s);
+    let(u"Kiv_TemperatureUnits"_s, u"F"_s);
+    EXPECT_EQ(read(u"Kiv_TemperatureUnits"_s), u"F"_s);
+    records().units.UnitsTemp.Index = -1;
+    EXPECT_EQ(read(u"Kiv_TemperatureUnits"_s), QString());
+}
+
+TEST_F(OddMembers, switchControlReadsInverted) {
+    SessionControls& session = records().session;
+    session.SWRole.choose(0);
+    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), false); // not connected
+    connectSensor();
+    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), true);
+    let(u"Kiv_DeviceSwitchCtrl"_s, true);
+    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), false);
+    EXPECT_FALSE(session.SwitchControl);
+    EXPECT_FALSE(records().display.LblSwitch.Visible);
+    let(u"Kiv_DeviceSwitchCtrl"_s, false);
+    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), true);
+    EXPECT_TRUE(session.SwitchControl);
+
+    sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
+    let(u"Kiv_DeviceSwitchCtrl"_s, true);
+    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), true);
+    EXPECT_TRUE(session.SwitchControl);
+}
+
+TEST_F(OddMembers, verdictIsSetUnderLocalControlOnly) {
+    connectSensor();
+    records().readings.UnsafeFlag = false;
+    call(u"SetUnSafe"_s, {true});
+    EXPECT_EQ(read(u"Safe"_s), true);
+    EXPECT_EQ(sensor_.takeCalls(), QStringList());
+
+    call(u"Kiv_LocalControl"_s, {true, u"dome script"_s});
+    EXPECT_EQ(records().session.LblControl.Caption.value(), u"dome script"_s);
+    call(u"SetUnSafe"_s, {true});
+    EXPECT_EQ(read(u"Safe"_s), false);
+    EXPECT_EQ(records().conditions.LblStatus.Caption.value(), u"Unsafe"_s);
+    EXPECT_EQ(sensor_.takeCalls(), QStringList{u"SetUnSafe(b true)"_s});
+    call(u"SetUnSafe"_s, {0});
+    EXPECT_EQ(read(u"Safe"_s), true);
+    EXPECT_EQ(records().conditions.LEDUnsafe.FillColor, kGreen);
+
+    // The sensor program does not take it: the client is told, the verdict stands.
+    sensor_.answering = false;
+    EXPECT_EQ(use(u"SetUnSafe"_s, kMethod, {true}).error, AutomationError::Exception);
+    EXPECT_EQ(read(u"Safe"_s), false);
+}
+
+TEST_F(OddMembers, alarmBoxesNeedASound) {
+    CheckBox& box = records().alarms.AlarmDay[2];
+    let(u"AlarmVLight"_s, 1);
+    EXPECT_EQ(read(u"AlarmVLight"_s), 0);
+    EXPECT_FALSE(box.HasIcons);
+
+    let(u"SoundVLight"_s, u"/sounds/dawn.wav|repeat"_s);
+    EXPECT_TRUE(box.HasIcons);
+    EXPECT_EQ(read(u"SoundVLight"_s), u"/sounds/dawn.wav|repeat"_s);
+    EXPECT_EQ(read(u"AlarmVLight"_s), 0); // a sound does not switch the alarm on
+    let(u"AlarmVLight"_s, 1);
+    EXPECT_EQ(read(u"AlarmVLight"_s), 1);
+    let(u"SoundVLight"_s, u"/sounds/other.wav"_s);
+    EXPECT_EQ(read(u"AlarmVLight"_s), 1);
+    let(u"SoundVLight"_s, QString());
+    EXPECT_EQ(read(u"AlarmVLight"_s), 0);
+    EXPECT_FALSE(box.HasIcons);
+    EXPECT_EQ(read(u"AlarmLight"_s), 0);
+}
+
+// A client's True is -1, which no check box holds: refused, never taken for "not unsafe".
+TEST_F(OddMembers, checkBoxesTakeZeroAndOne) {
+    records().alarms.AlarmRain[2].Tag = u"/sounds/rain.wav"_s;
+    for (const QString& name : {u"SafeRain"_s, u"AlarmRain"_s, u"AlarmSuspendSound"_s}) {
+        let(name, 1);
+        for (const QVariant& wrong : {QVariant(true), QVariant(2), QVariant(-7)})
+            EXPECT_EQ(use(name, kPropertyPut, {wrong}).error, AutomationError::Exception);
+        EXPECT_EQ(read(name), 1);
+        let(name, u"0"_s);
+        EXPECT_EQ(read(name), 0);
+    }
+}
+
+TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
+    ConditionControls& controls = records().conditions;
+    AlarmControls& alarms = records().alarms;
+    let(u"ThreshDewCondensation"_s, 1.5);
+    EXPECT_EQ(controls.LimitDew[0].Value, 1.5);
+    let(u"ThreshTAmbHot"_s, 41);
+    EXPECT_EQ(controls.LimitTemp[2].Value, 41);
+    const auto setsCheck = [this](const QString& name, CheckBox& box) {
+        let(name, 0);
+        EXPECT_EQ(box.Value, 0);
+        let(name, 1);
+        EXPECT_EQ(box.Value, 1) << qPrintable(name);
+    };
+    setsCheck(u"SafeDewFine"_s, controls.CondDew[2]);
+    setsCheck(u"SafeDewCondensation"_s, controls.CondDew[0]);
+    setsCheck(u"SafeOvercast"_s, controls.CondCloud[2]);
+    setsCheck(u"SafeTempCold"_s, controls.CondTemp[0]);
+    setsCheck(u"SafeGustVWindy"_s, controls.CondGust[2]);
+    setsCheck(u"SafeHumHumid"_s, controls.CondHum[1]);
+    let(u"SoundOvercast"_s, u"o.wav"_s);
+    EXPECT_EQ(alarms.AlarmCloud[2].Tag.value(), u"o.wav"_s);
+    let(u"ColorTempHot"_s, 0x123456);
+    EXPECT_EQ(controls.ColorTemp[2].BackColor, 0x123456);
+    let(u"DescHumVHumid"_s, u"dripping"_s);
+    EXPECT_EQ(controls.ColorHum[2].Caption.value(), u"dripping"_s);
+    EXPECT_EQ(controls.CondHum[2].Caption.value(), u"dripping"_s);
+    EXPECT_EQ(controls.CondHum[1].Caption.value(), read(u"DescHumHumid"_s));
+    controls.DirectionGust[1].Caption = u"010  020  05"_s;
+    EXPECT_EQ(read(u"DescDirGustWindy"_s), u"010  020  05"_s);
+}
+
+TEST_F(OddMembers, dataDisplayed) {
+    ReadingDisplay& display = records().display;
+    PaintLabel(display.LCondCloud, 0x0000FF, u"Overcast"_s);
+    PaintLabel(display.LCondHumidity, 0x0A, u"Fine"_s);
+    display.LValCloud.Caption = u"-21.5"_s;
+    display.LValWindGust.Caption = u"12"_s;
+    display.LValHumidity.Caption = u"58"_s;
+    display.LValBrightness.Caption = u"61"_s;
+    display.LValRain.Caption = u"2850"_s;
+    const struct {
+        QString info, ref, shown;
+    } cases[] = {
+        {u"color"_s, u"CLOUD"_s, u"#FF0000"_s},
+        {u"color"_s, u"humididty"_s, u"#0A0000"_s},
+        {u"color"_s, u"humidity"_s, u"#80FFFF"_s},
+        {u"Color"_s, u"cloud"_s, QString()},
+        {u""_s, u"cloud"_s, QString()},
+        {u"desc"_s, u"Cloud"_s, u"Overcast"_s},
+        {u"desc"_s, u"clouds"_s, u"n/a"_s},
+        {u"value"_s, u"cloud"_s, u"-21.5 °C"_s},
+        {u"value"_s, u"gust"_s, u"12 km/hr"_s},
+        {u"value"_s, u"rain"_s, u"2850 cycles"_s},
+        {u"value"_s, u"humididty"_s, u"58 %"_s},
+        {u"value"_s, u"humidity"_s, u"n/a"_s},
+        {u"value"_s, u"brightnesss"_s, u"61 K"_s},
+        {u"value"_s, u"brightness"_s, u"n/a"_s},
+    };
+    for (const auto& [info, ref, shown] : cases)
+        EXPECT_EQ(read(u"Kiv_DataDisplayed"_s, {info, ref}), shown)
+            << qPrintable(info + u' ' + ref);
+}
+
+TEST_F(OddMembers, valuesOfReadings) {
+    CurrentReadings& readings = records().readings;
+    const struct {
+        std::int32_t rain, cloud, sky;
+        bool wet;
+    } skies[] = {{RainUnknown, CloudClear, SkyUnknown, false},
+                 {RainRain, CloudUnknown, SkyUnknown, true},
+                 {RainDry, CloudClear, SkyClear, false},
+                 {RainDry, CloudVeryCloudy, SkyVeryCloudy, false},
+                 {RainWet, CloudClear, SkyWet, true},
+                 {RainRain, CloudCloudy, SkyWet, true}};
+    for (const auto& [rain, cloud, sky, wet] : skies) {
+        readings.RainCondition = rain;
+        readings.CloudCondition = cloud;
+        EXPECT_EQ(read(u"Condition_Sky"_s), sky);
+        EXPECT_EQ(read(u"Condition_WetF"_s), wet);
+    }
+    readings.SwitchValue = 1.5;
+    EXPECT_EQ(read(u"SwitchStatus"_s), 2);
+    records().conditions.SafeDelayVal.Value = 60.5;
+    EXPECT_EQ(read(u"Kiv_SafeDelayValue"_s), 60);
+
+    readings.StationTemperature = 11.25;
+    records().display.LValTemperature.Caption = u"11.3"_s;
+    EXPECT_EQ(read(u"AmbientTemperature"_s), 11.3);
+    EXPECT_EQ(read(u"TemperatureAmb"_s), 11.25);
+    records().display.LValTemperature.Caption = QString();
+    EXPECT_EQ(read(u"AmbientTemperature"_s), 0.0);
+
+    EXPECT_EQ(read(u"LastReading"_s), QVariant::fromValue(AutomationDate{0}));
+    readings.LastReading = QDateTime(QDate(2026, 11, 16), QTime(12, 0));
+    EXPECT_EQ(read(u"LastReading"_s), QVariant::fromValue(AutomationDate{46342.5}));
+
+    Records& all = records();
+    all.conditions.SafeDelayMsg.Caption = u" SAFE condition delayed by 60 s "_s;
+    EXPECT_EQ(read(u"Kiv_SafeDelayMsg"_s), u"SAFE condition delayed by 60 s"_s);
+    all.display.NBAlarmMsg.Caption = u"NB "_s;
+    all.display.WSAlarmMsg.Caption = u"  "_s;
+    EXPECT_EQ(read(u"Kiv_SafeDelayMsg"_s), u"SAFE condition delayed by 60 s / NB"_s);
+    all.display.WSAlarmMsg.Caption = u"WS data too old"_s;
+    EXPECT_EQ(read(u"Kiv_SafeDelayMsg"_s),
+              u"SAFE condition delayed by 60 s / WS data too old / NB"_s);
+
+    EXPECT_EQ(read(u"Version"_s), u"2.30.004"_s);
+    EXPECT_EQ(read(u"VersionNB"_s), u"0.00.000"_s);
+    connectSensor();
+    EXPECT_EQ(read(u"VersionNB"_s), u"5.20.0001"_s);
+}
+
+TEST_F(OddMembers, graphMembersChooseByNumber) {
+    records().history.FirstElem = 3;
+    records().history.LastElem = 2;
+    sensor_.values[u"Kiv_GraphArrayFirstElem"_s] = 77;
+    sensor_.values[u"GraphTemperatureMax"_s] = 40.0;
+    for (const int graph : {0, 5, -1}) {
+        EXPECT_EQ(read(u"Kiv_GraphArrayFirstElem"_s, {graph}), 3);
+        EXPECT_EQ(read(u"Kiv_GraphArrayLastElem"_s, {graph}), 2);
+    }
+    EXPECT_EQ(read(u"GraphTemperatureMax"_s, {1}), 0);
+    EXPECT_EQ(after_, QVariantList{1});
+    records().graphs.GraphFreq.Value = 6;
+    EXPECT_EQ(read(u"GetGraphFreq"_s, {1}), 6);
+    connectSensor();
+    for (const int graph : {1, 4})
+        EXPECT_EQ(read(u"Kiv_GraphArrayFirstElem"_s, {graph}), 77);
+    EXPECT_EQ(read(u"GraphTemperatureMax"_s, {0}), 40);
+}
+
+TEST_F(OddMembers, deviceStopIsForALoneClient) {
+    call(u"Device_Start"_s);
+    EXPECT_EQ(read(u"DeviceIsRunning"_s), true);
+    RegisterUsers(records(), clock_, +1);
+    EXPECT_EQ(read(u"Kiv_TotalNoUsers"_s), 2);
+    call(u"Kiv_DeviceStop"_s);
+    EXPECT_EQ(read(u"DeviceIsRunning"_s), true);
+    RegisterUsers(records(), clock_, -1);
+    call(u"Kiv_DeviceStop"_s);
+    EXPECT_EQ(read(u"DeviceIsRunning"_s), false);
+    call(u"Device_Start"_s);
+    RegisterUsers(records(), clock_, +1);
+    call(u"Device_Stop"_s);
+    EXPECT_EQ(read(u"DeviceIsRunning"_s), false);
+}
+
+TEST_F(OddMembers, activityIndicator) {
+    SessionControls& session = records().session;
+    session.CallCounter = 9998;
+    call(u"BlinkLEDCOM"_s);
+    EXPECT_EQ(session.COMCalls.Caption.value(), u"9999"_s);
+    EXPECT_EQ(session.LEDCOM.first.FillColor, 0x80FFFF);
+    EXPECT_EQ(session.LEDCOM.second.FillColor, kGrey);
+    call(u"BlinkLEDCOM"_s);
+    EXPECT_EQ(session.COMCalls.Caption.value(), u"0"_s);
+    EXPECT_EQ(session.LEDCOM.first.FillColor, kGrey);
+    EXPECT_EQ(session.LEDCOM.second.FillColor, 0x80FFFF);
+    read(u"SecondsSinceGoodData"_s);
+    clock_.advanceMs(12'999);
+    read(u"Safe"_s);
+    read(u"Condition_Cloud"_s);
+    EXPECT_EQ(session.COMPeriod.Caption.value(), u"12s"_s);
+}
+
+TEST_F(OddMembers, windowIsAnObjectOfItsOwn) {
+    EXPECT_EQ(read(u"MForm"_s).value<QDBusObjectPath>().path(), u"/Kiv_Skyhold/Nubilo/MForm"_s);
+    const std::shared_ptr<const MemberTable> form = formMembers(*core_);
+    const auto ask = [&](const QString& name, unsigned kind, QVariantList arguments = {}) {
+        return form->invokeByName(name, kind, arguments);
+    };
+    WindowControls& window = records().window;
+    EXPECT_EQ(ask(u"caption"_s, kRead).result, u"Kiv_Skyhold (v2.30.004)"_s);
+    window.HasTrayIcon = true;
+    EXPECT_TRUE(ask(u"WindowState"_s, kPropertyPut, {1}).ok());
+    EXPECT_EQ(window.State, WindowState::Minimized);
+    EXPECT_FALSE(window.Visible);
+    EXPECT_EQ(ask(u"WindowState"_s, kPropertyPut, {3}).error, AutomationError::Exception);
+    EXPECT_EQ(ask(u"WindowState"_s, kRead).result, 1);
+    call(u"WindowNormal"_s);
+    EXPECT_EQ(window.State, WindowState::Normal);
+    EXPECT_TRUE(window.Visible);
+    call(u"WindowMinimize"_s);
+    EXPECT_EQ(window.State, WindowState::Minimized);
+    let(u"WindowLeft"_s, 40);
+    EXPECT_EQ(read(u"WindowLeft"_s), 40);
+    EXPECT_TRUE(window.Placed);
+
+    EXPECT_TRUE(ask(u"Device_Start"_s, kMethod).ok());
+    EXPECT_TRUE(records().session.Running);
+    EXPECT_EQ(ask(u"SecondsSinceGoodData"_s, kRead).result, 3);
+    EXPECT_TRUE(ask(u"HasControl"_s, kMethod, {true, u"x"_s}).ok());
+    EXPECT_TRUE(records().safety.LocalControl);
+    EXPECT_TRUE(ask(u"Device_Stop"_s, kMethod).ok());
+    EXPECT_FALSE(records().session.Running);
+    for (const QString& withheld : {u"RegisterUsers"_s, u"SetAlarmIcons"_s})
+        EXPECT_EQ(ask(withheld, kMethod, {1}).error, AutomationError::UnknownName);
+    EXPECT_EQ(ask(u"Record_Start"_s, kMethod).error, AutomationError::BadParamCount);
+}
+
+TEST(ObjectSafety, optionsPerInterface) {
+    const QString dispatch = u"{00020400-0000-0000-c000-000000000046}"_s;
+    const QString unknown = u"{00000000-0000-0000-C000-000000000046}"_s;
+    const QStringList persistence{u"{0000010A-0000-0000-C000-000000000046}"_s,
+                                  u"{00000109-0000-0000-C000-000000000046}"_s,
+                                  u"{37D84F60-42CB-11CE-8135-00AA004BB851}"_s};
+    const ObjectSafety on{true, true};
+    const ObjectSafety off;
+    const auto enabled = [](const ObjectSafety& safety, const QString& id) {
+        const auto options = GetInterfaceSafetyOptions(safety, id);
+        EXPECT_EQ(options.value_or(SafetyOptions{}).supported, 3U);
+        return options.value_or(SafetyOptions{}).enabled;
+    };
+    EXPECT_EQ(enabled(on, dispatch), 1U);
+    EXPECT_EQ(enabled(off, dispatch), 0U);
+    for (const QString& id : persistence) {
+        EXPECT_EQ(enabled(on, id), 2U);
+        EXPECT_EQ(enabled(off, id), 0U);
+    }
+    EXPECT_FALSE(GetInterfaceSafetyOptions(on, unknown));
+
+    const struct {
+        ObjectSafety safety;
+        QString id;
+        std::uint32_t mask, enabled;
+        AutomationError error;
+    } cases[] = {
+        {on, dispatch, 1, 1, AutomationError::None},
+        {on, dispatch, 0xFFFFFFFF, 1, AutomationError::None},
+        {on, dispatch, 3, 3, AutomationError::Fail},
+        {on, dispatch, 1, 0, AutomationError::Fail},
+        {on, dispatch, 2, 2, AutomationError::Fail},
+        {off, dispatch, 1, 1, AutomationError::Fail},
+        {on, persistence[2], 2, 3, AutomationError::None},
+        {on, persistence[0], 3, 3, AutomationError::Fail},
+        {off, persistence[1], 2, 2, AutomationError::Fail},
+        {on, unknown, 1, 1, AutomationError::NoInterface},
+        {on, QString(), 2, 2, AutomationError::NoInterface},
+    };
+    for (const auto& [safety, id, mask, options, error] : cases)
+        EXPECT_EQ(SetInterfaceSafetyOptions(safety, id, mask, options), error)
+            << qPrintable(id) << mask << options;
+}
+
+} // namespace
+} // namespace skyhold

@@ -1,0 +1,161 @@
+#include "core/recording.h"
+
+#include "support/core_fixture.h"
+
+#include <QDir>
+
+#include <string>
+#include <vector>
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+// What the cycles leave behind: the user data file and the graph history.
+class Recording : public CoreFixture {
+  protected:
+    Recording() {
+        for (DataColumn& column : records().dataFile.Columns)
+            column.Prt = false;
+    }
+
+    void showColumn(std::size_t slot) { records().dataFile.Columns[slot - 1].Prt = true; }
+
+    std::vector<std::string> lines() const {
+        QFile file(folder_->filePath(u"Skyhold.csv"_s));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        std::vector<std::string> found;
+        for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
+            EXPECT_TRUE(line.endsWith("\r\n"));
+            found.push_back(line.chopped(2).toStdString());
+        }
+        return found;
+    }
+};
+
+TEST_F(Recording, linesOfASession) {
+    for (const std::size_t slot : {2, 3, 4, 5, 7, 13, 24, 25})
+        showColumn(slot);
+    records().dataFile.SaveFreq.set(0);
+    EXPECT_EQ(records().dataFile.SaveFreq.Value, 1);
+    records().dataFile.SaveFreq.set(2);
+    records().dataFile.RecOption.choose(0);
+    StartSession(*core_);
+    sensor_.takeCalls();
+    cycle(); // counted only
+    StationPage page;
+    page.wind = u"15"_s;
+    page.humidity = u"95 %"_s;
+    sensor_.values[u"Condition_Rain"_s] = 0;
+    cycle(page);
+    EXPECT_EQ(sensor_.takeCalls().filter(u"Description"_s).size(), 5)
+        << "the words on the display are not asked for again";
+    cycle();
+    records().dataFile.RecOption.choose(1);
+    cycle();
+    EXPECT_EQ(
+        lines(),
+        (std::vector<std::string>{
+            R"("Time","Cloud Condition","Rain Condition","Wind Condition","Temperature Condition","Wind Speed","Switch Status","Safe Condtition")",
+            R"("12:00:00","Clear","Dry","Calm","Fine","5","Opened","Safe")",
+            R"("12:00:00","Clear","Unknown","Windy","Fine","15","Closed","Unsafe")"}));
+}
+
+TEST_F(Recording, lineIsWrittenWhileSourcesFail) {
+    for (const std::size_t slot : {3, 5, 11, 13})
+        showColumn(slot);
+    records().dataFile.RecOption.choose(0);
+    StartSession(*core_);
+    sensor_.values[u"DeviceIsRunning"_s] = false;
+    QFile::remove(stationPath());
+    RunReadCycle(*core_);
+    sensor_.answering = false;
+    RunReadCycle(*core_);
+    // The display is blank; the readings keep their last state. A sensor program that does not
+    // answer has no words.
+    EXPECT_EQ(records().display.LCondCloud.Caption.value(), QString());
+    EXPECT_EQ(lines(), (std::vector<std::string>{
+                           R"("Cloud Condition","Wind Condition","Cloud Value","Wind Speed")",
+                           R"("Clear","Calm","-25.3","5")", R"("Clear","Calm","-25.3","5")",
+                           R"("","Calm","-25.3","5")"}));
+    EXPECT_EQ(records().history.count(), 2) << "the first reading";
+
+    // Asking for the words must not make the first good cycle a failed one.
+    sensor_.answering = true;
+    sensor_.values[u"DeviceIsRunning"_s] = true;
+    cycle();
+    EXPECT_FALSE(records().readings.SensorError);
+    EXPECT_EQ(codes(), QString());
+}
+
+TEST_F(Recording, startThatFailsShowsItsCode) {
+    const auto check = [this](const char* what) {
+        EXPECT_EQ(codes(), u"d13"_s) << what;
+        EXPECT_EQ(records().session.Statusbar2.ForeColor, kRed) << what;
+        EXPECT_EQ(records().dataFile.RecOption.Index, 1) << what;
+        EXPECT_TRUE(records().dataFile.FileName.Enabled) << what;
+        records().session.Statusbar2.Caption = QString();
+    };
+    records().dataFile.LblPathName.Caption = folder_->filePath(u"gone"_s);
+    records().dataFile.RecOption.choose(0);
+    check("user");
+    Record_Start(*core_, true);
+    check("automation");
+    ASSERT_TRUE(QDir().mkdir(folder_->filePath(u"gone"_s)));
+    Record_Start(*core_, true);
+    EXPECT_EQ(codes(), QString());
+    EXPECT_EQ(records().dataFile.RecOption.Index, 0);
+    Record_Stop(*core_);
+    EXPECT_EQ(records().dataFile.RecOption.Index, 1);
+}
+
+TEST_F(Recording, unloadClosesTheFileLast) {
+    showColumn(13);
+    records().dataFile.RecOption.choose(0);
+    StartSession(*core_);
+    Unload(*core_);
+    EXPECT_FALSE(core_->recorder.recording);
+    RunReadCycle(*core_);
+    EXPECT_EQ(lines(), (std::vector<std::string>{"\"Wind Speed\"", "\"5\""}));
+}
+
+TEST_F(Recording, historyFollowsTheCyclesTheBoxesAndTheUnits) {
+    const GraphHistory& history = records().history;
+    const GraphControls& graphs = records().graphs;
+    EXPECT_EQ(history.SampleEvery, 6);
+    EXPECT_EQ(graphs.GraphSpan.Caption.value(), u"7200"_s);
+    EXPECT_EQ(graphs.GraphSpanDesc.Caption.value(), u"02 h 00 m 00 s"_s);
+    records().session.RefreshRead.choose(0);
+    EXPECT_EQ(graphs.GraphSpan.Caption.value(), u"3600"_s);
+    records().graphs.GraphFreq.set(2);
+    EXPECT_EQ(graphs.GraphSpan.Caption.value(), u"1200"_s);
+    records().graphs.GraphNoPoints.set(5);
+    EXPECT_EQ(graphs.GraphNoPoints.Value, 20);
+    EXPECT_EQ(graphs.GraphSpan.Caption.value(), u"200"_s);
+
+    StationPage page;
+    page.wind = u"36"_s;
+    StartSession(*core_);
+    cycle();
+    cycle(page);
+    StopSession(*core_);
+    ASSERT_EQ(history.count(), 3) << "kept over the end of a session";
+    EXPECT_EQ(history.point(3).wind, 36);
+    EXPECT_EQ(history.point(3).spread, 8);
+    EXPECT_EQ(history.point(3).date, 46342.5) << "the sensor program's last reading";
+
+    records().units.UnitsSpeed.choose(2);
+    records().units.UnitsTemp.choose(1);
+    for (const std::int32_t elem : {1, 2})
+        EXPECT_DOUBLE_EQ(history.point(elem).wind, 5 / 3.6);
+    EXPECT_EQ(history.point(3).wind, 10);
+    EXPECT_DOUBLE_EQ(history.point(3).gust, 8 / 3.6);
+    EXPECT_EQ(history.point(3).spread, 14);
+    EXPECT_EQ(history.point(3).temperature, 54);
+    records().graphs.GraphNoPoints.set(21);
+    EXPECT_EQ(history.count(), 0);
+}
+
+} // namespace
+} // namespace skyhold

@@ -1,0 +1,198 @@
+#include "graphs/render.h"
+
+#include "pictures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace skyhold {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+const QStringList kNames{u"Kiv_ImageWindCondition"_s,    u"Kiv_ImageGustCondition"_s,
+                         u"Kiv_ImageWindDirCondition"_s, u"Kiv_ImageDewCondition"_s,
+                         u"Kiv_ImageHumCondition"_s,     u"Kiv_ImageTempCondition"_s};
+
+class Render : public testing::Test {
+  protected:
+    Render() {
+        for (std::size_t i = 0; i < 6; ++i) {
+            graphs.GraphGenerate[i].Value = 1;
+            graphs.GraphImage[i].Value = 1;
+            for (Label& colour : graphs.GraphColor[i])
+                colour.BackColor = 0x404040;
+            graphs.GraphColor[i][1].BackColor = lineColour(i);
+        }
+        graphs.ImageType.Value = 1;
+        graphs.GraphSpan.Caption = u"7200"_s;
+        graphs.GraphImagePath.Caption = folder.path();
+        for (const Quantity quantity : kStationQuantities) {
+            for (std::size_t i = 0; i < 3; ++i) {
+                conditions.limits(quantity)[i].Value = std::array{10.0, 20.0, 99.0}[i];
+                conditions.swatches(quantity)[i].BackColor = kSwatchGreen;
+            }
+        }
+        // Quantity i stands at one sixth of the plot area lower than the one before.
+        history.Points.assign(21, {});
+        history.FirstElem = 1;
+        history.LastElem = 2;
+        history.point(1) = {kNight, 2, 6, 30, 11, 16, 50};
+        history.point(2) = {kNight + 7200 * kSecond, 2, 6, 30, 11, 16, 50};
+    }
+
+    static Colour lineColour(std::size_t i) { return 0x200000 * (static_cast<Colour>(i) + 1); }
+
+    void render() {
+        RenderGraphs({history, conditions, graphs}, pictures, rendered, library, statusbar2);
+    }
+    QString codes() const { return statusbar2.Caption; }
+    QStringList files() const {
+        return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+    static QStringList sorted(QStringList names, const QString& extension) {
+        for (QString& name : names)
+            name += extension;
+        names.sort();
+        return names;
+    }
+
+    QTemporaryDir folder;
+    GraphHistory history;
+    ConditionControls conditions;
+    GraphControls graphs;
+    GraphPictures pictures;
+    RenderedGraphs rendered;
+    ImageLibrary library;
+    Label statusbar2;
+};
+
+TEST_F(Render, EveryGraphShowsItsOwnQuantity) {
+    render();
+    const int bottom = plotBottom(pictures[0].Size);
+    const std::array<double, 6> values{2, 6, 30, 11, 16, 50};
+    for (std::size_t i = 0; i < 6; ++i) {
+        const int y = i == 2 ? directionPosition(30, bottom)
+                             : verticalPosition(values[i], {10, 20, 99}, bottom);
+        EXPECT_EQ(pixel(pictures[i], 0, y), rgb(lineColour(i))) << i;
+        const QImage file(folder.filePath(kNames[static_cast<qsizetype>(i)] + u".png"_s), "PNG");
+        EXPECT_EQ(file.pixel(0, y), rgb(lineColour(i))) << i;
+    }
+    EXPECT_EQ(files(), sorted(kNames, u".png"_s));
+    EXPECT_EQ(codes(), QString());
+}
+
+TEST_F(Render, DrawsAgainOnlyWhatHasChanged) {
+    const auto drawn = [this] {
+        std::array<int, 6> counts{};
+        for (std::size_t i = 0; i < 6; ++i)
+            counts[i] = pictures[i].Drawings;
+        return counts;
+    };
+    const struct {
+        const char* what;
+        std::function<void()> change;
+        const char* again; // one letter a graph: x is drawn again
+    } cases[] = {
+        {"nothing", [] {}, "......"},
+        {"a new point",
+         [this] {
+             history.point(++history.LastElem) = {kNight + 0.1, 3, 7};
+         },
+         "xxxxxx"},
+        {"a converted history", [this] { history.point(2).wind = 1; }, "x....."},
+        {"a limit", [this] { conditions.LimitDew[1].Value = 30; }, "...x.."},
+        {"a description", [this] { conditions.ColorHum[2].Caption = u"Wet"_s; }, "....x."},
+        {"a level's colour", [this] { conditions.ColorTemp[0].BackColor = kRed; }, ".....x"},
+        {"a graph's colour", [this] { graphs.GraphColor[2][2].BackColor = kRed; }, "..x..."},
+        {"the time span", [this] { graphs.GraphSpan.Caption = u"9000"_s; }, "xxxxxx"},
+        {"a size",
+         [this] {
+             pictures[1].Size = {700, 240};
+         },
+         ".x...."},
+        {"a pixel ratio", [this] { pictures[0].PixelRatio = 1.5; }, "x....."},
+        {"nothing any more", [] {}, "......"},
+    };
+    render();
+    for (const auto& c : cases) {
+        const std::array<int, 6> before = drawn();
+        c.change();
+        for (const QString& file : files())
+            QFile::remove(folder.filePath(file));
+        render();
+        std::string again;
+        for (std::size_t i = 0; i < 6; ++i)
+            again += drawn()[i] == before[i] ? '.' : 'x';
+        EXPECT_EQ(again, c.again) << c.what;
+        // The files are written every time, and show what the pictures show.
+        for (std::size_t i = 0; i < 6; ++i) {
+            const QString name = kNames[static_cast<qsizetype>(i)] + u".png"_s;
+            const QImage file(folder.filePath(name), "PNG");
+            EXPECT_TRUE(file.convertToFormat(QImage::Format_RGB32) == pictures[i].Image)
+                << c.what << i;
+        }
+    }
+}
+
+TEST_F(Render, BoxesChooseWhatIsDrawnAndSaved) {
+    graphs.ImageType.Value = 0;
+    graphs.ImageQuality.Index = 2;
+    graphs.GraphGenerate[0].Value = 0; // saved, not drawn
+    graphs.GraphImage[1].Value = 0;    // drawn, not saved
+    render();
+    QStringList names = kNames;
+    names.removeAt(1);
+    EXPECT_EQ(files(), sorted(names, u".jpg"_s));
+    EXPECT_EQ(QImage(folder.filePath(kNames[0] + u".jpg"_s), "JPEG").pixelColor(300, 100),
+              QColor(Qt::white));
+    EXPECT_EQ(pictures[1].Drawings, 1);
+
+    // A graph that is no longer drawn keeps its last drawing.
+    graphs.GraphGenerate[5].Value = 0;
+    const QImage last = pictures[5].Image;
+    history.point(2).temperature = 15;
+    render();
+    EXPECT_EQ(pictures[5].Image, last);
+    EXPECT_EQ(codes(), QString());
+}
+
+TEST_F(Render, WithoutAFolderNothingIsSaved) {
+    for (const QString& path : {QString(), u"   "_s}) {
+        graphs.GraphImagePath.Caption = path;
+        render();
+        EXPECT_EQ(codes(), QString());
+    }
+    EXPECT_EQ(pictures[0].Drawings, 1);
+    // Blanks around a folder and a separator at its end do not count.
+    graphs.GraphImagePath.Caption = u" "_s + folder.path() + u"\\ "_s;
+    render();
+    EXPECT_EQ(files(), sorted(kNames, u".png"_s));
+}
+
+TEST_F(Render, FailuresAreReportedAndTriedAgain) {
+    graphs.GraphImagePath.Caption = folder.filePath(u"images"_s);
+    render();
+    EXPECT_EQ(codes(), u"i23"_s);
+    EXPECT_EQ(statusbar2.ForeColor, kRed);
+    EXPECT_EQ(pictures[5].Drawings, 1); // the cycle went on
+
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"images"_s));
+    statusbar2.Caption = QString();
+    render();
+    EXPECT_EQ(codes(), QString());
+    EXPECT_TRUE(QFile::exists(folder.filePath(u"images/Kiv_ImageTempCondition.png"_s)));
+
+    ImageLibrary missing(u"no_such_image_library"_s);
+    RenderGraphs({history, conditions, graphs}, pictures, rendered, missing, statusbar2);
+    EXPECT_EQ(codes(), u"i24"_s);
+    EXPECT_EQ(statusbar2.ForeColor, kRed);
+}
+
+} // namespace
+} // namespace skyhold

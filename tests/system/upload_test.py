@@ -1,0 +1,334 @@
+"""The uploader against servers good and bad, and the monitor that hands files to it."""
+
+import configparser
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from servers import PASSWORD, USER, Ftp, Sftp, StoppingFtp, make_certificate
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+import run  # noqa: E402
+
+UPLOADER = run.PROGRAMS / "Kiv_Uploader.exe"
+BIG = bytes(range(256)) * 40_000  # more than all buffers on the way to a server hold
+
+
+def quoted(text):
+    return '"' + str(text).replace("\\", "\\\\").replace('"', '\\"') + '"'
+
+
+def processes_with_parent(parent):
+    found = []
+    for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        try:
+            fields = stat.read_text().rpartition(")")[2].split()
+        except OSError:
+            continue
+        if int(fields[1]) == parent and fields[0] != "Z":
+            found.append(int(stat.parent.name))
+    return found
+
+
+class UploadTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-test-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.run = run.Run(self.folder, run.environment(self.folder, None))
+        self.addCleanup(self.run.end)
+        self.run.variables["HOME"] = str(self.folder)
+        self.settings = self.folder / "user/config/Kiv"
+        self.settings.mkdir(mode=0o700, parents=True)
+        self.servers = 0
+        (self.folder / "out").mkdir()
+
+    def serve(self, kind, *arguments, **more):
+        """A server with a folder of its own, which is `remote` from now on."""
+        self.servers += 1
+        self.remote = self.folder / f"remote{self.servers}"
+        return kind(self.remote, *arguments, **more)
+
+    def file(self, name, contents):
+        """A file to upload; written anew it has another modification time."""
+        path = self.folder / "out" / name
+        before = path.stat().st_mtime_ns if path.exists() else 0
+        path.write_bytes(contents)
+        while path.stat().st_mtime_ns // 1_000_000 <= before // 1_000_000:
+            os.utime(path)
+        return path
+
+    def write_settings(self, application, text):
+        path = self.settings / f"{application}.ini"
+        path.write_text(text, encoding="utf-8")
+        path.chmod(0o600)
+
+    def hand_off(self, address, files, path="web/data/", timeout=20, password=PASSWORD):
+        self.write_settings(
+            "Kiv_Uploader",
+            f"[Setup]\nServer={quoted(address)}\nServerPath={quoted(path)}\n"
+            f"Username={USER}\nPassword={quoted(password)}\nTimeoutUPLOAD={timeout}\n"
+            f"NoFiles={len(files)}\n"
+            + "".join(f"File{i}={quoted(file)}\n" for i, file in enumerate(files, 1)))
+
+    def running(self):
+        area = configparser.ConfigParser(interpolation=None)
+        area.read(self.settings / "Kiv_Uploader.ini", encoding="utf-8")
+        return area.get("Window", "Running", fallback=None)
+
+    def start_uploader(self):
+        log = self.folder / f"log{len(self.run.started)}"
+        with open(log, "wb") as errors:
+            uploader = self.run.start(UPLOADER, stderr=errors)
+        uploader.log = log
+        return uploader
+
+    def wait_until(self, what, holds, seconds=20):
+        end = time.monotonic() + seconds
+        while not holds():
+            self.assertLess(time.monotonic(), end, f"did not come: {what}")
+            time.sleep(0.01)
+
+    def end_of(self, uploader, seconds=20):
+        """What it has said; its word is taken back and the password is nowhere."""
+        uploader.wait(seconds)
+        self.assertEqual(self.running(), "0")
+        for path in self.folder.rglob("*"):
+            if path.is_file() and path.suffix != ".ini":
+                self.assertNotIn(PASSWORD.encode(), path.read_bytes(), path)
+        self.assertEqual((self.settings / "Kiv_Uploader.ini").stat().st_mode & 0o777, 0o600)
+        return uploader.log.read_text()
+
+    def upload(self, seconds=20):
+        uploader = self.start_uploader()
+        said = self.end_of(uploader, seconds)
+        return uploader.returncode, said
+
+    def received(self, name):
+        return (self.remote / "web/data" / name).read_bytes()
+
+    def test_files_arrive_whole_and_again(self):
+        for what, renames_over in [("renames over a file", True), ("does not", False)]:
+            with self.subTest(what), self.serve(Ftp, renames_over=renames_over) as server:
+                names = ["a b;#%41ä.htm", "empty", "big.png"]
+                for contents in [BIG, BIG[1:] + b"new"]:
+                    wanted = {names[0]: contents[:5000], names[1]: b"", names[2]: contents}
+                    self.hand_off(server.address, [self.file(*item) for item in wanted.items()])
+                    status, said = self.upload()
+                    self.assertEqual(status, 0, said)
+                    for name, bytes_ in wanted.items():
+                        self.assertEqual(self.received(name), bytes_)
+                # Nothing else is there, and no file ever was under its name in part.
+                self.assertEqual(sorted(os.listdir(self.remote / "web/data")), sorted(names))
+                for command in server.commands:
+                    if command.startswith("STOR"):
+                        self.assertTrue(command.endswith(".part"), command)
+
+    def test_refusals_are_told_and_hold_nothing_up(self):
+        page = self.file("page.htm", b"page")
+        missing = self.folder / "out/missing"
+        cases = [
+            # what, permissions on the server, hand-off, what is said, arrives
+            ("password", "elradfmw", {"password": "another"},
+             "127.0.0.1 refuses the user name or the password", False),
+            ("folder", "elradfw", {}, "127.0.0.1 refuses the folder web/data/", False),
+            ("file", "elradfm", {}, "127.0.0.1 refuses the file", False),
+            ("name", "elradmw", {}, "127.0.0.1 does not give it its name", False),
+            ("missing file", "elradfmw", {"files": [missing, page]}, "there is no such file", True),
+            ("folder as file", "elradfmw", {"files": [page.parent, page]}, "it is no file", True),
+        ]
+        for what, permissions, more, told, arrives in cases:
+            with self.subTest(what), self.serve(Ftp, permissions) as server:
+                self.hand_off(server.address, **{"files": [page], **more})
+                status, said = self.upload(10)
+                self.assertEqual(status, 1)
+                self.assertIn(told, said)
+                self.assertEqual((self.remote / "web/data/page.htm").exists(), arrives)
+
+        closed = self.serve(StoppingFtp, None)
+        closed.listener.close()
+        for address, told in [(closed.address, "no connection to 127.0.0.1"),
+                              ("", "no server address is set"),
+                              (f"{USER}:{PASSWORD}@127.0.0.1/", "the server address is none")]:
+            with self.subTest(address):
+                self.hand_off(address, [page])
+                status, said = self.upload(10)
+                self.assertEqual(status, 1)
+                self.assertIn(told, said)
+
+    def test_servers_that_hang_or_hang_up_are_left_in_time(self):
+        files = [self.file("big.png", BIG), self.file("page.htm", b"page")]
+        late = "127.0.0.1 was not done within 1 s"
+        cases = [
+            # where it stops, hangs up, what is said, arrives of the second file
+            ("greeting", False, late, False),
+            ("login", False, late, False),
+            ("mid-file", False, late, True),
+            ("receipt", False, late, True),
+            ("rename", False, late, True),
+            ("mid-file", True, "127.0.0.1: ", True),
+        ]
+        for stop_at, hang_up, told, second_arrives in cases:
+            with self.subTest(stop_at, hang_up=hang_up), \
+                    self.serve(StoppingFtp, stop_at, hang_up) as server:
+                self.hand_off(server.address, files, path="", timeout=1)
+                begin = time.monotonic()
+                uploader = self.start_uploader()
+                self.wait_until("the stop", server.stopped.is_set)
+                if not hang_up:
+                    self.assertEqual(self.running(), "1")
+                said = self.end_of(uploader, 10)
+                self.assertLess(time.monotonic() - begin, 4)
+                self.assertEqual(uploader.returncode, 1)
+                self.assertIn(f"1 of 2: {files[0]}: {told}", said)
+                self.assertFalse((self.remote / "big.png").exists())
+                self.assertEqual((self.remote / "page.htm").exists(), second_arrives, said)
+
+    def test_key_f6_ends_it_after_the_current_file(self):
+        files = [self.file("big.png", BIG), self.file("page.htm", b"page")]
+        with self.serve(StoppingFtp, "mid-file") as server:
+            self.hand_off(server.address, files, path="")
+            uploader = self.start_uploader()
+            self.wait_until("the first file", server.stopped.is_set)
+            uploader.send_signal(signal.SIGUSR1)
+            self.wait_until("its answer", lambda: "ends after this file" in uploader.log.read_text())
+            self.assertEqual(self.running(), "1")
+            server.go_on.set()
+            self.assertIn("1 of 2 files have arrived", self.end_of(uploader))
+            self.assertEqual((self.remote / "big.png").read_bytes(), BIG)
+            self.assertEqual(os.listdir(self.remote), ["big.png"])
+
+    def test_whoever_is_killed_the_word_is_taken_back(self):
+        files = [self.file("big.png", BIG)]
+        for victim, number in [("worker", signal.SIGKILL), ("guard", signal.SIGKILL),
+                               ("worker", signal.SIGSEGV), ("guard", signal.SIGTERM)]:
+            with self.subTest(victim, signal=number), \
+                    self.serve(StoppingFtp, "mid-file") as server:
+                self.hand_off(server.address, files, path="")
+                guard = self.start_uploader()
+                self.wait_until("the file", server.stopped.is_set)
+                [worker] = processes_with_parent(guard.pid)
+                for process in [guard.pid, worker]:
+                    arguments = pathlib.Path(f"/proc/{process}/cmdline").read_bytes()
+                    self.assertEqual(arguments, bytes(UPLOADER) + b"\0")
+                self.assertEqual(self.running(), "1")
+                os.kill(worker if victim == "worker" else guard.pid, number)
+                self.wait_until("its end", lambda w=worker: self.running() == "0"
+                                and not pathlib.Path(f"/proc/{w}").exists(), 5)
+                self.end_of(guard, 5)
+                self.assertFalse((self.remote / "big.png").exists())
+
+    def test_one_uploader_at_a_time(self):
+        with self.serve(StoppingFtp, "mid-file") as server:
+            self.hand_off(server.address, [self.file("big.png", BIG)], path="")
+            first = self.start_uploader()
+            self.wait_until("the first file", server.stopped.is_set)
+            second = self.start_uploader()
+            self.wait_until("the second uploader",
+                            lambda: "waits for another" in second.log.read_text())
+            server.go_on.set()
+            self.assertEqual(first.wait(20), 0)
+            self.end_of(second)
+            self.assertEqual(second.returncode, 0)
+            self.wait_until("the end of both", lambda: server.events.count("left") == 2)
+            visits = [event for event in server.events if event in ("connected", "left")]
+            self.assertEqual(visits, ["connected", "left"] * 2)
+
+    def test_untrusted_encrypted_servers_do_not_see_the_password(self):
+        page = self.file("page.htm", b"page")
+        certificate = make_certificate(self.folder / "certificate.pem")
+        with self.serve(Ftp, certificate=certificate) as server:
+            self.hand_off("ftpes://" + server.address, [page])
+            _status, said = self.upload(10)
+            self.assertIn("its certificate is not trusted", said)
+            self.assertEqual(server.commands, ["AUTH SSL"])
+        with self.serve(Sftp) as server:
+            self.hand_off(server.address, [page])
+            _status, said = self.upload(10)
+            self.assertIn("its key is not in ~/.ssh/known_hosts", said)
+            self.assertEqual(server.passwords, [])
+
+    def test_sftp_files_arrive_whole_and_again(self):
+        with self.serve(Sftp) as server:
+            known_hosts = self.folder / ".ssh/known_hosts"
+            known_hosts.parent.mkdir(mode=0o700)
+            known_hosts.write_text(server.known_hosts_line)
+            for contents in [BIG[:300_000], b"new"]:
+                files = [self.file('a "b" c.htm', contents), self.file("d", contents[1:])]
+                self.hand_off(server.address, files)
+                status, said = self.upload()
+                self.assertEqual(status, 0, said)
+                self.assertEqual(self.received('a "b" c.htm'), contents)
+                self.assertEqual(self.received("d"), contents[1:])
+            self.assertEqual(len(os.listdir(self.remote / "web/data")), 2)
+            self.hand_off(server.address, files, password="another")
+            self.assertIn("refuses the user name or the password", self.upload()[1])
+
+    def start_monitor(self, address, files):
+        self.write_settings(
+            "Kiv_Skyhold",
+            f"[Setup]\nEmulator=0\nReadStation=0\nUpload=1\nRefreshUpload=0\nTimeoutUPLOAD=20\n"
+            f"Server={quoted(address)}\nServerPath=web/data/\n"
+            f"Username={USER}\nPassword={quoted(PASSWORD)}\nNoFiles={len(files)}\n"
+            + "".join(f"FileName{i}={file.name}\nFilePath{i}={quoted(file.parent)}\n"
+                      for i, file in enumerate(files, 1)))
+        self.run.start_bus()
+        log = self.folder / "monitor-log"
+        with open(log, "wb") as errors:
+            monitor = self.run.start(run.PROGRAMS / "Kiv_Skyhold", "--headless", "--start",
+                                     "--time-scale", "30", stdout=subprocess.DEVNULL, stderr=errors)
+        monitor.log = log
+        return monitor
+
+    def test_monitor_hands_off_again_and_again_whatever_becomes_of_the_uploader(self):
+        with self.serve(StoppingFtp, "mid-file") as server:
+            (self.remote / "web/data").mkdir(parents=True)
+            server.folder = self.remote / "web/data"
+            files = [self.file("graph.png", BIG), self.file("page.htm", b"page")]
+            monitor = self.start_monitor(server.address, files)
+
+            # Both processes of the first uploader are killed: its word stays behind.
+            self.wait_until("the first file", server.stopped.is_set)
+            [guard] = [process for process in self.uploaders() if
+                       processes_with_parent(process)]
+            for process in [guard, *processes_with_parent(guard)]:
+                os.kill(process, signal.SIGKILL)
+            self.wait_until("their end", lambda: not self.uploaders())
+            self.assertEqual(self.running(), "1")
+            server.go_on.set()
+
+            for change in range(3):
+                self.file("graph.png", BIG[change:])
+                self.file("page.htm", b"page %d" % change)
+                self.wait_until("both files", lambda c=change:
+                                self.arrived("graph.png") == BIG[c:] and
+                                self.arrived("page.htm") == b"page %d" % c)
+                self.wait_until("the uploader's end", lambda: self.running() == "0"
+                                and not self.uploaders())
+            monitor.send_signal(signal.SIGTERM)
+            monitor.log, said = monitor.log, self.end_of(monitor)
+            self.assertEqual(monitor.returncode, 0, said)
+
+    def uploaders(self):
+        found = []
+        for exe in pathlib.Path("/proc").glob("[0-9]*/exe"):
+            try:
+                if exe.resolve() == UPLOADER.resolve() and \
+                        bytes(self.folder) in (exe.parent / "environ").read_bytes():
+                    found.append(int(exe.parent.name))
+            except OSError:
+                pass  # it has ended
+        return found
+
+    def arrived(self, name):
+        path = self.remote / "web/data" / name
+        return path.read_bytes() if path.exists() else None
+
+
+if __name__ == "__main__":
+    unittest.main()

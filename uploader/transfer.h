@@ -1,0 +1,49 @@
+// The transfer of files to one server, over one connection as long as it holds.
+#pragma once
+
+#include "uploader/upload_job.h"
+
+#include <curl/curl.h>
+
+#include <memory>
+
+namespace skyhold {
+
+struct TransferResult {
+    QString fault;           // empty: the file has arrived
+    bool serverLost = false; // no other file would fare better
+};
+
+class Transfer {
+  public:
+    // `cancelled` is asked all the time; once it says true the current file breaks off within about
+    // a second. `job` outlives this object.
+    Transfer(const UploadJob& job, bool (*cancelled)());
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    // Sends a file of at most 256 MiB into the server's folder, which is made when it is missing.
+    // It is sent under a name of its own (NAME.part) and takes its name when it has arrived whole,
+    // so that nobody ever finds a part of it under its name. Takes at most the job's time-out,
+    // whatever the server does or fails to do.
+    TransferResult send(const QString& path);
+
+  private:
+    CURLcode store(const QString& name, const QByteArray& bytes);
+    CURLcode replaceAndRename(const QString& name);
+    CURLcode perform(const QByteArray& url, const QList<QByteArray>& commandsAfterwards);
+    QList<QByteArray> renameCommands(const QString& name) const;
+    QByteArray deleteCommand(const QString& name) const;
+    bool renameWasRefused() const;
+    // After a fault the server may never answer again: nobody waits for its farewell, and the next
+    // file gets a connection of its own.
+    void hangUp();
+    TransferResult result(CURLcode code, bool tookNothing) const;
+
+    const UploadJob& job_;
+    bool (*cancelled_)();
+    std::unique_ptr<CURL, void (*)(CURL*)> curl_;
+    std::int64_t deadline_ = 0; // of the current file, ms of the steady clock
+};
+
+} // namespace skyhold
