@@ -1,4 +1,4 @@
-// Draws docs/graphs.png: the six graphs of a simulated night on one sheet.
+// Draws docs/graphs.png and docs/graphs@2x.png: the six graphs of a simulated night on one sheet.
 //
 // usage: graphs_sheet FILE [PIXEL_RATIO]
 #include "graphs/history.h"

@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QMediaDevices>
 #include <QMediaPlayer>
+#include <QTimer>
 #include <QUrl>
 
 #include <cstdio>
@@ -43,14 +44,24 @@ int main(int argc, char** argv) {
                      [&file](QMediaPlayer::Error, const QString& reason) {
                          QCoreApplication::exit(fail(file + QStringLiteral(": ") + reason));
                      });
-    QObject::connect(&player, &QMediaPlayer::mediaStatusChanged, &application,
-                     [](QMediaPlayer::MediaStatus status) {
-                         if (status == QMediaPlayer::EndOfMedia)
-                             QCoreApplication::quit();
-                     });
-    if (repeat)
-        player.setLoops(QMediaPlayer::Infinite);
-    player.setSource(QUrl::fromLocalFile(file));
-    player.play();
+    // Opened anew for each time: the library's own loop, and playing again after the end, stop
+    // sounding after a few times.
+    QTimer begin;
+    begin.setSingleShot(true);
+    QObject::connect(&begin, &QTimer::timeout, &player, [&player, &file] {
+        player.setSource(QUrl());
+        player.setSource(QUrl::fromLocalFile(file));
+        player.play();
+    });
+    const auto atEnd = [&begin, repeat](QMediaPlayer::MediaStatus status) {
+        if (status != QMediaPlayer::EndOfMedia)
+            return;
+        if (repeat)
+            begin.start();
+        else
+            QCoreApplication::quit();
+    };
+    QObject::connect(&player, &QMediaPlayer::mediaStatusChanged, &application, atEnd);
+    begin.start();
     return QCoreApplication::exec();
 }

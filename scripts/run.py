@@ -19,6 +19,7 @@ PROGRAMS = pathlib.Path(os.environ.get("SKYHOLD_PROGRAMS") or
                         pathlib.Path(__file__).resolve().parent.parent / "build/release/bin")
 SENSOR_NAME = "Kiv_Nubilo.Nubilo"
 CCDAP_NAME = "Kiv_CCDAP4_II.dat"
+GRAPHS = ["Wind", "Gust", "Dir", "Hum", "Dew", "Temp"]
 READ_SECONDS = [5, 10, 30, 60]  # choices of the read interval, by their index in the settings
 
 SENSOR_FAULTS = ["slow-ready", "old-version", "role", "not-running", "xfer-error", "late", "silent",
@@ -67,6 +68,8 @@ def parse_arguments():
                         help="play a log of observations (CSV) instead of made-up weather")
     parser.add_argument("--fault", type=fault, action="append", default=[], metavar="NAME",
                         help="a fault to show; may be given several times")
+    parser.add_argument("--record", action="store_true", help="record the user data file")
+    parser.add_argument("--images", action="store_true", help="save the graphs as images")
     parser.add_argument("--dir", type=pathlib.Path, metavar="FOLDER",
                         help="folder for everything (default: a new one)")
     parser.add_argument("--screenshot", type=pathlib.Path, metavar="FILE",
@@ -107,7 +110,7 @@ def environment(folder, replay):
     return variables
 
 
-def write_settings(folder, station_file, read_seconds):
+def write_settings(folder, station_file, read_seconds, images=False):
     """The settings that the monitor starts with; all others have their defaults."""
     def text(value):
         return '"' + str(value).replace("\\", "\\\\").replace('"', '\\"') + '"'
@@ -126,7 +129,8 @@ def write_settings(folder, station_file, read_seconds):
         f"PathNameCCDAP4={text(folder / 'ccdap')}\n"
         "SafeDelayVal=30\n"
         "\n[Graphs]\n"
-        f"GraphImagePath={text(folder / 'images')}\n", encoding="utf-8")
+        f"GraphImagePath={text(folder / 'images')}\n" +
+        "".join(f"Image{graph}={int(images)}\n" for graph in GRAPHS), encoding="utf-8")
     settings.chmod(0o600)
 
 
@@ -232,7 +236,7 @@ def play(run, options):
     station_file = run.folder / "station" / ("station.htm" if options.station == "html"
                                              else "station.csv")
     station_file.parent.mkdir(exist_ok=True)
-    write_settings(run.folder, station_file, read_seconds)
+    write_settings(run.folder, station_file, read_seconds, options.images)
 
     station_file.unlink(missing_ok=True)  # of an earlier run in the same folder
 
@@ -264,6 +268,8 @@ def play(run, options):
     command = [PROGRAMS / "Kiv_Skyhold", "--start", *shared_clock]
     if options.headless:
         command += ["--headless", "--report"]
+    if options.record:
+        command.append("--record")
     if cycles:
         command += ["--cycles", cycles]
     if options.screenshot:
@@ -307,6 +313,10 @@ def main():
     finally:
         run.end()
     report("CCDAutopilot file", folder / "ccdap" / CCDAP_NAME)
+    if options.record:
+        report("User data file", folder / "data" / "Skyhold.csv")
+    if options.images:
+        report("Images", folder / "images")
     if options.screenshot:
         report("Picture of the window", options.screenshot.absolute())
     return status

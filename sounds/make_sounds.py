@@ -69,6 +69,8 @@ def write(path, samples):
 
 
 def main():
+    if len(sys.argv) != 2 or sys.argv[1].startswith("-"):
+        sys.exit("usage: make_sounds.py FOLDER")
     folder = pathlib.Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
     for name, (seconds, tones) in SOUNDS.items():

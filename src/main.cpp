@@ -1,5 +1,6 @@
 // The program: options, one instance, first start, updater, window or terminal, and the end.
 #include "automation/nubilo_server.h"
+#include "core/recording.h"
 #include "core/session.h"
 #include "core/start_up.h"
 #include "platform/clock_options.h"
@@ -12,6 +13,7 @@
 #include "ui/kiv_setup_form.h"
 #include "ui/look.h"
 #include "ui/main_window.h"
+#include "ui/tray.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -33,6 +35,7 @@ struct Options {
     bool headless = false;
     bool start = false;
     bool report = false;
+    bool record = false;
     int cycles = 0; // 0: no end
     QString screenshot;
 };
@@ -49,6 +52,8 @@ Options parseOptions(const QApplication& application, bool headless) {
                                    QStringLiteral("Start a monitoring session at once."));
     const QCommandLineOption report(QStringLiteral("report"),
                                     QStringLiteral("Write a line for every read cycle."));
+    const QCommandLineOption record(QStringLiteral("record"),
+                                    QStringLiteral("Record the user data file, appending."));
     const QCommandLineOption cycles(QStringLiteral("cycles"),
                                     QStringLiteral("End after <n> read cycles."),
                                     QStringLiteral("n"), QStringLiteral("0"));
@@ -56,11 +61,15 @@ Options parseOptions(const QApplication& application, bool headless) {
         QStringLiteral("screenshot"),
         QStringLiteral("Leave a picture of the window in <file> at the end."),
         QStringLiteral("file"));
-    parser.addOptions({headlessOption, start, report, cycles, screenshot});
+    parser.addOptions({headlessOption, start, report, record, cycles, screenshot});
     parser.addOptions(clockOptions());
     parser.process(application);
-    return {headless, parser.isSet(start), parser.isSet(report), parser.value(cycles).toInt(),
-            parser.value(screenshot)};
+    return {.headless = headless,
+            .start = parser.isSet(start),
+            .report = parser.isSet(report),
+            .record = parser.isSet(record),
+            .cycles = parser.value(cycles).toInt(),
+            .screenshot = parser.value(screenshot)};
 }
 
 bool wantsHeadless(int argc, char** argv) {
@@ -153,6 +162,7 @@ int main(int argc, char** argv) {
     LoadMainWindow(core);
 
     std::unique_ptr<KivSHMainform> window;
+    std::unique_ptr<Tray> tray;
     if (!headless) {
         window = std::make_unique<KivSHMainform>(core);
         core.showMessage = makeMessageDialog(*window);
@@ -160,6 +170,7 @@ int main(int argc, char** argv) {
             window->close();
         };
         QObject::connect(window.get(), &KivSHMainform::closed, window.get(), end);
+        tray = std::make_unique<Tray>(core, *window);
         if (options.report)
             window->centralWidget()->installEventFilter(new PaintReport(window.get()));
         window->show();
@@ -179,6 +190,8 @@ int main(int argc, char** argv) {
         end();
     });
     followCycles(core, options);
+    if (options.record)
+        Record_Start(core, true);
     if (options.start)
         QTimer::singleShot(0, &application, [&core] { StartSession(core); });
 
@@ -191,6 +204,7 @@ int main(int argc, char** argv) {
     }
     // A signal or the last cycle ends a running session too; the window has stopped it already.
     StopSession(core);
+    tray.reset();
     server->stop();
     Unload(core);
     window.reset();

@@ -17,7 +17,7 @@ namespace skyhold {
 
 namespace {
 
-constexpr std::int64_t kLargestFile = 256 * 1024 * 1024;
+constexpr std::int64_t kLargestFile = std::int64_t{256} * 1024 * 1024;
 
 // The bytes of a file that are still to be sent.
 struct Remaining {
@@ -125,7 +125,7 @@ TransferResult Transfer::send(const QString& path) {
     if (!curl_)
         return {u"the transfer library does not start"_s, true};
 
-    deadline_ = QDeadlineTimer(job_.timeoutSeconds * 1000).deadline();
+    deadline_ = QDeadlineTimer(job_.timeoutSeconds * std::int64_t{1000}).deadline();
     CURLcode code = store(name, bytes);
     curl_off_t sent = 0;
     curl_easy_getinfo(curl_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);

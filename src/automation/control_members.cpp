@@ -61,7 +61,7 @@ AutomationReply cloudAlarmDelay(Core& core, QVariantList&) {
 
 // True hands the switch over to clients, so that reading it back gives false.
 AutomationReply setDeviceSwitchCtrl(Core& core, QVariantList& arguments) {
-    const AutomationReply role = readFromSensor(core, u"Kiv_DeviceRole"_s, Text);
+    AutomationReply role = readFromSensor(core, u"Kiv_DeviceRole"_s, Text);
     if (!role.ok())
         return role;
     if (role.result.toString() != u"MASTER"_s)
@@ -168,12 +168,14 @@ void addSwitch(MemberList& list) {
                    Activity::Signal, Source::Sensor},
                   answering([](Core& core) { return core.records.session.SWRole.Index == 0; }),
                   setDeviceSwitchCtrl);
-    list.method(u"Kiv_LocalControl"_s, {{u"vData"_s, Bool, false}, {u"sLabel"_s, Text, false}},
-                {Empty, u"takes (true) or gives back control of the verdict; the label says who"_s},
-                [](Core& core, QVariantList& arguments) {
-                    HasControl(core, arguments[0].toBool(), arguments[1].toString());
-                    return answered();
-                });
+    list.method(
+        u"Kiv_LocalControl"_s, {{u"vData"_s, Bool, false}, {u"sLabel"_s, Text, false}},
+        {Empty,
+         u"takes (true) or gives back control of the verdict; the label says who; ends with the last client"_s},
+        [](Core& core, QVariantList& arguments) {
+            HasControl(core, arguments[0].toBool(), arguments[1].toString());
+            return answered();
+        });
     list.method(u"Kiv_SetSwitch"_s, {{u"vData"_s, I4, false}},
                 {Empty, u"roof switch: 1 opens, 2 closes; while clients drive it"_s},
                 [](Core& core, QVariantList& arguments) {

@@ -184,6 +184,8 @@ const QString kMembersPreface =
     "fails with `Exception` instead. A connected sensor program that fails is an `Exception` too.\n"
     "Where a member also answers for this program, that works without the sensor program.\n"
     "\n"
+    "What is 0 or 1 takes no other number; a client's true is -1 and is refused with `Exception`.\n"
+    "\n"
     "*Shows*: what the window shows of the call: a call, or a call with the seconds since the "
     "last\n"
     "such one.\n"

@@ -224,7 +224,7 @@ void addAlarms(MemberList& list) {
     for (const AlarmBox& alarm : kAlarms) {
         list.property(
             u"Alarm"_s + latin(alarm.level),
-            {I4, u"1: the alarm of the level is on; only with a sound"_s},
+            {I4, u"1: the alarm of the level is on, 0: it is not; only with a sound"_s},
             answering([alarm](Core& core) { return alarm.of(core).Value.value(); }),
             [alarm](Core& core, QVariantList& arguments) {
                 if (!isCheckValue(arguments[0]))
@@ -271,7 +271,7 @@ void addUnsafe(MemberList& list) {
             return (core.records.conditions.*boxes)[index];
         };
         list.property(
-            latin(name), {I4, u"1: the level makes the sky unsafe"_s},
+            latin(name), {I4, u"1: the level makes the sky unsafe, 0: it does not"_s},
             answering([box](Core& core) { return box(core).Value.value(); }),
             [box](Core& core, QVariantList& arguments) {
                 if (!isCheckValue(arguments[0]))
@@ -302,7 +302,7 @@ void addRest(MemberList& list) {
     const auto suspend = [](Core& core) -> CheckBox& {
         return core.records.alarms.SuspendSoundAlarm;
     };
-    list.property(u"AlarmSuspendSound"_s, {I4, u"1: condition alarms make no sound"_s},
+    list.property(u"AlarmSuspendSound"_s, {I4, u"1: condition alarms make no sound, 0: they do"_s},
                   answering([suspend](Core& core) { return suspend(core).Value.value(); }),
                   [suspend](Core& core, QVariantList& arguments) {
                       if (!isCheckValue(arguments[0]))

@@ -12,7 +12,7 @@
 namespace skyhold {
 
 // A station's file is a few kilobytes; a larger one was chosen by mistake and is not read.
-constexpr std::int64_t kStationFileLimit = 16 * 1024 * 1024;
+constexpr std::int64_t kStationFileLimit = std::int64_t{16} * 1024 * 1024;
 
 // What earlier reads of the session found in the file. A file that is read while the station
 // writes it lacks something of that; its values must not pass for those of a calm night.

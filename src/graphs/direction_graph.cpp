@@ -3,9 +3,8 @@
 #include "graphs/graph_paper.h"
 #include "platform/text_forms.h"
 
-#include <QList>
-
 #include <algorithm>
+#include <cmath>
 
 namespace skyhold {
 
@@ -17,56 +16,60 @@ constexpr int kParts = 8;
 constexpr int kDegreesPerPart = 45;
 constexpr int kDotSize = 3;
 constexpr int kLabelMargin = 4;
+constexpr int kPlateAlpha = 170; // of 255
 
 int borderPosition(const GraphPaper& paper, int border) {
     const double y = roundHalfEven(paper.bottom() * border / double{kParts});
     return std::min(static_cast<int>(y), paper.bottom() - 1);
 }
 
-struct GridLabel {
-    QRect place;
-    QString text;
-};
-
-// Centred on their lines, which pause for them; the outermost ones stay inside the plot.
-std::vector<GridLabel> gridLabels(GraphPaper& paper) {
-    std::vector<GridLabel> labels;
-    paper.setFont(kLabelPoints);
-    for (int border = 0; border <= kParts; ++border) {
-        const QString text =
-            QString::number(border * kDegreesPerPart).rightJustified(3, u'0') + u'°';
-        const QSize size = paper.textSize(text);
-        const int top = std::clamp(borderPosition(paper, border) - size.height() / 2, 1,
-                                   std::max(paper.bottom() - 1 - size.height(), 1));
-        labels.push_back({{kLabelMargin, top, size.width() + 3, size.height()}, text});
-    }
-    return labels;
-}
-
-void drawGrid(GraphPaper& paper, const std::vector<GridLabel>& labels, QColor grid) {
+void drawGrid(GraphPaper& paper, QColor grid) {
     QPainter& painter = paper.painter();
     painter.fillRect(0, 0, paper.width(), paper.bottom(), kGround);
     for (int border = 0; border <= kParts; ++border)
         painter.fillRect(1, borderPosition(paper, border), paper.width() - 2, 1, grid);
-    for (const GridLabel& label : labels)
-        painter.fillRect(label.place, kGround);
+}
+
+// One round dot, drawn once and stamped for every point.
+QImage dotStamp(QColor colour, double pixelRatio) {
+    const auto pixels = static_cast<int>(std::ceil(kDotSize * pixelRatio));
+    QImage stamp(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    stamp.setDevicePixelRatio(pixelRatio);
+    stamp.fill(Qt::transparent);
+    QPainter painter(&stamp);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawEllipse(QRectF(0, 0, kDotSize, kDotSize));
+    return stamp;
 }
 
 void drawPoints(GraphPaper& paper, const TimeAxis& axis, const DirectionGraph& graph) {
-    QList<QPoint> dots;
+    const QImage stamp =
+        dotStamp(paintColour(graph.pointColour), paper.painter().device()->devicePixelRatioF());
     for (const TimedValue& point : graph.series.points)
-        dots.append({axis.position(point.time), directionPosition(point.value, paper.bottom())});
-    QPen pen(paintColour(graph.pointColour), kDotSize);
-    pen.setCapStyle(Qt::RoundCap);
-    paper.painter().setPen(pen);
-    paper.painter().drawPoints(dots.constData(), static_cast<int>(dots.size()));
+        paper.painter().drawImage(
+            QPoint(axis.position(point.time) - kDotSize / 2,
+                   directionPosition(point.value, paper.bottom()) - kDotSize / 2),
+            stamp);
 }
 
-// After the points, so that both stay visible where they meet.
-void drawLabels(GraphPaper& paper, const std::vector<GridLabel>& labels) {
+// Centred on their lines; the outermost ones stay inside the plot. They dim what lies under them
+// and do not hide it, for the points run below them too.
+void drawLabels(GraphPaper& paper) {
+    QColor plate = kGround;
+    plate.setAlpha(kPlateAlpha);
     paper.setFont(kLabelPoints);
-    for (const GridLabel& label : labels)
-        paper.drawRightAligned(label.place, label.text);
+    for (int border = 0; border <= kParts; ++border) {
+        const QString label =
+            QString::number(border * kDegreesPerPart).rightJustified(3, u'0') + u'°';
+        const QSize size = paper.textSize(label);
+        const int top = std::clamp(borderPosition(paper, border) - size.height() / 2, 1,
+                                   std::max(paper.bottom() - 1 - size.height(), 1));
+        const QRect place(kLabelMargin, top, size.width() + 3, size.height());
+        paper.painter().fillRect(place, plate);
+        paper.drawRightAligned(place, label);
+    }
 }
 
 } // namespace
@@ -79,12 +82,11 @@ int directionPosition(double degrees, int bottom) {
 void DrawDirectionGraph(const DirectionGraph& graph, Picture& picture) {
     GraphPaper paper(picture, graph.textColour);
     const TimeAxis axis = timeAxis(graph.series, paper.width());
-    const std::vector<GridLabel> labels = gridLabels(paper);
-    drawGrid(paper, labels, paintColour(graph.gridColour));
+    drawGrid(paper, paintColour(graph.gridColour));
     paper.drawTimeTicks(axis);
     paper.drawMarker();
     drawPoints(paper, axis, graph);
-    drawLabels(paper, labels);
+    drawLabels(paper);
 }
 
 } // namespace skyhold

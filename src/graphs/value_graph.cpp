@@ -3,9 +3,9 @@
 #include "graphs/graph_paper.h"
 #include "platform/text_forms.h"
 
-#include <QPolygon>
-
 #include <cmath>
+#include <optional>
+#include <vector>
 
 namespace skyhold {
 
@@ -36,22 +36,34 @@ void drawBands(GraphPaper& paper, const std::array<ConditionBand, 3>& bands) {
     }
 }
 
+// From point to point. All points of one column together are one upright bar, and from the last
+// of a column a line leads to the first of the next: thousands of points cost no more than there
+// are columns.
 void drawLine(GraphPaper& paper, const TimeAxis& axis, const ValueGraph& graph) {
-    QPolygon line;
-    const auto append = [&line](const QPoint& point) {
-        if (line.isEmpty() || line.constLast() != point)
-            line.append(point);
-    };
-    for (const TimedValue& point : graph.series.points) {
-        const int y = verticalPosition(point.value, graph.thresholds, paper.bottom());
-        if (line.isEmpty())
-            append({0, y});
-        append({axis.position(point.time), y});
+    constexpr int kHalf = kLineWidth / 2;
+    std::vector<QRect> bars;
+    std::vector<QLine> lines;
+    std::optional<QPoint> last;
+    for (const TimedValue& timed : graph.series.points) {
+        const QPoint point(axis.position(timed.time),
+                           verticalPosition(timed.value, graph.thresholds, paper.bottom()));
+        const QRect dot(point.x() - kHalf, point.y() - kHalf, kLineWidth, kLineWidth);
+        if (last && last->x() == point.x()) {
+            bars.back() |= dot;
+        } else {
+            bars.push_back(dot);
+            if (last)
+                lines.emplace_back(*last, point);
+        }
+        last = point;
     }
-    QPen pen(paintColour(graph.lineColour), kLineWidth);
-    pen.setJoinStyle(Qt::RoundJoin);
-    paper.painter().setPen(pen);
-    paper.painter().drawPolyline(line);
+    QPainter& painter = paper.painter();
+    const QColor colour = paintColour(graph.lineColour);
+    painter.setPen(QPen(colour, kLineWidth, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLines(lines.data(), static_cast<int>(lines.size()));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawRects(bars.data(), static_cast<int>(bars.size()));
 }
 
 } // namespace

@@ -152,9 +152,9 @@ void AutomationServer::stop() {
 }
 
 QDBusObjectPath AutomationServer::addObject(const QString& name,
-                                            std::shared_ptr<const MemberTable> members) {
+                                            const std::shared_ptr<const MemberTable>& members) {
     const QString path = rootPath_ + u'/' + name;
-    objects_.insert(path, std::move(members));
+    objects_.insert(path, members);
     return QDBusObjectPath(path);
 }
 
@@ -216,8 +216,11 @@ bool AutomationServer::handleMessage(const QDBusMessage& message, const QDBusCon
     const bool forDispatch = interface == QLatin1String(kDispatchInterface);
     if ((forDispatch || interface.isEmpty()) && dispatch(*table, message))
         return true;
-    if (!forDispatch)
-        return table == members_.get() && answerFurther(message);
+    if (!forDispatch && table == members_.get() && answerFurther(message))
+        return true;
+    // What every object has, such as introspection, is answered below this.
+    if (interface.isEmpty() || interface.startsWith(QStringLiteral("org.freedesktop.DBus.")))
+        return false;
     bus_.send(message.createErrorReply(QDBusError::UnknownMethod,
                                        QStringLiteral("No method %1 with signature \"%2\"")
                                            .arg(message.member(), message.signature())));

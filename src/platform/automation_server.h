@@ -56,8 +56,9 @@ class MemberTable {
     QHash<std::int32_t, std::vector<std::size_t>> membersById_;
 };
 
-// A further interface of every instance: its introspection data, and what it answers to a message
-// with its name (or with none); nothing when it does not know the method.
+// A further interface of every instance: its introspection data (none for what every object has
+// anyway), and what it answers to a message with its name (or with none); nothing when it does not
+// know the method.
 struct InstanceInterface {
     QString name;
     QString xml;
@@ -88,7 +89,8 @@ class AutomationServer : public QDBusVirtualObject {
     void stop();
 
     // A further object below the factory's path; lives as long as the server.
-    QDBusObjectPath addObject(const QString& name, std::shared_ptr<const MemberTable> members);
+    QDBusObjectPath addObject(const QString& name,
+                              const std::shared_ptr<const MemberTable>& members);
 
     void addInterface(InstanceInterface interface) { interfaces_.push_back(std::move(interface)); }
 

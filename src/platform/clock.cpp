@@ -32,11 +32,11 @@ SystemClock::SystemClock(const ClockStart& start)
     : start_(start)
     , shifted_(start.origin.isValid())
     , monotonicAtStart_(monotonicMs()) {
-    stampAtStart_ = localStamp(now());
+    stampAtStart_ = localStamp(SystemClock::now());
 }
 
 QDateTime SystemClock::now() const {
-    const QDateTime real = QDateTime::currentDateTime();
+    QDateTime real = QDateTime::currentDateTime();
     if (!shifted_)
         return real;
     const double elapsed = static_cast<double>(real.toMSecsSinceEpoch() - start_.realOriginMs);

@@ -60,7 +60,7 @@ FileContents readFile(const QString& path, std::int64_t limit) {
     QByteArray bytes;
     // The file may grow while it is read; one byte beyond the limit tells.
     const std::int64_t atMost = limit + 1;
-    constexpr std::int64_t kChunk = 64 * 1024;
+    constexpr std::int64_t kChunk = 65'536;
     while (bytes.size() < atMost) {
         const std::int64_t wanted = std::min<std::int64_t>(kChunk, atMost - bytes.size());
         const qsizetype before = bytes.size();
@@ -153,10 +153,10 @@ QString programFolder() {
 }
 
 QString writableProgramFolder() {
-    const QString folder = programFolder();
+    QString folder = programFolder();
     if (QFileInfo(folder).isWritable())
         return folder;
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     QDir().mkpath(data);
     return data;
 }

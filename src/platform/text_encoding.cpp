@@ -19,7 +19,10 @@ class Converter {
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    bool valid() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
+    // The error value of iconv_open is defined as this cast.
+    bool valid() const {
+        return handle_ != reinterpret_cast<iconv_t>(-1); // NOLINT(performance-no-int-to-ptr)
+    }
 
     // Converts as much as possible from `in`; `in` is moved past what was converted.
     bool convert(char** in, std::size_t* inLeft, char** out, std::size_t* outLeft) {

@@ -8,24 +8,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr char kPropertiesXml[] = R"(  <interface name="org.freedesktop.DBus.Properties">
-    <method name="Get">
-      <arg name="interface_name" type="s" direction="in"/>
-      <arg name="property_name" type="s" direction="in"/>
-      <arg name="value" type="v" direction="out"/>
-    </method>
-    <method name="Set">
-      <arg name="interface_name" type="s" direction="in"/>
-      <arg name="property_name" type="s" direction="in"/>
-      <arg name="value" type="v" direction="in"/>
-    </method>
-    <method name="GetAll">
-      <arg name="interface_name" type="s" direction="in"/>
-      <arg name="properties" type="a{sv}" direction="out"/>
-    </method>
-  </interface>
-)";
-
 QString signatureOf(AutomationType type) {
     switch (type) {
     case AutomationType::I4:
@@ -222,14 +204,14 @@ QString typedInterfaceXml(const QString& name, const MemberTable& members,
 std::vector<InstanceInterface> typedInterface(const QString& name, const QString& xml,
                                               std::shared_ptr<const MemberTable> members) {
     const auto typed = std::make_shared<const TypedMembers>(name, std::move(members));
-    return {{name, xml,
-             [typed](const QDBusMessage& message) {
-                 return typed->callMethod(message);
-             }},
-            {u"org.freedesktop.DBus.Properties"_s, QString::fromLatin1(kPropertiesXml),
-             [typed](const QDBusMessage& message) {
-                 return typed->useProperty(message);
-             }}};
+    InstanceInterface methods{name, xml, [typed](const QDBusMessage& message) {
+                                  return typed->callMethod(message);
+                              }};
+    InstanceInterface properties{u"org.freedesktop.DBus.Properties"_s, QString(),
+                                 [typed](const QDBusMessage& message) {
+                                     return typed->useProperty(message);
+                                 }};
+    return {std::move(methods), std::move(properties)};
 }
 
 } // namespace skyhold

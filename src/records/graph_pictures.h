@@ -15,7 +15,7 @@ struct Picture {
     QImage Image;               // the last drawing, Size times PixelRatio; null before the first
     QProperty<int> Drawings{0}; // counts drawings, so that a view can follow
 
-    QSize imageSize() const { return (QSizeF(Size) * PixelRatio).toSize(); }
+    QSize imageSize() const { return (QSizeF(Size) * PixelRatio).toSize().expandedTo({1, 1}); }
     // Whether the last drawing is as large as the view wants it.
     bool fits() const {
         return Image.size() == imageSize() && Image.devicePixelRatio() == PixelRatio;

@@ -95,15 +95,24 @@ void bind(QPushButton* widget, Button& record) {
 }
 
 void bind(KivGetNumber* widget, NumberBox& record) {
-    widget->setDigits(record.DigitsMostSignificant, record.DigitsDecimal, record.AllowNegative);
+    widget->setDigitsMostSignificant(record.DigitsMostSignificant);
+    widget->setDigitsDecimal(record.DigitsDecimal);
+    widget->setAllowNegative(record.AllowNegative);
     follow(widget, record.Value, [widget](double value) {
         // A text that already says so stays as it was typed.
-        if (widget->text().isEmpty() || widget->value() != value)
+        if (!widget->holdsNumber() || widget->value() != value)
             widget->setValue(value);
     });
     followEnabled(widget, record.Enabled);
-    QObject::connect(widget, &KivGetNumber::valueEdited, widget,
-                     [&record](double value) { record.set(value); });
+    // A rule may put a value right, or start a history anew, so it waits for the whole number.
+    QObject::connect(widget, &KivGetNumber::valueEdited, widget, [&record](double value) {
+        if (!record.Change)
+            record.set(value);
+    });
+    QObject::connect(widget, &KivGetNumber::valueEntered, widget, [&record](double value) {
+        if (record.Value != value)
+            record.set(value);
+    });
 }
 
 void bind(QButtonGroup* widget, OptionGroup& record) {

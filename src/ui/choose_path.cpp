@@ -11,6 +11,17 @@ QString chooseStationFile(QWidget* parent, const QString& current) {
                                         nullptr, QFileDialog::HideNameFilterDetails);
 }
 
+QStringList chooseUploadFiles(QWidget* parent) {
+    const QString filter = QStringLiteral(
+        "PNG images(*.png) (*.png);;JPG Images(*.jpg) (*.jpg);;GIF Images(*.gif) (*.gif);;"
+        "BMP Images(*.bmp) (*.bmp);;HTML Files(*.htm*) (*.htm*);;"
+        "SCRIPT Files (*.vbs;*.js) (*.vbs *.js);;"
+        "ALL Images (*.bmp;*.jpg;*.gif;*.png) (*.bmp *.jpg *.gif *.png);;ALL Files(*.*) (*)");
+    return QFileDialog::getOpenFileNames(parent, QStringLiteral("Select Files to UPLOAD"),
+                                         QString(), filter, nullptr,
+                                         QFileDialog::HideNameFilterDetails);
+}
+
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current) {
     return QFileDialog::getExistingDirectory(parent, title, current);
 }

@@ -1,13 +1,15 @@
 // The platform's dialogs for a file and for a folder. An empty answer means cancelled.
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 class QWidget;
 
 namespace skyhold {
 
 QString chooseStationFile(QWidget* parent, const QString& current);
+// Several at once.
+QStringList chooseUploadFiles(QWidget* parent);
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current);
 
 } // namespace skyhold

@@ -1,46 +1,168 @@
 #include "ui/kiv_get_number.h"
 
 #include <QFocusEvent>
-#include <QRegularExpression>
-#include <QRegularExpressionValidator>
-#include <QTimer>
+#include <QScopedValueRollback>
+#include <QValidator>
 
 namespace skyhold {
 
-KivGetNumber::KivGetNumber(QWidget* parent)
-    : QLineEdit(parent)
-    , forms_(localeNumberForms()) {
-    setAlignment(Qt::AlignRight);
-    connect(this, &QLineEdit::textEdited, this, [this] { Q_EMIT valueEdited(value()); });
+namespace {
+
+// Undoes what is pasted or dropped and could not be typed. A text of another kind may be shown all
+// the same.
+class TypedOnly : public QValidator {
+  public:
+    TypedOnly(const NumberEntry& entry, QObject* parent)
+        : QValidator(parent)
+        , entry_(entry) {}
+
+    State validate(QString& text, int&) const override {
+        return canBeTyped(text, entry_) ? Acceptable : Invalid;
+    }
+
+  private:
+    const NumberEntry& entry_;
+};
+
+// The character that a key press types; none for shortcuts and keys that move.
+QChar typedCharacter(const QKeyEvent& event) {
+    if (event.key() == Qt::Key_Backspace)
+        return u'\b';
+    const QString text = event.text();
+    const bool shortcut = event.modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
+    return !shortcut && text.size() == 1 && text[0].isPrint() ? text[0] : QChar();
 }
 
-void KivGetNumber::setDigits(int mostSignificant, int decimals, bool allowNegative) {
-    decimals_ = decimals;
-    QString pattern = allowNegative ? QStringLiteral("-?") : QString();
-    pattern += QStringLiteral("[0-9]{0,%1}").arg(mostSignificant);
-    if (decimals > 0)
-        pattern += QStringLiteral("(%1[0-9]{0,%2})?")
-                       .arg(QRegularExpression::escape(forms_.decimal))
-                       .arg(decimals);
-    setValidator(new QRegularExpressionValidator(QRegularExpression(pattern), this));
+} // namespace
+
+KivGetNumber::KivGetNumber(QWidget* parent)
+    : QLineEdit(parent)
+    , entry_{.forms = localeNumberForms()} {
+    setAlignment(Qt::AlignRight);
+    setValidator(new TypedOnly(entry_, this));
+    connect(this, &QLineEdit::textEdited, this, [this] { beingEdited_ = true; });
+    connect(this, &QLineEdit::textChanged, this, [this] { followChange(); });
+    connect(this, &QLineEdit::returnPressed, this, [this] {
+        if (edited_ && holdsNumber())
+            Q_EMIT valueEntered(value());
+    });
 }
 
 double KivGetNumber::value() const {
-    return numberFromText(text(), forms_).value_or(0);
+    return numberOfText(text(), entry_.forms);
 }
 
 void KivGetNumber::setValue(double value) {
-    QString shown = numberText(value, forms_);
-    const qsizetype point = shown.indexOf(forms_.decimal);
-    if (point >= 0)
-        shown.truncate(decimals_ > 0 ? point + forms_.decimal.size() + decimals_ : point);
-    setText(shown);
+    showText(textOfNumber(value, displayFormat_, entry_));
+    edited_ = false;
+}
+
+bool KivGetNumber::holdsNumber() const {
+    return beginsWithNumber(text(), entry_.forms);
+}
+
+// A number that others set is shown whole, whatever can be typed.
+void KivGetNumber::showText(const QString& text) {
+    const QScopedValueRollback guard(inChangeRule_, true);
+    setText(text);
+}
+
+void KivGetNumber::followChange() {
+    Q_EMIT Change();
+    if (inChangeRule_)
+        return;
+    const QString cut = textAfterChange(text(), entry_);
+    if (cut != text()) {
+        const int caret = cursorPosition();
+        showText(cut);
+        setCursorPosition(caret);
+    }
+    Q_EMIT Change();
+    if (!beingEdited_)
+        return;
+    beingEdited_ = false;
+    edited_ = true;
+    if (holdsNumber())
+        Q_EMIT valueEdited(value());
+}
+
+void KivGetNumber::selectWhole() {
+    const auto length = static_cast<int>(text().size());
+    setSelection(length, -length); // the caret at the start
 }
 
 void KivGetNumber::focusInEvent(QFocusEvent* event) {
     QLineEdit::focusInEvent(event);
-    // After the press of a click has set its caret.
-    QTimer::singleShot(0, this, &QLineEdit::selectAll);
+    if (!leavesControl(event->reason()))
+        return; // back from another window: what is selected stays so
+    selectWhole();
+    pressSelects_ = event->reason() == Qt::MouseFocusReason;
+}
+
+void KivGetNumber::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (!leavesControl(event->reason()))
+        return;
+    const bool edited = edited_;
+    if (edited && !holdsNumber())
+        showText(textOfNumber(0, displayFormat_, entry_));
+    else if (!displayFormat_.trimmed().isEmpty())
+        showText(textOfNumber(value(), displayFormat_, entry_));
+    edited_ = false;
+    if (edited)
+        Q_EMIT valueEntered(value());
+}
+
+void KivGetNumber::keyPressEvent(QKeyEvent* event) {
+    Q_EMIT KeyDown(event);
+    const QChar key = typedCharacter(*event);
+    if (key.isNull()) {
+        QLineEdit::keyPressEvent(event);
+        return;
+    }
+    const TextSelection selection{hasSelectedText() ? selectionStart() : cursorPosition(),
+                                  selectionLength()};
+    const bool passes = keyPasses(key, text(), selection, entry_);
+    Q_EMIT KeyPress(passes ? key : QChar());
+    if (passes)
+        QLineEdit::keyPressEvent(event);
+}
+
+void KivGetNumber::keyReleaseEvent(QKeyEvent* event) {
+    QLineEdit::keyReleaseEvent(event);
+    Q_EMIT KeyUp(event);
+}
+
+void KivGetNumber::mousePressEvent(QMouseEvent* event) {
+    Q_EMIT MouseDown(event);
+    QLineEdit::mousePressEvent(event);
+    if (pressSelects_)
+        selectWhole(); // the press has set its caret
+}
+
+void KivGetNumber::mouseMoveEvent(QMouseEvent* event) {
+    Q_EMIT MouseMove(event);
+    // The hand that gives the focus may tremble.
+    if (!pressSelects_)
+        QLineEdit::mouseMoveEvent(event);
+}
+
+void KivGetNumber::mouseReleaseEvent(QMouseEvent* event) {
+    pressSelects_ = false;
+    QLineEdit::mouseReleaseEvent(event);
+    Q_EMIT MouseUp(event);
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+        Q_EMIT Click();
+}
+
+void KivGetNumber::mouseDoubleClickEvent(QMouseEvent* event) {
+    QLineEdit::mouseDoubleClickEvent(event);
+    Q_EMIT DblClick();
+}
+
+bool leavesControl(Qt::FocusReason reason) {
+    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
+           reason != Qt::MenuBarFocusReason;
 }
 
 } // namespace skyhold

@@ -4,17 +4,22 @@
 #include "core/start_up.h"
 #include "ui/bind.h"
 #include "ui/look.h"
+#include "ui/menus.h"
 #include "ui/monitor_panel.h"
 #include "ui/pages/ccdap_page.h"
+#include "ui/pages/data_file_page.h"
+#include "ui/pages/graphs_page.h"
+#include "ui/pages/images_page.h"
 #include "ui/pages/limits_page.h"
 #include "ui/pages/sources_page.h"
 #include "ui/pages/unsafe_page.h"
+#include "ui/pages/upload_page.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
-#include <QMenuBar>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -35,6 +40,18 @@ WindowState stateOf(const QWidget& window) {
     return window.isMaximized() ? WindowState::Maximized : WindowState::Normal;
 }
 
+// Scrolls to the kept position as soon as, and whenever, the pane is long enough, and keeps where
+// the user scrolls to.
+void keepScroll(QScrollBar* bar, QProperty<int>& position) {
+    QObject::connect(bar, &QScrollBar::rangeChanged, bar,
+                     [bar, &position] { bar->setValue(position); });
+    QObject::connect(bar, &QScrollBar::valueChanged, bar, [bar, &position](int value) {
+        const bool cutShort = value == bar->maximum() && value < position;
+        if (!cutShort)
+            position = value;
+    });
+}
+
 } // namespace
 
 KivSHMainform::KivSHMainform(MonitoringCore& core)
@@ -52,35 +69,40 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     column->addWidget(pages_, 1);
     column->addWidget(new StatusStrip(core_.records.session, content));
     setCentralWidget(content);
-    makeMenus();
+    makeMenuBar(*this, core_);
     setMinimumSize(kSmallestSize);
     resize(kUsualSize);
-    follow(this, window.CloseItemEnabled, [this](bool on) { enableCloseItem(on); });
+    followRecords();
 }
 
-void KivSHMainform::makeMenus() {
+// What automation clients and the rules of the menus do to the window.
+void KivSHMainform::followRecords() {
     WindowControls& window = core_.records.window;
-    const auto add = [this](QMenu* menu, const QString& name, const QString& text,
-                            MenuEntry& record) {
-        QAction* action = text.isEmpty() ? menu->addSeparator() : menu->addAction(text);
-        action->setObjectName(name);
-        bind(action, record);
-        return action;
-    };
-    QMenu* file = menuBar()->addMenu(u"&File"_s);
-    file->setObjectName(u"Filemenu"_s);
-    connect(add(file, u"mnuStart"_s, u"&Start"_s, window.mnuStart), &QAction::triggered, this,
-            [this] { StartSession(core_); });
-    connect(add(file, u"mnuStop"_s, u"S&top"_s, window.mnuStop), &QAction::triggered, this,
-            [this] { StopSession(core_); });
-    add(file, u"mSep0"_s, {}, window.mSep0);
-    connect(add(file, u"MnuExit"_s, u"E&xit"_s, window.MnuExit), &QAction::triggered, this,
-            [this] { close(); });
+    follow(this, window.CloseItemEnabled, [this](bool on) { enableCloseItem(on); });
+    follow(this, window.State, [this](WindowState state) { showState(state); });
+    follow(this, window.Visible, [this](bool visible) {
+        if (placed_ && isVisible() != visible)
+            setVisible(visible);
+    });
+    follow(this, window.Left, [this](int left) {
+        if (placed_ && x() != left)
+            move(left, y());
+    });
+    follow(this, window.Top, [this](int top) {
+        if (placed_ && y() != top)
+            move(x(), top);
+    });
+}
 
-    QMenu* help = menuBar()->addMenu(u"&Help"_s);
-    help->setObjectName(u"mHelp"_s);
-    QAction* about = help->addAction(u"&About"_s, this, [this] { showAbout(); });
-    about->setObjectName(u"mnuAbout"_s);
+void KivSHMainform::showState(WindowState state) {
+    if (!placed_ || stateOf(*this) == state)
+        return;
+    if (state == WindowState::Minimized)
+        setWindowState(windowState() | Qt::WindowMinimized);
+    else if (state == WindowState::Maximized)
+        showMaximized();
+    else
+        showNormal();
 }
 
 void KivSHMainform::makePages() {
@@ -89,11 +111,21 @@ void KivSHMainform::makePages() {
     pages_->setDocumentMode(true);
     Records& records = core_.records;
     addPage(u"S&ources"_s, [this](QWidget* parent) { return makeSourcesPage(core_, parent); });
-    addPage(u"&Limits"_s, [&records](QWidget* parent) {
-        return makeLimitsPage(records.conditions, records.units, parent);
+    addPage(u"&Limits"_s, [this, &records](QWidget* parent) {
+        return makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
     });
-    addPage(u"&Unsafe levels"_s,
-            [&records](QWidget* parent) { return makeUnsafePage(records.conditions, parent); });
+    addPage(u"&Unsafe and alarms"_s, [&core = core_](QWidget* parent) {
+        return makeUnsafePage(core.records.conditions, core.records.alarms, core.records.readings,
+                              core.media, parent);
+    });
+    addPage(u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
+    addPage(u"Images"_s,
+            [&records](QWidget* parent) { return makeImagesPage(records.graphs, parent); });
+    addPage(u"Data file"_s,
+            [&records](QWidget* parent) { return makeDataFilePage(records.dataFile, parent); });
+    addPage(u"Upload"_s, [&records](QWidget* parent) {
+        return makeUploadPage(records.upload, records.session.flgUpload, parent);
+    });
     addPage(u"&CCDAutopilot file"_s,
             [&records](QWidget* parent) { return makeCcdapPage(records.ccdap, parent); });
 
@@ -107,6 +139,14 @@ void KivSHMainform::makePages() {
         buildPage(index);
     });
     buildPage(pages_->currentIndex());
+
+    const auto pane = [this](int index) {
+        return static_cast<QScrollArea*>(pages_->widget(index));
+    };
+    keepScroll(pane(0)->verticalScrollBar(), window.VScrollPos0);
+    keepScroll(pane(1)->verticalScrollBar(), window.VScrollPos1);
+    keepScroll(pane(2)->horizontalScrollBar(), window.HScrollPos2);
+    keepScroll(pane(3)->verticalScrollBar(), window.VScrollPos3);
 }
 
 void KivSHMainform::addPage(const QString& title, std::function<QWidget*(QWidget*)> make) {
@@ -132,6 +172,10 @@ void KivSHMainform::restore() {
     activateWindow();
 }
 
+void KivSHMainform::minimise() {
+    core_.records.window.State = WindowState::Minimized;
+}
+
 void KivSHMainform::closeEvent(QCloseEvent* event) {
     event->setAccepted(RequestClose(core_));
     if (event->isAccepted())
@@ -142,7 +186,10 @@ void KivSHMainform::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange)
         return;
-    core_.records.window.State = stateOf(*this);
+    WindowControls& window = core_.records.window;
+    window.State = stateOf(*this);
+    if (window.State != WindowState::Minimized)
+        window.Visible = true;
     UpdateMenus(core_.records);
 }
 
@@ -187,12 +234,6 @@ void KivSHMainform::enableCloseItem(bool on) {
     // Through the window itself: the widget's own flag would hide the window and show it anew.
     if (QWindow* handle = windowHandle())
         handle->setFlag(Qt::WindowCloseButtonHint, on);
-}
-
-void KivSHMainform::showAbout() {
-    core_.showMessage({core_.version.title() +
-                           u"\n\nA monitor of sky and weather conditions for an observatory."_s,
-                       MessageStyle::Ok, u"About"_s});
 }
 
 } // namespace skyhold

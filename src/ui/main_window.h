@@ -16,8 +16,13 @@ class KivSHMainform : public QMainWindow {
     // Shows and changes the records of `core`, which outlives the window.
     explicit KivSHMainform(MonitoringCore& core);
 
-    // Back from minimised to its normal size, and to the front.
+    // Back from minimised or maximised to its normal size, and to the front.
     void restore();
+    // With a tray icon the window is hidden, else it is an icon like any other.
+    void minimise();
+
+    // What the menu's update entry does; the entry is only offered when this is set.
+    std::function<void()> onUpdate;
 
   Q_SIGNALS:
     // A close request has been granted: the session is stopped, the program may unload.
@@ -30,13 +35,13 @@ class KivSHMainform : public QMainWindow {
     void showEvent(QShowEvent* event) override;
 
   private:
-    void makeMenus();
+    void followRecords();
+    void showState(WindowState state);
     void makePages();
     void addPage(const QString& title, std::function<QWidget*(QWidget*)> make);
     void buildPage(int index);
     void placeOnScreen();
     void enableCloseItem(bool on);
-    void showAbout();
 
     MonitoringCore& core_;
     QTabWidget* pages_ = nullptr;

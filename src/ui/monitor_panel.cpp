@@ -1,5 +1,6 @@
 #include "ui/monitor_panel.h"
 
+#include "core/alarms.h"
 #include "core/session.h"
 #include "ui/bind.h"
 #include "ui/kiv_legend.h"
@@ -7,6 +8,7 @@
 #include "ui/open_editor.h"
 #include "ui/reading_tile.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QPaintEvent>
 #include <QPainter>
@@ -20,6 +22,8 @@ namespace skyhold {
 namespace {
 
 constexpr int kVerdictHeight = 136;
+constexpr int kStopAlarmWidth = 118;
+const QColor kStopAlarmGround(0xb3, 0x53, 0x00);
 
 // The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
 QColor verdictGround(Colour lamp) {
@@ -59,7 +63,7 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->setSpacing(look::kGap);
     top->addWidget(makeVerdict(core.records.conditions, core.records.session));
-    top->addWidget(makeMessages(core.records), 1);
+    top->addWidget(makeMessages(core), 1);
     top->addWidget(makeSwitchAndSession(core));
 
     auto* layout = new QVBoxLayout(this);
@@ -112,7 +116,8 @@ QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions, SessionControl
     return card;
 }
 
-QWidget* MonitorPanel::makeMessages(Records& records) {
+QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
+    Records& records = core.records;
     auto* card = new Card(this);
     card->setFixedHeight(kVerdictHeight);
 
@@ -145,7 +150,10 @@ QWidget* MonitorPanel::makeMessages(Records& records) {
     automaticLayout->setContentsMargins(0, 0, 0, 0);
     automaticLayout->setSpacing(2);
     automaticLayout->addWidget(cause);
-    automaticLayout->addWidget(delay);
+    auto* delayRow = new QHBoxLayout;
+    delayRow->addWidget(delay);
+    delayRow->addSpacing(kStopAlarmWidth); // the button comes and goes without moving the text
+    automaticLayout->addLayout(delayRow);
     bind(automatic, records.session.Frame3);
 
     Readout* control = makeReadout(card, u"LblControl"_s, 15, true);
@@ -153,24 +161,52 @@ QWidget* MonitorPanel::makeMessages(Records& records) {
     bind(control, records.session.LblControl);
     auto* alarms = new QHBoxLayout;
     alarms->setSpacing(look::kGap);
-    const auto addAlarm = [&](const QString& name, Label& record) {
+    int alarmLineHeight = 0;
+    const auto addAlarm = [&](const QString& name, Label& record, int share) {
         Readout* alarm = makeReadout(card, name, 15, true);
         alarm->setInk(screenColour(kOrange));
         bind(alarm, record);
-        alarms->addWidget(alarm);
+        alarms->addWidget(alarm, share);
+        alarmLineHeight = alarm->sizeHint().height();
     };
-    addAlarm(u"WSAlarmMsg"_s, records.display.WSAlarmMsg);
-    addAlarm(u"NBAlarmMsg"_s, records.display.NBAlarmMsg);
-    addAlarm(u"SensorStatus"_s, records.display.SensorStatus);
+    // As much room as their texts need in the smallest window.
+    addAlarm(u"WSAlarmMsg"_s, records.display.WSAlarmMsg, 9);
+    addAlarm(u"NBAlarmMsg"_s, records.display.NBAlarmMsg, 7);
+    addAlarm(u"SensorStatus"_s, records.display.SensorStatus, 4);
 
-    auto* layout = new QVBoxLayout(card);
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(2);
+    lines->addWidget(automatic);
+    lines->addWidget(control);
+    lines->addStretch();
+    lines->addLayout(alarms);
+    auto* overlay = new QVBoxLayout;
+    overlay->addStretch();
+    overlay->addWidget(makeStopAlarm(core, card));
+    overlay->addSpacing(alarmLineHeight + 2);
+    auto* layout = new QGridLayout(card);
     layout->setContentsMargins(16, 8, 16, 8);
-    layout->setSpacing(2);
-    layout->addWidget(automatic);
-    layout->addWidget(control);
-    layout->addStretch();
-    layout->addLayout(alarms);
+    layout->addLayout(lines, 0, 0);
+    layout->addLayout(overlay, 0, 0, Qt::AlignRight);
     return card;
+}
+
+// Ends the noise at once, whatever page is open; the alarm itself goes on.
+QPushButton* MonitorPanel::makeStopAlarm(MonitoringCore& core, QWidget* card) {
+    auto* button = new QPushButton(card);
+    button->setObjectName(u"ButtStopAlarm"_s);
+    button->setFixedSize(kStopAlarmWidth, 32);
+    QFont font = button->font();
+    font.setPixelSize(14);
+    font.setBold(true);
+    button->setFont(font);
+    QPalette loud = button->palette();
+    loud.setColor(QPalette::Button, kStopAlarmGround);
+    loud.setColor(QPalette::ButtonText, Qt::white);
+    button->setPalette(loud);
+    bind(button, core.records.alarms.ButtStopAlarm);
+    connect(button, &QPushButton::clicked, card, [&core] { AlarmStop(core); });
+    return button;
 }
 
 QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {

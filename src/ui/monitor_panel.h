@@ -1,10 +1,12 @@
-// What is always in view: the verdict with its cause, delay and alarm messages, the roof switch,
-// Start and Stop, a tile for every quantity, and the state of both sources and of the clients.
+// What is always in view: the verdict with its cause, delay and alarm messages, Stop Alarm while a
+// sound is started, the roof switch, Start and Stop, a tile for every quantity, and the state of both sources and of the clients.
 #pragma once
 
 #include "core/monitoring_core.h"
 
 #include <QWidget>
+
+class QPushButton;
 
 namespace skyhold {
 
@@ -18,7 +20,8 @@ class MonitorPanel : public QWidget {
 
   private:
     QWidget* makeVerdict(ConditionControls& conditions, SessionControls& session);
-    QWidget* makeMessages(Records& records);
+    QWidget* makeMessages(MonitoringCore& core);
+    QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card);
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(ReadingDisplay& display, UnitControls& units);
     QWidget* makeSources(ReadingDisplay& display, SessionControls& session);

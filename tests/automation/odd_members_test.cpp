@@ -1,9 +1,6 @@
 // Members with rules of their own.
 #include "automation/form_members.h"
-#include "automation/object_safety.h"
 #include "nubilo_fixture.h"
-
-#include <limits>
 
 namespace skyhold {
 namespace {
@@ -129,34 +126,61 @@ TEST_F(OddMembers, checkBoxesTakeZeroAndOne) {
 }
 
 TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
-    ConditionControls& controls = records().conditions;
-    AlarmControls& alarms = records().alarms;
-    let(u"ThreshDewCondensation"_s, 1.5);
-    EXPECT_EQ(controls.LimitDew[0].Value, 1.5);
-    let(u"ThreshTAmbHot"_s, 41);
-    EXPECT_EQ(controls.LimitTemp[2].Value, 41);
-    const auto setsCheck = [this](const QString& name, CheckBox& box) {
-        let(name, 0);
-        EXPECT_EQ(box.Value, 0);
-        let(name, 1);
-        EXPECT_EQ(box.Value, 1) << qPrintable(name);
+    const struct {
+        Quantity quantity;
+        QStringList levels; // in the order of their index
+    } quantities[] = {
+        {Quantity::Cloud, {u"Clear"_s, u"Cloudy"_s, u"Overcast"_s}},
+        {Quantity::Rain, {u"Dry"_s, u"Wet"_s, u"Rain"_s}},
+        {Quantity::Brightness, {u"Dark"_s, u"Light"_s, u"VLight"_s}},
+        {Quantity::Wind, {u"WindCalm"_s, u"WindWindy"_s, u"WindVWindy"_s}},
+        {Quantity::Gust, {u"GustCalm"_s, u"GustWindy"_s, u"GustVWindy"_s}},
+        {Quantity::Temperature, {u"TempCold"_s, u"TempFine"_s, u"TempHot"_s}},
+        {Quantity::Dew, {u"DewCondensation"_s, u"DewHumid"_s, u"DewFine"_s}},
+        {Quantity::Humidity, {u"HumFine"_s, u"HumHumid"_s, u"HumVHumid"_s}},
     };
-    setsCheck(u"SafeDewFine"_s, controls.CondDew[2]);
-    setsCheck(u"SafeDewCondensation"_s, controls.CondDew[0]);
-    setsCheck(u"SafeOvercast"_s, controls.CondCloud[2]);
-    setsCheck(u"SafeTempCold"_s, controls.CondTemp[0]);
-    setsCheck(u"SafeGustVWindy"_s, controls.CondGust[2]);
-    setsCheck(u"SafeHumHumid"_s, controls.CondHum[1]);
-    let(u"SoundOvercast"_s, u"o.wav"_s);
-    EXPECT_EQ(alarms.AlarmCloud[2].Tag.value(), u"o.wav"_s);
-    let(u"ColorTempHot"_s, 0x123456);
-    EXPECT_EQ(controls.ColorTemp[2].BackColor, 0x123456);
-    let(u"DescHumVHumid"_s, u"dripping"_s);
-    EXPECT_EQ(controls.ColorHum[2].Caption.value(), u"dripping"_s);
-    EXPECT_EQ(controls.CondHum[2].Caption.value(), u"dripping"_s);
-    EXPECT_EQ(controls.CondHum[1].Caption.value(), read(u"DescHumHumid"_s));
-    controls.DirectionGust[1].Caption = u"010  020  05"_s;
-    EXPECT_EQ(read(u"DescDirGustWindy"_s), u"010  020  05"_s);
+    ConditionControls& controls = records().conditions;
+    int next = 100; // another value for every control
+    for (const auto& [quantity, levels] : quantities) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            const QString& level = levels[static_cast<qsizetype>(i)];
+            SCOPED_TRACE(qPrintable(level));
+            CheckBox& unsafe = controls.unsafe(quantity)[i];
+            let(u"Safe"_s + level, 0);
+            EXPECT_EQ(unsafe.Value, 0);
+            let(u"Safe"_s + level, 1);
+            EXPECT_EQ(unsafe.Value, 1);
+            if (quantity <= Quantity::Brightness) {
+                const QString sound = u"%1.wav"_s.arg(++next);
+                let(u"Sound"_s + level, sound);
+                EXPECT_EQ(records().alarms.alarms(quantity)[i].Tag.value(), sound);
+                EXPECT_EQ(read(u"Sound"_s + level), sound);
+                let(u"Alarm"_s + level, 1);
+                EXPECT_EQ(records().alarms.alarms(quantity)[i].Value, 1);
+                continue;
+            }
+            const QString limit = u"Thresh"_s + QString(level).replace(u"Temp"_s, u"TAmb"_s);
+            let(limit, ++next + 0.5);
+            EXPECT_EQ(controls.limits(quantity)[i].Value, next + 0.5);
+            EXPECT_EQ(read(limit), next + 0.5);
+            Label& swatch = controls.swatches(quantity)[i];
+            let(u"Color"_s + level, ++next);
+            EXPECT_EQ(swatch.BackColor, next);
+            EXPECT_EQ(read(u"Color"_s + level), next);
+            const QString text = u"text %1"_s.arg(++next);
+            let(u"Desc"_s + level, text);
+            EXPECT_EQ(swatch.Caption.value(), text);
+            EXPECT_EQ(unsafe.Caption.value(), text);
+            EXPECT_EQ(read(u"Desc"_s + level), text);
+        }
+    }
+    for (std::size_t i = 0; i < 3; ++i) {
+        const QString level = QStringList{u"Calm"_s, u"Windy"_s, u"VWindy"_s}[static_cast<int>(i)];
+        controls.DirectionWind[i].Caption = u"wind from %1"_s.arg(i);
+        controls.DirectionGust[i].Caption = u"gust from %1"_s.arg(i);
+        EXPECT_EQ(read(u"DescDirWind"_s + level), u"wind from %1"_s.arg(i));
+        EXPECT_EQ(read(u"DescDirGust"_s + level), u"gust from %1"_s.arg(i));
+    }
 }
 
 TEST_F(OddMembers, dataDisplayed) {
@@ -326,50 +350,6 @@ TEST_F(OddMembers, windowIsAnObjectOfItsOwn) {
     for (const QString& withheld : {u"RegisterUsers"_s, u"SetAlarmIcons"_s})
         EXPECT_EQ(ask(withheld, kMethod, {1}).error, AutomationError::UnknownName);
     EXPECT_EQ(ask(u"Record_Start"_s, kMethod).error, AutomationError::BadParamCount);
-}
-
-TEST(ObjectSafety, optionsPerInterface) {
-    const QString dispatch = u"{00020400-0000-0000-c000-000000000046}"_s;
-    const QString unknown = u"{00000000-0000-0000-C000-000000000046}"_s;
-    const QStringList persistence{u"{0000010A-0000-0000-C000-000000000046}"_s,
-                                  u"{00000109-0000-0000-C000-000000000046}"_s,
-                                  u"{37D84F60-42CB-11CE-8135-00AA004BB851}"_s};
-    const ObjectSafety on{true, true};
-    const ObjectSafety off;
-    const auto enabled = [](const ObjectSafety& safety, const QString& id) {
-        const auto options = GetInterfaceSafetyOptions(safety, id);
-        EXPECT_EQ(options.value_or(SafetyOptions{}).supported, 3U);
-        return options.value_or(SafetyOptions{}).enabled;
-    };
-    EXPECT_EQ(enabled(on, dispatch), 1U);
-    EXPECT_EQ(enabled(off, dispatch), 0U);
-    for (const QString& id : persistence) {
-        EXPECT_EQ(enabled(on, id), 2U);
-        EXPECT_EQ(enabled(off, id), 0U);
-    }
-    EXPECT_FALSE(GetInterfaceSafetyOptions(on, unknown));
-
-    const struct {
-        ObjectSafety safety;
-        QString id;
-        std::uint32_t mask, enabled;
-        AutomationError error;
-    } cases[] = {
-        {on, dispatch, 1, 1, AutomationError::None},
-        {on, dispatch, 0xFFFFFFFF, 1, AutomationError::None},
-        {on, dispatch, 3, 3, AutomationError::Fail},
-        {on, dispatch, 1, 0, AutomationError::Fail},
-        {on, dispatch, 2, 2, AutomationError::Fail},
-        {off, dispatch, 1, 1, AutomationError::Fail},
-        {on, persistence[2], 2, 3, AutomationError::None},
-        {on, persistence[0], 3, 3, AutomationError::Fail},
-        {off, persistence[1], 2, 2, AutomationError::Fail},
-        {on, unknown, 1, 1, AutomationError::NoInterface},
-        {on, QString(), 2, 2, AutomationError::NoInterface},
-    };
-    for (const auto& [safety, id, mask, options, error] : cases)
-        EXPECT_EQ(SetInterfaceSafetyOptions(safety, id, mask, options), error)
-            << qPrintable(id) << mask << options;
 }
 
 } // namespace

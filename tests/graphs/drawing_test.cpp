@@ -119,6 +119,26 @@ TEST(ValueGraphPicture, FillsFromTheLeftThroughEveryPoint) {
     EXPECT_EQ(ink(picture, {152, calm + 1, 448, windy - calm - 2}, rgb(kMiddle)), 0);
 }
 
+TEST(ValueGraphPicture, ManyPointsOfAColumnAreAllShown) {
+    ValueGraph graph = steadyGraph(10);
+    graph.series = steady(10, 2000, 10, 20'000);
+    for (std::size_t i = 1; i < 2000; i += 5)
+        graph.series.points[i].value = 20; // in two columns of three
+    Picture picture;
+    DrawValueGraph(graph, picture);
+    const int bottom = plotBottom(picture.Size);
+    const int calm = verticalPosition(10, graph.thresholds, bottom);
+    const int windy = verticalPosition(20, graph.thresholds, bottom);
+    const TimeAxis axis = timeAxis(graph.series, 600);
+    for (const TimedValue& point : graph.series.points) {
+        const int x = axis.position(point.time);
+        EXPECT_EQ(pixel(picture, x, point.value > 15 ? windy : calm), rgb(kLine)) << x;
+    }
+    // No gap on the way from the one to the other.
+    for (int y = calm; y < windy; ++y)
+        EXPECT_GT(ink(picture, {0, y, 600, 1}, rgb(kMiddle)), 500) << y;
+}
+
 TEST(ValueGraphPicture, WithoutPointsShowsTheBandsAlone) {
     ValueGraph graph = steadyGraph(10);
     graph.series.points.clear();
@@ -199,6 +219,11 @@ TEST(ValueGraphPicture, FollowsSizeAndPixelRatio) {
         EXPECT_EQ(pixel(picture, 0, row), rgb(kLine));
     EXPECT_EQ(pixel(picture, 0, y - 3), rgb(kTop));
     EXPECT_EQ(pixel(picture, 0, y + 2), rgb(kMiddle));
+
+    picture.Size = {}; // a view that is not laid out yet
+    DrawValueGraph(steadyGraph(10), picture);
+    EXPECT_FALSE(picture.Image.isNull());
+    EXPECT_TRUE(picture.fits());
 }
 
 TEST(DirectionPosition, GrowsDownwardsInsideTheEdges) {

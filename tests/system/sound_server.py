@@ -11,7 +11,7 @@ import threading
 import time
 
 RATE = 22050
-WINDOW = RATE // 20  # samples: 50 ms
+WINDOW = RATE // 40  # samples: 25 ms
 LOUD = 500           # root mean square
 PATIENCE = 30        # seconds; a machine may be busy
 
@@ -20,7 +20,8 @@ class SoundServer:
     """A PulseAudio of its own with a sink that goes nowhere; `variables` lead a program to it."""
 
     def __init__(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-sound-"))
+        self.temporary = tempfile.TemporaryDirectory(prefix="kiv_skyhold-sound-")
+        self.folder = pathlib.Path(self.temporary.name)
         runtime = self.folder / "runtime"
         runtime.mkdir(mode=0o700)
         self.variables = dict(os.environ, XDG_RUNTIME_DIR=str(runtime), HOME=str(self.folder),
@@ -54,6 +55,7 @@ class SoundServer:
         self.wake()
         self.server.terminate()
         self.server.wait()
+        self.temporary.cleanup()
 
     def hang(self):
         self.server.send_signal(signal.SIGSTOP)
@@ -67,7 +69,7 @@ class Ear:
 
     def __init__(self, variables):
         self.changed = threading.Condition()
-        self.windows = []  # frequency in Hz to the nearest 20, 0 for silence
+        self.windows = []  # frequency in Hz to the nearest 100, 0 for silence
         self.recorder = subprocess.Popen(
             ["parec", "--device=null.monitor", "--latency-msec=50", "--format=s16le",
              f"--rate={RATE}", "--channels=1"],
@@ -127,8 +129,8 @@ class Ear:
 
 
 def frequency(samples):
-    """The frequency of a tone by its zero crossings, to the nearest 20 Hz; 0 for silence."""
+    """The frequency of a tone by its zero crossings, to the nearest 100 Hz; 0 for silence."""
     if math.sqrt(sum(sample * sample for sample in samples) / len(samples)) < LOUD:
         return 0
     crossings = sum((a < 0) != (b < 0) for a, b in zip(samples, samples[1:]))
-    return round(crossings / 2 / (len(samples) / RATE) / 20) * 20
+    return round(crossings / 2 / (len(samples) / RATE) / 100) * 100

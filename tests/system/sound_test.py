@@ -20,15 +20,15 @@ from sound_server import PATIENCE, RATE, SoundServer
 
 HERE = pathlib.Path(__file__).resolve().parent
 PROGRAMS = pathlib.Path(os.environ["SKYHOLD_PROGRAMS"])
-MP3 = HERE / "tone.mp3"  # 0.4 s of MP3_TONE, 0.4 s of silence
+MP3 = HERE / "tone.mp3"  # 0.2 s of MP3_TONE, 0.2 s of silence
 MP3_TONE = 1000
 WAV_TONE = 600
 
 
 def make_wav(path, tone=WAV_TONE):
-    """0.4 s of the tone and 0.4 s of silence."""
+    """0.2 s of the tone and 0.2 s of silence."""
     samples = array.array("h", [round(12000 * math.sin(2 * math.pi * tone * i / RATE))
-                                for i in range(RATE * 2 // 5)] + [0] * (RATE * 2 // 5))
+                                for i in range(RATE // 5)] + [0] * (RATE // 5))
     with wave.open(str(path), "wb") as file:
         file.setnchannels(1)
         file.setsampwidth(2)
@@ -68,17 +68,21 @@ class Driver:
 
 
 class SoundTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.server = cls.enterClassContext(SoundServer())
+
     def test_files_sound_once_or_repeated_until_stopped(self):
-        with SoundServer() as server, Driver(server.variables) as driver:
-            ear = server.ear
-            wav = make_wav(server.folder / "a tone.wav")
+        ear = self.server.ear
+        with Driver(self.server.variables) as driver:
+            wav = make_wav(self.server.folder / "a tone.wav")
             for file, tone in [(wav, WAV_TONE), (MP3, MP3_TONE)]:
                 with self.subTest(file=file.name):
                     begin = ear.now()
                     self.assertEqual(driver.ask(f"start {file}"), ["sounding"])
                     ear.wait("the tone", lambda b=begin, t=tone: ear.count(t, b))
                     self.assertEqual(driver.next_line(), "silent")  # by itself, at its end
-                    ear.wait_for_silence(1.5)
+                    ear.wait_for_silence(1)
                     self.assertEqual(ear.count(tone, begin), 1)
 
             for file, tone in [(wav, WAV_TONE), (MP3, MP3_TONE)]:
@@ -87,7 +91,7 @@ class SoundTest(unittest.TestCase):
                     self.assertEqual(driver.ask(f"start {file}|repeat"), ["sounding"])
                     ear.wait("three times", lambda b=begin, t=tone: ear.count(t, b) >= 3)
                     self.assertEqual(driver.ask("stop"), ["silent"])
-                    ear.wait_for_silence(1.5)
+                    ear.wait_for_silence(1)
 
             # A sound takes the place of the one before.
             driver.ask(f"start {wav}|repeat")
@@ -101,10 +105,11 @@ class SoundTest(unittest.TestCase):
 
             # It ends with its program, however that ends.
             driver.program.send_signal(signal.SIGKILL)
-            ear.wait_for_silence(1.5)
+            ear.wait_for_silence(1)
 
     def test_what_cannot_be_played_is_told_once_and_holds_nobody(self):
-        with SoundServer() as server, Driver(server.variables) as driver:
+        server = self.server
+        with Driver(server.variables) as driver:
             wav = make_wav(server.folder / "tone.wav")
             rubbish = server.folder / "rubbish.mp3"
             rubbish.write_bytes(b"no sound at all\n" * 100)
@@ -116,6 +121,7 @@ class SoundTest(unittest.TestCase):
             self.assertEqual(driver.next_line(), "silent")
             self.assertEqual(driver.ask(f"start {server.folder}/missing.wav"), [])
 
+            self.addCleanup(server.wake)
             server.hang()
             begin = time.monotonic()
             for _ in range(3):
@@ -140,23 +146,23 @@ class SoundTest(unittest.TestCase):
                 self.assertEqual(driver.next_line(), "silent")
 
     def test_monitor_sounds_while_its_station_is_gone(self):
-        with SoundServer() as server:
-            monitored = Monitored(["--start"])
-            wav = make_wav(server.folder / "station.wav")
-            settings = monitored.folder / "user" / "config" / "Kiv" / "Kiv_Skyhold.ini"
-            with open(settings, "a", encoding="utf-8") as file:
-                file.write(f'\n[Alarms]\nWSAlarm="{wav}|repeat"\nWSAlarmStat=1\n')
-            monitored.run.variables["PULSE_SERVER"] = server.variables["PULSE_SERVER"]
-            with monitored:
-                monitored.next_cycle("a first cycle", lambda c: not c.codes)
-                self.assertEqual(server.ear.tones(0), [])
-                monitored.break_station("delete")
-                monitored.next_cycle("a missing file", lambda c: c.codes == "a42")
-                begin = server.ear.now()
-                server.ear.wait("the alarm", lambda: server.ear.count(WAV_TONE, begin) >= 2)
-                monitored.break_station("none")
-                monitored.next_cycle("the file's return", lambda c: not c.codes)
-                server.ear.wait_for_silence(1.5)
+        server = self.server
+        monitored = Monitored(["--start"])
+        wav = make_wav(server.folder / "station.wav")
+        settings = monitored.folder / "user" / "config" / "Kiv" / "Kiv_Skyhold.ini"
+        with open(settings, "a", encoding="utf-8") as file:
+            file.write(f'\n[Alarms]\nWSAlarm="{wav}|repeat"\nWSAlarmStat=1\n')
+        monitored.run.variables["PULSE_SERVER"] = server.variables["PULSE_SERVER"]
+        begin = server.ear.now()
+        with monitored:
+            monitored.next_cycle("a first cycle", lambda c: not c.codes)
+            self.assertEqual(server.ear.tones(begin), [])
+            monitored.break_station("delete")
+            monitored.next_cycle("a missing file", lambda c: c.codes == "a42")
+            server.ear.wait("the alarm", lambda: server.ear.count(WAV_TONE, begin) >= 2)
+            monitored.break_station("none")
+            monitored.next_cycle("the file's return", lambda c: not c.codes)
+            server.ear.wait_for_silence(1)
 
     def test_sounds_that_come_with_the_program(self):
         with tempfile.TemporaryDirectory() as folder:

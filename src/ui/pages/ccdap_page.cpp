@@ -1,7 +1,5 @@
 #include "ui/pages/ccdap_page.h"
 
-#include "ui/bind.h"
-#include "ui/choose_path.h"
 #include "ui/look.h"
 #include "ui/pages/page_parts.h"
 #include "ui/readout.h"
@@ -28,31 +26,18 @@ QWidget* makeCcdapPage(CcdapControls& ccdap, QWidget* parent) {
     grid->setVerticalSpacing(look::kGap);
 
     auto* caption = new QLabel(u"File &name"_s, group);
-    auto* name = new QLineEdit(group);
-    name->setObjectName(u"FileNameCCDAP4"_s);
+    QLineEdit* name = makeText(group, u"FileNameCCDAP4"_s, ccdap.FileNameCCDAP4);
     name->setPlaceholderText(u"Without a name no file is written"_s);
     caption->setBuddy(name);
-    bind(name, ccdap.FileNameCCDAP4);
 
-    auto* button = new QPushButton(u"Fol&der…"_s, group);
-    button->setObjectName(u"ButtCCDAP4"_s);
-    bind(button, ccdap.ButtCCDAP4);
-    auto* folder = new Readout(group);
-    folder->setObjectName(u"LblPathNameCCDAP4"_s);
-    folder->setPixelSize(14);
-    folder->cutInMiddle();
-    bind(folder, ccdap.LblPathNameCCDAP4);
-    QObject::connect(button, &QPushButton::clicked, group, [&ccdap, group] {
-        const QString chosen = chooseFolder(group, u"Select a folder to store the CCDAP4 file."_s,
-                                            ccdap.LblPathNameCCDAP4.Caption);
-        if (!chosen.isEmpty())
-            ccdap.LblPathNameCCDAP4.Caption = chosen;
-    });
+    const FolderChoice choice = makeFolderChoice(
+        group, u"ButtCCDAP4"_s, ccdap.ButtCCDAP4, u"LblPathNameCCDAP4"_s, ccdap.LblPathNameCCDAP4,
+        u"Select a folder to store the CCDAP4 file."_s);
 
     grid->addWidget(caption, 0, 0);
     grid->addWidget(name, 0, 1);
-    grid->addWidget(button, 1, 0);
-    grid->addWidget(folder, 1, 1);
+    grid->addWidget(choice.button, 1, 0);
+    grid->addWidget(choice.folder, 1, 1);
     grid->setColumnStretch(1, 1);
     auto* notes = new QVBoxLayout;
     grid->addLayout(notes, 2, 0, 1, 2);

@@ -1,6 +1,8 @@
 #include "ui/pages/limits_page.h"
 
+#include "conditions/threshold_rules.h"
 #include "ui/bind.h"
+#include "ui/hold_focus.h"
 #include "ui/kiv_color.h"
 #include "ui/kiv_get_number.h"
 #include "ui/kiv_wind_pars.h"
@@ -28,8 +30,21 @@ struct LimitGroup {
     ThreeLabels* sectors; // of wind and gust
 };
 
+// A box that is left empty would stand for 0.
+QString limitFault(Quantity quantity, std::size_t i, const KivGetNumber& box,
+                   ConditionControls& conditions) {
+    Thresholds thresholds;
+    for (std::size_t k = 0; k < 3; ++k) {
+        thresholds.limits[k] = conditions.limits(quantity)[k].Value;
+        thresholds.descriptions[k] = conditions.swatches(quantity)[k].Caption;
+    }
+    if (!box.holdsNumber())
+        thresholds.limits[i] = 0;
+    return ValidateLimit(quantity, i, thresholds);
+}
+
 void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
-              ConditionControls& conditions) {
+              ConditionControls& conditions, const ShowMessage& showMessage) {
     QWidget* group = grid->parentWidget();
     const QByteArray suffix(made.suffix);
     Label& level = conditions.swatches(made.quantity)[i];
@@ -45,6 +60,15 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     KivGetNumber* limit =
         makeNumber(group, indexed("Limit" + suffix, i), conditions.limits(made.quantity)[i]);
     limit->setToolTip(u"Upper limit of this level"_s);
+    holdFocusWhile(
+        limit,
+        [limit, i, &conditions, quantity = made.quantity] {
+            return limitFault(quantity, i, *limit, conditions);
+        },
+        [&showMessage](const QString& text) {
+            if (showMessage)
+                showMessage({text, MessageStyle::Ok, {}});
+        });
 
     const int row = static_cast<int>(i) * 2 + 1;
     grid->addWidget(swatch, row, 0);
@@ -70,7 +94,8 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     grid->addLayout(line, row + 1, 0, 1, 2);
 }
 
-QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions, QWidget* page) {
+QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions,
+                   const ShowMessage& showMessage, QWidget* page) {
     auto* group = new QGroupBox(made.title, page);
     if (made.unit)
         follow(group, made.unit->Caption, [group, title = made.title](const QString& unit) {
@@ -82,14 +107,15 @@ QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions, QWidge
     grid->setVerticalSpacing(6);
     grid->setColumnStretch(0, 1);
     for (std::size_t i = 0; i < 3; ++i)
-        addLevel(grid, made, i, conditions);
+        addLevel(grid, made, i, conditions, showMessage);
     grid->setRowStretch(7, 1);
     return group;
 }
 
 } // namespace
 
-QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units, QWidget* parent) {
+QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
+                        const ShowMessage& showMessage, QWidget* parent) {
     const std::array<LimitGroup, 5> groups{{
         {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, &conditions.DirectionWind},
         {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, &conditions.DirectionGust},
@@ -104,7 +130,7 @@ QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units, QWid
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kMargin);
     for (const LimitGroup& made : groups)
-        row->addWidget(makeGroup(made, conditions, page), 1);
+        row->addWidget(makeGroup(made, conditions, showMessage, page), 1);
     column->addLayout(row);
     column->addStretch();
     return page;

@@ -3,12 +3,15 @@
 #pragma once
 
 #include "records/condition_controls.h"
+#include "records/messages.h"
 #include "records/unit_controls.h"
 
 class QWidget;
 
 namespace skyhold {
 
-QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units, QWidget* parent);
+// `showMessage`, which outlives the page, tells why a limit may not be left as it is.
+QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
+                        const ShowMessage& showMessage, QWidget* parent);
 
 } // namespace skyhold

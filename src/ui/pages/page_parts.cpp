@@ -1,18 +1,49 @@
 #include "ui/pages/page_parts.h"
 
 #include "ui/bind.h"
+#include "ui/choose_path.h"
 #include "ui/kiv_get_number.h"
 #include "ui/look.h"
+#include "ui/readout.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace skyhold {
+
+namespace {
+
+// Calls `act` on every event of one type.
+class EventRule : public QObject {
+  public:
+    EventRule(QObject* watched, QEvent::Type type, std::function<void()> act)
+        : QObject(watched)
+        , type_(type)
+        , act_(std::move(act)) {
+        watched->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == type_)
+            act_();
+        return false;
+    }
+
+  private:
+    QEvent::Type type_;
+    std::function<void()> act_;
+};
+
+} // namespace
 
 QVBoxLayout* pageColumn(QWidget* page) {
     auto* column = new QVBoxLayout(page);
@@ -71,6 +102,38 @@ KivGetNumber* addNumberRow(QBoxLayout* into, const QString& caption, const QStri
     row->addWidget(new QLabel(unit, parent));
     into->addLayout(row);
     return box;
+}
+
+QLineEdit* makeText(QWidget* parent, const QString& name, TextBox& record) {
+    auto* box = new QLineEdit(parent);
+    box->setObjectName(name);
+    bind(box, record);
+    // After the press of a click has set its caret.
+    new EventRule(box, QEvent::FocusIn, [box] { QTimer::singleShot(0, box, &QLineEdit::selectAll); });
+    return box;
+}
+
+void onLeaving(QLineEdit* box, std::function<void()> rule) {
+    new EventRule(box, QEvent::FocusOut, std::move(rule));
+}
+
+FolderChoice makeFolderChoice(QWidget* parent, const QString& buttonName, Button& button,
+                              const QString& folderName, Label& folder,
+                              const QString& dialogTitle) {
+    const FolderChoice made{new QPushButton(QStringLiteral("Fol&der…"), parent),
+                            new Readout(parent)};
+    made.button->setObjectName(buttonName);
+    bind(made.button, button);
+    made.folder->setObjectName(folderName);
+    made.folder->setPixelSize(14);
+    made.folder->cutInMiddle();
+    bind(made.folder, folder);
+    QObject::connect(made.button, &QPushButton::clicked, parent, [&folder, parent, dialogTitle] {
+        const QString chosen = chooseFolder(parent, dialogTitle, folder.Caption);
+        if (!chosen.isEmpty())
+            folder.Caption = chosen;
+    });
+    return made;
 }
 
 QButtonGroup* addOptions(QBoxLayout* into, const char* control, const QStringList& captions,

@@ -5,16 +5,21 @@
 
 #include <QStringList>
 
+#include <functional>
+
 class QBoxLayout;
 class QButtonGroup;
 class QCheckBox;
 class QLabel;
+class QLineEdit;
+class QPushButton;
 class QVBoxLayout;
 class QWidget;
 
 namespace skyhold {
 
 class KivGetNumber;
+class Readout;
 
 // A page with the margins of the window.
 QVBoxLayout* pageColumn(QWidget* page);
@@ -31,6 +36,18 @@ KivGetNumber* makeNumber(QWidget* parent, const QString& name, NumberBox& record
 // "caption [box] unit" in one row.
 KivGetNumber* addNumberRow(QBoxLayout* into, const QString& caption, const QString& name,
                            NumberBox& record, const QString& unit);
+// A text box that selects its whole text on focus.
+QLineEdit* makeText(QWidget* parent, const QString& name, TextBox& record);
+// Calls `rule` whenever the focus leaves the box.
+void onLeaving(QLineEdit* box, std::function<void()> rule);
+// A button that lets the user choose a folder, and the folder that is chosen.
+struct FolderChoice {
+    QPushButton* button;
+    Readout* folder;
+};
+FolderChoice makeFolderChoice(QWidget* parent, const QString& buttonName, Button& button,
+                              const QString& folderName, Label& folder,
+                              const QString& dialogTitle);
 // Radio buttons in one row, named `control` with their index.
 QButtonGroup* addOptions(QBoxLayout* into, const char* control, const QStringList& captions,
                          OptionGroup& record);

@@ -1,9 +1,13 @@
 #include "ui/pages/unsafe_page.h"
 
+#include "conditions/alarms.h"
+#include "ui/alarm_box.h"
 #include "ui/bind.h"
 #include "ui/kiv_get_number.h"
+#include "ui/kiv_sound_form.h"
 #include "ui/look.h"
 #include "ui/pages/page_parts.h"
+#include "ui/readout.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -16,79 +20,189 @@ namespace skyhold {
 
 namespace {
 
-struct UnsafeGroup {
+// A row of the table: a quantity with its three levels.
+struct QuantityRow {
     QString title;
-    const char* control;
+    const char* unsafe; // control names
+    const char* alarm;
     Quantity quantity;
+    std::size_t indicator; // index in PlayAlarm
     // The sensor program's own names may never have been heard.
     std::array<QString, 3> levels;
 };
 
-QWidget* makeLevels(const UnsafeGroup& made, ConditionControls& conditions, QWidget* page) {
-    QVBoxLayout* column = addGroup(page, made.title);
-    QWidget* group = column->parentWidget();
-    for (std::size_t i = 0; i < 3; ++i)
-        column->addWidget(makeCheck(group, indexed(made.control, i), made.levels[i],
-                                    conditions.unsafe(made.quantity)[i]));
-    column->addStretch();
-    return group;
+// Columns: the quantity, then for each level its unsafe box, its alarm box and its sound.
+constexpr int kTitle = 1;
+constexpr int kPerLevel = 4; // the fourth keeps the levels apart
+constexpr int columnOf(int level) {
+    return kTitle + 1 + level * kPerLevel;
 }
 
-QWidget* makeSources(ConditionControls& conditions, QWidget* page) {
-    QVBoxLayout* column = addGroup(page, u"Failing sources"_s);
-    QWidget* group = column->parentWidget();
-    addHint(column, u"Weather station"_s);
-    column->addWidget(makeCheck(group, u"WSDataOldUnsafe"_s, {}, conditions.WSDataOldUnsafe));
-    addHint(column, u"Cloud sensor (Kiv_Nubilo)"_s);
-    column->addWidget(makeCheck(group, u"NBDataOldUnsafe"_s, {}, conditions.NBDataOldUnsafe));
-    column->addStretch();
-    return group;
+QLabel* makeDimmed(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, look::kDimText);
+    label->setPalette(palette);
+    return label;
 }
 
-QWidget* makeDelay(ConditionControls& conditions, QWidget* page) {
-    QVBoxLayout* column = addGroup(page, u"Return to safe"_s);
-    addHint(column, u"Safe Condition Delay Period"_s);
-    addNumberRow(column, u"&Delay Period"_s, u"SafeDelayVal"_s, conditions.SafeDelayVal,
-                 u"(secs)"_s);
-    column->addStretch();
-    return column->parentWidget();
+class AlarmTable {
+  public:
+    AlarmTable(AlarmControls& alarms, CurrentReadings& readings, MediaControl& media,
+               QWidget* parent)
+        : alarms_(alarms)
+        , readings_(readings)
+        , media_(media)
+        , parent_(parent)
+        , grid_(new QGridLayout(parent)) {
+        grid_->setContentsMargins(10, 6, 12, 8);
+        grid_->setHorizontalSpacing(6);
+        grid_->setVerticalSpacing(2);
+        for (int level = 0; level < 3; ++level) {
+            const int column = columnOf(level);
+            grid_->addWidget(makeDimmed(u"Unsafe"_s, parent), 0, column);
+            grid_->addWidget(makeDimmed(u"Alarm"_s, parent), 0, column + 1);
+            grid_->addWidget(makeDimmed(u"Sound"_s, parent), 0, column + 2);
+            grid_->setColumnStretch(column, 2);
+            grid_->setColumnStretch(column + 2, 3);
+            if (level > 0)
+                grid_->setColumnMinimumWidth(column - 1, 10);
+        }
+    }
+
+    void addQuantity(const QuantityRow& made, ConditionControls& conditions) {
+        beginRow(made.title, made.indicator);
+        for (std::size_t i = 0; i < 3; ++i) {
+            CheckBox& record = conditions.unsafe(made.quantity)[i];
+            addLevel(static_cast<int>(i),
+                     makeCheck(parent_, indexed(made.unsafe, i), made.levels[i], record),
+                     indexed(made.alarm, i), alarms_.alarms(made.quantity)[i],
+                     u"%1, level %2"_s.arg(made.title).arg(i + 1));
+        }
+    }
+
+    // A source that may fail: it has but one state.
+    void addSource(const QString& title, std::size_t indicator, QCheckBox* unsafe,
+                   const QString& alarmName, CheckBox& alarm) {
+        beginRow(title, indicator);
+        addLevel(0, unsafe, alarmName, alarm, title);
+    }
+
+    // Fills the place of a level in the last row.
+    void addBeside(int level, QWidget* widget) {
+        grid_->addWidget(widget, row_, columnOf(level), 1, 3);
+    }
+    QHBoxLayout* addBeside(int level) {
+        auto* line = new QHBoxLayout;
+        grid_->addLayout(line, row_, columnOf(level), 1, 3);
+        return line;
+    }
+
+  private:
+    void beginRow(const QString& title, std::size_t indicator) {
+        ++row_;
+        auto* mark = new PlayMark(alarms_.PlayAlarm[indicator], parent_);
+        mark->setObjectName(indexed("PlayAlarm", indicator));
+        grid_->addWidget(mark, row_, 0);
+        auto* label = new QLabel(title, parent_);
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+        grid_->addWidget(label, row_, kTitle);
+    }
+
+    // `what` says in words what the alarm is for.
+    void addLevel(int level, QCheckBox* unsafe, const QString& alarmName, CheckBox& alarm,
+                  const QString& what) {
+        auto* box = new AlarmBox(alarm, parent_);
+        box->setObjectName(alarmName);
+        box->setAccessibleName(u"Alarm: "_s + what);
+        box->setToolTip(u"Alarm while this lasts; right-click to choose its sound"_s);
+        auto* sound = new SoundName(alarm, parent_);
+        sound->setObjectName(u"Sound"_s + alarmName);
+        sound->setAccessibleName(u"Sound: "_s + what);
+
+        const auto released = [&alarm, &alarms = alarms_, &readings = readings_, &media = media_,
+                               box](Qt::MouseButton button) {
+            EditAlarmSound(static_cast<int>(button), alarm, readings, [&](CheckBox& target) {
+                KivSoundForm(target, alarms.LastMusicDir, media, box->window()).exec();
+            });
+        };
+        const auto edit = [released] {
+            released(Qt::RightButton);
+        };
+        QObject::connect(box, &AlarmBox::mouseReleased, box, released);
+        QObject::connect(box, &AlarmBox::editWanted, box, edit);
+        QObject::connect(sound, &SoundName::clicked, box, edit);
+        grid_->addWidget(unsafe, row_, columnOf(level));
+        grid_->addWidget(box, row_, columnOf(level) + 1);
+        grid_->addWidget(sound, row_, columnOf(level) + 2);
+    }
+
+    AlarmControls& alarms_;
+    CurrentReadings& readings_;
+    MediaControl& media_;
+    QWidget* parent_;
+    QGridLayout* grid_;
+    int row_ = 0; // the header
+};
+
+void addQuantities(AlarmTable& table, ConditionControls& conditions) {
+    const std::array<QString, 3> none;
+    const std::array<QuantityRow, 8> rows{{
+        {u"Cloud"_s,
+         "CondCloud",
+         "AlarmCloud",
+         Quantity::Cloud,
+         0,
+         {u"Clear"_s, u"Cloudy"_s, u"Overcast"_s}},
+        {u"Rain"_s, "CondRain", "AlarmRain", Quantity::Rain, 1, {u"Dry"_s, u"Wet"_s, u"Rain"_s}},
+        {u"Brightness"_s,
+         "CondDay",
+         "AlarmDay",
+         Quantity::Brightness,
+         7,
+         {u"Dark"_s, u"Light"_s, u"Very light"_s}},
+        {u"Wind"_s, "CondWind", "AlarmWind", Quantity::Wind, 2, none},
+        {u"Gust"_s, "CondGust", "AlarmGust", Quantity::Gust, 3, none},
+        {u"Temperature"_s, "CondTemp", "AlarmTemp", Quantity::Temperature, 4, none},
+        {u"Dew-point spread"_s, "CondDew", "AlarmDew", Quantity::Dew, 5, none},
+        {u"Humidity"_s, "CondHum", "AlarmHum", Quantity::Humidity, 6, none},
+    }};
+    for (const QuantityRow& row : rows)
+        table.addQuantity(row, conditions);
 }
 
 } // namespace
 
-QWidget* makeUnsafePage(ConditionControls& conditions, QWidget* parent) {
-    const std::array<QString, 3> none;
-    const std::array<UnsafeGroup, 8> groups{{
-        {u"Cloud"_s, "CondCloud", Quantity::Cloud, {u"Clear"_s, u"Cloudy"_s, u"Overcast"_s}},
-        {u"Rain"_s, "CondRain", Quantity::Rain, {u"Dry"_s, u"Wet"_s, u"Rain"_s}},
-        {u"Brightness"_s,
-         "CondDay",
-         Quantity::Brightness,
-         {u"Dark"_s, u"Light"_s, u"Very light"_s}},
-        {u"Temperature"_s, "CondTemp", Quantity::Temperature, none},
-        {u"Wind"_s, "CondWind", Quantity::Wind, none},
-        {u"Gust"_s, "CondGust", Quantity::Gust, none},
-        {u"Dew-point spread"_s, "CondDew", Quantity::Dew, none},
-        {u"Humidity"_s, "CondHum", Quantity::Humidity, none},
-    }};
+QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
+                        CurrentReadings& readings, MediaControl& media, QWidget* parent) {
     auto* page = new QWidget(parent);
+    auto* card = new Card(page);
+    card->setFill(look::kGroup);
+    AlarmTable table(alarms, readings, media, card);
+    addQuantities(table, conditions);
+
+    table.addSource(u"Weather station"_s, 8,
+                    makeCheck(card, u"WSDataOldUnsafe"_s, {}, conditions.WSDataOldUnsafe),
+                    u"AlarmWS"_s, alarms.AlarmWS);
+    table.addBeside(1, makeCheck(card, u"SuspendSoundAlarm"_s, {}, alarms.SuspendSoundAlarm));
+    table.addBeside(2, makeDimmed(u"Safe Condition Delay Period"_s, card));
+
+    table.addSource(u"Cloud sensor"_s, 9,
+                    makeCheck(card, u"NBDataOldUnsafe"_s, {}, conditions.NBDataOldUnsafe),
+                    u"AlarmNB"_s, alarms.AlarmNB);
+    auto* timeout = new Readout(card);
+    timeout->setObjectName(u"Label120"_s);
+    timeout->setPixelSize(13);
+    timeout->setInk(look::kDimText);
+    bind(timeout, alarms.TimeoutAlarmCaption);
+    table.addBeside(1, timeout);
+    addNumberRow(table.addBeside(2), u"&Delay Period"_s, u"SafeDelayVal"_s, conditions.SafeDelayVal,
+                 u"(secs)"_s);
+
     QVBoxLayout* column = pageColumn(page);
-    column->setSpacing(look::kGap);
-    addHint(column, u"A checked level makes the sky unsafe while it lasts."_s);
-    auto* grid = new QGridLayout;
-    grid->setHorizontalSpacing(look::kMargin);
-    grid->setVerticalSpacing(look::kGap);
-    constexpr int kPerRow = 4;
-    int place = 0;
-    for (const UnsafeGroup& made : groups) {
-        grid->addWidget(makeLevels(made, conditions, page), place / kPerRow, place % kPerRow);
-        ++place;
-    }
-    grid->addWidget(makeSources(conditions, page), 0, kPerRow);
-    grid->addWidget(makeDelay(conditions, page), 1, kPerRow);
-    for (int i = 0; i <= kPerRow; ++i)
-        grid->setColumnStretch(i, 1);
-    column->addLayout(grid);
+    column->addWidget(card);
     column->addStretch();
     return page;
 }

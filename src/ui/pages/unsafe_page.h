@@ -1,12 +1,17 @@
-// Which levels and which failures make the sky unsafe, and how long a return to safe is delayed.
+// Which levels and which failures make the sky unsafe and sound an alarm, and how long a return to
+// safe is delayed.
 #pragma once
 
-#include "records/condition_controls.h"
+#include "platform/media_control.h"
+#include "records/alarm_controls.h"
+#include "records/current_readings.h"
 
 class QWidget;
 
 namespace skyhold {
 
-QWidget* makeUnsafePage(ConditionControls& conditions, QWidget* parent);
+// `media` plays the previews of the sound chooser.
+QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
+                        CurrentReadings& readings, MediaControl& media, QWidget* parent);
 
 } // namespace skyhold

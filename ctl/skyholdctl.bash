@@ -1,0 +1,41 @@
+# Completion of skyholdctl for bash. Member names are asked from the running monitor, which this
+# never starts.
+
+_skyholdctl() {
+    local word=${COMP_WORDS[COMP_CWORD]} command='' position=0 options='' words='' i
+    COMPREPLY=()
+    for ((i = 1; i < COMP_CWORD; ++i)); do
+        case ${COMP_WORDS[i]} in
+        --every) ((++i)) ;;
+        -*) ;;
+        *) if [[ -z $command ]]; then command=${COMP_WORDS[i]}; else ((++position)); fi ;;
+        esac
+    done
+    [[ ${COMP_WORDS[COMP_CWORD - 1]} != --every ]] || return 0
+
+    case $command in
+    '') words='status watch get set call list start stop help' ;;
+    watch) options='--json --every' ;;
+    status | get | call | list) options='--json' ;;
+    esac
+    case $command:$position in
+    get:0 | set:0 | call:0 | watch:*)
+        # The kinds that the command takes; "list" shows the name first and then the kind.
+        local kinds='^.*'
+        case $command in
+        set) kinds='^property$' ;;
+        call) kinds='^method$' ;;
+        esac
+        words=$(skyholdctl list 2>/dev/null |
+            while read -r name kind _; do [[ $kind =~ $kinds ]] && echo "$name"; done)
+        ;;
+    esac
+    [[ $word != -* ]] || words=$options
+    # Names compare without regard to case.
+    local candidate
+    for candidate in $words; do
+        [[ ${candidate,,} != "${word,,}"* ]] || COMPREPLY+=("$candidate")
+    done
+}
+
+complete -F _skyholdctl skyholdctl

@@ -1,0 +1,15 @@
+// Small pictures, drawn at whatever size and on whatever screen.
+#pragma once
+
+#include <QColor>
+
+class QPainter;
+class QRectF;
+
+namespace skyhold {
+
+// An outline, or filled.
+void drawBell(QPainter& painter, const QRectF& place, const QColor& colour, bool filled);
+void drawSpeaker(QPainter& painter, const QRectF& place, const QColor& colour);
+
+} // namespace skyhold

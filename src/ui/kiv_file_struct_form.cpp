@@ -1,0 +1,80 @@
+#include "ui/kiv_file_struct_form.h"
+
+#include "ui/dialog_parts.h"
+#include "ui/look.h"
+
+#include <QHBoxLayout>
+#include <QItemSelectionModel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+KivFileStructForm::KivFileStructForm(DataColumns& columns, QWidget* parent)
+    : QDialog(parent)
+    , columns_(columns)
+    , list_(columnList(columns))
+    , shown_(new QListWidget(this)) {
+    setObjectName(u"KivFileStructForm"_s);
+    setWindowTitle(u"Columns of the data file"_s);
+    shown_->setObjectName(u"ListCol"_s);
+    shown_->setFixedSize(300, 400);
+    for (std::size_t i = 0; i < list_.entries.size(); ++i)
+        shown_->addItem(new QListWidgetItem);
+    showEntries();
+    connect(shown_, &QListWidget::itemSelectionChanged, this, [this] {
+        const QModelIndexList selected = shown_->selectionModel()->selectedIndexes();
+        list_.selected = selected.isEmpty() ? -1 : selected.first().row();
+    });
+    connect(shown_, &QListWidget::itemChanged, this, [this](const QListWidgetItem* item) {
+        list_.entries[static_cast<std::size_t>(shown_->row(item))].checked =
+            item->checkState() == Qt::Checked;
+    });
+
+    auto* buttons = new QVBoxLayout;
+    buttons->setSpacing(look::kGap);
+    const auto addButton = [&](const QString& name, const QString& text, auto change) {
+        auto* button = new QPushButton(text, this);
+        button->setObjectName(name);
+        button->setAutoDefault(false);
+        buttons->addWidget(button);
+        connect(button, &QPushButton::clicked, this, [this, change] {
+            change(list_);
+            showEntries();
+        });
+    };
+    addButton(u"ButtArrUp"_s, u"Move &up"_s, moveUp);
+    addButton(u"ButtArrDown"_s, u"Move dow&n"_s, moveDown);
+    buttons->addStretch();
+    addButton(u"ButtDefaults"_s, u"&Defaults"_s, setDefaults);
+
+    QVBoxLayout* column = dialogColumn(this);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kMargin);
+    row->addWidget(shown_);
+    row->addLayout(buttons);
+    column->addLayout(row);
+    addOkAndCancel(this, column);
+    centreOver(this, parent->window());
+}
+
+void KivFileStructForm::showEntries() {
+    const QSignalBlocker quiet(shown_);
+    for (std::size_t i = 0; i < list_.entries.size(); ++i) {
+        QListWidgetItem* item = shown_->item(static_cast<int>(i));
+        item->setText(list_.entries[i].text);
+        item->setCheckState(list_.entries[i].checked ? Qt::Checked : Qt::Unchecked);
+    }
+    shown_->setCurrentRow(list_.selected);
+}
+
+void KivFileStructForm::accept() {
+    columns_ = columnsOf(list_);
+    QDialog::accept();
+}
+
+} // namespace skyhold

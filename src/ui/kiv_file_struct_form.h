@@ -1,0 +1,29 @@
+// The editor of the user data file's columns: their order, and which are written.
+#pragma once
+
+#include "datafiles/column_list.h"
+
+#include <QDialog>
+
+class QListWidget;
+
+namespace skyhold {
+
+class KivFileStructForm : public QDialog {
+    Q_OBJECT
+
+  public:
+    // OK writes the list into `columns`, Cancel nothing.
+    KivFileStructForm(DataColumns& columns, QWidget* parent);
+
+    void accept() override;
+
+  private:
+    void showEntries();
+
+    DataColumns& columns_;
+    ColumnList list_;
+    QListWidget* shown_;
+};
+
+} // namespace skyhold

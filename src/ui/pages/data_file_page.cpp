@@ -1,0 +1,95 @@
+#include "ui/pages/data_file_page.h"
+
+#include "datafiles/user_data_file.h"
+#include "ui/bind.h"
+#include "ui/kiv_file_struct_form.h"
+#include "ui/kiv_get_number.h"
+#include "ui/look.h"
+#include "ui/pages/page_parts.h"
+#include "ui/readout.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+#include <QValidator>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+class FileNameValidator : public QValidator {
+  public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int&) const override {
+        return std::all_of(text.cbegin(), text.cend(), dataFileNameAccepts) ? Acceptable : Invalid;
+    }
+};
+
+QWidget* makeRecording(DataFileControls& dataFile, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Recording"_s);
+    addOptions(column, "RecOption", {u"&Record"_s, u"Stop"_s}, dataFile.RecOption);
+    addNumberRow(column, u"A &line every"_s, u"SaveFreq"_s, dataFile.SaveFreq, u"read cycles"_s);
+    column->addStretch();
+    return column->parentWidget();
+}
+
+QWidget* makeFile(DataFileControls& dataFile, QWidget* page) {
+    auto* group = new QGroupBox(u"File"_s, page);
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(14, 8, 14, 12);
+    grid->setHorizontalSpacing(look::kMargin);
+    grid->setVerticalSpacing(look::kGap);
+
+    const FolderChoice choice =
+        makeFolderChoice(group, u"ButtPATH"_s, dataFile.ButtPATH, u"LblPathName"_s,
+                         dataFile.LblPathName, u"Select a folder to store the data file."_s);
+    auto* caption = new QLabel(u"File &name"_s, group);
+    QLineEdit* name = makeText(group, u"FileName"_s, dataFile.FileName);
+    name->setValidator(new FileNameValidator(name));
+    name->setToolTip(u"Letters, digits and underscores"_s);
+    caption->setBuddy(name);
+    auto* structure = new QPushButton(u"Colu&mns…"_s, group);
+    structure->setObjectName(u"ButtFileStructure"_s);
+    bind(structure, dataFile.ButtFileStructure);
+    QObject::connect(structure, &QPushButton::clicked, group, [&dataFile, group] {
+        KivFileStructForm(dataFile.Columns, group).exec();
+    });
+
+    grid->addWidget(choice.button, 0, 0);
+    grid->addWidget(choice.folder, 0, 1, 1, 2);
+    grid->addWidget(caption, 1, 0);
+    grid->addWidget(name, 1, 1);
+    grid->addWidget(new QLabel(u".csv"_s, group), 1, 2);
+    grid->addWidget(structure, 2, 0);
+    auto* note = new QVBoxLayout;
+    grid->addLayout(note, 2, 1, 1, 2);
+    addHint(note, u"Which values are written, in which order and under which headers."_s);
+    grid->setColumnStretch(1, 1);
+    grid->setRowStretch(3, 1);
+    return group;
+}
+
+} // namespace
+
+QWidget* makeDataFilePage(DataFileControls& dataFile, QWidget* parent) {
+    auto* page = new QWidget(parent);
+    QVBoxLayout* column = pageColumn(page);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kMargin);
+    row->addWidget(makeRecording(dataFile, page), 2);
+    row->addWidget(makeFile(dataFile, page), 5);
+    column->addLayout(row);
+    column->addStretch();
+    return page;
+}
+
+} // namespace skyhold

@@ -1,0 +1,145 @@
+#include "ui/pages/graphs_page.h"
+
+#include "ui/bind.h"
+#include "ui/graph_view.h"
+#include "ui/kiv_color.h"
+#include "ui/kiv_get_number.h"
+#include "ui/look.h"
+#include "ui/open_editor.h"
+#include "ui/pages/page_parts.h"
+#include "ui/readout.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+struct GraphPlace {
+    QString title;
+    const char* suffix;  // of the control names
+    QStringList colours; // what each colour paints
+};
+
+void addSwatch(QHBoxLayout* row, const QString& name, const QString& painted, Label& colour,
+               const std::function<void()>& redraw) {
+    auto* swatch = new Swatch(row->parentWidget());
+    swatch->setObjectName(name);
+    swatch->setPixelSize(11);
+    swatch->setFixedHeight(20);
+    swatch->setText(painted);
+    swatch->reserve(painted + u"    "_s);
+    swatch->setToolTip(u"Right-click to change this colour"_s);
+    follow(swatch, colour.BackColor,
+           [swatch](Colour fill) { swatch->setFill(screenColour(fill)); });
+    openEditorOn(swatch, [swatch, &colour, redraw] {
+        KivColor(colour, nullptr, swatch).exec();
+        redraw();
+    });
+    row->addWidget(swatch);
+}
+
+QLayout* makeGraph(std::size_t index, const GraphPlace& place, MonitoringCore& core,
+                   QWidget* page) {
+    Records& records = core.records;
+    GraphControls& graphs = records.graphs;
+    CheckBox& generate = graphs.GraphGenerate[index];
+    // A picture that is no longer drawn keeps its last drawing, and none is made before the first.
+    const auto redraw = [&core, &generate, index] {
+        const Records& drawn = core.records;
+        Picture& picture = core.records.pictures[index];
+        if (generate.checked() && !picture.Image.isNull())
+            drawGraph(index, {drawn.history, drawn.conditions, drawn.graphs}, picture,
+                      core.renderedGraphs[index]);
+    };
+    auto* column = new QVBoxLayout;
+    column->setSpacing(2);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(4);
+    column->addLayout(row);
+    const QByteArray suffix(place.suffix);
+    row->addWidget(makeCheck(page, QString::fromLatin1("GraphGenerate" + suffix), place.title,
+                             generate));
+    row->addStretch();
+    auto* view = new GraphView(records.pictures[index], redraw, page);
+    view->setObjectName(QString::fromLatin1("Graph" + suffix));
+    view->setAccessibleName(place.title);
+    column->addWidget(view, 1);
+    auto* holder = new QWidget(page);
+    auto* swatches = new QHBoxLayout(holder);
+    swatches->setContentsMargins(0, 0, 0, 0);
+    swatches->setSpacing(4);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(place.colours.size()); ++i)
+        addSwatch(swatches, indexed("GraphColor" + suffix, i),
+                  place.colours[static_cast<qsizetype>(i)], graphs.GraphColor[index][i], redraw);
+    row->addWidget(holder);
+    return column;
+}
+
+// How many points, how many readings each stands for, and the time that comes of it.
+QLayout* makeSpan(GraphControls& graphs, QWidget* page) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kGap);
+    const auto addNumber = [&](const QString& caption, const QString& name, NumberBox& record) {
+        auto* label = new QLabel(caption, page);
+        KivGetNumber* box = makeNumber(page, name, record);
+        label->setBuddy(box);
+        row->addWidget(label);
+        row->addWidget(box);
+        row->addSpacing(look::kMargin);
+    };
+    const auto addReadout = [&](const QString& name, Label& record, const QString& widest) {
+        auto* readout = new Readout(page);
+        readout->setObjectName(name);
+        readout->setPixelSize(13);
+        readout->reserve(widest);
+        bind(readout, record);
+        row->addWidget(readout);
+        return readout;
+    };
+    addNumber(u"Points &kept"_s, u"GraphNoPoints"_s, graphs.GraphNoPoints);
+    addNumber(u"Readin&gs per point"_s, u"GraphFreq"_s, graphs.GraphFreq);
+    row->addWidget(new QLabel(u"A full graph spans"_s, page));
+    addReadout(u"GraphSpanDesc"_s, graphs.GraphSpanDesc, u"0000 h 00 m 00 s"_s);
+    addReadout(u"GraphSpan"_s, graphs.GraphSpan, u"00000000"_s)
+        ->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    row->addWidget(new QLabel(u"secs"_s, page));
+    row->addStretch();
+    return row;
+}
+
+} // namespace
+
+QWidget* makeGraphsPage(MonitoringCore& core, QWidget* parent) {
+    const QStringList value{u"Text"_s, u"Line"_s};
+    const std::array<GraphPlace, 6> places{{
+        {u"Wind"_s, "Wind", value},
+        {u"Gust"_s, "Gust", value},
+        {u"Direction"_s, "Dir", {u"Text"_s, u"Points"_s, u"Grid"_s}},
+        {u"Dew-point spread"_s, "Dew", value},
+        {u"Humidity"_s, "Hum", value},
+        {u"Temperature"_s, "Temp", value},
+    }};
+    auto* page = new QWidget(parent);
+    QVBoxLayout* column = pageColumn(page);
+    column->setSpacing(look::kGap);
+    column->addLayout(makeSpan(core.records.graphs, page));
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(look::kMargin);
+    grid->setVerticalSpacing(look::kGap);
+    constexpr std::size_t kPerRow = 3;
+    for (std::size_t i = 0; i < places.size(); ++i)
+        grid->addLayout(makeGraph(i, places[i], core, page), static_cast<int>(i / kPerRow),
+                        static_cast<int>(i % kPerRow));
+    for (int i = 0; i < static_cast<int>(kPerRow); ++i)
+        grid->setColumnStretch(i, 1);
+    column->addLayout(grid, 1);
+    return page;
+}
+
+} // namespace skyhold

@@ -1,0 +1,119 @@
+#include "ui/pages/upload_page.h"
+
+#include "datafiles/upload_list.h"
+#include "ui/bind.h"
+#include "ui/kiv_file_list.h"
+#include "ui/kiv_get_number.h"
+#include "ui/look.h"
+#include "ui/pages/page_parts.h"
+#include "ui/readout.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload) {
+    QWidget* group = column->parentWidget();
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kGap);
+    row->addWidget(makeCheck(group, u"flgUpload"_s, u"&Upload files in a session"_s, flgUpload));
+    row->addStretch();
+    std::array<LampWidget*, 2> lamps{};
+    for (std::size_t i = 0; i < lamps.size(); ++i) {
+        lamps[i] = new LampWidget(14, group);
+        lamps[i]->setObjectName(indexed("LEDUpload", i));
+        row->addWidget(lamps[i]);
+    }
+    bind(lamps[0], lamps[1], upload.LEDUpload);
+    column->addLayout(row);
+}
+
+QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Server"_s);
+    QWidget* group = column->parentWidget();
+    addSwitch(column, upload, flgUpload);
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(look::kMargin);
+    grid->setVerticalSpacing(6);
+    grid->setColumnStretch(1, 1);
+    column->addLayout(grid);
+    const auto addRow = [&](const QString& caption, QWidget* box, Qt::Alignment alignment = {}) {
+        auto* label = new QLabel(caption, group);
+        label->setBuddy(box);
+        const int row = grid->rowCount();
+        grid->addWidget(label, row, 0);
+        grid->addWidget(box, row, 1, alignment);
+    };
+    const auto addText = [&](const QString& caption, const QString& name, TextBox& record) {
+        QLineEdit* box = makeText(group, name, record);
+        addRow(caption, box);
+        return box;
+    };
+    onLeaving(addText(u"Addr&ess"_s, u"ServerAddress"_s, upload.ServerAddress),
+              [&upload] { ServerAddress_LostFocus(upload.ServerAddress); });
+    onLeaving(addText(u"&Path"_s, u"ServerPath"_s, upload.ServerPath),
+              [&upload] { ServerPath_LostFocus(upload.ServerPath); });
+    addText(u"User &name"_s, u"UserName"_s, upload.UserName);
+    addText(u"Pass&word"_s, u"PassWord"_s, upload.PassWord)->setEchoMode(QLineEdit::Password);
+    auto* cycle = new QComboBox(group);
+    cycle->setObjectName(u"RefreshUpload"_s);
+    bind(cycle, upload.RefreshUpload);
+    addRow(u"Check c&ycle"_s, cycle, Qt::AlignLeft);
+    addRow(u"Timeout(sec)"_s, makeNumber(group, u"TimeoutUPLOAD"_s, upload.TimeoutUPLOAD),
+           Qt::AlignLeft);
+    addRow(u"Upload second"_s, makeNumber(group, u"UploadOnSec"_s, upload.UploadOnSec),
+           Qt::AlignLeft);
+    column->addStretch();
+    return group;
+}
+
+QWidget* makeFiles(UploadControls& upload, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Files"_s);
+    QWidget* group = column->parentWidget();
+    auto* list = new KivFileList(upload, group);
+    column->addWidget(list, 1);
+
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kGap);
+    column->addLayout(row);
+    const auto addButton = [&](const QString& name, const QString& text, Button& record, auto act) {
+        auto* button = new QPushButton(text, group);
+        button->setObjectName(name);
+        bind(button, record);
+        QObject::connect(button, &QPushButton::clicked, group, act);
+        row->addWidget(button);
+    };
+    addButton(u"ButtFileADD"_s, u"&Add…"_s, upload.ButtFileADD, [list] { list->addFiles(); });
+    addButton(u"ButtFileDEL"_s, u"&Delete"_s, upload.ButtFileDEL,
+              [&upload] { DeleteSelectedFile(upload); });
+    row->addStretch();
+    row->addWidget(makeCheck(group, u"UploadOnce"_s, u"Upload on&ce"_s, upload.UploadOnce));
+    row->addSpacing(look::kGap);
+    row->addWidget(
+        makeCheck(group, u"DispFileNameOnly"_s, u"File names only"_s, upload.DispFileNameOnly));
+    return group;
+}
+
+} // namespace
+
+QWidget* makeUploadPage(UploadControls& upload, CheckBox& flgUpload, QWidget* parent) {
+    auto* page = new QWidget(parent);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kMargin);
+    row->addWidget(makeServer(upload, flgUpload, page), 2);
+    row->addWidget(makeFiles(upload, page), 3);
+    pageColumn(page)->addLayout(row);
+    return page;
+}
+
+} // namespace skyhold

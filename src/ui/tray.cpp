@@ -1,0 +1,118 @@
+#include "ui/tray.h"
+
+#include "ui/bind.h"
+#include "ui/main_window.h"
+#include "ui/menus.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QMenu>
+
+namespace skyhold {
+
+TrayAction trayAction(double coordinate, double unitsPerPixel, WindowState state, bool active) {
+    switch (static_cast<int>(roundHalfEven(coordinate / unitsPerPixel))) {
+    case kLeftReleased:
+        return TrayAction::ShowWindow;
+    case kLeftDoubleClick:
+        if (state != WindowState::Normal)
+            return TrayAction::Restore;
+        return active ? TrayAction::Minimise : TrayAction::None;
+    case kRightReleased:
+        return TrayAction::OpenMenu;
+    default:
+        return TrayAction::None;
+    }
+}
+
+Tray::Tray(MonitoringCore& core, KivSHMainform& window)
+    : core_(core)
+    , window_(window) {
+    icon_.setToolTip(core.version.trayTip());
+    icon_.setContextMenu(makePopupSys(window, core));
+    connect(&icon_, &QSystemTrayIcon::activated, this, &Tray::takeActivation);
+    secondClick_.setSingleShot(true);
+    connect(&secondClick_, &QTimer::timeout, this, [this] { answer(kLeftReleased); });
+    followVerdict();
+    window.installEventFilter(this);
+    core.records.window.HasTrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
+    icon_.show(); // also in a tray that comes later
+}
+
+void Tray::followVerdict() {
+    Records& records = core_.records;
+    follow(this, records.session.ButtStart.Visible, [this](bool) { showVerdict(); });
+    follow(this, records.conditions.LEDUnsafe.FillColor, [this](Colour) { showVerdict(); });
+    // Blinks at the end of every read cycle, when the health of the sources is known.
+    follow(this, records.display.LEDRead.first.FillColor, [this](Colour) { showVerdict(); });
+}
+
+void Tray::showVerdict() {
+    const Records& records = core_.records;
+    const VerdictIcon verdict =
+        verdictIcon(records.session.ButtStart.Visible, records.conditions.LEDUnsafe.FillColor,
+                    records.readings);
+    if (shown_ == verdict)
+        return;
+    shown_ = verdict;
+    const QIcon icon = drawVerdictIcon(verdict);
+    icon_.setIcon(icon);
+    window_.setWindowIcon(icon);
+}
+
+// A desktop's panel may have come or gone since the icon was added.
+bool Tray::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::WindowStateChange)
+        core_.records.window.HasTrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
+    return false;
+}
+
+// A single click is only known as one when no second follows; some trays never tell of a double
+// click and send two single ones.
+void Tray::takeActivation(QSystemTrayIcon::ActivationReason reason) {
+    const bool second = secondClick_.isActive();
+    switch (reason) {
+    case QSystemTrayIcon::Trigger:
+        secondClick_.stop();
+        if (second)
+            answer(kLeftDoubleClick);
+        else
+            secondClick_.start(QApplication::doubleClickInterval());
+        break;
+    case QSystemTrayIcon::DoubleClick:
+        secondClick_.stop();
+        answer(kLeftDoubleClick);
+        break;
+    case QSystemTrayIcon::Context:
+        answer(kRightReleased);
+        break;
+    default:
+        break;
+    }
+}
+
+void Tray::answer(TrayEvent event) {
+    const bool shown = window_.isVisible() && !window_.isMinimized();
+    switch (trayAction(event, 1, core_.records.window.State, window_.isActiveWindow())) {
+    case TrayAction::Restore:
+        window_.restore();
+        break;
+    case TrayAction::Minimise:
+        window_.minimise();
+        break;
+    case TrayAction::ShowWindow:
+        if (!shown)
+            window_.restore();
+        [[fallthrough]];
+    case TrayAction::OpenMenu: // the icon opens its menu by itself
+        if (shown) {
+            window_.raise();
+            window_.activateWindow();
+        }
+        break;
+    case TrayAction::None:
+        break;
+    }
+}
+
+} // namespace skyhold

@@ -1,0 +1,322 @@
+"""skyholdctl and the example program against the real monitor: what they say, and that nothing but
+a safe sky ever reads as safe."""
+
+import json
+import os
+import pathlib
+import re
+import signal
+import subprocess
+import sys
+import threading
+import time
+import unittest
+from unittest import mock
+
+from monitored import Client, Monitored
+import run
+
+CTL = run.PROGRAMS / "skyholdctl"
+SOURCES = pathlib.Path(__file__).resolve().parents[2]
+EXAMPLE = SOURCES / "docs/examples/roof_watch.py"
+COMPLETION = SOURCES / "ctl/skyholdctl.bash"
+NAME = "Kiv_Skyhold.Nubilo"
+SAFE, UNSAFE, UNKNOWN = 0, 1, 2
+TIME = r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d "
+
+
+class Shower(Monitored):
+    """A monitor under a shower that lasts 25 minutes of its clock. `with_monitor` false leaves the
+    monitor to be started by the bus."""
+
+    def __init__(self, arguments=(), with_monitor=True):
+        super().__init__(arguments, weather="night")
+        self.clock[1] = "2026-11-16T00:50:00"
+        self.with_monitor = with_monitor
+
+    def start_monitor(self):
+        if self.with_monitor:
+            super().start_monitor()
+
+    def ctl(self, *arguments, stdout=subprocess.PIPE):
+        """Runs the client to its end."""
+        return subprocess.run([CTL, *arguments], env=self.run.variables, stdout=stdout,
+                              stderr=subprocess.PIPE, text=True, timeout=30, check=False)
+
+    def read(self, *arguments):
+        """What the client writes; it has to succeed."""
+        answer = self.ctl(*arguments)
+        if answer.returncode != 0 or answer.stderr:
+            raise AssertionError(f"{arguments}: {answer.returncode} {answer.stderr}")
+        return answer.stdout.rstrip("\n")
+
+    def accept_the_weather(self):
+        """No condition counts as unsafe any more."""
+        for flag in ["SafeRain", "SafeWet", "SafeOvercast", "SafeCloudy"]:
+            self.read("set", flag, "0")
+
+    def follow(self, *command):
+        return Followed(self, command)
+
+
+class Followed:
+    """A program that goes on writing lines."""
+
+    def __init__(self, monitored, command):
+        self.monitored = monitored
+        self.program = monitored.run.start(*command, stdout=subprocess.PIPE,
+                                           stderr=subprocess.PIPE, text=True)
+        self.lines = []
+        threading.Thread(target=lambda: self.lines.extend(self.program.stdout),
+                         daemon=True).start()
+
+    def wait_for(self, pattern, seconds=20):
+        """Waits until the line last written matches."""
+        self.monitored.wait_until(
+            f"{pattern} in {self.lines}",
+            lambda: self.lines and re.match(pattern, self.lines[-1]), seconds)
+        return self.lines[-1]
+
+
+class CtlTest(unittest.TestCase):
+    def expect(self, answer, status, output="^", error="^$"):
+        self.assertEqual(answer.returncode, status, answer)
+        self.assertRegex(answer.stdout, output)
+        self.assertRegex(answer.stderr, error)
+
+    def test_status_follows_the_weather_and_every_failure(self):
+        with Shower() as monitored:
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  monitoring is not running")
+            self.expect(monitored.ctl("start"), 0)
+            self.expect(monitored.ctl("status"), UNSAFE,
+                        r"^UNSAFE  Cloud: Overcast, Rain: Rain\n(.*\n)*"
+                        r"Rain +\d+ cycles  Rain \(flagged unsafe\)\n")
+            monitored.read("set", "Kiv_SafeDelayValue", "3000")
+            monitored.accept_the_weather()
+            monitored.next_cycle("the delay", lambda c: "SAFE condition" in c.cause)
+            self.expect(monitored.ctl("status"), UNSAFE,
+                        r"^UNSAFE  SAFE condition delayed by \d+ s\n")
+            monitored.read("set", "Kiv_SafeDelayValue", "0")
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE")
+            self.expect(monitored.ctl("status"), SAFE, r"^SAFE\nCloud +-?[\d.]+ °C  Overcast\n")
+            status = json.loads(monitored.read("status", "--json"))
+            self.assertEqual([status["verdict"], status["safe"], status["causes"],
+                              len(status["conditions"])], ["safe", True, [], 8])
+
+            # What does not reach its reader is not said.
+            with open("/dev/full", "w", encoding="ascii") as full:
+                self.assertEqual(monitored.ctl("status", stdout=full).returncode, UNKNOWN)
+            for redirection in [">&-", "| (exec <&-; sleep 0.5); exit ${PIPESTATUS[0]}"]:
+                shell = subprocess.run(
+                    ["bash", "-c", f"'{CTL}' status 2>/dev/null {redirection}"],
+                    env=monitored.run.variables, check=False, timeout=30)
+                self.assertEqual(shell.returncode, UNKNOWN, redirection)
+
+            monitored.sensor.send_signal(signal.SIGKILL)
+            monitored.next_cycle("the sensor's loss", lambda c: c.verdict == "UNSAFE")
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  data of the station or")
+            monitored.start_sensor()
+            monitored.next_cycle("the sensor's return", lambda c: c.verdict == "SAFE")
+            monitored.break_station("delete")
+            monitored.next_cycle("the station's loss", lambda c: c.verdict == "UNSAFE")
+            self.expect(monitored.ctl("status", "--json"), UNKNOWN, '"safe":false')
+            monitored.break_station("none")
+            monitored.next_cycle("the station's return", lambda c: c.verdict == "SAFE")
+
+            # Neither a hung monitor nor a hung bus is waited for.
+            for hung, output, error in [
+                    (monitored.monitor, "^UNKNOWN  Kiv_Skyhold does not answer", "^$"),
+                    (monitored.run.started[0], "^$", "the session bus does not answer")]:
+                hung.send_signal(signal.SIGSTOP)
+                begin = time.monotonic()
+                try:
+                    self.expect(monitored.ctl("status"), UNKNOWN, output, error)
+                finally:
+                    hung.send_signal(signal.SIGCONT)
+                self.assertGreater(time.monotonic() - begin, 4)
+                self.assertLess(time.monotonic() - begin, 8)
+                monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE" and not c.codes)
+                self.assertEqual(monitored.ctl("status").returncode, SAFE)
+
+            # Whoever asked is gone again.
+            client = Client(monitored)
+            monitored.wait_until("no other user",
+                                 lambda: client.invoke("Kiv_TotalNoUsers") == 1)
+            client.close()
+            self.expect(monitored.ctl("stop"), 0)
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  monitoring is not running")
+
+    def test_members_are_listed_read_set_and_called(self):
+        with Shower(["--start"]) as monitored:
+            monitored.next_cycle("a first cycle", lambda c: not c.codes)
+            listed = {line.split()[0]: line for line in monitored.read("list").split("\n")}
+            self.assertGreater(len(listed), 200)
+            self.assertRegex(listed["ReadCycle"], "property   integer$")
+            self.assertRegex(listed["Name"], "read-only  text$")
+            self.assertRegex(listed["Condition_Rain"], r"method     \(\) -> RainCond$")
+            described = json.loads(monitored.read("list", "--json", "kiv_data*"))
+            self.assertEqual(described, [{
+                "name": "Kiv_DataDisplayed", "kind": "method", "type": "text",
+                "parameters": [{"name": "info", "type": "text"},
+                               {"name": "ref", "type": "text"}]}])
+
+            for arguments, output in [
+                    (["get", "name"], "Kiv_Skyhold"),
+                    (["get", "Condition_Rain"], "3"),
+                    (["get", "Safe"], "false"),
+                    (["get", "Safe", "--json"], '{"name":"Safe","value":false}'),
+                    (["set", "ThreshHumHumid", "81.5"], ""),
+                    (["get", "ThreshHumHumid"], "81.5"),
+                    (["set", "ColorWindCalm", "0x80FFFF"], ""),
+                    (["get", "ColorWindCalm"], "8454143"),
+                    (["set", "DescWindCalm", "gut, 1.5"], ""),
+                    (["get", "DescWindCalm"], "gut, 1.5"),
+                    (["call", "Kiv_DataDisplayed", "desc", "RAIN"], "Rain"),
+                    (["call", "GraphTemperatureMax", "7", "--json"],
+                     '{"arguments":[7],"name":"GraphTemperatureMax","result":0}'),
+                    (["call", "BlinkLEDCOM"], ""),
+            ]:
+                with self.subTest(arguments=arguments):
+                    self.assertEqual(monitored.read(*arguments), output)
+            self.assertRegex(monitored.read("get", "LastReading"), "^2026-11-16 00:")
+            graph = json.loads(monitored.read("call", "Kiv_GraphArray", "--json"))["result"]
+            self.assertTrue(graph[1][1].startswith("2026-11-16T00:"), graph[1][:3])
+            # Another value than was set is told.
+            self.expect(monitored.ctl("set", "ReadCycle", "7"), 0, "^$", '"10" now, not "7"')
+
+            for arguments, error in [
+                    (["get", "Saef"], "there is no member Saef; did you mean Safe?"),
+                    (["get", "Kiv_AlarmStop"], "Kiv_AlarmStop is no value"),
+                    (["get", "Device_Stop"], "Device_Stop is no value"),
+                    (["set", "Name", "x"], "Name cannot be set"),
+                    (["set", "ReadCycle", "1,5"], '"1,5" is not the integer'),
+                    (["call", "Name"], "use: skyholdctl get Name"),
+                    (["call", "Kiv_DataDisplayed", "desc"], "takes 2 arguments"),
+                    (["list", "nothing"], "no member matches"),
+                    (["watch", "Saef"], "did you mean Safe?"),
+                    (["watch", "Device_Stop"], "Device_Stop is no value"),
+                    (["stauts"], "did you mean status?"),
+            ]:
+                with self.subTest(arguments=arguments):
+                    self.expect(monitored.ctl(*arguments), 2, "^$", re.escape(error))
+            self.assertEqual(monitored.read("get", "DeviceIsRunning"), "true")
+
+            completed = subprocess.run(
+                ["bash", "-c", f"PATH='{CTL.parent}':$PATH; . '{COMPLETION}'; "
+                 "for line in 'st' 'get version' 'set Version' 'watch Safe saf' 'list --j'; do "
+                 "COMP_WORDS=(skyholdctl $line); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); "
+                 "_skyholdctl; echo ${COMPREPLY[@]}; done"],
+                env=monitored.run.variables, stdout=subprocess.PIPE, text=True, check=True)
+            lines = completed.stdout.split("\n")
+            self.assertEqual(lines[:3], ["status start stop", "Version VersionNB", ""])
+            self.assertIn("SafeRain", lines[3].split())
+            self.assertEqual(lines[4], "--json")
+
+    def test_watching(self):
+        with Shower(["--start"]) as monitored:
+            monitored.next_cycle("the shower", lambda c: c.verdict == "UNSAFE")
+            monitored.read("set", "Kiv_SafeDelayValue", "0")
+            status = monitored.follow(CTL, "watch", "--every", "0.1")
+            values = monitored.follow(CTL, "watch", "safe", "SafeRain", "--json", "--every=0.1")
+            roof = monitored.follow(sys.executable, EXAMPLE)
+            status.wait_for(TIME + r"UNSAFE \| Cloud: Overcast, Rain: Rain \| Cloud -?[\d.]+ °C ")
+            values.wait_for("")
+            self.assertEqual([(sight["name"], sight["value"])
+                              for sight in map(json.loads, values.lines[:2])],
+                             [("Safe", False), ("SafeRain", 1)])
+            roof.wait_for("UNSAFE: Safe is 0")
+            client = Client(monitored)
+            monitored.wait_until("four users", lambda: client.invoke("Kiv_TotalNoUsers") == 4)
+            client.close()
+
+            monitored.accept_the_weather()
+            status.wait_for(TIME + r"SAFE \| Cloud ")
+            values.wait_for('{"name":"Safe",.*"value":true}')
+            roof.wait_for("SAFE$")
+
+            # Gone, back, hung, and gone for good.
+            monitored.monitor.send_signal(signal.SIGKILL)
+            status.wait_for(TIME + r"UNKNOWN \| Kiv_Skyhold is not running; start it with")
+            values.wait_for('{"fault":"Kiv_Skyhold is not running')
+            roof.wait_for("UNSAFE: ")
+            monitored.start_monitor()
+            status.wait_for(TIME + r"UNSAFE \| Cloud: Overcast")
+            values.wait_for('{"name":"SafeRain",.*"value":1}')
+            monitored.accept_the_weather()
+            monitored.read("set", "Kiv_SafeDelayValue", "0")
+            roof.wait_for("SAFE$")
+            status.wait_for(TIME + r"SAFE ")
+            monitored.monitor.send_signal(signal.SIGSTOP)
+            try:
+                status.wait_for(TIME + r"UNKNOWN \| Kiv_Skyhold does not answer")
+                roof.wait_for("UNSAFE: ")
+            finally:
+                monitored.monitor.send_signal(signal.SIGCONT)
+            status.wait_for(TIME + r"SAFE ")
+            roof.wait_for("SAFE$")
+
+            # Nobody reads the values any more: the watch ends by itself.
+            unread = monitored.follow("bash", "-c",
+                                      f"'{CTL}' watch Name --every 60 | head -1; "
+                                      "echo ended ${PIPESTATUS[0]}")
+            unread.wait_for("ended 2", 10)
+
+            monitored.run.started[0].send_signal(signal.SIGKILL)  # the bus
+            status.wait_for(TIME + r"UNKNOWN \| ")
+            values.wait_for('{"fault":')
+            roof.wait_for("UNSAFE: ")
+            for followed in [status, values, roof]:
+                self.assertIsNone(followed.program.poll())
+
+    def test_nothing_but_start_starts_the_program(self):
+        with mock.patch.object(run, "BUS_CONFIGURATION", run.BUS_CONFIGURATION.replace(
+                "<listen>", "<servicedir>services</servicedir><listen>")):
+            monitored = Shower(with_monitor=False)
+            services = monitored.folder / "services"
+            services.mkdir()
+            command = [run.PROGRAMS / "Kiv_Skyhold", "--headless", *monitored.clock]
+            (services / f"{NAME}.service").write_text(
+                f"[D-BUS Service]\nName={NAME}\nExec={' '.join(map(str, command))}\n",
+                encoding="ascii")
+            with monitored:
+                self.start_on_demand(monitored)
+
+    def start_on_demand(self, monitored):
+        self.assertIn(NAME, monitored.bus.call_blocking(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+            "ListActivatableNames", "", ()))
+        hint = "Kiv_Skyhold is not running; start it with: skyholdctl start"
+        self.expect(monitored.ctl("status"), UNKNOWN, f"^UNKNOWN  {hint}\n$")
+        for arguments in [["get", "Safe"], ["set", "ReadCycle", "5"], ["list"], ["stop"],
+                          ["call", "Device_Start"]]:
+            self.expect(monitored.ctl(*arguments), 2, "^$", hint)
+        watch = monitored.follow(CTL, "watch")
+        roof = monitored.follow(sys.executable, EXAMPLE)
+        watch.wait_for(TIME + r"UNKNOWN \| " + hint)
+        roof.wait_for("UNSAFE: ")
+        self.assertFalse(monitored.bus.name_has_owner(NAME))
+
+        self.expect(monitored.ctl("start"), 0)
+        process = int(monitored.bus.call_blocking(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+            "GetConnectionUnixProcessID", "s", (NAME,)))
+        try:
+            self.expect(monitored.ctl("status"), UNSAFE, "^UNSAFE  Cloud: Overcast, Rain: Rain\n")
+            self.expect(monitored.ctl("start"), 0)  # already so
+            monitored.sensor.send_signal(signal.SIGKILL)
+            self.expect(monitored.ctl("stop"), 0)
+            monitored.sensor.wait()
+            self.expect(monitored.ctl("start"), 2, "^$", "monitoring did not start")
+        finally:
+            os.kill(process, signal.SIGTERM)
+        monitored.wait_until("its end", lambda: not monitored.bus.name_has_owner(NAME))
+
+        variables = {**monitored.run.variables,
+                     "DBUS_SESSION_BUS_ADDRESS": f"unix:path={monitored.folder}/none"}
+        with mock.patch.object(monitored.run, "variables", variables):
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  there is no session bus")
+            self.expect(monitored.ctl("get", "Safe"), 2, "^$", "there is no session bus")
+
+
+if __name__ == "__main__":
+    unittest.main()
