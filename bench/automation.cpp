@@ -1,5 +1,7 @@
 // Calls of the program's automation members, by one client and by eight at once, beside a bare
 // server that only looks the name up among as many; then the memory that many calls leave behind.
+// One client is measured on one processor as well: where the scheduler wakes the next in line
+// weighs more than what the servers do.
 // Starts the program, which lies beside this one, without a display.
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -8,11 +10,14 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHash>
 #include <QProcess>
 #include <QTemporaryDir>
+
+#include <sched.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -27,10 +32,9 @@ const QString kOurs = u"Kiv_Skyhold.Nubilo"_s;
 const QString kBare = u"Bare.Server"_s;
 const QString kDispatch = u"Kiv.Automation.Dispatch"_s;
 
-constexpr int kRounds = 11;
-constexpr int kCallsOfOne = 10'000;
+constexpr int kRounds = 41;
 constexpr int kClients = 8;
-constexpr int kCallsOfEach = 2500;
+constexpr int kCallsARound = 2000;
 constexpr int kCallsForMemory = 400'000;
 constexpr int kNames = 208;
 
@@ -73,28 +77,28 @@ int serveBare() {
     return QCoreApplication::exec();
 }
 
-// Prints "ready", waits for a line, makes its calls one after another and prints "done".
-int beClient(const QString& name, int calls) {
+// Prints "ready"; for every line that it reads, a number of calls, makes them one after another and
+// prints "done". Ends with its input.
+int beClient(const QString& name) {
     const QDBusConnection bus = QDBusConnection::sessionBus();
     const QDBusMessage created = bus.call(QDBusMessage::createMethodCall(
         name, pathOf(name), u"Kiv.Automation.ClassFactory"_s, u"CreateInstance"_s));
     const QString path = created.arguments().value(0).value<QDBusObjectPath>().path();
     if (path.isEmpty())
         return 1;
-    std::puts("ready");
-    std::fflush(stdout);
-    if (std::getchar() == EOF)
-        return 1;
     QDBusMessage call =
         QDBusMessage::createMethodCall(created.service(), path, kDispatch, u"InvokeByName"_s);
     call << u"Safe"_s << 3U << QVariant(QVariantList());
-    for (int i = 0; i < calls; ++i) {
-        if (bus.call(call).type() != QDBusMessage::ReplyMessage)
-            return 1;
-    }
-    std::puts("done");
+    std::puts("ready");
     std::fflush(stdout);
-    std::getchar();
+    for (int calls = 0; std::scanf("%d", &calls) == 1;) {
+        for (int i = 0; i < calls; ++i) {
+            if (bus.call(call).type() != QDBusMessage::ReplyMessage)
+                return 1;
+        }
+        std::puts("done");
+        std::fflush(stdout);
+    }
     return 0;
 }
 
@@ -131,32 +135,46 @@ bool waitForName(const QString& name) {
     return false;
 }
 
-// Calls per second of all clients together, 0 when one failed.
-double callsPerSecond(const QString& name, int clients, int calls) {
-    std::vector<Process> processes;
-    for (int i = 0; i < clients; ++i)
-        processes.push_back(startSelf({u"--client"_s, name, QString::number(calls)}));
-    for (const Process& process : processes) {
-        if (!readLine(*process, "ready"))
+// Client processes of one server.
+class Clients {
+  public:
+    Clients(const QString& name, int count) {
+        for (int i = 0; i < count; ++i)
+            processes_.push_back(startSelf({u"--client"_s, name}));
+        for (const Process& process : processes_)
+            ready_ = readLine(*process, "ready") && ready_;
+    }
+    ~Clients() {
+        for (const Process& process : processes_) {
+            process->closeWriteChannel();
+            process->waitForFinished();
+        }
+    }
+    Clients(const Clients&) = delete;
+    Clients& operator=(const Clients&) = delete;
+
+    // Calls per second of all together, which share `calls`; 0 when one failed.
+    double callsPerSecond(int calls) {
+        if (!ready_)
             return 0;
+        const int each = calls / static_cast<int>(processes_.size());
+        QElapsedTimer timer;
+        timer.start();
+        for (const Process& process : processes_) {
+            process->write(QByteArray::number(each) + '\n');
+            process->waitForBytesWritten();
+        }
+        for (const Process& process : processes_) {
+            if (!readLine(*process, "done"))
+                return 0;
+        }
+        return calls / (static_cast<double>(timer.nsecsElapsed()) * 1e-9);
     }
-    QElapsedTimer timer;
-    timer.start();
-    for (const Process& process : processes) {
-        process->write("\n");
-        process->waitForBytesWritten();
-    }
-    for (const Process& process : processes) {
-        if (!readLine(*process, "done"))
-            return 0;
-    }
-    const double seconds = static_cast<double>(timer.nsecsElapsed()) * 1e-9;
-    for (const Process& process : processes) {
-        process->write("\n");
-        process->waitForFinished();
-    }
-    return clients * calls / seconds;
-}
+
+  private:
+    std::vector<Process> processes_;
+    bool ready_ = true;
+};
 
 struct Spread {
     explicit Spread(std::vector<double> values) {
@@ -168,12 +186,14 @@ struct Spread {
     double low, median, high;
 };
 
-// Both servers in turn, so that what else the computer does meets both alike.
-bool compare(const char* title, int clients, int calls) {
+// Both servers in turn and in short rounds, so that what else the computer does meets both alike.
+bool compare(const char* title, int clients) {
+    Clients ofBare(kBare, clients);
+    Clients ofOurs(kOurs, clients);
     std::vector<double> ours, bare, ratios;
     for (int round = 0; round < kRounds; ++round) {
-        bare.push_back(callsPerSecond(kBare, clients, calls));
-        ours.push_back(callsPerSecond(kOurs, clients, calls));
+        bare.push_back(ofBare.callsPerSecond(kCallsARound));
+        ours.push_back(ofOurs.callsPerSecond(kCallsARound));
         if (ours.back() <= 0 || bare.back() <= 0)
             return false;
         ratios.push_back(ours.back() / bare.back());
@@ -184,6 +204,31 @@ bool compare(const char* title, int clients, int calls) {
     std::printf("%s, of the bare server's calls (at least 0.85): %.3f (%.3f to %.3f)\n", title,
                 ratio.median, ratio.low, ratio.high);
     return true;
+}
+
+qint64 busProcess() {
+    return QDBusConnection::sessionBus().interface()->servicePid(u"org.freedesktop.DBus"_s).value();
+}
+
+// Holds the processes, this one and what it starts from now on to the processors.
+void keepOn(const cpu_set_t& processors, const std::vector<qint64>& processes) {
+    for (const qint64 process : processes) {
+        const QDir threads(u"/proc/%1/task"_s.arg(process));
+        for (const QString& thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            sched_setaffinity(thread.toInt(), sizeof processors, &processors);
+    }
+    sched_setaffinity(0, sizeof processors, &processors);
+}
+
+bool compareOnOneProcessor(const std::vector<qint64>& processes) {
+    cpu_set_t all, one;
+    sched_getaffinity(0, sizeof all, &all);
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    keepOn(one, processes);
+    const bool compared = compare("one client on one processor", 1);
+    keepOn(all, processes);
+    return compared;
 }
 
 long residentKilobytes(qint64 process) {
@@ -198,8 +243,11 @@ long residentKilobytes(qint64 process) {
 }
 
 bool measureMemory(qint64 process) {
+    Clients clients(kOurs, kClients);
+    if (clients.callsPerSecond(kCallsARound) <= 0)
+        return false;
     const long before = residentKilobytes(process);
-    if (callsPerSecond(kOurs, kClients, kCallsForMemory / kClients) <= 0)
+    if (clients.callsPerSecond(kCallsForMemory) <= 0)
         return false;
     const long after = residentKilobytes(process);
     std::printf("resident memory after %d calls more (at most 512 kB): %ld kB (of %ld kB)\n",
@@ -215,7 +263,7 @@ int main(int argc, char** argv) {
     if (arguments.value(1) == u"--bare"_s)
         return serveBare();
     if (arguments.value(1) == u"--client"_s)
-        return beClient(arguments.value(2), arguments.value(3).toInt());
+        return beClient(arguments.value(2));
 
     // The program has folders of its own: the user's are never touched.
     const QTemporaryDir folder;
@@ -225,8 +273,10 @@ int main(int argc, char** argv) {
     ours.start(QCoreApplication::applicationDirPath() + u"/Kiv_Skyhold"_s, {u"--headless"_s});
     const Process bare = startSelf({u"--bare"_s});
     const bool complete =
-        waitForName(kOurs) && waitForName(kBare) && compare("one client", 1, kCallsOfOne) &&
-        compare("eight clients", kClients, kCallsOfEach) && measureMemory(ours.processId());
+        waitForName(kOurs) && waitForName(kBare) &&
+        compareOnOneProcessor({busProcess(), ours.processId(), bare->processId()}) &&
+        compare("one client", 1) && compare("eight clients", kClients) &&
+        measureMemory(ours.processId());
     if (!complete)
         std::fprintf(stderr, "not measured\n");
     stop(*bare);

@@ -26,8 +26,8 @@ QDBusConnection connectToBus() {
     static int connections = 0;
     std::signal(SIGALRM, endWithoutBus);
     ::alarm(kConnectPatienceSeconds);
-    const QDBusConnection bus = QDBusConnection::connectToBus(
-        QDBusConnection::SessionBus, u"skyholdctl %1"_s.arg(++connections));
+    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                                        u"skyholdctl %1"_s.arg(++connections));
     ::alarm(0);
     return bus;
 }

@@ -10,6 +10,7 @@ import datetime
 import os
 import pathlib
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -19,6 +20,8 @@ PROGRAMS = pathlib.Path(os.environ.get("SKYHOLD_PROGRAMS") or
                         pathlib.Path(__file__).resolve().parent.parent / "build/release/bin")
 SENSOR_NAME = "Kiv_Nubilo.Nubilo"
 CCDAP_NAME = "Kiv_CCDAP4_II.dat"
+IMAGES = ["Wind", "Gust", "WindDir", "Dew", "Hum", "Temp"]
+FTP_USER, FTP_PASSWORD = "observatory", "demonstration"
 GRAPHS = ["Wind", "Gust", "Dir", "Hum", "Dew", "Temp"]
 READ_SECONDS = [5, 10, 30, 60]  # choices of the read interval, by their index in the settings
 
@@ -70,6 +73,8 @@ def parse_arguments():
                         help="a fault to show; may be given several times")
     parser.add_argument("--record", action="store_true", help="record the user data file")
     parser.add_argument("--images", action="store_true", help="save the graphs as images")
+    parser.add_argument("--upload", action="store_true",
+                        help="upload the images to an FTP server that is started for it")
     parser.add_argument("--dir", type=pathlib.Path, metavar="FOLDER",
                         help="folder for everything (default: a new one)")
     parser.add_argument("--screenshot", type=pathlib.Path, metavar="FILE",
@@ -82,6 +87,7 @@ def parse_arguments():
         parser.error("--cycles takes a number from 1")
     if options.replay and not options.replay.is_file():
         parser.error(f"there is no log {options.replay}")
+    options.images |= options.upload
     options.headless |= not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
     return options
 
@@ -110,10 +116,24 @@ def environment(folder, replay):
     return variables
 
 
-def write_settings(folder, station_file, read_seconds, images=False):
+def text(value):
+    """A value as it stands in a settings file."""
+    return '"' + str(value).replace("\\", "\\\\").replace('"', '\\"') + '"'
+
+
+def upload_settings(folder, port):
+    """Lines for the section Setup: the six images, to the server of `start_ftp_server`."""
+    lines = ["Upload=1", "RefreshUpload=0", f"Server={text(f'127.0.0.1:{port}/')}",
+             'ServerPath="sky/"', f"Username={FTP_USER}", f"Password={FTP_PASSWORD}",
+             f"NoFiles={len(IMAGES)}"]
+    for number, image in enumerate(IMAGES, 1):
+        lines += [f"FileName{number}=Kiv_Image{image}Condition.png",
+                  f"FilePath{number}={text(folder / 'images')}"]
+    return "\n".join(lines) + "\n"
+
+
+def write_settings(folder, station_file, read_seconds, images=False, more_setup=""):
     """The settings that the monitor starts with; all others have their defaults."""
-    def text(value):
-        return '"' + str(value).replace("\\", "\\\\").replace('"', '\\"') + '"'
 
     for name in ["ccdap", "data", "images"]:
         (folder / name).mkdir(exist_ok=True)
@@ -124,6 +144,7 @@ def write_settings(folder, station_file, read_seconds, images=False):
         f"HTMFile={text(station_file)}\n"
         "Emulator=0\n"
         f"RefreshRead={READ_SECONDS.index(read_seconds)}\n"
+        f"{more_setup}"
         "\n[Window]\n"
         f"PathName={text(folder / 'data')}\n"
         f"PathNameCCDAP4={text(folder / 'ccdap')}\n"
@@ -171,6 +192,18 @@ class Run:
         if not address:
             raise RunFailed("the message bus did not start")
         self.variables["DBUS_SESSION_BUS_ADDRESS"] = address
+
+    def start_ftp_server(self):
+        """A server on this machine alone; answers its port."""
+        (self.folder / "ftp").mkdir(exist_ok=True)
+        with socket.socket() as probe:
+            probe.bind(("127.0.0.1", 0))
+            port = probe.getsockname()[1]
+        with open(self.folder / "ftp.log", "w", encoding="utf-8") as log:
+            self.start("/usr/bin/python3", "-m", "pyftpdlib", "-i", "127.0.0.1", "-p", port, "-w",
+                       "-d", self.folder / "ftp", "-u", FTP_USER, "-P", FTP_PASSWORD,
+                       stdout=log, stderr=log)
+        return port
 
     def wait_for_name(self, name, program):
         """Waits until the program has taken its name on the bus."""
@@ -236,7 +269,8 @@ def play(run, options):
     station_file = run.folder / "station" / ("station.htm" if options.station == "html"
                                              else "station.csv")
     station_file.parent.mkdir(exist_ok=True)
-    write_settings(run.folder, station_file, read_seconds, options.images)
+    upload = upload_settings(run.folder, run.start_ftp_server()) if options.upload else ""
+    write_settings(run.folder, station_file, read_seconds, options.images, upload)
 
     station_file.unlink(missing_ok=True)  # of an earlier run in the same folder
 
@@ -317,6 +351,8 @@ def main():
         report("User data file", folder / "data" / "Skyhold.csv")
     if options.images:
         report("Images", folder / "images")
+    if options.upload:
+        report("Uploaded", folder / "ftp" / "sky")
     if options.screenshot:
         report("Picture of the window", options.screenshot.absolute())
     return status

@@ -13,7 +13,9 @@
 #include "ui/kiv_setup_form.h"
 #include "ui/look.h"
 #include "ui/main_window.h"
+#include "ui/news_window.h"
 #include "ui/tray.h"
+#include "ui/update_window.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -166,6 +168,12 @@ int main(int argc, char** argv) {
     if (!headless) {
         window = std::make_unique<KivSHMainform>(core);
         core.showMessage = makeMessageDialog(*window);
+        core.showNews = [&core, &window](const QString& text) {
+            showNewsOver(*window, core, text);
+        };
+        window->onUpdate = [&core, &window] {
+            runUpdateWindow(core, *window);
+        };
         core.closeWindow = [&window] {
             window->close();
         };

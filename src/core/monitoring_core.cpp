@@ -93,6 +93,9 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     requireSound(records.alarms.AlarmWS);
     requireSound(records.alarms.AlarmNB);
 
+    showNews = [this](const QString& text) {
+        showMessage({text, MessageStyle::Ok, QStringLiteral("News")});
+    };
     alarmRules(*this);
     unitRules(records);
     prepareUpload(*this);

@@ -51,8 +51,9 @@ struct MonitoringCore {
 
     // Set by the face of the program.
     ShowMessage showMessage;
-    std::function<void()> closeWindow; // asks for the window to be closed
-    std::function<void()> cycleDone;   // after every read cycle
+    std::function<void(const QString&)> showNews; // unless set, a message like any other
+    std::function<void()> closeWindow;            // asks for the window to be closed
+    std::function<void()> cycleDone;              // after every read cycle
 
     NumberForms forms; // the locale's separators, re-read by every cycle
     StationFileMemory stationMemory;

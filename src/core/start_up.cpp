@@ -4,6 +4,7 @@
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
 #include "settings/settings.h"
+#include "update/update_check.h"
 
 #include <QFile>
 
@@ -11,14 +12,11 @@ namespace skyhold {
 
 namespace {
 
-// Shorter texts are left-overs, not news.
-constexpr qsizetype kShortestNews = 3;
-
-void showNewsAndUpdateStatus(MonitoringCore& core) {
+void ShowNewsAtStart(MonitoringCore& core) {
     core.Timer6.disarm();
     WindowControls& window = core.records.window;
-    if (window.Kiv_News.size() >= kShortestNews)
-        core.showMessage({window.Kiv_News, MessageStyle::Ok, QStringLiteral("News")});
+    if (isNews(window.Kiv_News))
+        core.showNews(window.Kiv_News);
     if (!window.LastUpdateMsg.trimmed().isEmpty()) {
         core.showMessage(
             {window.LastUpdateMsg, MessageStyle::Ok, QStringLiteral("Last Update Status")});
@@ -57,7 +55,7 @@ void LoadMainWindow(MonitoringCore& core) {
     SetIdleControls(core.records, true);
     UpdateMenus(core.records);
     core.Timer6.Tick = [&core] {
-        showNewsAndUpdateStatus(core);
+        ShowNewsAtStart(core);
     };
     core.Timer6.arm(10);
 }

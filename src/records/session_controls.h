@@ -50,6 +50,7 @@ struct WindowControls {
     bool HasTrayIcon = false; // a minimised window may be hidden
     QString LastUpdateMsg;
     QString Kiv_News;
+    QString UpdateBaseAddress; // of the maker's server, http or https; empty: none
 
     MenuEntry mnuStart, mnuStop, mSep0, MnuExit, mnuUpdate;
     MenuEntry mPopStart, mPopStop, mSep1, mPopRestore, mPopMinimize, mPopExit;

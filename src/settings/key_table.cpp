@@ -254,6 +254,13 @@ void dataFileRows(KeyRows& rows, AnyRecords& r) {
                u"the upload list shows names without folders"_s);
 }
 
+template <class Window>
+void updateRows(KeyRows& rows, Window& window) {
+    rows.section(u"Update"_s);
+    rows.text(u"BaseAddress"_s, u""_s, window.UpdateBaseAddress,
+              u"address of the update server, http or https; empty: none, and no check is made"_s);
+}
+
 template <class AnyRecords>
 std::vector<KeyRow> allRows(AnyRecords& r) {
     KeyRows rows;
@@ -269,6 +276,7 @@ std::vector<KeyRow> allRows(AnyRecords& r) {
     graphRows(rows, r);
     staleDataRows(rows, r.alarms, r.conditions);
     dataFileRows(rows, r);
+    updateRows(rows, r.window);
     return rows.take();
 }
 

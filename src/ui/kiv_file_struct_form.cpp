@@ -22,7 +22,7 @@ KivFileStructForm::KivFileStructForm(DataColumns& columns, QWidget* parent)
     setObjectName(u"KivFileStructForm"_s);
     setWindowTitle(u"Columns of the data file"_s);
     shown_->setObjectName(u"ListCol"_s);
-    shown_->setFixedSize(300, 400);
+    shown_->setFixedSize(300, 508);
     for (std::size_t i = 0; i < list_.entries.size(); ++i)
         shown_->addItem(new QListWidgetItem);
     showEntries();

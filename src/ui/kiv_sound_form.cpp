@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QGridLayout>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -161,7 +162,7 @@ void KivSoundForm::showFolder() {
         folders_->addItem(kParent);
     folders_->addItems(
         folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase));
-    folders_->setCurrentRow(0);
+    folders_->setCurrentRow(0, QItemSelectionModel::NoUpdate); // keys begin there
 
     const QSignalBlocker quiet(files_);
     files_->clear();

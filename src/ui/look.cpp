@@ -28,6 +28,9 @@ class FlatStyle : public QProxyStyle {
         case PE_PanelLineEdit:
             drawField(*option, *painter);
             return;
+        case PE_Frame:
+            drawBox(option->rect, look::kEdge, Qt::NoBrush, *painter);
+            return;
         case PE_FrameGroupBox:
             drawBox(option->rect, look::kCard, look::kGroup, *painter);
             return;
@@ -36,6 +39,13 @@ class FlatStyle : public QProxyStyle {
             return;
         case PE_IndicatorRadioButton:
             drawRadio(*option, *painter);
+            return;
+        case PE_PanelMenu:
+            painter->fillRect(option->rect, look::kCard);
+            return;
+        case PE_FrameMenu:
+            painter->setPen(look::kEdge);
+            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
             return;
         case PE_FrameTabWidget:
             painter->fillRect(QRect(option->rect.topLeft(), QSize(option->rect.width(), 1)),
@@ -53,6 +63,14 @@ class FlatStyle : public QProxyStyle {
                      const QWidget* widget) const override {
         if (element == CE_TabBarTabShape) {
             drawTab(*option, *painter);
+            return;
+        }
+        const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        if (element == CE_MenuItem && entry &&
+            entry->menuItemType == QStyleOptionMenuItem::Separator) {
+            const int y = option->rect.center().y();
+            painter->setPen(look::kEdge);
+            painter->drawLine(option->rect.left() + 6, y, option->rect.right() - 6, y);
             return;
         }
         QProxyStyle::drawControl(element, option, painter, widget);
@@ -119,7 +137,8 @@ class FlatStyle : public QProxyStyle {
                            const QWidget* widget) const override {
         constexpr QSize kRoomier(0, 4);
         const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
-        return type == CT_LineEdit || type == CT_ComboBox ? size + kRoomier : size;
+        const bool tight = type == CT_LineEdit || type == CT_ComboBox || type == CT_ItemViewItem;
+        return tight ? size + kRoomier : size;
     }
 
   private:

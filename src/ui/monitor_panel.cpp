@@ -183,7 +183,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     auto* overlay = new QVBoxLayout;
     overlay->addStretch();
     overlay->addWidget(makeStopAlarm(core, card));
-    overlay->addSpacing(alarmLineHeight + 2);
+    overlay->addSpacing(alarmLineHeight + look::kGap);
     auto* layout = new QGridLayout(card);
     layout->setContentsMargins(16, 8, 16, 8);
     layout->addLayout(lines, 0, 0);

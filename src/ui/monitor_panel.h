@@ -1,5 +1,6 @@
 // What is always in view: the verdict with its cause, delay and alarm messages, Stop Alarm while a
-// sound is started, the roof switch, Start and Stop, a tile for every quantity, and the state of both sources and of the clients.
+// sound is started, the roof switch, Start and Stop, a tile for every quantity, and the state of
+// both sources and of the clients.
 #pragma once
 
 #include "core/monitoring_core.h"

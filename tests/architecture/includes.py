@@ -12,7 +12,7 @@ ROWS = [
     {"platform"},
     {"records"},
     {"settings", "units", "sensor"},
-    {"conditions", "datafiles", "graphs"},
+    {"conditions", "datafiles", "graphs", "update"},
     {"core"},
     {"automation", "ui"},
 ]

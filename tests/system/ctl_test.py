@@ -55,6 +55,13 @@ class Shower(Monitored):
         for flag in ["SafeRain", "SafeWet", "SafeOvercast", "SafeCloudy"]:
             self.read("set", flag, "0")
 
+    def wait_for_users(self, count):
+        """Waits until as many others as that are attached."""
+        client = Client(self)
+        self.wait_until(f"{count} users",
+                        lambda: client.invoke("Kiv_TotalNoUsers") == count + 1)
+        client.close()
+
     def follow(self, *command):
         return Followed(self, command)
 
@@ -81,7 +88,7 @@ class Followed:
 class CtlTest(unittest.TestCase):
     def expect(self, answer, status, output="^", error="^$"):
         self.assertEqual(answer.returncode, status, answer)
-        self.assertRegex(answer.stdout, output)
+        self.assertRegex(answer.stdout or "", output)
         self.assertRegex(answer.stderr, error)
 
     def test_status_follows_the_weather_and_every_failure(self):
@@ -105,12 +112,16 @@ class CtlTest(unittest.TestCase):
 
             # What does not reach its reader is not said.
             with open("/dev/full", "w", encoding="ascii") as full:
-                self.assertEqual(monitored.ctl("status", stdout=full).returncode, UNKNOWN)
-            for redirection in [">&-", "| (exec <&-; sleep 0.5); exit ${PIPESTATUS[0]}"]:
-                shell = subprocess.run(
-                    ["bash", "-c", f"'{CTL}' status 2>/dev/null {redirection}"],
-                    env=monitored.run.variables, check=False, timeout=30)
-                self.assertEqual(shell.returncode, UNKNOWN, redirection)
+                self.expect(monitored.ctl("status", stdout=full), UNKNOWN, error="cannot write")
+            reader, writer = os.pipe()
+            os.close(reader)
+            self.expect(monitored.ctl("status", stdout=writer), UNKNOWN, error="cannot write")
+            os.close(writer)
+            for closed in [">&-", "<&- >&-"]:
+                shell = subprocess.run(["bash", "-c", f"'{CTL}' status {closed}"],
+                                       env=monitored.run.variables, stderr=subprocess.DEVNULL,
+                                       check=False, timeout=30)
+                self.assertEqual(shell.returncode, UNKNOWN, closed)
 
             monitored.sensor.send_signal(signal.SIGKILL)
             monitored.next_cycle("the sensor's loss", lambda c: c.verdict == "UNSAFE")
@@ -138,11 +149,7 @@ class CtlTest(unittest.TestCase):
                 monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE" and not c.codes)
                 self.assertEqual(monitored.ctl("status").returncode, SAFE)
 
-            # Whoever asked is gone again.
-            client = Client(monitored)
-            monitored.wait_until("no other user",
-                                 lambda: client.invoke("Kiv_TotalNoUsers") == 1)
-            client.close()
+            monitored.wait_for_users(0)
             self.expect(monitored.ctl("stop"), 0)
             self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  monitoring is not running")
 
@@ -225,9 +232,7 @@ class CtlTest(unittest.TestCase):
                               for sight in map(json.loads, values.lines[:2])],
                              [("Safe", False), ("SafeRain", 1)])
             roof.wait_for("UNSAFE: Safe is 0")
-            client = Client(monitored)
-            monitored.wait_until("four users", lambda: client.invoke("Kiv_TotalNoUsers") == 4)
-            client.close()
+            monitored.wait_for_users(3)
 
             monitored.accept_the_weather()
             status.wait_for(TIME + r"SAFE \| Cloud ")
@@ -254,6 +259,8 @@ class CtlTest(unittest.TestCase):
                 monitored.monitor.send_signal(signal.SIGCONT)
             status.wait_for(TIME + r"SAFE ")
             roof.wait_for("SAFE$")
+            # Nothing is left of the attempts to attach to it while it hung.
+            monitored.wait_for_users(3)
 
             # Nobody reads the values any more: the watch ends by itself.
             unread = monitored.follow("bash", "-c",
@@ -279,12 +286,14 @@ class CtlTest(unittest.TestCase):
                 f"[D-BUS Service]\nName={NAME}\nExec={' '.join(map(str, command))}\n",
                 encoding="ascii")
             with monitored:
-                self.start_on_demand(monitored)
+                try:
+                    self.start_on_demand(monitored)
+                finally:
+                    self.end_what_the_bus_started(monitored)
+                self.without_a_bus(monitored)
 
     def start_on_demand(self, monitored):
-        self.assertIn(NAME, monitored.bus.call_blocking(
-            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "ListActivatableNames", "", ()))
+        self.assertIn(NAME, self.ask_bus(monitored, "ListActivatableNames"))
         hint = "Kiv_Skyhold is not running; start it with: skyholdctl start"
         self.expect(monitored.ctl("status"), UNKNOWN, f"^UNKNOWN  {hint}\n$")
         for arguments in [["get", "Safe"], ["set", "ReadCycle", "5"], ["list"], ["stop"],
@@ -297,20 +306,24 @@ class CtlTest(unittest.TestCase):
         self.assertFalse(monitored.bus.name_has_owner(NAME))
 
         self.expect(monitored.ctl("start"), 0)
-        process = int(monitored.bus.call_blocking(
-            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            "GetConnectionUnixProcessID", "s", (NAME,)))
-        try:
-            self.expect(monitored.ctl("status"), UNSAFE, "^UNSAFE  Cloud: Overcast, Rain: Rain\n")
-            self.expect(monitored.ctl("start"), 0)  # already so
-            monitored.sensor.send_signal(signal.SIGKILL)
-            self.expect(monitored.ctl("stop"), 0)
-            monitored.sensor.wait()
-            self.expect(monitored.ctl("start"), 2, "^$", "monitoring did not start")
-        finally:
-            os.kill(process, signal.SIGTERM)
+        self.expect(monitored.ctl("status"), UNSAFE, "^UNSAFE  Cloud: Overcast, Rain: Rain\n")
+        self.expect(monitored.ctl("start"), 0)  # already so
+        monitored.sensor.send_signal(signal.SIGKILL)
+        self.expect(monitored.ctl("stop"), 0)
+        self.expect(monitored.ctl("start"), 2, "^$", "monitoring did not start")
+
+    def ask_bus(self, monitored, method, signature="", *arguments):
+        return monitored.bus.call_blocking(
+            "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
+            signature, arguments)
+
+    def end_what_the_bus_started(self, monitored):
+        if monitored.bus.name_has_owner(NAME):
+            os.kill(int(self.ask_bus(monitored, "GetConnectionUnixProcessID", "s", NAME)),
+                    signal.SIGTERM)
         monitored.wait_until("its end", lambda: not monitored.bus.name_has_owner(NAME))
 
+    def without_a_bus(self, monitored):
         variables = {**monitored.run.variables,
                      "DBUS_SESSION_BUS_ADDRESS": f"unix:path={monitored.folder}/none"}
         with mock.patch.object(monitored.run, "variables", variables):

@@ -1,11 +1,9 @@
-#include "dialog_driver.h"
+#include "window_fixture.h"
 
 #include "core/clients.h"
-#include "support/core_fixture.h"
 #include "ui/kiv_error.h"
 #include "ui/kiv_legend.h"
 #include "ui/look.h"
-#include "ui/main_window.h"
 #include "ui/readout.h"
 
 #include <QAction>
@@ -20,32 +18,7 @@ namespace skyhold {
 
 namespace {
 
-class MainWindow : public CoreFixture {
-  protected:
-    MainWindow()
-        : window_(std::make_unique<KivSHMainform>(*core_)) {
-        window_->show();
-        QCoreApplication::processEvents();
-    }
-
-    QString shown(const char* name) { return child<Readout>(*window_, name)->text(); }
-    bool visible(const char* name) { return child(*window_, name)->isVisible(); }
-    bool offered(const char* name) { return child<QAction>(name)->isVisible(); }
-    template <class Object>
-    Object* child(const char* name) {
-        return window_->findChild<Object*>(QString::fromLatin1(name));
-    }
-    template <class Widget = QWidget>
-    Widget* child(QWidget& window, const char* name) {
-        return skyhold::child<Widget>(window, name);
-    }
-    void openPage(int index) {
-        window_->findChild<QTabWidget*>()->setCurrentIndex(index);
-        QCoreApplication::processEvents();
-    }
-
-    std::unique_ptr<KivSHMainform> window_;
-};
+class MainWindow : public WindowFixture {};
 
 TEST_F(MainWindow, StartShowsTheVerdictAndStopNoLongerPassesItOffAsCurrent) {
     EXPECT_EQ(window_->windowTitle(), u"Kiv_Skyhold (v2.30.004)"_s);

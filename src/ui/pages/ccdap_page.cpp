@@ -30,9 +30,9 @@ QWidget* makeCcdapPage(CcdapControls& ccdap, QWidget* parent) {
     name->setPlaceholderText(u"Without a name no file is written"_s);
     caption->setBuddy(name);
 
-    const FolderChoice choice = makeFolderChoice(
-        group, u"ButtCCDAP4"_s, ccdap.ButtCCDAP4, u"LblPathNameCCDAP4"_s, ccdap.LblPathNameCCDAP4,
-        u"Select a folder to store the CCDAP4 file."_s);
+    const FolderChoice choice =
+        makeFolderChoice(group, u"ButtCCDAP4"_s, ccdap.ButtCCDAP4, u"LblPathNameCCDAP4"_s,
+                         ccdap.LblPathNameCCDAP4, u"Select a folder to store the CCDAP4 file."_s);
 
     grid->addWidget(caption, 0, 0);
     grid->addWidget(name, 0, 1);

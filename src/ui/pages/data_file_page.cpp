@@ -60,9 +60,8 @@ QWidget* makeFile(DataFileControls& dataFile, QWidget* page) {
     auto* structure = new QPushButton(u"Colu&mns…"_s, group);
     structure->setObjectName(u"ButtFileStructure"_s);
     bind(structure, dataFile.ButtFileStructure);
-    QObject::connect(structure, &QPushButton::clicked, group, [&dataFile, group] {
-        KivFileStructForm(dataFile.Columns, group).exec();
-    });
+    QObject::connect(structure, &QPushButton::clicked, group,
+                     [&dataFile, group] { KivFileStructForm(dataFile.Columns, group).exec(); });
 
     grid->addWidget(choice.button, 0, 0);
     grid->addWidget(choice.folder, 0, 1, 1, 2);
@@ -88,7 +87,7 @@ QWidget* makeDataFilePage(DataFileControls& dataFile, QWidget* parent) {
     row->addWidget(makeRecording(dataFile, page), 2);
     row->addWidget(makeFile(dataFile, page), 5);
     column->addLayout(row);
-    column->addStretch();
+    column->addStretch(1);
     return page;
 }
 

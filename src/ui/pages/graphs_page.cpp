@@ -63,8 +63,13 @@ QLayout* makeGraph(std::size_t index, const GraphPlace& place, MonitoringCore& c
     row->setSpacing(4);
     column->addLayout(row);
     const QByteArray suffix(place.suffix);
-    row->addWidget(makeCheck(page, QString::fromLatin1("GraphGenerate" + suffix), place.title,
-                             generate));
+    QCheckBox* title =
+        makeCheck(page, QString::fromLatin1("GraphGenerate" + suffix), place.title, generate);
+    // A title is to be read while the box is disabled, too.
+    QPalette readable = title->palette();
+    readable.setColor(QPalette::Disabled, QPalette::WindowText, look::kDimText);
+    title->setPalette(readable);
+    row->addWidget(title);
     row->addStretch();
     auto* view = new GraphView(records.pictures[index], redraw, page);
     view->setObjectName(QString::fromLatin1("Graph" + suffix));
@@ -93,21 +98,18 @@ QLayout* makeSpan(GraphControls& graphs, QWidget* page) {
         row->addWidget(box);
         row->addSpacing(look::kMargin);
     };
-    const auto addReadout = [&](const QString& name, Label& record, const QString& widest) {
-        auto* readout = new Readout(page);
-        readout->setObjectName(name);
-        readout->setPixelSize(13);
-        readout->reserve(widest);
-        bind(readout, record);
-        row->addWidget(readout);
-        return readout;
+    const auto addLabel = [&](const QString& name, Label& record) {
+        auto* label = new QLabel(page);
+        label->setObjectName(name);
+        bind(label, record);
+        row->addWidget(label);
     };
     addNumber(u"Points &kept"_s, u"GraphNoPoints"_s, graphs.GraphNoPoints);
     addNumber(u"Readin&gs per point"_s, u"GraphFreq"_s, graphs.GraphFreq);
     row->addWidget(new QLabel(u"A full graph spans"_s, page));
-    addReadout(u"GraphSpanDesc"_s, graphs.GraphSpanDesc, u"0000 h 00 m 00 s"_s);
-    addReadout(u"GraphSpan"_s, graphs.GraphSpan, u"00000000"_s)
-        ->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(u"GraphSpanDesc"_s, graphs.GraphSpanDesc);
+    row->addWidget(new QLabel(u"="_s, page));
+    addLabel(u"GraphSpan"_s, graphs.GraphSpan);
     row->addWidget(new QLabel(u"secs"_s, page));
     row->addStretch();
     return row;

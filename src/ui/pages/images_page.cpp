@@ -92,7 +92,7 @@ QWidget* makeImagesPage(GraphControls& graphs, QWidget* parent) {
     row->addWidget(makeFormat(graphs, page), 1);
     column->addLayout(row);
     column->addWidget(makeFolder(graphs, page));
-    column->addStretch();
+    column->addStretch(1);
     return page;
 }
 

@@ -109,7 +109,8 @@ QLineEdit* makeText(QWidget* parent, const QString& name, TextBox& record) {
     box->setObjectName(name);
     bind(box, record);
     // After the press of a click has set its caret.
-    new EventRule(box, QEvent::FocusIn, [box] { QTimer::singleShot(0, box, &QLineEdit::selectAll); });
+    new EventRule(box, QEvent::FocusIn,
+                  [box] { QTimer::singleShot(0, box, &QLineEdit::selectAll); });
     return box;
 }
 

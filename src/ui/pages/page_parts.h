@@ -46,8 +46,7 @@ struct FolderChoice {
     Readout* folder;
 };
 FolderChoice makeFolderChoice(QWidget* parent, const QString& buttonName, Button& button,
-                              const QString& folderName, Label& folder,
-                              const QString& dialogTitle);
+                              const QString& folderName, Label& folder, const QString& dialogTitle);
 // Radio buttons in one row, named `control` with their index.
 QButtonGroup* addOptions(QBoxLayout* into, const char* control, const QStringList& captions,
                          OptionGroup& record);

@@ -90,25 +90,26 @@ class AlarmTable {
 
     // Fills the place of a level in the last row.
     void addBeside(int level, QWidget* widget) {
-        grid_->addWidget(widget, row_, columnOf(level), 1, 3);
+        grid_->addWidget(widget, row_, columnOf(level), 1, 3, Qt::AlignVCenter);
     }
     QHBoxLayout* addBeside(int level) {
         auto* line = new QHBoxLayout;
-        grid_->addLayout(line, row_, columnOf(level), 1, 3);
+        grid_->addLayout(line, row_, columnOf(level), 1, 3, Qt::AlignVCenter);
         return line;
     }
 
   private:
     void beginRow(const QString& title, std::size_t indicator) {
         ++row_;
+        grid_->setRowStretch(row_, 1);
         auto* mark = new PlayMark(alarms_.PlayAlarm[indicator], parent_);
         mark->setObjectName(indexed("PlayAlarm", indicator));
-        grid_->addWidget(mark, row_, 0);
+        grid_->addWidget(mark, row_, 0, Qt::AlignVCenter);
         auto* label = new QLabel(title, parent_);
         QFont bold = label->font();
         bold.setBold(true);
         label->setFont(bold);
-        grid_->addWidget(label, row_, kTitle);
+        grid_->addWidget(label, row_, kTitle, Qt::AlignVCenter);
     }
 
     // `what` says in words what the alarm is for.
@@ -134,9 +135,10 @@ class AlarmTable {
         QObject::connect(box, &AlarmBox::mouseReleased, box, released);
         QObject::connect(box, &AlarmBox::editWanted, box, edit);
         QObject::connect(sound, &SoundName::clicked, box, edit);
-        grid_->addWidget(unsafe, row_, columnOf(level));
-        grid_->addWidget(box, row_, columnOf(level) + 1);
-        grid_->addWidget(sound, row_, columnOf(level) + 2);
+        int column = columnOf(level);
+        for (QWidget* widget : {static_cast<QWidget*>(unsafe), static_cast<QWidget*>(box),
+                                static_cast<QWidget*>(sound)})
+            grid_->addWidget(widget, row_, column++, Qt::AlignVCenter);
     }
 
     AlarmControls& alarms_;
@@ -180,6 +182,7 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
     auto* page = new QWidget(parent);
     auto* card = new Card(page);
     card->setFill(look::kGroup);
+    card->setMaximumHeight(400); // a taller window does not pull the rows apart
     AlarmTable table(alarms, readings, media, card);
     addQuantities(table, conditions);
 
@@ -202,7 +205,7 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
                  u"(secs)"_s);
 
     QVBoxLayout* column = pageColumn(page);
-    column->addWidget(card);
+    column->addWidget(card, 1);
     column->addStretch();
     return page;
 }

@@ -1,0 +1,139 @@
+"""The window and its tray icon on a real display, with a window manager and a panel."""
+
+import os
+import subprocess
+import time
+import unittest
+
+from monitored import Monitored
+
+MAIN_WINDOW = r"^Kiv_Skyhold \("
+POPUP_CLASS = "^Kiv_Skyhold$"
+
+
+class Desktop(Monitored):
+    """A monitor on a display of its own."""
+
+    def __init__(self):
+        super().__init__(window=True)
+        self.run.variables["QT_QPA_PLATFORM"] = "xcb"
+
+    def __enter__(self):
+        try:
+            self.start_desktop()
+            return super().__enter__()
+        except BaseException:
+            self.run.end()
+            raise
+
+    def start_desktop(self):
+        reading, writing = os.pipe()
+        self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24", "-nolisten",
+                       "tcp", pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as number:
+            self.run.variables["DISPLAY"] = f":{number.readline().strip()}"
+        self.run.start("openbox", "--sm-disable", stderr=subprocess.DEVNULL)
+        self.wait_until("the window manager", lambda: self.xdotool("get_desktop"))
+        self.start_panel()
+
+    def start_panel(self):
+        self.panel = self.run.start("trayer", "--edge", "bottom", "--align", "right",
+                                    "--widthtype", "request", stderr=subprocess.DEVNULL)
+
+    def xdotool(self, *command):
+        answer = subprocess.run(["xdotool", *map(str, command)], env=self.run.variables,
+                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                                check=False)
+        return answer.stdout.strip()
+
+    def windows(self, *search):
+        return set(self.xdotool("search", "--onlyvisible", *search).split())
+
+    def shown(self):
+        return bool(self.windows("--name", MAIN_WINDOW))
+
+    def main_window(self):
+        return self.windows("--name", MAIN_WINDOW).pop()
+
+    def icon(self):
+        """Where the panel shows its only icon; nothing when it shows none."""
+        for panel in self.windows("--name", "^panel$"):
+            shape = dict(line.split("=") for line in
+                         self.xdotool("getwindowgeometry", "--shell", panel).splitlines())
+            width, height = int(shape["WIDTH"]), int(shape["HEIGHT"])
+            if width > 10:  # an empty panel is a line
+                return int(shape["X"]) + width // 2, int(shape["Y"]) + height // 2
+        return None
+
+    def click(self, *clicks):
+        self.wait_until("the icon in the tray", self.icon)
+        self.xdotool("mousemove", *self.icon(), "click", *clicks)
+
+    def double_click_until(self, what, holds):
+        """A busy machine may take a double click for two single ones, which change nothing that
+        is asked for here."""
+        for _ in range(5):
+            self.click("--repeat", 2, "--delay", 40, 1)
+            end = time.monotonic() + 3
+            while time.monotonic() < end:
+                if holds():
+                    return
+                time.sleep(0.02)
+        raise AssertionError(f"no double click brought {what}")
+
+    def choose(self, access_key):
+        """An entry of the icon's menu."""
+        before = self.windows("--class", POPUP_CLASS)
+        self.click(3)
+        self.wait_until("the menu", lambda: self.windows("--class", POPUP_CLASS) - before)
+        menu = (self.windows("--class", POPUP_CLASS) - before).pop()
+
+        def chosen():
+            self.xdotool("key", access_key)
+            return menu not in self.windows("--class", POPUP_CLASS)
+
+        self.wait_until(f"the end of the menu by {access_key}", chosen)
+
+
+class TrayTest(unittest.TestCase):
+    def test_the_monitor_lives_in_the_tray(self):
+        with Desktop() as desktop:
+            desktop.wait_until("the window", desktop.shown)
+            desktop.wait_until("the icon", desktop.icon)
+
+            desktop.xdotool("windowminimize", desktop.main_window())
+            desktop.wait_until("a hidden window", lambda: not desktop.shown())
+            desktop.double_click_until("the window", desktop.shown)
+            desktop.wait_until("the window in front", lambda: desktop.xdotool("getactivewindow") ==
+                               desktop.main_window())
+            desktop.double_click_until("a hidden window", lambda: not desktop.shown())
+
+            desktop.choose("s")
+            desktop.next_cycle("a session", lambda c: c.verdict in ("SAFE", "UNSAFE"))
+            self.assertFalse(desktop.shown())
+
+            # The panel is started anew while the window is hidden.
+            desktop.panel.terminate()
+            desktop.panel.wait(10)
+            desktop.start_panel()
+            desktop.choose("r")
+            desktop.wait_until("the window", desktop.shown)
+
+            # Without a panel the window must not be lost.
+            desktop.panel.terminate()
+            desktop.panel.wait(10)
+            window = desktop.main_window()
+            desktop.xdotool("windowminimize", window)
+            desktop.wait_until("an iconified window", lambda: not desktop.shown())
+            desktop.xdotool("windowactivate", window)
+            desktop.wait_until("the window", desktop.shown)
+
+            desktop.start_panel()
+            desktop.choose("e")
+            self.assertEqual(desktop.monitor.wait(10), 0)
+            desktop.wait_until("an empty tray", lambda: not desktop.icon())
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,273 @@
+#include "window_fixture.h"
+
+#include "datafiles/upload_list.h"
+#include "ui/kiv_file_struct_form.h"
+
+#include <QClipboard>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+class FilePages : public WindowFixture {
+  protected:
+    FilePages() {
+        window_->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    }
+
+    QLineEdit* text(const char* name) { return child<QLineEdit>(*window_, name); }
+    void space(const char* name) { QTest::keyClick(child(*window_, name), Qt::Key_Space); }
+    // As by a mouse: focus, and what the box does of itself on it.
+    void focus(QLineEdit* box) {
+        QTest::mouseClick(box, Qt::LeftButton);
+        QCoreApplication::processEvents();
+    }
+};
+
+TEST_F(FilePages, DataFileNameTakesLettersDigitsAndUnderscores) {
+    openPage(5);
+    QLineEdit* name = text("FileName");
+    focus(name);
+    EXPECT_EQ(name->selectedText(), u"Skyhold"_s);
+    QTest::keyClicks(name, u"N/i.g h-t\\_0"_s);
+    QTest::sendKeyEvent(QTest::Click, name, Qt::Key_Eacute, u"é"_s, {});
+    QTest::keyClicks(name, u"9*"_s);
+    EXPECT_EQ(name->text(), u"Night_09"_s);
+    QTest::keyClick(name, Qt::Key_Backspace);
+    EXPECT_EQ(records().dataFile.FileName.Text.value(), u"Night_0"_s);
+
+    QApplication::clipboard()->setText(u"../up"_s);
+    QTest::keyClick(name, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(name->text(), u"Night_0"_s);
+    QApplication::clipboard()->setText(u"_b"_s);
+    QTest::keyClick(name, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(records().dataFile.FileName.Text.value(), u"Night_0_b"_s);
+}
+
+TEST_F(FilePages, RecordingLocksItsFileAndFallsBackWhenItCannotBegin) {
+    openPage(5);
+    const auto chosen = [this](const char* option) {
+        return child<QRadioButton>(*window_, option)->isChecked();
+    };
+    space("RecOption0");
+    EXPECT_TRUE(core_->recorder.recording);
+    for (const char* name : {"FileName", "ButtPATH", "ButtFileStructure", "SaveFreq"})
+        EXPECT_FALSE(child(*window_, name)->isEnabled()) << name;
+    space("RecOption1");
+    EXPECT_FALSE(core_->recorder.recording);
+    EXPECT_TRUE(text("FileName")->isEnabled());
+
+    answer_ = MessageAnswer::Cancel;
+    space("RecOption0");
+    EXPECT_EQ(messages_, QStringList{u"Append to existing file"_s});
+    EXPECT_TRUE(chosen("RecOption1"));
+    EXPECT_FALSE(core_->recorder.recording);
+}
+
+// Items as the data file's columns would be written: "+3" is on, "-3" off.
+QStringList columnsText(const DataColumns& columns, std::size_t first) {
+    QStringList result;
+    for (std::size_t i = 0; i < first; ++i)
+        result.append((columns[i].Prt ? u"+"_s : u"-"_s) + QString::number(columns[i].Cal));
+    return result;
+}
+
+TEST_F(FilePages, ColumnsAreMovedAndSwitchedOnOkOnly) {
+    openPage(5);
+    DataColumns& columns = records().dataFile.Columns;
+    columns[1].Hdr = u"Clock"_s;
+    const auto edit = [&](const std::function<void(QDialog&, QListWidget&)>& act, const char* end) {
+        EXPECT_TRUE(duringDialog([this] { click(*window_, "ButtFileStructure"); },
+                                 [&](QDialog& dialog) {
+                                     act(dialog, *child<QListWidget>(dialog, "ListCol"));
+                                     click(dialog, end);
+                                 }));
+        return columnsText(columns, 4);
+    };
+    const auto select = [](QListWidget& list, int row) {
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                          list.visualItemRect(list.item(row)).center());
+    };
+    const auto change = [&](QDialog& dialog, QListWidget& list) {
+        EXPECT_EQ(list.count(), 25);
+        EXPECT_EQ(list.item(1)->text(), u"(02) Clock"_s);
+        click(dialog, "ButtArrDown"); // nothing is selected yet
+        select(list, 2);
+        QTest::keyClick(&list, Qt::Key_Space);
+        for (int i = 0; i < 3; ++i) // the third finds the end
+            click(dialog, "ButtArrUp");
+        EXPECT_EQ(list.item(0)->text(), u"(03) Cloud Condition"_s);
+        EXPECT_EQ(list.item(0)->checkState(), Qt::Unchecked);
+        EXPECT_EQ(list.currentRow(), 0);
+        select(list, 2);
+        click(dialog, "ButtArrDown");
+    };
+    EXPECT_EQ(edit(change, "ButtCancel"), (QStringList{u"+1"_s, u"+2"_s, u"+3"_s, u"+4"_s}));
+    EXPECT_EQ(edit(change, "ButtOK"), (QStringList{u"-3"_s, u"+1"_s, u"+4"_s, u"+2"_s}));
+    EXPECT_EQ(columns[3].Hdr, u"Clock"_s);
+    const auto restore = [](QDialog& dialog, QListWidget& list) {
+        click(dialog, "ButtDefaults");
+        EXPECT_EQ(list.item(24)->text(), u"(25) Safe Condtition"_s);
+    };
+    EXPECT_EQ(edit(restore, "ButtOK"), (QStringList{u"+1"_s, u"+2"_s, u"+3"_s, u"+4"_s}));
+    EXPECT_EQ(columns[1].Hdr, u"Time"_s);
+}
+
+TEST_F(FilePages, QualityIsOfferedForJpegAlone) {
+    openPage(4);
+    EXPECT_FALSE(visible("ImageQuality0"));
+    space("ImageType");
+    EXPECT_TRUE(visible("ImageQuality0"));
+    space("ImageQuality0");
+    EXPECT_EQ(records().graphs.ImageQuality.Index, 0);
+    space("ImageType");
+    EXPECT_FALSE(visible("ImageQuality0"));
+    space("GraphImageDir");
+    EXPECT_FALSE(records().graphs.GraphImage[2].checked());
+}
+
+TEST_F(FilePages, ServerTextsAreCompletedWhenTheirBoxIsLeft) {
+    openPage(6);
+    focus(text("ServerAddress"));
+    QTest::keyClicks(text("ServerAddress"), u"ftp.example.org"_s);
+    EXPECT_EQ(records().upload.ServerAddress.Text.value(), u"ftp.example.org"_s);
+    focus(text("ServerPath"));
+    EXPECT_EQ(records().upload.ServerAddress.Text.value(), u"ftp.example.org/"_s);
+    QTest::keyClicks(text("ServerPath"), u"/web/data"_s);
+    focus(text("PassWord"));
+    EXPECT_EQ(text("ServerPath")->text(), u"web/data/"_s);
+    QTest::keyClicks(text("PassWord"), u"open sesame"_s);
+    EXPECT_EQ(records().upload.PassWord.Text.value(), u"open sesame"_s);
+    EXPECT_EQ(text("PassWord")->displayText().count(u's'), 0);
+}
+
+class UploadList : public FilePages {
+  protected:
+    UploadList() {
+        openPage(6);
+        for (const QString& name : {u"a.png"_s, u"b.png"_s, u"c.htm"_s})
+            EXPECT_TRUE(QFile(folder_->filePath(name)).open(QIODevice::WriteOnly));
+        list_ = child<QListWidget>("KivFileList");
+        menu_ = child<QMenu>("mPopup1");
+    }
+
+    void add(const QStringList& names) {
+        for (const QString& name : names)
+            AddChosenFiles(records().upload, {folder_->filePath(name)});
+    }
+    QStringList lines() {
+        QStringList result;
+        for (int i = 0; i < list_->count(); ++i)
+            result.append(list_->item(i)->text().remove(folder_->path() + u'/'));
+        return result;
+    }
+    // The menu of a line; of none below the last.
+    bool popUp(int row) {
+        QTest::mouseClick(list_->viewport(), Qt::RightButton, {},
+                          row < list_->count() ? list_->visualItemRect(list_->item(row)).center()
+                                               : list_->viewport()->rect().bottomRight());
+        return menu_->isVisible();
+    }
+    void pick(const char* name) {
+        QTest::mouseClick(menu_, Qt::LeftButton, {},
+                          menu_->actionGeometry(child<QAction>(name)).center());
+    }
+
+    QListWidget* list_;
+    QMenu* menu_;
+};
+
+TEST_F(UploadList, PopupTogglesUploadOnceAndDeletes) {
+    ASSERT_TRUE(popUp(0));
+    EXPECT_FALSE(child<QAction>("mPopup1Up")->isEnabled());
+    EXPECT_FALSE(child<QAction>("mPopup1Del")->isEnabled());
+    EXPECT_TRUE(child<QAction>("mPopup1Add")->isEnabled());
+    menu_->close();
+
+    add({u"a.png"_s, u"b.png"_s});
+    for (const bool once : {true, false}) {
+        ASSERT_TRUE(popUp(1));
+        EXPECT_EQ(records().upload.ListIndex, 1);
+        EXPECT_EQ(child<QAction>("mPopup1Up")->isChecked(), !once);
+        pick("mPopup1Up");
+        EXPECT_FALSE(menu_->isVisible());
+        EXPECT_EQ(records().upload.Files[1].fUploadOnce, once);
+        EXPECT_EQ(records().upload.UploadOnce.checked(), once);
+        EXPECT_EQ(lines(),
+                  (QStringList{u"     a.png"_s, (once ? u"*** "_s : u"     "_s) + u"b.png"_s}));
+        EXPECT_EQ(list_->currentRow(), 1); // a rebuilt list keeps its selection
+    }
+    ASSERT_TRUE(popUp(0));
+    pick("mPopup1Del");
+    EXPECT_EQ(lines(), QStringList{u"     b.png"_s});
+}
+
+TEST_F(UploadList, BoxShowsAndSetsTheFlagOfTheSelectedFile) {
+    add({u"a.png"_s, u"b.png"_s});
+    const auto select = [this](int row) {
+        QTest::mouseClick(list_->viewport(), Qt::LeftButton, {},
+                          list_->visualItemRect(list_->item(row)).center());
+    };
+    select(0);
+    space("UploadOnce");
+    EXPECT_TRUE(records().upload.Files[0].fUploadOnce);
+    select(1);
+    EXPECT_FALSE(records().upload.UploadOnce.checked());
+    QTest::keyClick(list_, Qt::Key_Up);
+    EXPECT_TRUE(records().upload.UploadOnce.checked());
+    space("DispFileNameOnly");
+    EXPECT_EQ(list_->item(0)->text(), u"*** a.png"_s);
+    EXPECT_EQ(list_->item(1)->text(), u"     b.png"_s);
+    click(*window_, "ButtFileDEL");
+    EXPECT_EQ(lines(), QStringList{u"     b.png"_s});
+}
+
+TEST_F(UploadList, FilesAreAddedByDialogUnlessASessionUploads) {
+    const auto inDialog = [&](const QString& names, bool accept) {
+        return duringDialog(
+            [this] { click(*window_, "ButtFileADD"); },
+            [&](QDialog& dialog) {
+                auto& files = dynamic_cast<QFileDialog&>(dialog);
+                EXPECT_EQ(files.windowTitle(), u"Select Files to UPLOAD"_s);
+                EXPECT_EQ(files.nameFilters().size(), 8);
+                EXPECT_TRUE(files.selectedNameFilter().startsWith(u"PNG images"_s));
+                files.setDirectory(folder_->path());
+                child<QLineEdit>(files, "fileNameEdit")->setText(names);
+                QPushButton* open =
+                    child<QDialogButtonBox>(files, "buttonBox")->button(QDialogButtonBox::Open);
+                if (accept)
+                    QTest::mouseClick(open, Qt::LeftButton);
+                EXPECT_NE(files.isVisible(), accept);
+                if (files.isVisible())
+                    files.reject();
+            });
+    };
+    EXPECT_TRUE(inDialog(u"\"a.png\" \"b.png\""_s, false));
+    EXPECT_EQ(lines(), QStringList());
+    EXPECT_TRUE(inDialog(u"\"a.png\" \"b.png\""_s, true));
+    EXPECT_EQ(lines(), (QStringList{u"     a.png"_s, u"     b.png"_s}));
+    EXPECT_TRUE(inDialog(u"b.png"_s, true)); // it is there already
+    EXPECT_EQ(lines().size(), 2);
+
+    records().session.flgUpload.Value = 1;
+    click(*window_, "ButtStart");
+    EXPECT_FALSE(inDialog(u"c.htm"_s, true));
+    EXPECT_FALSE(popUp(0));
+    click(*window_, "ButtStop");
+    EXPECT_TRUE(popUp(0));
+    menu_->close();
+}
+
+} // namespace
+
+} // namespace skyhold

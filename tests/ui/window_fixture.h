@@ -1,0 +1,42 @@
+// A monitor with its window, on folders of its own.
+#pragma once
+
+#include "dialog_driver.h"
+
+#include "support/core_fixture.h"
+#include "ui/main_window.h"
+#include "ui/readout.h"
+
+#include <QAction>
+#include <QTabWidget>
+
+namespace skyhold {
+
+class WindowFixture : public CoreFixture {
+  protected:
+    WindowFixture()
+        : window_(std::make_unique<KivSHMainform>(*core_)) {
+        window_->show();
+        QCoreApplication::processEvents();
+    }
+
+    QString shown(const char* name) { return child<Readout>(*window_, name)->text(); }
+    bool visible(const char* name) { return child(*window_, name)->isVisible(); }
+    bool offered(const char* name) { return child<QAction>(name)->isVisible(); }
+    template <class Object>
+    Object* child(const char* name) {
+        return window_->findChild<Object*>(QString::fromLatin1(name));
+    }
+    template <class Widget = QWidget>
+    Widget* child(QWidget& window, const char* name) {
+        return skyhold::child<Widget>(window, name);
+    }
+    void openPage(int index) {
+        window_->findChild<QTabWidget*>()->setCurrentIndex(index);
+        QCoreApplication::processEvents();
+    }
+
+    std::unique_ptr<KivSHMainform> window_;
+};
+
+} // namespace skyhold
