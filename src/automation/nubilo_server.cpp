@@ -12,18 +12,12 @@ namespace skyhold {
 
 namespace {
 
-void registerClient(MonitoringCore& core, int delta) {
-    RegisterUsers(core.records, core.clock, delta);
-    if (core.records.session.ClientCount == 0 && core.records.safety.LocalControl)
-        HasControl(core, false, QString());
-}
-
 class NubiloServer : public AutomationServer {
   public:
     NubiloServer(const QDBusConnection& bus, MonitoringCore& core,
                  const std::shared_ptr<const MemberTable>& members)
         : AutomationServer(bus, QLatin1String(kProgramId), members,
-                           [&core](int delta) { registerClient(core, delta); })
+                           [&core](int delta) { RegisterUsers(core.records, core.clock, delta); })
         , core_(core) {
         for (InstanceInterface& interface :
              typedInterface(QLatin1String(kInterfaceName), nubiloInterfaceXml(), members))
@@ -34,11 +28,23 @@ class NubiloServer : public AutomationServer {
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         core_.sensor.beginRequest();
-        return AutomationServer::handleMessage(message, connection);
+        const bool controlled = core_.records.safety.LocalControl;
+        const bool handled = AutomationServer::handleMessage(message, connection);
+        if (!controlled && core_.records.safety.LocalControl)
+            controller_ = message.service();
+        return handled;
+    }
+
+  protected:
+    // A verdict must not stay frozen behind a client that took control of it and has gone.
+    void clientLeft(const QString& client) override {
+        if (core_.records.safety.LocalControl && client == controller_)
+            HasControl(core_, false, QString());
     }
 
   private:
     MonitoringCore& core_;
+    QString controller_; // the client that took local control
 };
 
 } // namespace

@@ -272,16 +272,22 @@ void AutomationServer::watch(const QString& client) {
 void AutomationServer::release(const QString& path) {
     const std::uint32_t number = QStringView(path).mid(rootPath_.size() + 1).toUInt();
     const QString client = instances_.take(number);
+    bool left = false;
     const auto others = instancesOfClient_.find(client);
     if (others != instancesOfClient_.end()) {
         others->remove(number);
         if (others->isEmpty()) {
             instancesOfClient_.erase(others);
+            left = true;
             watcher_->removeWatchedService(client);
         }
     }
     usersChanged_(-1);
+    if (left)
+        clientLeft(client);
 }
+
+void AutomationServer::clientLeft(const QString&) {}
 
 void AutomationServer::releaseAllOf(const QString& client) {
     const QSet<std::uint32_t> numbers = instancesOfClient_.take(client);
@@ -290,6 +296,7 @@ void AutomationServer::releaseAllOf(const QString& client) {
         instances_.remove(number);
         usersChanged_(-1);
     }
+    clientLeft(client);
 }
 
 // False for a method that the dispatch interface has not.

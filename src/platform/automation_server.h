@@ -100,6 +100,9 @@ class AutomationServer : public QDBusVirtualObject {
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
   protected:
+    // A client's last instance has been released or has gone with it.
+    virtual void clientLeft(const QString& client);
+
     const QString& rootPath() const { return rootPath_; }
 
   private:

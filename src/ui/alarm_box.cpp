@@ -85,6 +85,7 @@ void AlarmBox::keyPressEvent(QKeyEvent* event) {
 SoundName::SoundName(CheckBox& record, QWidget* parent)
     : QAbstractButton(parent) {
     setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     QFont smaller = font();
     smaller.setPixelSize(12);

@@ -87,11 +87,13 @@ class SessionTest(unittest.TestCase):
                 self.assertEqual(refused.exception.get_dbus_name(),
                                  f"Kiv.Automation.Error.{error}")
 
-            # A client that dies with control of the verdict does not keep it.
+            # A client that dies with control of the verdict does not keep it, others or not.
+            other = Client(monitored)
             first.invoke("Kiv_LocalControl", METHOD, [True, "script"])
             monitored.next_cycle("its control", lambda c: c.cause == "Decided by script")
             first.close()
             monitored.next_cycle("the end of its control", lambda c: "script" not in c.cause)
+            self.assertEqual(other.invoke("Kiv_TotalNoUsers"), 1)
 
             monitored.monitor.send_signal(signal.SIGTERM)
             self.assertEqual(monitored.monitor.wait(10), 0)

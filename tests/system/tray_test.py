@@ -56,14 +56,25 @@ class Desktop(Monitored):
     def main_window(self):
         return self.windows("--name", MAIN_WINDOW).pop()
 
+    def shape(self, window):
+        """X, Y, WIDTH and HEIGHT; nothing of a window that has just gone."""
+        lines = self.xdotool("getwindowgeometry", "--shell", window).splitlines()
+        return {name: int(number) for name, number in (line.split("=") for line in lines)}
+
     def icon(self):
         """Where the panel shows its only icon; nothing when it shows none."""
         for panel in self.windows("--name", "^panel$"):
-            shape = dict(line.split("=") for line in
-                         self.xdotool("getwindowgeometry", "--shell", panel).splitlines())
-            width, height = int(shape["WIDTH"]), int(shape["HEIGHT"])
-            if width > 10:  # an empty panel is a line
-                return int(shape["X"]) + width // 2, int(shape["Y"]) + height // 2
+            shape = self.shape(panel)
+            if shape and shape["WIDTH"] > 10:  # an empty panel is a line
+                return shape["X"] + shape["WIDTH"] // 2, shape["Y"] + shape["HEIGHT"] // 2
+        return None
+
+    def menu(self):
+        """The open menu; the icon itself is smaller, the main window has its title."""
+        windows = self.windows("--class", POPUP_CLASS) - self.windows("--name", MAIN_WINDOW)
+        for window in windows:
+            if self.shape(window).get("WIDTH", 0) > 40:
+                return window
         return None
 
     def click(self, *clicks):
@@ -84,14 +95,12 @@ class Desktop(Monitored):
 
     def choose(self, access_key):
         """An entry of the icon's menu."""
-        before = self.windows("--class", POPUP_CLASS)
         self.click(3)
-        self.wait_until("the menu", lambda: self.windows("--class", POPUP_CLASS) - before)
-        menu = (self.windows("--class", POPUP_CLASS) - before).pop()
+        self.wait_until("the menu", self.menu)
 
         def chosen():
             self.xdotool("key", access_key)
-            return menu not in self.windows("--class", POPUP_CLASS)
+            return not self.menu()
 
         self.wait_until(f"the end of the menu by {access_key}", chosen)
 

@@ -37,7 +37,7 @@ class FileNameValidator : public QValidator {
 QWidget* makeRecording(DataFileControls& dataFile, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"Recording"_s);
     addOptions(column, "RecOption", {u"&Record"_s, u"Stop"_s}, dataFile.RecOption);
-    addNumberRow(column, u"A &line every"_s, u"SaveFreq"_s, dataFile.SaveFreq, u"read cycles"_s);
+    addNumberRow(column, u"A line e&very"_s, u"SaveFreq"_s, dataFile.SaveFreq, u"read cycles"_s);
     column->addStretch();
     return column->parentWidget();
 }

@@ -26,7 +26,7 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
     QWidget* group = column->parentWidget();
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kGap);
-    row->addWidget(makeCheck(group, u"flgUpload"_s, u"&Upload files in a session"_s, flgUpload));
+    row->addWidget(makeCheck(group, u"flgUpload"_s, u"Upload files &in a session"_s, flgUpload));
     row->addStretch();
     std::array<LampWidget*, 2> lamps{};
     for (std::size_t i = 0; i < lamps.size(); ++i) {
@@ -97,7 +97,7 @@ QWidget* makeFiles(UploadControls& upload, QWidget* page) {
     addButton(u"ButtFileDEL"_s, u"&Delete"_s, upload.ButtFileDEL,
               [&upload] { DeleteSelectedFile(upload); });
     row->addStretch();
-    row->addWidget(makeCheck(group, u"UploadOnce"_s, u"Upload on&ce"_s, upload.UploadOnce));
+    row->addWidget(makeCheck(group, u"UploadOnce"_s, u"Upload once"_s, upload.UploadOnce));
     row->addSpacing(look::kGap);
     row->addWidget(
         makeCheck(group, u"DispFileNameOnly"_s, u"File names only"_s, upload.DispFileNameOnly));
