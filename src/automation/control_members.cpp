@@ -171,7 +171,7 @@ void addSwitch(MemberList& list) {
     list.method(
         u"Kiv_LocalControl"_s, {{u"vData"_s, Bool, false}, {u"sLabel"_s, Text, false}},
         {Empty,
-         u"takes (true) or gives back control of the verdict; the label says who; ends with the last client"_s},
+         u"takes (true) or gives back control of the verdict; the label says who; ends with the client that took it"_s},
         [](Core& core, QVariantList& arguments) {
             HasControl(core, arguments[0].toBool(), arguments[1].toString());
             return answered();
