@@ -11,7 +11,7 @@ import time
 
 HERE = pathlib.Path(__file__).resolve()
 sys.path.insert(0, str(HERE.parents[1] / "tests" / "system"))
-from monitored import Monitored, run  # noqa: E402
+from monitored import Client, Monitored, run  # noqa: E402
 
 BARE = HERE.parents[1] / "build" / "bench" / "bin" / "bare_window"
 CYCLES = 60
@@ -29,6 +29,13 @@ def pss_mb(pid):
         if line.startswith("Pss:"):
             return int(line.split()[1]) / 1024
     raise RuntimeError("no Pss")
+
+
+def rss_kb(pid):
+    for line in pathlib.Path(f"/proc/{pid}/status").read_text().splitlines():
+        if line.startswith("VmRSS:"):
+            return int(line.split()[1])
+    raise RuntimeError("no VmRSS")
 
 
 def cpu_over(pid, seconds):
@@ -83,7 +90,7 @@ def busy():
 
 def idle():
     with Monitored(window=True) as monitored:
-        bare = subprocess.Popen([BARE], env=monitored.run.variables)
+        bare = subprocess.Popen([BARE], env=monitored.run.variables, stdout=subprocess.DEVNULL)
         try:
             time.sleep(2)  # both have painted by then
             ours = cpu_over(monitored.monitor.pid, IDLE_SECONDS)
@@ -96,6 +103,36 @@ def idle():
             bare.wait()
 
 
+def growth():
+    """Resident memory from 300 cycles on, once caches are filled."""
+    for what, cycles, images, speed in [("300 sets of six images", 300, True, 100),
+                                        ("8,640 cycles", 8640, False, 400)]:
+        with Monitored(["--start"], weather="night", speed=speed, images=images) as monitored:
+            monitored.wait_until("the first cycles", lambda: len(monitored.cycles) >= 300, 300)
+            before, count = rss_kb(monitored.monitor.pid), len(monitored.cycles)
+            monitored.wait_until(what, lambda: len(monitored.cycles) >= count + cycles, 900)
+            print(f"memory growth over {what}: {rss_kb(monitored.monitor.pid) - before} kB "
+                  "(at most 512)")
+
+
+def reads():
+    """A client that reads `Safe` all the time while cycles with images run every 5 s."""
+    with Monitored(["--start"], speed=1, read_seconds=5, images=True) as monitored:
+        monitored.wait_until("a first cycle", lambda: monitored.cycles)
+        client = Client(monitored)
+        count, took = len(monitored.cycles), []
+        while len(monitored.cycles) < count + 6:
+            begin = time.monotonic()
+            client.invoke("Safe")
+            took.append((time.monotonic() - begin) * 1000)
+        took.sort()
+        print(f"reads during cycles with images: {len(took)} reads, median "
+              f"{statistics.median(took):.2f} ms, 99th percentile "
+              f"{took[len(took) * 99 // 100]:.2f} ms (at most 1), longest {took[-1]:.1f} ms")
+
+
 start()
 busy()
 idle()
+reads()
+growth()

@@ -2,6 +2,8 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
+
 #include <iconv.h>
 
 namespace skyhold {
@@ -63,13 +65,18 @@ QString decodeText(const QByteArray& bytes) {
 }
 
 QByteArray encodeAnsi(const QString& text) {
+    // Most texts are plain ASCII, and opening a converter costs more than converting.
+    const auto plain = [](QChar c) { return c.unicode() < 0x80; };
+    if (std::all_of(text.cbegin(), text.cend(), plain))
+        return text.toLatin1();
+
     Converter ansi("WINDOWS-1252", "UTF-16LE");
     QByteArray bytes;
     bytes.reserve(text.size());
     for (const QChar c : text) {
         char16_t in = c.unicode();
         char out = '?';
-        if (in < 0x80) {
+        if (plain(c)) {
             out = static_cast<char>(in);
         } else if (ansi.valid()) {
             char* inAt = reinterpret_cast<char*>(&in);

@@ -15,8 +15,8 @@
 #include "ui/pages/unsafe_page.h"
 #include "ui/pages/upload_page.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -170,6 +170,10 @@ void KivSHMainform::restore() {
     showNormal();
     raise();
     activateWindow();
+    // Hidden and shown at once it never lost the display's focus, and nobody tells it to take up
+    // its keys again.
+    if (QGuiApplication::focusWindow() == windowHandle() && !isActiveWindow())
+        QApplication::setActiveWindow(this);
 }
 
 void KivSHMainform::minimise() {

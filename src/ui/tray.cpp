@@ -93,7 +93,8 @@ void Tray::takeActivation(QSystemTrayIcon::ActivationReason reason) {
 
 void Tray::answer(TrayEvent event) {
     const bool shown = window_.isVisible() && !window_.isMinimized();
-    switch (trayAction(event, 1, core_.records.window.State, window_.isActiveWindow())) {
+    const bool active = shown && QGuiApplication::focusWindow() == window_.windowHandle();
+    switch (trayAction(event, 1, core_.records.window.State, active)) {
     case TrayAction::Restore:
         window_.restore();
         break;

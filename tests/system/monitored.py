@@ -36,15 +36,16 @@ class Monitored:
     """Starts everything; `with Monitored() as monitored` ends it all. With `window` the monitor has
     its window, without a display."""
 
-    def __init__(self, arguments=(), weather="quick", window=False):
+    def __init__(self, arguments=(), weather="quick", window=False, speed=SPEED, read_seconds=10,
+                 images=False):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-test-"))
         self.run = run.Run(self.folder, run.environment(self.folder, None))
         self.station_file = self.folder / "station.htm"
         self.station_control = self.folder / "station-faults"
         self.weather = weather
-        run.write_settings(self.folder, self.station_file, 10)
+        run.write_settings(self.folder, self.station_file, read_seconds, images)
         self.clock = ["--time-from", "2026-11-16T22:00:00", "--time-origin",
-                      time.time_ns() // 1_000_000, "--time-scale", SPEED]
+                      time.time_ns() // 1_000_000, "--time-scale", speed]
         self.arguments = [*arguments, *([] if window else ["--headless"])]
         if window:
             self.run.variables["QT_QPA_PLATFORM"] = "offscreen"

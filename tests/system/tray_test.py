@@ -28,8 +28,8 @@ class Desktop(Monitored):
 
     def start_desktop(self):
         reading, writing = os.pipe()
-        self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24", "-nolisten",
-                       "tcp", pass_fds=[writing], stderr=subprocess.DEVNULL)
+        self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24", "-noreset",
+                       "-nolisten", "tcp", pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as number:
             self.run.variables["DISPLAY"] = f":{number.readline().strip()}"
