@@ -19,23 +19,29 @@ QString switchText(double value) {
 
 // A quote inside the text is doubled. A line break or another control character, which a text of
 // the sensor program may hold, becomes a blank: a line stays one line.
-QString quoted(QString text) {
-    for (QChar& c : text) {
-        if (c < u' ')
-            c = u' ';
+void addQuoted(QString& line, const QString& text) {
+    line += u'"';
+    for (const QChar c : text) {
+        line += c < u' ' ? QChar(u' ') : c;
+        if (c == u'"')
+            line += c;
     }
-    text.replace(u'"', QStringLiteral("\"\""));
-    return u'"' + text + u'"';
+    line += u'"';
 }
 
 template <class Field>
 QByteArray joinFields(const DataColumns& columns, Field field) {
-    QStringList fields;
+    constexpr qsizetype kUsualLength = 512;
+    QString line;
+    line.reserve(kUsualLength);
     for (const DataColumn& column : columns) {
-        if (column.Prt)
-            fields.append(quoted(field(column)));
+        if (!column.Prt)
+            continue;
+        if (!line.isEmpty())
+            line += u',';
+        addQuoted(line, field(column));
     }
-    return encodeAnsi(fields.join(u','));
+    return encodeAnsi(line);
 }
 
 } // namespace

@@ -2,9 +2,12 @@
 
 #include <QLocale>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace skyhold {
 
@@ -24,26 +27,46 @@ QString GetThousandSeparator() {
 QString formatNumber(double value, QStringView pattern, const NumberForms& forms) {
     const qsizetype point = pattern.indexOf(u'.');
     const QStringView before = point < 0 ? pattern : pattern.left(point);
-    const int decimals = point < 0 ? 0 : static_cast<int>(pattern.size() - point - 1);
-    const auto leadingZeros = before.count(u'0');
+    const auto decimals = static_cast<std::size_t>(point < 0 ? 0 : pattern.size() - point - 1);
+    const auto leadingZeros = static_cast<std::size_t>(before.count(u'0'));
 
     // 1.005 is stored a hair below its decimal text; one step outwards lets the half that the
     // user sees round away from zero.
-    const double scale = std::pow(10.0, decimals);
+    const double scale = decimals == 0 ? 1 : std::pow(10.0, static_cast<double>(decimals));
     const double scaled = std::min(std::abs(value) * scale, std::numeric_limits<double>::max());
     const double outwards = std::nextafter(scaled, std::numeric_limits<double>::max());
-    QString digits = QString::number(std::floor(outwards + 0.5), 'f', 0);
-    if (decimals > 0)
-        digits = digits.rightJustified(decimals + 1, u'0');
+    const double rounded = std::floor(outwards + 0.5);
 
-    QString whole = digits.chopped(decimals);
-    if (whole == QStringLiteral("0") && leadingZeros == 0)
-        whole.clear();
-    QString text = whole.rightJustified(leadingZeros, u'0');
-    if (decimals > 0)
-        text += forms.decimal + digits.right(decimals);
-    const bool negative = value < 0 && digits.count(u'0') != digits.size();
-    return negative ? u'-' + text : text;
+    // All digits without the point; the largest number has 309.
+    std::array<char, 320> buffer;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), rounded,
+                                   std::chars_format::fixed, 0);
+    const std::string_view digits(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
+    std::string_view whole =
+        digits.size() > decimals ? digits.substr(0, digits.size() - decimals) : std::string_view();
+    if (whole == "0")
+        whole = {}; // only the pattern's zeros stand there
+    const std::string_view fraction =
+        digits.substr(digits.size() - std::min(digits.size(), decimals));
+
+    const auto zeros = [](std::size_t width, std::string_view text) {
+        return static_cast<qsizetype>(width - std::min(width, text.size()));
+    };
+    const auto latin1 = [](std::string_view text) {
+        return QLatin1String(text.data(), static_cast<qsizetype>(text.size()));
+    };
+    QString text;
+    text.reserve(static_cast<qsizetype>(digits.size() + leadingZeros + decimals) + 5);
+    if (value < 0 && rounded != 0)
+        text += u'-';
+    text.resize(text.size() + zeros(leadingZeros, whole), u'0');
+    text += latin1(whole);
+    if (decimals > 0) {
+        text += forms.decimal;
+        text.resize(text.size() + zeros(decimals, fraction), u'0');
+        text += latin1(fraction);
+    }
+    return text;
 }
 
 QString numberText(double value, const NumberForms& forms) {
@@ -94,36 +117,39 @@ double leadingNumber(QStringView text) {
 QString formatDate(const QDateTime& time, QStringView pattern) {
     const QDate date = time.date();
     const QTime clock = time.time();
-    const auto two = [](int number) {
-        return QString::number(number).rightJustified(2, u'0');
-    };
     QString text;
+    text.reserve(pattern.size());
+    const auto add = [&text](int number, int width) {
+        const QString digits = QString::number(number);
+        text.resize(text.size() + std::max<qsizetype>(0, width - digits.size()), u'0');
+        text += digits;
+    };
     bool afterHours = false;
     for (qsizetype i = 0; i < pattern.size();) {
         const QStringView rest = pattern.mid(i);
         if (rest.startsWith(u"yyyy")) {
-            text += QString::number(date.year()).rightJustified(4, u'0');
+            add(date.year(), 4);
             i += 4;
-        } else if (rest.startsWith(u"yy")) {
-            text += two(date.year() % 100);
-            i += 2;
-        } else if (rest.startsWith(u"dd")) {
-            text += two(date.day());
-            i += 2;
-        } else if (rest.startsWith(u"hh")) {
-            text += two(clock.hour());
+            continue;
+        }
+        const QStringView token = rest.left(2);
+        if (token == u"yy") {
+            add(date.year() % 100, 2);
+        } else if (token == u"dd") {
+            add(date.day(), 2);
+        } else if (token == u"hh") {
+            add(clock.hour(), 2);
             afterHours = true;
-            i += 2;
-        } else if (rest.startsWith(u"mm")) {
-            text += two(afterHours ? clock.minute() : date.month());
-            i += 2;
-        } else if (rest.startsWith(u"ss")) {
-            text += two(clock.second());
-            i += 2;
+        } else if (token == u"mm") {
+            add(afterHours ? clock.minute() : date.month(), 2);
+        } else if (token == u"ss") {
+            add(clock.second(), 2);
         } else {
             text += pattern[i];
             ++i;
+            continue;
         }
+        i += 2;
     }
     return text;
 }
