@@ -11,7 +11,8 @@
 namespace skyhold {
 
 // The server over `core`; every instance counts as one attached client while it lives. Local
-// control ends when the client that took it goes, so that no verdict stays frozen behind a dead one.
+// control ends when the client that took it goes, so that no verdict stays frozen behind a dead
+// one.
 std::unique_ptr<AutomationServer> makeNubiloServer(const QDBusConnection& bus,
                                                    MonitoringCore& core);
 

@@ -66,7 +66,9 @@ QString decodeText(const QByteArray& bytes) {
 
 QByteArray encodeAnsi(const QString& text) {
     // Most texts are plain ASCII, and opening a converter costs more than converting.
-    const auto plain = [](QChar c) { return c.unicode() < 0x80; };
+    const auto plain = [](QChar c) {
+        return c.unicode() < 0x80;
+    };
     if (std::all_of(text.cbegin(), text.cend(), plain))
         return text.toLatin1();
 
