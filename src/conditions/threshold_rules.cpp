@@ -11,7 +11,8 @@ const QString kLarger = QStringLiteral(" value CANNOT be larger or equal than ")
 } // namespace
 
 QString ValidateLimit(Quantity quantity, std::size_t index, const Thresholds& thresholds) {
-    const auto& [limits, descriptions] = thresholds;
+    const std::array<double, 3>& limits = thresholds.limits;
+    const std::array<QString, 3>& descriptions = thresholds.descriptions;
     const auto message = [&](const QString& words, std::size_t other) {
         return descriptions[index].toUpper() + words + descriptions[other].toUpper() +
                QStringLiteral(" value");
