@@ -184,11 +184,12 @@ void classify(MonitoringCore& core) {
 
 void decide(MonitoringCore& core) {
     Records& records = core.records;
+    const std::int64_t now = core.clock.MsClock();
     const SafetyDecision decision = DecideSafety(
-        records.readings, records.conditions, records.safety, records.sectors, core.clock.MsClock(),
-        [&core, &records] {
+        records.readings, records.conditions, records.safety, records.sectors, now,
+        [&core, &records, now] {
             SelectConditionAlarm(alarmPlayer(core), records.readings, records.conditions,
-                                 records.safety, records.sectors, core.clock.MsClock());
+                                 records.safety, records.sectors, now);
         });
     Disp_UnsafeFlag(records.readings, records.conditions);
     records.display.LblCause.Caption = causeInWords(decision, records);
