@@ -2,10 +2,6 @@
 
 namespace skyhold {
 
-std::int32_t readCycleSeconds(const ComboBox& refreshRead) {
-    return refreshRead.chosen().left(2).trimmed().toInt();
-}
-
 void selectReadCycle(ComboBox& refreshRead, std::int32_t seconds) {
     int entry = 1;
     if (seconds <= 5)

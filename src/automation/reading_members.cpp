@@ -1,6 +1,5 @@
 #include "automation/displayed_data.h"
 #include "automation/nubilo_table.h"
-#include "automation/read_interval.h"
 #include "automation/sensor_calls.h"
 
 namespace skyhold {
@@ -151,7 +150,7 @@ void addLastMembers(MemberList& list) {
                 [](Core& core, QVariantList& arguments) {
                     if (arguments[0].toInt() == 0)
                         return readFromSensor(core, u"ReadCycle"_s, I4);
-                    return answered(readCycleSeconds(core.records.session.RefreshRead));
+                    return answered(core.records.session.RefreshRead.chosenSeconds());
                 });
     list.method(u"GetGraphFreq"_s, {{u"iP"_s, I4, false}}, ofWhich(u"readings per point"_s),
                 [](Core& core, QVariantList& arguments) {

@@ -314,7 +314,7 @@ void addRest(MemberList& list) {
                     {"NoConsecutiveUnknownReads", "NoConsecutiveRS232Errors"});
     list.property(
         u"ReadCycle"_s, {I4, u"read interval in seconds: 5, 10, 30 or 60"_s},
-        answering([](Core& core) { return readCycleSeconds(core.records.session.RefreshRead); }),
+        answering([](Core& core) { return core.records.session.RefreshRead.chosenSeconds(); }),
         [](Core& core, QVariantList& arguments) {
             selectReadCycle(core.records.session.RefreshRead, arguments[0].toInt());
             return answered();

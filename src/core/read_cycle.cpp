@@ -84,8 +84,7 @@ void StartReading(MonitoringCore& core) {
     core.TimerRead.Tick = [&core] {
         RunReadCycle(core);
     };
-    // The entry begins with its seconds: "5  secs", "10 secs".
-    core.TimerRead.arm(1000 * records.session.RefreshRead.chosen().left(2).trimmed().toInt());
+    core.TimerRead.arm(1000 * records.session.RefreshRead.chosenSeconds());
 }
 
 void StopReading(MonitoringCore& core) {

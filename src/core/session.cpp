@@ -10,11 +10,6 @@ namespace skyhold {
 
 namespace {
 
-// The whole number in the first two characters of an interval entry ("5  secs"), in milliseconds.
-int intervalMs(const ComboBox& box) {
-    return box.chosen().left(2).trimmed().toInt() * 1000;
-}
-
 void resetForSession(MonitoringCore& core) {
     Records& records = core.records;
     SafetyState& safety = records.safety;
@@ -94,7 +89,7 @@ void start(MonitoringCore& core) {
         return;
     if (session.flgUpload.checked()) {
         StartUpload(core);
-        core.TimerUpload.arm(intervalMs(records.upload.RefreshUpload));
+        core.TimerUpload.arm(1000 * records.upload.RefreshUpload.chosenSeconds());
     }
     if (!session.flgReadStation.checked() && !session.flgUpload.checked()) {
         StopSession(core);

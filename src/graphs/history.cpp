@@ -87,8 +87,7 @@ void SetSampleEvery(GraphHistory& history, GraphControls& graphs, const ComboBox
 
 void UpdateSpanText(const GraphHistory& history, GraphControls& graphs,
                     const ComboBox& refreshRead) {
-    // The entry begins with its seconds: "5  secs", "10 secs".
-    const std::int64_t interval = refreshRead.chosen().left(2).trimmed().toInt();
+    const std::int64_t interval = refreshRead.chosenSeconds();
     const std::int64_t total = history.SampleEvery * interval * pointsWanted(graphs.GraphNoPoints);
     graphs.GraphSpan.Caption = QString::number(total);
     graphs.GraphSpanDesc.Caption =

@@ -82,6 +82,8 @@ struct ComboBox {
             Click();
     }
     QString chosen() const { return Entries.value(ListIndex); }
+    // Of an interval list: the whole number in the first two characters ("5  secs"); 0 for none.
+    int chosenSeconds() const { return chosen().left(2).trimmed().toInt(); }
 };
 
 struct TextBox {
