@@ -27,6 +27,27 @@ QString reading(const char* name, const Label& value, const Label& condition) {
     return text.simplified();
 }
 
+QString colourName(Colour colour) {
+    switch (colour) {
+    case kRed:
+        return QStringLiteral("red");
+    case kGreen:
+        return QStringLiteral("green");
+    case kYellow:
+        return QStringLiteral("yellow");
+    default:
+        return QStringLiteral("grey");
+    }
+}
+
+// Of the verdict, and of the reading.
+QString lamps(const Records& records) {
+    const LampPair& read = records.display.LEDRead;
+    const Colour lit = read.first.FillColor == kGrey ? read.second.FillColor : read.first.FillColor;
+    return QStringLiteral("lamps %1 %2")
+        .arg(colourName(records.conditions.LEDUnsafe.FillColor), colourName(lit));
+}
+
 } // namespace
 
 ShowMessage terminalMessages() {
@@ -56,6 +77,7 @@ QString cycleLine(const Records& records, const QDateTime& now) {
                             reading("direction", show.LValWindDir, Label()),
                             reading("dew point", show.LValDewPoint, show.LCondDewPoint),
                             reading("humidity", show.LValHumidity, show.LCondHumidity),
+                            lamps(records),
                             records.session.Statusbar1.Caption,
                             records.session.Statusbar2.Caption};
     return parts.join(QStringLiteral(" | "));

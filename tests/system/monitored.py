@@ -23,13 +23,13 @@ PUT = 4
 
 
 class Cycle:
-    """One line of the monitor: time, verdict, cause, readings, status line, codes."""
+    """One line of the monitor: time, verdict, cause, readings, lamps, status line, codes."""
 
     def __init__(self, line):
         self.line = line
         parts = [part.strip() for part in line.split("|")]
         self.time, self.verdict, self.cause = parts[:3]
-        self.status, self.codes = parts[-2:]
+        self.lamps, self.status, self.codes = parts[-3:]
 
 
 class Monitored:

@@ -1,0 +1,95 @@
+"""Breaks every edge of the program, one at a time, and tells what it shows.
+
+    python3 -B tests/system/faults [--short] [--only TEXT] [--markdown FILE]
+
+The exit status is 1 when a row failed.
+"""
+
+import argparse
+import importlib.util
+import pathlib
+import sys
+import time
+import traceback
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+import table  # noqa: E402  (beside this file)
+
+MODULES = ["sensor_rows", "station_rows", "output_rows", "clock_rows", "bus_rows", "settings_rows",
+           "end_rows"]
+HEADINGS = ["area", "fault", "what was seen (verdict, lamps, codes, status)", "recovery", "seconds"]
+
+
+def parse_arguments():
+    parser = argparse.ArgumentParser(prog="./dev faults", description=__doc__.split("\n")[0])
+    parser.add_argument("--short", action="store_true", help="the most telling rows only")
+    parser.add_argument("--only", metavar="TEXT", default="",
+                        help="rows whose area or fault contains this")
+    parser.add_argument("--markdown", type=pathlib.Path, metavar="FILE",
+                        help="leave the table in this file")
+    return parser.parse_args()
+
+
+def walk(row):
+    """The cells of the table, and the failure or nothing."""
+    seen = table.Seen()
+    begun = time.monotonic()
+    failures = []
+    cycles = []
+    table.Monitored.used.clear()
+    try:
+        row.walk(seen)
+        broken = [rule for program in table.Monitored.used for rule in program.broken_rules()]
+        if broken:
+            raise AssertionError("; ".join(broken))
+    except Exception:  # whatever it is, the other rows are walked
+        failures.append(traceback.format_exc())
+        cycles = [line for program in table.Monitored.used
+                  for line in program.cycles[-5:] + program.errors[-5:]]
+        end_shared()
+    if failures:
+        print("\n".join([f"FAILED {row.area}: {row.fault}", *failures, *cycles]),
+              file=sys.stderr, flush=True)
+        seen.say("**FAILED**")
+    seconds = f"{time.monotonic() - begun:.1f}"
+    return [row.area, row.fault, "; ".join(seen.texts), seen.recovered, seconds], bool(failures)
+
+
+def end_shared():
+    for shared in table.SHARED:
+        shared.end()
+
+
+def line(cells):
+    return "| " + " | ".join(str(cell).replace("|", "/") for cell in cells) + " |"
+
+
+def main():
+    options = parse_arguments()
+    lines = [line(HEADINGS), "|" + "---|" * len(HEADINGS)]
+    print("\n".join(lines), flush=True)
+    failed = 0
+    for name in MODULES:
+        if importlib.util.find_spec(name) is None:
+            continue
+        table.ROWS.clear()
+        importlib.import_module(name)
+        for row in table.ROWS:
+            if options.short and not row.short:
+                continue
+            if options.only not in row.area and options.only not in row.fault:
+                continue
+            cells, wrong = walk(row)
+            failed += wrong
+            lines.append(line(cells))
+            print(lines[-1], flush=True)
+        end_shared()
+    if options.markdown:
+        options.markdown.write_text("\n".join(lines) + "\n", encoding="utf-8")
+    walked = len(lines) - 2
+    print(f"{walked} rows, {failed} failed", flush=True)
+    return 1 if failed or not walked else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
