@@ -79,9 +79,9 @@ void windowRows(KeyRows& rows, AnyRecords& r) {
                 u"seconds for which a return to safe is held back"_s);
     positionRow(rows, u"Left"_s, window, window.Left, true, u"main window, left edge"_s);
     positionRow(rows, u"Top"_s, window, window.Top, false, u"main window, top edge"_s);
-    rows.integer(u"SSTab1"_s, 0, kTabRange, window.SSTab1, u"selected page of tab strip 1"_s);
-    rows.integer(u"SSTab2"_s, 1, kTabRange, window.SSTab2, u"selected page of tab strip 2"_s);
-    rows.integer(u"SSTab3"_s, 0, kTabRange, window.SSTab3, u"selected page of tab strip 3"_s);
+    rows.integer(u"SSTab1"_s, 0, kTabRange, window.SSTab1, u"page of the window"_s);
+    rows.integer(u"SSTab2"_s, 1, kTabRange, window.SSTab2, u"page of the conditions"_s);
+    rows.integer(u"SSTab3"_s, 0, kTabRange, window.SSTab3, u"page of the files"_s);
 
     auto& units = r.units;
     rows.text(u"StringKPH"_s, u"KM/HR KM/H KPH"_s, units.StringKPH,
@@ -125,11 +125,14 @@ void cardinalAndFolderRows(KeyRows& rows, AnyRecords& r) {
     rows.folder(u"PathNameCCDAP4"_s, writableProgramFolder(), r.ccdap.LblPathNameCCDAP4.Caption,
                 u"its folder"_s);
     auto& window = r.window;
-    const QString scroll = u"scroll position of a pane"_s;
-    rows.integer(u"VScrollPos0"_s, 0, kScrollRange, window.VScrollPos0, scroll);
-    rows.integer(u"VScrollPos1"_s, 0, kScrollRange, window.VScrollPos1, scroll);
-    rows.integer(u"VScrollPos3"_s, 15, kScrollRange, window.VScrollPos3, scroll);
-    rows.integer(u"HScrollPos2"_s, 15, kScrollRange, window.HScrollPos2, scroll);
+    rows.integer(u"VScrollPos0"_s, 0, kScrollRange, window.VScrollPos0,
+                 u"scroll position of the sources"_s);
+    rows.integer(u"VScrollPos1"_s, 0, kScrollRange, window.VScrollPos1,
+                 u"scroll position of the conditions"_s);
+    rows.integer(u"VScrollPos3"_s, 15, kScrollRange, window.VScrollPos3,
+                 u"scroll position of the files"_s);
+    rows.integer(u"HScrollPos2"_s, 15, kScrollRange, window.HScrollPos2,
+                 u"scroll position of the graphs"_s);
     rows.text(u"LastMusicDir"_s, u""_s, r.alarms.LastMusicDir,
               u"folder in which a sound was last chosen"_s);
 }
@@ -261,6 +264,13 @@ void updateRows(KeyRows& rows, Window& window) {
               u"address of the update server, http or https; empty: none, and no check is made"_s);
 }
 
+template <class Window>
+void viewRows(KeyRows& rows, Window& window) {
+    rows.section(u"View"_s);
+    rows.integer(u"Look"_s, 0, {0, 2}, window.Look,
+                 u"look of the windows: 0 dark panel, 1 night vision, 2 as the desktop"_s);
+}
+
 template <class AnyRecords>
 std::vector<KeyRow> allRows(AnyRecords& r) {
     KeyRows rows;
@@ -277,6 +287,7 @@ std::vector<KeyRow> allRows(AnyRecords& r) {
     staleDataRows(rows, r.alarms, r.conditions);
     dataFileRows(rows, r);
     updateRows(rows, r.window);
+    viewRows(rows, r.window);
     return rows.take();
 }
 

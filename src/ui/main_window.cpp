@@ -6,22 +6,11 @@
 #include "ui/look.h"
 #include "ui/menus.h"
 #include "ui/monitor_panel.h"
-#include "ui/pages/ccdap_page.h"
-#include "ui/pages/data_file_page.h"
-#include "ui/pages/graphs_page.h"
-#include "ui/pages/images_page.h"
-#include "ui/pages/limits_page.h"
-#include "ui/pages/sources_page.h"
-#include "ui/pages/unsafe_page.h"
-#include "ui/pages/upload_page.h"
+#include "ui/settings_pages.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QTabBar>
-#include <QTabWidget>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -40,18 +29,6 @@ WindowState stateOf(const QWidget& window) {
     return window.isMaximized() ? WindowState::Maximized : WindowState::Normal;
 }
 
-// Scrolls to the kept position as soon as, and whenever, the pane is long enough, and keeps where
-// the user scrolls to.
-void keepScroll(QScrollBar* bar, QProperty<int>& position) {
-    QObject::connect(bar, &QScrollBar::rangeChanged, bar,
-                     [bar, &position] { bar->setValue(position); });
-    QObject::connect(bar, &QScrollBar::valueChanged, bar, [bar, &position](int value) {
-        const bool cutShort = value == bar->maximum() && value < position;
-        if (!cutShort)
-            position = value;
-    });
-}
-
 } // namespace
 
 KivSHMainform::KivSHMainform(MonitoringCore& core)
@@ -65,7 +42,7 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(new MonitorPanel(core_, content));
-    makePages();
+    pages_ = new SettingsPages(core_, content);
     column->addWidget(pages_, 1);
     column->addWidget(new StatusStrip(core_.records.session, content));
     setCentralWidget(content);
@@ -103,67 +80,6 @@ void KivSHMainform::showState(WindowState state) {
         showMaximized();
     else
         showNormal();
-}
-
-void KivSHMainform::makePages() {
-    pages_ = new QTabWidget(this);
-    pages_->setObjectName(u"SSTab1"_s);
-    pages_->setDocumentMode(true);
-    Records& records = core_.records;
-    addPage(u"S&ources"_s, [this](QWidget* parent) { return makeSourcesPage(core_, parent); });
-    addPage(u"&Limits"_s, [this, &records](QWidget* parent) {
-        return makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
-    });
-    addPage(u"&Unsafe and alarms"_s, [&core = core_](QWidget* parent) {
-        return makeUnsafePage(core.records.conditions, core.records.alarms, core.records.readings,
-                              core.media, parent);
-    });
-    addPage(u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
-    addPage(u"Images"_s,
-            [&records](QWidget* parent) { return makeImagesPage(records.graphs, parent); });
-    addPage(u"Data file"_s,
-            [&records](QWidget* parent) { return makeDataFilePage(records.dataFile, parent); });
-    addPage(u"Upload"_s, [&records](QWidget* parent) {
-        return makeUploadPage(records.upload, records.session.flgUpload, parent);
-    });
-    addPage(u"&CCDAutopilot file"_s,
-            [&records](QWidget* parent) { return makeCcdapPage(records.ccdap, parent); });
-
-    WindowControls& window = records.window;
-    follow(pages_, window.SSTab1, [this](int index) {
-        if (index >= 0 && index < pages_->count())
-            pages_->setCurrentIndex(index);
-    });
-    connect(pages_, &QTabWidget::currentChanged, this, [this, &window](int index) {
-        window.SSTab1 = index;
-        buildPage(index);
-    });
-    buildPage(pages_->currentIndex());
-
-    const auto pane = [this](int index) {
-        return static_cast<QScrollArea*>(pages_->widget(index));
-    };
-    keepScroll(pane(0)->verticalScrollBar(), window.VScrollPos0);
-    keepScroll(pane(1)->verticalScrollBar(), window.VScrollPos1);
-    keepScroll(pane(2)->horizontalScrollBar(), window.HScrollPos2);
-    keepScroll(pane(3)->verticalScrollBar(), window.VScrollPos3);
-}
-
-void KivSHMainform::addPage(const QString& title, std::function<QWidget*(QWidget*)> make) {
-    auto* pane = new QScrollArea(pages_);
-    pane->setWidgetResizable(true);
-    pane->setFrameShape(QFrame::NoFrame);
-    makePage_.push_back(std::move(make));
-    pages_->addTab(pane, title);
-}
-
-void KivSHMainform::buildPage(int index) {
-    auto& make = makePage_[static_cast<std::size_t>(index)];
-    if (!make)
-        return;
-    auto* pane = static_cast<QScrollArea*>(pages_->widget(index));
-    pane->setWidget(make(pane));
-    make = nullptr;
 }
 
 void KivSHMainform::restore() {

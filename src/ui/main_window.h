@@ -5,9 +5,9 @@
 
 #include <QMainWindow>
 
-class QTabWidget;
-
 namespace skyhold {
+
+class SettingsPages;
 
 class KivSHMainform : public QMainWindow {
     Q_OBJECT
@@ -37,15 +37,11 @@ class KivSHMainform : public QMainWindow {
   private:
     void followRecords();
     void showState(WindowState state);
-    void makePages();
-    void addPage(const QString& title, std::function<QWidget*(QWidget*)> make);
-    void buildPage(int index);
     void placeOnScreen();
     void enableCloseItem(bool on);
 
     MonitoringCore& core_;
-    QTabWidget* pages_ = nullptr;
-    std::vector<std::function<QWidget*(QWidget*)>> makePage_; // empty once built
+    SettingsPages* pages_ = nullptr;
     bool placed_ = false;
 };
 

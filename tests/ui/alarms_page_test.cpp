@@ -20,7 +20,7 @@ class AlarmsPage : public WindowFixture {
         for (const char* name : {"sounds/Bell.wav", "sounds/notes.txt", "sounds/more/Harp.mp3"})
             EXPECT_TRUE(QFile(path(name)).open(QIODevice::WriteOnly));
         records().alarms.LastMusicDir = path("sounds");
-        openPage(2);
+        openPage(Page::Unsafe);
     }
 
     QString path(const char* name) const { return folder_->filePath(QLatin1String(name)); }
@@ -165,7 +165,7 @@ TEST_F(AlarmsPage, FoldersAreEnteredByDoubleClickAndByReturn) {
 TEST_F(AlarmsPage, StopAlarmIsInViewOnEveryPageWhileASoundIsStarted) {
     chooseBell();
     click(*window_, "AlarmRain2");
-    openPage(0);
+    openPage(Page::Sources);
     click(*window_, "ButtStart");
     EXPECT_FALSE(visible("ButtStopAlarm"));
     const std::array still{"LblCause",  "SafeDelayMsg",  "WSAlarmMsg", "NBAlarmMsg",

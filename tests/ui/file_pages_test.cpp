@@ -35,7 +35,7 @@ class FilePages : public WindowFixture {
 };
 
 TEST_F(FilePages, DataFileNameTakesLettersDigitsAndUnderscores) {
-    openPage(5);
+    openPage(Page::DataFile);
     QLineEdit* name = text("FileName");
     focus(name);
     EXPECT_EQ(name->selectedText(), u"Skyhold"_s);
@@ -55,7 +55,7 @@ TEST_F(FilePages, DataFileNameTakesLettersDigitsAndUnderscores) {
 }
 
 TEST_F(FilePages, RecordingLocksItsFileAndFallsBackWhenItCannotBegin) {
-    openPage(5);
+    openPage(Page::DataFile);
     const auto chosen = [this](const char* option) {
         return child<QRadioButton>(*window_, option)->isChecked();
     };
@@ -83,7 +83,7 @@ QStringList columnsText(const DataColumns& columns, std::size_t first) {
 }
 
 TEST_F(FilePages, ColumnsAreMovedAndSwitchedOnOkOnly) {
-    openPage(5);
+    openPage(Page::DataFile);
     DataColumns& columns = records().dataFile.Columns;
     columns[1].Hdr = u"Clock"_s;
     const auto edit = [&](const std::function<void(QDialog&, QListWidget&)>& act, const char* end) {
@@ -124,7 +124,7 @@ TEST_F(FilePages, ColumnsAreMovedAndSwitchedOnOkOnly) {
 }
 
 TEST_F(FilePages, QualityIsOfferedForJpegAlone) {
-    openPage(4);
+    openPage(Page::Images);
     EXPECT_FALSE(visible("ImageQuality0"));
     space("ImageType");
     EXPECT_TRUE(visible("ImageQuality0"));
@@ -137,7 +137,7 @@ TEST_F(FilePages, QualityIsOfferedForJpegAlone) {
 }
 
 TEST_F(FilePages, ServerTextsAreCompletedWhenTheirBoxIsLeft) {
-    openPage(6);
+    openPage(Page::Upload);
     focus(text("ServerAddress"));
     QTest::keyClicks(text("ServerAddress"), u"ftp.example.org"_s);
     EXPECT_EQ(records().upload.ServerAddress.Text.value(), u"ftp.example.org"_s);
@@ -154,7 +154,7 @@ TEST_F(FilePages, ServerTextsAreCompletedWhenTheirBoxIsLeft) {
 class UploadList : public FilePages {
   protected:
     UploadList() {
-        openPage(6);
+        openPage(Page::Upload);
         for (const QString& name : {u"a.png"_s, u"b.png"_s, u"c.htm"_s})
             EXPECT_TRUE(QFile(folder_->filePath(name)).open(QIODevice::WriteOnly));
         list_ = child<QListWidget>("KivFileList");

@@ -20,7 +20,7 @@ class GraphsPage : public WindowFixture {
 TEST_F(GraphsPage, PictureIsAsLargeAsItsViewAndShownDotForDot) {
     click(*window_, "ButtStart");
     EXPECT_EQ(wind().Image.size(), QSize(600, 200)); // nobody has looked at it yet
-    openPage(3);
+    openPage(Page::Graphs);
     EXPECT_EQ(wind().Size, view()->size());
     EXPECT_EQ(screen(), wind().Image);
 
@@ -43,7 +43,7 @@ TEST_F(GraphsPage, PictureIsAsLargeAsItsViewAndShownDotForDot) {
 
 TEST_F(GraphsPage, ColoursAreEditedWithoutADescriptionAndShownAtOnce) {
     click(*window_, "ButtStart");
-    openPage(3);
+    openPage(Page::Graphs);
     Label& line = records().graphs.GraphColor[0][1];
     const QImage before = wind().Image;
     const auto edit = [&](const char* end) {
@@ -67,7 +67,7 @@ TEST_F(GraphsPage, ColoursAreEditedWithoutADescriptionAndShownAtOnce) {
 }
 
 TEST_F(GraphsPage, SpanFollowsItsTwoBoxes) {
-    openPage(3);
+    openPage(Page::Graphs);
     const auto span = [this] {
         return child<QLabel>(*window_, "GraphSpan")->text() + u" = "_s +
                child<QLabel>(*window_, "GraphSpanDesc")->text();

@@ -18,7 +18,7 @@ class LimitsPage : public WindowFixture {
     LimitsPage() {
         window_->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
-        openPage(kPage);
+        openPage(Page::Limits);
         calm_ = child<KivGetNumber>(*window_, "LimitWind0");
         windy_ = child<KivGetNumber>(*window_, "LimitWind1");
     }
@@ -39,7 +39,6 @@ class LimitsPage : public WindowFixture {
     }
     double limit(std::size_t i) { return records().conditions.LimitWind[i].Value; }
 
-    static constexpr int kPage = 1;
     KivGetNumber* calm_ = nullptr;
     KivGetNumber* windy_ = nullptr;
 };
@@ -94,12 +93,13 @@ TEST_F(LimitsPage, ARefusedClickDoesNothing) {
     EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
     EXPECT_TRUE(calm_->hasFocus());
 
-    auto* tabs = window_->findChild<QTabWidget*>();
+    auto* tabs = window_->findChild<SettingsPages*>();
+    const int conditions = tabs->currentIndex();
     QTabBar* bar = tabs->tabBar();
     enter(calm_, u"30"_s,
           [bar] { QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(0).center()); });
     EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
-    EXPECT_EQ(tabs->currentIndex(), kPage);
+    EXPECT_EQ(tabs->currentIndex(), conditions);
     EXPECT_TRUE(calm_->hasFocus());
 
     enter(calm_, u"3"_s, clickStart);

@@ -9,7 +9,6 @@
 #include <QAction>
 #include <QLabel>
 #include <QPushButton>
-#include <QTabWidget>
 #include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
@@ -48,22 +47,21 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopNoLongerPassesItOffAsCurrent) {
 }
 
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
-    openPage(1);
+    openPage(Page::Limits);
     auto* limit = child<QWidget>(*window_, "LimitWind0");
     limit->setFocus();
     QTest::keyClick(limit, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(limit, u"7.5"_s);
     EXPECT_EQ(records().conditions.LimitWind[0].Value, 7.5);
 
-    openPage(2);
+    openPage(Page::Unsafe);
     const int before = records().conditions.CondDew[2].Value;
     QTest::keyClick(child<QWidget>(*window_, "CondDew2"), Qt::Key_Space);
     EXPECT_EQ(records().conditions.CondDew[2].Value, 1 - before);
-    EXPECT_EQ(records().window.SSTab1, 2);
 }
 
 TEST_F(MainWindow, EditorsOpenOnTheReleaseOfTheRightButton) {
-    openPage(1);
+    openPage(Page::Limits);
     const auto release = [this](const char* name) {
         QWidget* item = child<QWidget>(*window_, name);
         QTest::mousePress(item, Qt::RightButton);

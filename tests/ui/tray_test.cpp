@@ -258,11 +258,11 @@ TEST_F(TrayedWindow, IconFollowsTheVerdict) {
 }
 
 TEST_F(TrayedWindow, PlaceAndScrollPositionsComeBack) {
-    openPage(0);
+    openPage(Page::Sources);
     window_->resize(window_->minimumSize());
     QCoreApplication::processEvents();
     const auto sources = [this] {
-        auto* pages = window_->findChild<QTabWidget*>();
+        auto* pages = window_->findChild<SettingsPages*>();
         return static_cast<QAbstractScrollArea*>(pages->widget(0))->verticalScrollBar();
     };
     sources()->setRange(0, 200); // a page longer than its pane

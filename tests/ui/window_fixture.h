@@ -6,9 +6,9 @@
 #include "support/core_fixture.h"
 #include "ui/main_window.h"
 #include "ui/readout.h"
+#include "ui/settings_pages.h"
 
 #include <QAction>
-#include <QTabWidget>
 
 namespace skyhold {
 
@@ -31,8 +31,8 @@ class WindowFixture : public CoreFixture {
     Widget* child(QWidget& window, const char* name) {
         return skyhold::child<Widget>(window, name);
     }
-    void openPage(int index) {
-        window_->findChild<QTabWidget*>()->setCurrentIndex(index);
+    void openPage(Page page) {
+        window_->findChild<SettingsPages*>()->open(page);
         QCoreApplication::processEvents();
     }
 

@@ -1,0 +1,48 @@
+// The pages of settings, on three tab strips: one for the window, one for the conditions, one for
+// the files.
+//
+// The page of each strip and the scroll position of each of the window's four panes are kept in
+// the window's records.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+#include <QTabWidget>
+
+namespace skyhold {
+
+// In the order in which Ctrl+Tab goes through them.
+enum class Page { Sources, Limits, Unsafe, Graphs, DataFile, Ccdap, Images, Upload };
+
+class SettingsPages : public QTabWidget {
+    Q_OBJECT
+
+  public:
+    // A page is made when it is first shown. `core` outlives the pages.
+    SettingsPages(MonitoringCore& core, QWidget* parent);
+
+    void open(Page page);
+
+  private:
+    using MakePage = std::function<QWidget*(QWidget* parent)>;
+    struct Sheet {
+        QTabWidget* strip; // the one that it stands on
+        QWidget* holder;
+        MakePage make; // empty once made
+    };
+
+    void addPages();
+    void addSheet(QTabWidget* strip, const QString& title, MakePage make);
+    QTabWidget* addStrip(const QString& name, const QString& title);
+    void addPane(QWidget* content, const QString& title);
+    void followStrip(QTabWidget* strip, QProperty<int>& index);
+    void openSheet(std::size_t index);
+    void step(int by);
+    std::size_t shownSheet() const;
+    void makeShownSheet();
+
+    MonitoringCore& core_;
+    std::vector<Sheet> sheets_; // in the order of Page
+};
+
+} // namespace skyhold
