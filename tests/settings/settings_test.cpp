@@ -153,7 +153,7 @@ TEST_F(Settings, SectionsAreLoadedInOrder) {
             sections += row.section;
     }
     EXPECT_EQ(sections.join(u' '), u"Window Limit Window Setup Limit Description Color Unsafe "
-                                   "Alarms Graphs Alarms Window File Update"_s);
+                                   "Alarms Graphs Alarms Window File Update View"_s);
 }
 
 TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
@@ -166,8 +166,8 @@ TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
         EXPECT_FALSE(row.holds.isEmpty()) << qPrintable(nameOf(row));
     }
     // 41 in "Window", 23 in "Limit", 15 + 15 levels, 30 in "Unsafe", 54 in "Alarms", 19 in
-    // "Setup", 32 in "Graphs", 76 in "File", 1 in "Update".
-    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76 + 1);
+    // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update" and "View".
+    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76 + 1 + 1);
 }
 
 TEST_F(Settings, EveryKeySurvivesARestart) {
