@@ -8,44 +8,60 @@ namespace skyhold {
 namespace {
 
 // The code of a unit, a blank when there is none, and a blank.
-QString unitField(const QString& code) {
-    return code.left(1).leftJustified(2);
+void addUnit(TextBuffer& record, const QString& code) {
+    record.append(code.isEmpty() ? QChar(u' ') : code.front());
+    record.append(u' ');
+}
+
+void addField(TextBuffer& record, double value, QStringView format, int width,
+              const NumberForms& forms) {
+    const qsizetype begin = record.size();
+    const qsizetype digits = width - 1;
+    appendNumber(record, value, format, forms);
+    const qsizetype missing = digits - (record.size() - begin);
+    if (missing > 0)
+        record.insert(begin, missing, u' ');
+    else
+        record.remove(begin, -missing);
+    record.append(u' ');
 }
 
 } // namespace
 
 QString FormatFixedField(double value, QStringView format, int width, const NumberForms& forms) {
-    const int digits = width - 1;
-    return formatNumber(value, format, forms).right(digits).rightJustified(digits) + u' ';
+    TextBuffer text;
+    addField(text, value, format, width, forms);
+    return QString(text.constData(), text.size());
 }
 
 QByteArray ccdapRecord(const CurrentReadings& readings, const Clock& clock,
                        const NumberForms& forms) {
-    const auto field = [&forms](double value, QStringView format, int width) {
-        return FormatFixedField(value, format, width, forms);
+    TextBuffer record;
+    const auto field = [&record, &forms](double value, QStringView format, int width) {
+        addField(record, value, format, width, forms);
     };
     // The rain flag and the wet flag say the same: anything but dry counts as wet.
     const double wet = readings.RainCondition == RainDry ? 0 : 2;
 
-    QString record = formatDate(clock.now(), u"yyyy-mm-dd ");
-    record += formatDate(clock.now(), u"hh:mm:ss.ss "); // no fraction: the seconds, twice
-    record += unitField(readings.TemperatureUnit);
-    record += unitField(readings.SpeedUnit);
-    record += field(readings.SensorValues[0], u"#0.0", 7);
-    record += field(readings.AmbientTemperature, u"#0.0", 7);
-    record += field(readings.SkySensorTemperature, u"#0.0", 7);
-    record += field(readings.WindSpeed, u"#0.0", 7);
-    record += field(readings.HumidityValue, u"0", 4);
-    record += field(readings.DewPointValue, u"#0.0", 7);
-    record += field(readings.SensorValues[4], u"0", 4);
-    record += field(wet, u"0", 2);
-    record += field(wet, u"0", 2);
-    record += field(SecondsSinceGoodData(readings), u"00000", 6);
-    record += field(daySerial(clock.now()), u"000000.00000", 13);
-    record += field(readings.CloudCondition, u"0", 2);
-    record += field(readings.WindCondition, u"0", 2);
-    record += field(readings.RainCondition, u"0", 2);
-    record += formatNumber(readings.BrightnessCondition, u"0", forms).left(1);
+    appendDate(record, clock.now(), u"yyyy-mm-dd ");
+    appendDate(record, clock.now(), u"hh:mm:ss.ss "); // no fraction: the seconds, twice
+    addUnit(record, readings.TemperatureUnit);
+    addUnit(record, readings.SpeedUnit);
+    field(readings.SensorValues[0], u"#0.0", 7);
+    field(readings.AmbientTemperature, u"#0.0", 7);
+    field(readings.SkySensorTemperature, u"#0.0", 7);
+    field(readings.WindSpeed, u"#0.0", 7);
+    field(readings.HumidityValue, u"0", 4);
+    field(readings.DewPointValue, u"#0.0", 7);
+    field(readings.SensorValues[4], u"0", 4);
+    field(wet, u"0", 2);
+    field(wet, u"0", 2);
+    field(SecondsSinceGoodData(readings), u"00000", 6);
+    field(daySerial(clock.now()), u"000000.00000", 13);
+    field(readings.CloudCondition, u"0", 2);
+    field(readings.WindCondition, u"0", 2);
+    field(readings.RainCondition, u"0", 2);
+    record.append(formatNumber(readings.BrightnessCondition, u"0", forms).at(0));
     return encodeAnsi(record);
 }
 
@@ -55,7 +71,7 @@ bool WriteCcdapFile(const CcdapControls& controls, const CurrentReadings& readin
     if (name.isEmpty())
         return true;
     const QString folder = controls.LblPathNameCCDAP4.Caption;
-    return folderExists(folder) &&
+    return !folder.trimmed().isEmpty() &&
            writeAtStart(joinPath(folder, name), ccdapRecord(readings, clock, forms));
 }
 

@@ -8,55 +8,27 @@ namespace {
 
 constexpr int kHeaderWidth = 25; // characters of a column's header that are kept
 
-QString switchText(double value) {
+QStringView switchText(double value) {
     const double state = roundHalfEven(value);
     if (state == 0)
-        return QStringLiteral("Unknown");
+        return u"Unknown";
     if (state == 1)
-        return QStringLiteral("Opened");
-    return state == 2 ? QStringLiteral("Closed") : QString();
+        return u"Opened";
+    return state == 2 ? u"Closed" : QStringView();
 }
 
-// A quote inside the text is doubled. A line break or another control character, which a text of
-// the sensor program may hold, becomes a blank: a line stays one line.
-void addQuoted(QString& line, const QString& text) {
-    line += u'"';
-    for (const QChar c : text) {
-        line += c < u' ' ? QChar(u' ') : c;
-        if (c == u'"')
-            line += c;
-    }
-    line += u'"';
-}
-
-template <class Field>
-QByteArray joinFields(const DataColumns& columns, Field field) {
-    constexpr qsizetype kUsualLength = 512;
-    QString line;
-    line.reserve(kUsualLength);
-    for (const DataColumn& column : columns) {
-        if (!column.Prt)
-            continue;
-        if (!line.isEmpty())
-            line += u',';
-        addQuoted(line, field(column));
-    }
-    return encodeAnsi(line);
-}
-
-} // namespace
-
-QString FormatDataItem(int item, const DataItemSource& source) {
+// Adds the value text of item 1..25.
+void addDataItem(TextBuffer& line, int item, const DataItemSource& source) {
     const CurrentReadings& readings = source.readings;
-    const auto number = [&source](double value, QStringView format) {
-        return formatNumber(value, format, source.forms);
+    const auto number = [&line, &source](double value, QStringView format) {
+        appendNumber(line, value, format, source.forms);
     };
-    const auto date = [&readings](QStringView format) {
-        return readings.LastReading.isValid() ? formatDate(readings.LastReading, format)
-                                              : QString();
+    const auto date = [&line, &readings](QStringView format) {
+        if (readings.LastReading.isValid())
+            appendDate(line, readings.LastReading, format);
     };
-    const auto condition = [&source](Quantity quantity) {
-        return source.describe(quantity, source.readings.level(quantity));
+    const auto condition = [&line, &source](Quantity quantity) {
+        appendText(line, source.describe(quantity, source.readings.level(quantity)));
     };
     switch (item) {
     case 1:
@@ -98,30 +70,81 @@ QString FormatDataItem(int item, const DataItemSource& source) {
     case 19:
         return number(readings.SensorValues[2], u"0");
     case 20:
-        return number(readings.SensorValues[4], u"0") + u'%';
+        number(readings.SensorValues[4], u"0");
+        line.append(u'%');
+        return;
     case 21:
         return number(readings.SensorValues[5], u"0.0");
     case 22:
         return number(readings.SensorValues[3], u"0.0");
     case 23:
-        return readings.RainHeaterStatus;
+        return appendText(line, readings.RainHeaterStatus);
     case 24:
-        return switchText(readings.SwitchValue);
+        return appendText(line, switchText(readings.SwitchValue));
     case 25:
-        return readings.UnsafeFlag ? QStringLiteral("Unsafe") : QStringLiteral("Safe");
+        return appendText(line, readings.UnsafeFlag ? u"Unsafe" : u"Safe");
     default:
-        return {};
+        return;
     }
 }
 
+// A quote inside a field, here the text from `begin` on, is doubled. A line break or another
+// control character, which a text of the sensor program may hold, becomes a blank: a line stays
+// one line.
+void escapeFrom(qsizetype begin, TextBuffer& line) {
+    qsizetype quotes = 0;
+    for (qsizetype i = begin; i < line.size(); ++i) {
+        if (line[i] < u' ')
+            line[i] = u' ';
+        else if (line[i] == u'"')
+            ++quotes;
+    }
+    if (quotes == 0)
+        return;
+    qsizetype from = line.size();
+    line.resize(line.size() + quotes);
+    for (qsizetype to = line.size(); quotes > 0;) {
+        line[--to] = line[--from];
+        if (line[from] == u'"') {
+            line[--to] = u'"';
+            --quotes;
+        }
+    }
+}
+
+// `addField` adds the text of one column.
+template <class AddField>
+QByteArray joinFields(const DataColumns& columns, AddField addField) {
+    TextBuffer line;
+    for (const DataColumn& column : columns) {
+        if (!column.Prt)
+            continue;
+        appendText(line, line.isEmpty() ? u"\"" : u",\"");
+        const qsizetype begin = line.size();
+        addField(line, column);
+        escapeFrom(begin, line);
+        line.append(u'"');
+    }
+    return encodeAnsi(line);
+}
+
+} // namespace
+
+QString FormatDataItem(int item, const DataItemSource& source) {
+    TextBuffer text;
+    addDataItem(text, item, source);
+    return QString(text.constData(), text.size());
+}
+
 QByteArray dataHeaderLine(const DataColumns& columns) {
-    return joinFields(
-        columns, [](const DataColumn& column) { return column.Hdr.left(kHeaderWidth).trimmed(); });
+    return joinFields(columns, [](TextBuffer& line, const DataColumn& column) {
+        appendText(line, QStringView(column.Hdr).left(kHeaderWidth).trimmed());
+    });
 }
 
 QByteArray dataLine(const DataColumns& columns, const DataItemSource& source) {
-    return joinFields(columns, [&source](const DataColumn& column) {
-        return FormatDataItem(column.Cal, source);
+    return joinFields(columns, [&source](TextBuffer& line, const DataColumn& column) {
+        addDataItem(line, column.Cal, source);
     });
 }
 

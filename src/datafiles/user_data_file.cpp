@@ -33,11 +33,16 @@ void stopAndShowIt(UserDataRecorder& recorder, DataFileControls& controls) {
     controls.RecOption.choose(kStop);
 }
 
+bool openWithHeader(const QString& path, bool append, UserDataRecorder& recorder,
+                    const DataFileControls& controls) {
+    return recorder.file.open(path, append) &&
+           recorder.file.addLine(dataHeaderLine(controls.Columns));
+}
+
 bool begin(const QString& path, bool append, UserDataRecorder& recorder,
            DataFileControls& controls) {
     SetRecorderEditable(controls, false);
-    recorder.recording =
-        recorder.file.open(path, append) && recorder.file.addLine(dataHeaderLine(controls.Columns));
+    recorder.recording = openWithHeader(path, append, recorder, controls);
     if (!recorder.recording)
         stopAndShowIt(recorder, controls);
     return recorder.recording;
@@ -114,8 +119,12 @@ void WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& contr
         return;
     if (recorder.cycleCounter >= linesInterval(controls.SaveFreq))
         recorder.cycleCounter = 0;
-    if (recorder.cycleCounter == 0)
+    if (recorder.cycleCounter == 0) {
+        // What would go to a file that somebody has deleted would be lost unseen.
+        if (!recorder.file.isThere())
+            openWithHeader(dataFilePath(controls), true, recorder, controls);
         recorder.file.addLine(dataLine(controls.Columns, source));
+    }
     ++recorder.cycleCounter;
 }
 

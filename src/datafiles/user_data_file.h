@@ -30,7 +30,7 @@ void Record_Stop(UserDataRecorder& recorder, DataFileControls& controls);
 void CloseUserDataFile(UserDataRecorder& recorder);
 
 // Once per read cycle: writes a line when one is due. A line that cannot be written is lost, and
-// recording goes on.
+// recording goes on. A file that has been deleted meanwhile is made anew, with a header.
 void WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& controls,
                        const DataItemSource& source);
 

@@ -10,6 +10,7 @@ namespace skyhold {
 
 namespace {
 
+constexpr std::int64_t kMsPerMinute = 60'000;
 constexpr std::int64_t kMsPerDay = 86'400'000;
 const QDate kSerialEpoch(1899, 12, 30);
 
@@ -36,11 +37,19 @@ SystemClock::SystemClock(const ClockStart& start)
 }
 
 QDateTime SystemClock::now() const {
-    QDateTime real = QDateTime::currentDateTime();
-    if (!shifted_)
-        return real;
-    const double elapsed = static_cast<double>(real.toMSecsSinceEpoch() - start_.realOriginMs);
-    return start_.origin.addMSecs(std::llround(elapsed * start_.scale));
+    std::int64_t ms = QDateTime::currentMSecsSinceEpoch();
+    if (shifted_) {
+        const auto elapsed = static_cast<double>(ms - start_.realOriginMs);
+        ms = start_.origin.toMSecsSinceEpoch() + std::llround(elapsed * start_.scale);
+    }
+    // Each look-up of the offset looks at the file of the time zone. Summer time begins and ends
+    // at a whole minute, so that one look-up a minute is exact.
+    const std::int64_t minute = ms / kMsPerMinute;
+    if (minute != offsetMinute_) {
+        offsetMinute_ = minute;
+        offsetSeconds_ = QDateTime::fromMSecsSinceEpoch(ms).offsetFromUtc();
+    }
+    return QDateTime::fromMSecsSinceEpoch(ms, Qt::OffsetFromUTC, offsetSeconds_);
 }
 
 std::int64_t SystemClock::MsClock() const {

@@ -49,6 +49,8 @@ class SystemClock : public Clock {
     bool shifted_ = false;
     std::int64_t stampAtStart_ = 0;
     std::int64_t monotonicAtStart_ = 0;
+    mutable std::int64_t offsetMinute_ = -1; // minute since 1970 UTC that the offset is of
+    mutable int offsetSeconds_ = 0;          // local time is UTC and this
 };
 
 // Local days since 30 December 1899, the time of day as the fraction.

@@ -60,11 +60,13 @@ void LineFile::close() {
     tornAt_.reset();
 }
 
+bool LineFile::isThere() const {
+    struct stat status {};
+    return fd_ >= 0 && ::fstat(fd_, &status) == 0 && status.st_nlink > 0;
+}
+
 bool LineFile::addLine(const QByteArray& line) {
     if (fd_ < 0 || !cutTornLine())
-        return false;
-    const std::optional<std::int64_t> end = fileSize(fd_);
-    if (!end)
         return false;
     const QByteArray lineEnd = QByteArrayLiteral("\r\n");
     const QByteArray bytes = (midLine_ ? lineEnd : QByteArray()) + line + lineEnd;
@@ -74,7 +76,7 @@ bool LineFile::addLine(const QByteArray& line) {
         return true;
     }
     if (written > 0) {
-        tornAt_ = end;
+        tornAt_ = ::lseek(fd_, 0, SEEK_CUR) - written;
         cutTornLine();
     }
     return false;

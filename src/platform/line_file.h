@@ -24,6 +24,9 @@ class LineFile {
     bool open(const QString& path, bool append);
     void close();
 
+    // False when no file is open, or when the open one has been deleted.
+    bool isThere() const;
+
     // Adds the line and CR LF. False when the line is lost (a full disk, no open file).
     bool addLine(const QByteArray& line);
 

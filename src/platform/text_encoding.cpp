@@ -64,7 +64,7 @@ QString decodeText(const QByteArray& bytes) {
     return text;
 }
 
-QByteArray encodeAnsi(const QString& text) {
+QByteArray encodeAnsi(QStringView text) {
     // Most texts are plain ASCII, and opening a converter costs more than converting.
     const auto plain = [](QChar c) {
         return c.unicode() < 0x80;

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringView>
 
 namespace skyhold {
 
@@ -10,6 +11,6 @@ namespace skyhold {
 QString decodeText(const QByteArray& bytes);
 
 // One byte per character; a character outside Windows-1252 becomes "?".
-QByteArray encodeAnsi(const QString& text);
+QByteArray encodeAnsi(QStringView text);
 
 } // namespace skyhold

@@ -24,23 +24,35 @@ QString GetThousandSeparator() {
     return localeNumberForms().thousand;
 }
 
-QString formatNumber(double value, QStringView pattern, const NumberForms& forms) {
-    const qsizetype point = pattern.indexOf(u'.');
-    const QStringView before = point < 0 ? pattern : pattern.left(point);
-    const auto decimals = static_cast<std::size_t>(point < 0 ? 0 : pattern.size() - point - 1);
-    const auto leadingZeros = static_cast<std::size_t>(before.count(u'0'));
+void appendNumber(TextBuffer& text, double value, QStringView pattern, const NumberForms& forms) {
+    std::size_t decimals = 0;
+    std::size_t leadingZeros = 0;
+    bool afterPoint = false;
+    for (const QChar c : pattern) {
+        if (c == u'.')
+            afterPoint = true;
+        else if (afterPoint)
+            ++decimals;
+        else if (c == u'0')
+            ++leadingZeros;
+    }
 
     // 1.005 is stored a hair below its decimal text; one step outwards lets the half that the
     // user sees round away from zero.
-    const double scale = decimals == 0 ? 1 : std::pow(10.0, static_cast<double>(decimals));
+    double scale = 1;
+    for (std::size_t i = 0; i < decimals; ++i)
+        scale *= 10;
     const double scaled = std::min(std::abs(value) * scale, std::numeric_limits<double>::max());
     const double outwards = std::nextafter(scaled, std::numeric_limits<double>::max());
     const double rounded = std::floor(outwards + 0.5);
 
     // All digits without the point; the largest number has 309.
     std::array<char, 320> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), rounded,
-                                   std::chars_format::fixed, 0);
+    constexpr double kExactInteger = 9007199254740992.0; // 2^53
+    const auto end =
+        rounded < kExactInteger
+            ? std::to_chars(buffer.begin(), buffer.end(), static_cast<std::uint64_t>(rounded))
+            : std::to_chars(buffer.begin(), buffer.end(), rounded, std::chars_format::fixed, 0);
     const std::string_view digits(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
     std::string_view whole =
         digits.size() > decimals ? digits.substr(0, digits.size() - decimals) : std::string_view();
@@ -49,24 +61,25 @@ QString formatNumber(double value, QStringView pattern, const NumberForms& forms
     const std::string_view fraction =
         digits.substr(digits.size() - std::min(digits.size(), decimals));
 
-    const auto zeros = [](std::size_t width, std::string_view text) {
-        return static_cast<qsizetype>(width - std::min(width, text.size()));
+    const auto addPadded = [&text](std::string_view part, std::size_t width) {
+        for (std::size_t i = part.size(); i < width; ++i)
+            text.append(u'0');
+        for (const char digit : part)
+            text.append(QLatin1Char(digit));
     };
-    const auto latin1 = [](std::string_view text) {
-        return QLatin1String(text.data(), static_cast<qsizetype>(text.size()));
-    };
-    QString text;
-    text.reserve(static_cast<qsizetype>(digits.size() + leadingZeros + decimals) + 5);
     if (value < 0 && rounded != 0)
-        text += u'-';
-    text.resize(text.size() + zeros(leadingZeros, whole), u'0');
-    text += latin1(whole);
+        text.append(u'-');
+    addPadded(whole, leadingZeros);
     if (decimals > 0) {
-        text += forms.decimal;
-        text.resize(text.size() + zeros(decimals, fraction), u'0');
-        text += latin1(fraction);
+        appendText(text, forms.decimal);
+        addPadded(fraction, decimals);
     }
-    return text;
+}
+
+QString formatNumber(double value, QStringView pattern, const NumberForms& forms) {
+    TextBuffer text;
+    appendNumber(text, value, pattern, forms);
+    return QString(text.constData(), text.size());
 }
 
 QString numberText(double value, const NumberForms& forms) {
@@ -114,44 +127,53 @@ double leadingNumber(QStringView text) {
     return std::isfinite(value) ? value : 0;
 }
 
-QString formatDate(const QDateTime& time, QStringView pattern) {
+void appendDate(TextBuffer& text, const QDateTime& time, QStringView pattern) {
     const QDate date = time.date();
     const QTime clock = time.time();
-    QString text;
-    text.reserve(pattern.size());
-    const auto add = [&text](int number, int width) {
-        const QString digits = QString::number(number);
-        text.resize(text.size() + std::max<qsizetype>(0, width - digits.size()), u'0');
-        text += digits;
+    const auto addTwoDigits = [&text](int number) {
+        text.append(QChar(u'0' + number / 10 % 10));
+        text.append(QChar(u'0' + number % 10));
     };
     bool afterHours = false;
-    for (qsizetype i = 0; i < pattern.size();) {
-        const QStringView rest = pattern.mid(i);
-        if (rest.startsWith(u"yyyy")) {
-            add(date.year(), 4);
-            i += 4;
+    for (qsizetype i = 0; i < pattern.size(); ++i) {
+        const QChar c = pattern[i];
+        if (i + 1 == pattern.size() || pattern[i + 1] != c) {
+            text.append(c);
             continue;
         }
-        const QStringView token = rest.left(2);
-        if (token == u"yy") {
-            add(date.year() % 100, 2);
-        } else if (token == u"dd") {
-            add(date.day(), 2);
-        } else if (token == u"hh") {
-            add(clock.hour(), 2);
+        switch (c.unicode()) {
+        case u'y':
+            if (pattern.mid(i).startsWith(u"yyyy")) {
+                addTwoDigits(date.year() / 100);
+                i += 2;
+            }
+            addTwoDigits(date.year());
+            break;
+        case u'd':
+            addTwoDigits(date.day());
+            break;
+        case u'h':
+            addTwoDigits(clock.hour());
             afterHours = true;
-        } else if (token == u"mm") {
-            add(afterHours ? clock.minute() : date.month(), 2);
-        } else if (token == u"ss") {
-            add(clock.second(), 2);
-        } else {
-            text += pattern[i];
-            ++i;
+            break;
+        case u'm':
+            addTwoDigits(afterHours ? clock.minute() : date.month());
+            break;
+        case u's':
+            addTwoDigits(clock.second());
+            break;
+        default:
+            text.append(c);
             continue;
         }
-        i += 2;
+        ++i;
     }
-    return text;
+}
+
+QString formatDate(const QDateTime& time, QStringView pattern) {
+    TextBuffer text;
+    appendDate(text, time, pattern);
+    return QString(text.constData(), text.size());
 }
 
 double roundHalfEven(double value) {

@@ -4,10 +4,18 @@
 #include <QDateTime>
 #include <QString>
 #include <QStringView>
+#include <QVarLengthArray>
 
 #include <optional>
 
 namespace skyhold {
+
+// A line that is being built from many short pieces, without a QString for each of them.
+using TextBuffer = QVarLengthArray<QChar, 512>;
+
+inline void appendText(TextBuffer& text, QStringView piece) {
+    text.append(piece.data(), piece.size());
+}
 
 struct NumberForms {
     QString decimal = QStringLiteral(".");
@@ -22,6 +30,7 @@ QString GetThousandSeparator();
 // Formats with a pattern of "#" and "0" and at most one ".": as many decimals as stand after the
 // point, at least as many digits before it as there are "0" there. A half rounds away from zero.
 QString formatNumber(double value, QStringView pattern, const NumberForms& forms);
+void appendNumber(TextBuffer& text, double value, QStringView pattern, const NumberForms& forms);
 
 // The shortest plain text of a number, at most 15 significant digits.
 QString numberText(double value, const NumberForms& forms);
@@ -37,6 +46,7 @@ double leadingNumber(QStringView text);
 // Formats with the tokens "yyyy", "yy", "dd", "mm" (minutes when they follow "hh", else the
 // month), "hh", "ss"; every other character stands for itself.
 QString formatDate(const QDateTime& time, QStringView pattern);
+void appendDate(TextBuffer& text, const QDateTime& time, QStringView pattern);
 
 // To the nearest integer, halves to the even neighbour.
 double roundHalfEven(double value);

@@ -336,12 +336,18 @@ TEST_F(Recorder, KilledProgramLosesNoFinishedLine) {
     EXPECT_EQ(read(), kHeader + line(1) + line(2) + line(3));
 }
 
-TEST_F(Recorder, FileShortenedByAnotherProgramGoesOnAtItsNewEnd) {
+TEST_F(Recorder, FileShortenedOrDeletedByAnotherProgram) {
     controls.RecOption.choose(0);
     cycles(2);
     ASSERT_TRUE(QFile::resize(path(), kHeader.size()));
     cycles(1);
-    EXPECT_EQ(read(), kHeader + line(3));
+    EXPECT_EQ(read(), kHeader + line(3)) << "goes on at the new end";
+
+    ASSERT_TRUE(QDir(folder.path()).removeRecursively());
+    cycles(2); // lost: nobody told the recorder to make a folder
+    ASSERT_TRUE(QDir().mkpath(folder.path()));
+    cycles(2);
+    EXPECT_EQ(read(), kHeader + line(6) + line(7)) << "made anew when there is a place for it";
 }
 
 TEST(RecorderControls, IntervalAndFileNameRules) {
