@@ -23,6 +23,9 @@ void endWithoutBus(int) {
 }
 
 QDBusConnection connectToBus() {
+    // Qt ends in the reverse order of what was used first: its thread for the bus, which needs the
+    // registered types to its end, is to end before them.
+    registerAutomationTypes();
     static int connections = 0;
     std::signal(SIGALRM, endWithoutBus);
     ::alarm(kConnectPatienceSeconds);
@@ -61,7 +64,6 @@ AutomationReply oddAnswer() {
 Attachment::Attachment(WhenAbsent absent)
     : bus_(connectToBus())
     , deadline_(kPatienceMs) {
-    registerAutomationTypes();
     attach(absent);
 }
 
