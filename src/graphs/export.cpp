@@ -70,6 +70,8 @@ bool SavePicture(const Picture& picture, const QString& fileName, ImageFormat fo
     const ImageFunctions* functions = library.functions();
     if (functions == nullptr || picture.Image.isNull())
         return false;
+    if (saved.drawing < 0)
+        ReplacementFile::removeLeftovers(fileName);
     ReplacementFile file(fileName);
     if (!file.isOpen())
         return false;

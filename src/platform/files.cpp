@@ -2,9 +2,11 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -132,8 +134,11 @@ bool createFolder(const QString& folder) {
 
 bool writeAtStart(const QString& path, const QByteArray& bytes) {
     const QByteArray name = nativePath(path).toLocal8Bit();
-    Descriptor file(::open(name.constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644));
-    if (file.get() < 0)
+    Descriptor file(::open(name.constData(),
+                           O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY,
+                           0644));
+    struct stat status {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return false;
     qsizetype done = 0;
     while (done < bytes.size()) {
@@ -146,6 +151,24 @@ bool writeAtStart(const QString& path, const QByteArray& bytes) {
         done += wrote;
     }
     return file.close();
+}
+
+QStringList unfinishedFiles(const QString& folder, const QString& begin) {
+    constexpr qsizetype kLetters = 6;
+    const auto isLetter = [](QChar c) {
+        return c.unicode() < 0x80 && c.isLetter();
+    };
+    QStringList found;
+    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    while (files.hasNext()) {
+        files.next();
+        const QString name = files.fileName();
+        if (name.size() == begin.size() + kLetters && name.startsWith(begin) &&
+            std::all_of(name.end() - kLetters, name.end(), isLetter) &&
+            files.fileInfo().ownerId() == ::geteuid())
+            found.append(files.filePath());
+    }
+    return found;
 }
 
 QString programFolder() {

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <optional>
@@ -42,8 +43,13 @@ bool folderExists(const QString& folder);
 bool createFolder(const QString& folder);
 
 // Writes the bytes over the first bytes of the file, making it when it is missing; the rest of a
-// longer file stays. False when not every byte could be written.
+// longer file stays. False when not every byte could be written, or when something else than a
+// file has that name: a link that somebody has put there is not followed.
 bool writeAtStart(const QString& path, const QByteArray& bytes);
+
+// The user's own files in `folder` whose names are `begin` and six letters, as a temporary file is
+// named that its program could not finish.
+QStringList unfinishedFiles(const QString& folder, const QString& begin);
 
 // The folder of the executable, without a trailing separator.
 QString programFolder();

@@ -10,9 +10,14 @@ namespace skyhold {
 
 namespace {
 
+// The temporary files of `path` begin so.
+QString temporaryBegin(const QFileInfo& target) {
+    return u'.' + target.fileName() + u'.';
+}
+
 QString temporaryName(const QString& path) {
     const QFileInfo target(path);
-    return target.path() + QStringLiteral("/.") + target.fileName() + QStringLiteral(".XXXXXX");
+    return target.path() + u'/' + temporaryBegin(target) + QStringLiteral("XXXXXX");
 }
 
 } // namespace
@@ -45,6 +50,12 @@ bool ReplacementFile::commit() {
         return false;
     file_.setAutoRemove(false);
     return true;
+}
+
+void ReplacementFile::removeLeftovers(const QString& path) {
+    const QFileInfo target(nativePath(path));
+    for (const QString& left : unfinishedFiles(target.path(), temporaryBegin(target)))
+        QFile::remove(left);
 }
 
 } // namespace skyhold

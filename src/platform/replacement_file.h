@@ -27,6 +27,10 @@ class ReplacementFile {
     // Puts the file at `path`; readable by everyone. False when that failed.
     bool commit();
 
+    // Removes what a program that was killed has left of its work on `path`. For a program's first
+    // work on it, while no other works on it.
+    static void removeLeftovers(const QString& path);
+
   private:
     QString path_;
     QTemporaryFile file_; // removed unless committed

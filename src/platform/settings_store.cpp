@@ -1,17 +1,105 @@
 #include "platform/settings_store.h"
 
+#include "platform/files.h"
+#include "platform/settings_copy.h"
+
 #include <QDir>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QStandardPaths>
 
+#include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace skyhold {
 
 namespace {
 
+constexpr int kLongestSaveMs = 1000;
+constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
+constexpr mode_t kOthersWrite = S_IWGRP | S_IWOTH;
+
 QString storedName(const QString& section, const QString& key) {
     return section + u'/' + key;
+}
+
+void tell(const QString& path, const char* what) {
+    std::fprintf(stderr, "%s %s\n", qPrintable(path), what);
+}
+
+// Takes a file or folder of the user's own from everybody else. Answers how it was found, nothing
+// when it is not there or not the user's.
+std::optional<mode_t> makePrivate(const QString& path) {
+    // What is opened is what is changed, whatever takes its name meanwhile.
+    const int fd = ::open(path.toLocal8Bit().constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat found {};
+    const bool mine = fd >= 0 && ::fstat(fd, &found) == 0 && found.st_uid == ::geteuid() &&
+                      (S_ISREG(found.st_mode) || S_ISDIR(found.st_mode));
+    if (mine && (found.st_mode & kOthers) != 0)
+        ::fchmod(fd, found.st_mode & S_IRWXU);
+    if (fd >= 0)
+        ::close(fd);
+    return mine ? std::optional(found.st_mode) : std::nullopt;
+}
+
+// Makes the folder when it is missing. False when somebody else may have put something into it.
+bool makeFolderPrivate(const QString& folder) {
+    QDir().mkpath(QFileInfo(folder).path());
+    const bool made = ::mkdir(folder.toLocal8Bit().constData(), S_IRWXU) == 0;
+    const std::optional<mode_t> found = makePrivate(folder);
+    if (!found)
+        tell(folder, "is not yours: others may see and change the settings");
+    else if (!made && (*found & kOthers) != 0)
+        tell(folder, "was open to other users; it no longer is");
+    return found && (*found & kOthersWrite) == 0;
+}
+
+// A file, or a link of the user's own to a file of the user's own.
+bool isTrusted(const QString& path, bool folderWasPrivate) {
+    const QByteArray name = path.toLocal8Bit();
+    struct stat entry {};
+    struct stat target {};
+    if (::lstat(name.constData(), &entry) != 0 || S_ISREG(entry.st_mode))
+        return true;
+    return S_ISLNK(entry.st_mode) && folderWasPrivate && entry.st_uid == ::geteuid() &&
+           ::stat(name.constData(), &target) == 0 && S_ISREG(target.st_mode) &&
+           target.st_uid == ::geteuid();
+}
+
+void makeFilePrivate(const QString& path, bool folderWasPrivate) {
+    if (!isTrusted(path, folderWasPrivate)) {
+        ::unlink(path.toLocal8Bit().constData());
+        tell(path, "is a link that others may have made, or no file: it is removed, and what it "
+                   "led to is left alone");
+        return;
+    }
+    const std::optional<mode_t> found = makePrivate(path);
+    if (found && (*found & kOthers) != 0)
+        tell(path, "was open to other users; it no longer is");
+}
+
+// A save takes milliseconds. A program that holds the lock for longer hangs, and must not hold this
+// one until the lock would count as forgotten, after half a minute.
+void breakHungLock(const QString& path) {
+    const QString name = path + QStringLiteral(".lock");
+    if (!QFileInfo::exists(name))
+        return;
+    QLockFile lock(name);
+    lock.setStaleLockTime(kLongestSaveMs);
+    lock.tryLock(2 * kLongestSaveMs);
+}
+
+// Removes what a program that was killed while it saved has left. Whoever saves holds the lock.
+void removeLeftovers(const QString& path) {
+    const QFileInfo file(path);
+    const QStringList left = unfinishedFiles(file.path(), file.fileName() + u'.');
+    QLockFile saving(path + QStringLiteral(".lock"));
+    if (left.isEmpty() || !saving.tryLock(0))
+        return;
+    for (const QString& name : left)
+        QFile::remove(name);
 }
 
 } // namespace
@@ -20,9 +108,11 @@ SettingsStore::SettingsStore(const QString& application) {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
                            QStringLiteral("/Kiv");
     path_ = folder + u'/' + application + QStringLiteral(".ini");
-    QDir().mkpath(folder);
-    ::chmod(folder.toLocal8Bit().constData(), S_IRWXU);
-    narrowAccess();
+    makeFilePrivate(path_, makeFolderPrivate(folder));
+    removeLeftovers(path_);
+    completed_ = completeCutSettings(path_);
+    if (completed_)
+        tell(path_, "was cut short; what it lacked has been taken from its last whole copy");
     file_ = std::make_unique<QSettings>(path_, QSettings::IniFormat);
 }
 
@@ -44,20 +134,23 @@ void SettingsStore::saveNow(const QString& section, const QString& key, const QS
     flush();
 }
 
-bool SettingsStore::flush() {
-    // A password lies in the file: whatever is made here is the owner's alone from its first byte.
-    const mode_t before = ::umask(S_IRWXG | S_IRWXO);
-    file_->sync();
-    ::umask(before);
-    narrowAccess();
-    return file_->status() == QSettings::NoError;
+bool SettingsStore::keepCopy() {
+    return keepWholeCopy(path_);
 }
 
-void SettingsStore::narrowAccess() const {
-    const QByteArray name = path_.toLocal8Bit();
-    struct stat status {};
-    if (::stat(name.constData(), &status) == 0 && (status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-        ::chmod(name.constData(), S_IRUSR | S_IWUSR);
+bool SettingsStore::flush() {
+    breakHungLock(path_);
+    // Whatever is made here is the owner's alone from its first byte.
+    const mode_t before = ::umask(kOthers);
+    file_->sync();
+    // A line that could not be read stays noted, and would hide whether the file was written.
+    if (file_->status() == QSettings::FormatError) {
+        file_ = std::make_unique<QSettings>(path_, QSettings::IniFormat);
+        file_->sync();
+    }
+    ::umask(before);
+    makePrivate(path_);
+    return file_->status() == QSettings::NoError;
 }
 
 } // namespace skyhold

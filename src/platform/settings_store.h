@@ -11,8 +11,11 @@ namespace skyhold {
 
 class SettingsStore {
   public:
-    // The store of `application` ("Kiv_Skyhold", "Kiv_Uploader"). The file is readable and
-    // writable by its owner alone; one found wider is narrowed.
+    // The store of `application` ("Kiv_Skyhold", "Kiv_Uploader"). A password lies in it: folder
+    // and file are their owner's alone, and what is found wider is narrowed, with a note on
+    // standard error. A link in the file's place is followed when it is the user's own work: in a
+    // folder that nobody else could write to, to a file of the user's own. Any other is removed,
+    // with a note, and what it leads to is left alone.
     explicit SettingsStore(const QString& application);
 
     // The stored text, or `fallback` when the key is absent.
@@ -22,13 +25,16 @@ class SettingsStore {
     void saveNow(const QString& section, const QString& key, const QString& text);
     // Writes to disk; false when that failed (folder not writable, disk full).
     bool flush();
+    // Keeps a copy of the file, to be called when it holds every key. False when that failed.
+    bool keepCopy();
+    // The file had been cut short and has been completed from its copy.
+    bool completed() const { return completed_; }
 
     QString filePath() const { return path_; }
 
   private:
-    void narrowAccess() const;
-
     QString path_;
+    bool completed_ = false;
     std::unique_ptr<QSettings> file_;
 };
 
