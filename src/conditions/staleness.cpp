@@ -1,6 +1,5 @@
 #include "conditions/staleness.h"
 
-#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/text_forms.h"
 #include "records/status_lines.h"
@@ -29,7 +28,7 @@ QString neverReadFileTime() {
 
 StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& lastFileTime,
                                     const QDateTime& stationDateTime, const QDateTime& now,
-                                    double timeoutMinutes) {
+                                    double timeoutMinutes, double sinceRewritten) {
     if (!modified.isValid())
         return {StationFileState::Missing};
     if (lastFileTime == neverReadFileTime()) {
@@ -44,16 +43,23 @@ StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& la
     const bool everSet = stationDateTime.isValid();
     const QDateTime record = everSet ? stationDateTime : fromDaySerial(0);
     const double age = std::abs(static_cast<double>(record.msecsTo(now))) / 1000;
-    const bool recent = everSet && age / 60 <= timeoutMinutes;
-    return {recent ? StationFileState::Unchanged : StationFileState::Old, age};
+    if (!everSet || !(age / 60 <= timeoutMinutes))
+        return {StationFileState::Old, age};
+    if (sinceRewritten / 60 > timeoutMinutes)
+        return {StationFileState::Old, sinceRewritten};
+    return {StationFileState::Unchanged, age};
 }
 
 bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
-                           ReadingDisplay& display, SessionControls& session, const QDateTime& now,
+                           ReadingDisplay& display, SessionControls& session, const Clock& clock,
                            const std::function<void(StationFileState)>& soundAlarm) {
+    const std::int64_t nowMs = clock.MsClock();
     const StationFileVerdict verdict =
         judgeStationFile(stationFileTime(file.HTMFile.Caption), readings.LastFileTime,
-                         readings.StationDateTime, now, file.TimeoutREAD.Value);
+                         readings.StationDateTime, clock.now(), file.TimeoutREAD.Value,
+                         static_cast<double>(nowMs - readings.StationRewritten) / 1000);
+    if (verdict.state == StationFileState::Refreshed)
+        readings.StationRewritten = nowMs;
     const QString age = formatNumber(verdict.ageSeconds, u"0", {}) + u"s old"_s;
     readings.StationFileMissing = verdict.state == StationFileState::Missing;
     readings.StationDataOld = readings.StationFileMissing || verdict.state == StationFileState::Old;

@@ -1,6 +1,7 @@
 // Whether the weather station's file is there and its data fresh.
 #pragma once
 
+#include "platform/clock.h"
 #include "records/current_readings.h"
 #include "records/file_controls.h"
 #include "records/reading_display.h"
@@ -22,28 +23,30 @@ QString neverReadFileTime();
 
 enum class StationFileState {
     Missing,   // no such file, or it cannot be read
-    Old,       // not rewritten since it was last read, and its latest record is too old; or, before
-               // the first read, not rewritten for longer than that
+    Old,       // not rewritten since it was last read, and its latest record or that rewriting too
+               // long ago; or, before the first read, not rewritten for that long
     Unchanged, // not rewritten since it was last read, its latest record recent enough
     Refreshed  // rewritten since it was last read
 };
 
 struct StationFileVerdict {
     StationFileState state = StationFileState::Missing;
-    // Between the latest record and now, only when not rewritten; before the first read of the
-    // file.
+    // Between the latest record and now, only when not rewritten; since the file was written,
+    // where that alone is too long ago.
     double ageSeconds = 0;
 };
 
 // `modified` invalid: there is no file. A station date-time that was never set is too old.
+// `sinceRewritten`: seconds since the file was last found rewritten. A station's clock may be wrong
+// by an hour; the records of a station that stopped would come of age when the hour is over.
 StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& lastFileTime,
                                     const QDateTime& stationDateTime, const QDateTime& now,
-                                    double timeoutMinutes);
+                                    double timeoutMinutes, double sinceRewritten = 0);
 
 // Judges the station file and tells it: status line, health flags, WSAlarmMsg, read lamp colour,
 // then `soundAlarm`, then the codes a41 and a42. True when the station's data is fresh.
 bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
-                           ReadingDisplay& display, SessionControls& session, const QDateTime& now,
+                           ReadingDisplay& display, SessionControls& session, const Clock& clock,
                            const std::function<void(StationFileState)>& soundAlarm);
 
 } // namespace skyhold

@@ -113,7 +113,7 @@ void readStation(MonitoringCore& core) {
             soundAlarm(state);
     };
     if (!CheckStationStaleness(records.stationFile, readings, records.display, records.session,
-                               core.clock.now(), whenJudged)) {
+                               core.clock, whenJudged)) {
         SetStationDataValid(false, records, core.forms);
         return;
     }

@@ -6,6 +6,7 @@
 #include "platform/text_encoding.h"
 #include "units/cardinal.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace skyhold {
@@ -18,7 +19,8 @@ constexpr int kValueCell = 3;
 // Longer cells are shown, and their unit recognised, by this many characters.
 constexpr qsizetype kLongestShown = 255;
 
-// The names without which a quantity would be judged by a 0 that nobody measured.
+// The names without which a quantity would be judged by a 0 that nobody measured. All but the
+// last have a number as value.
 constexpr std::array<QStringView, 6> kJudgedNames{u"WindSpeed",   u"Gust",     u"OutTemp",
                                                   u"OutHumidity", u"DewPoint", u"WindDirection"};
 
@@ -151,27 +153,54 @@ class EntryFiller {
     std::optional<QDate> date_; // of this read
 };
 
+// Adds `found` to what is remembered; true when it is lacking that was found before.
+bool lacks(bool& remembered, bool found) {
+    const bool lacking = remembered && !found;
+    remembered = remembered || found;
+    return lacking;
+}
+
+// True when a number was found for the name. A gust that is not written at all is none: stations
+// leave it out in still air.
+bool hasNumber(const StationTable& table, QStringView name, const UnitControls& units,
+               const NumberForms& forms) {
+    const QString text =
+        withoutCharacters(table.cell(kValueCell, FindRow(table, name)),
+                          name == u"OutHumidity" ? units.ExcChrHumidity : QString());
+    return isStationNumber(text, forms) || (name == u"Gust" && text.trimmed().isEmpty());
+}
+
 // Compares the table with what earlier reads found, and adds what this one found.
-StationRead judgeNames(const StationTable& table, StationFileMemory& memory) {
+StationRead judgeTable(const StationTable& table, const UnitControls& units,
+                       const NumberForms& forms, StationFileMemory& memory) {
     bool any = false;
-    bool lacking = false;
+    bool lacksName = false;
+    bool lacksNumber = false;
     for (std::size_t i = 0; i < kJudgedNames.size(); ++i) {
-        const bool found = FindRow(table, kJudgedNames[i]) > 0;
+        const QStringView name = kJudgedNames[i];
+        const bool found = FindRow(table, name) > 0;
         any = any || found;
-        lacking = lacking || (memory.namesFound[i] && !found);
-        memory.namesFound[i] = memory.namesFound[i] || found;
+        lacksName = lacks(memory.namesFound[i], found) || lacksName;
+        if (found && i + 1 < kJudgedNames.size())
+            lacksNumber =
+                lacks(memory.numbersFound[i], hasNumber(table, name, units, forms)) || lacksNumber;
     }
     if (!any)
         return StationRead::NoReadings;
-    return lacking ? StationRead::Incomplete : StationRead::Valid;
+    if (lacksName)
+        return StationRead::Incomplete;
+    return lacksNumber ? StationRead::NoNumber : StationRead::Valid;
 }
 
-// True when a CSV text stops in the middle of a record, as far as can be told.
+// True when a CSV text stops too early, as far as can be told. Nothing is remembered yet for the
+// first read of a session: what it lacks counts as torn off until a second one lacks it, too.
 bool tornCsv(const QString& text, const StationTable& table, StationFileMemory& memory) {
-    const bool lineEnd = text.endsWith(u'\n') || text.endsWith(u'\r');
-    const bool torn = table.cutShort() || (memory.endedInLineEnd && !lineEnd);
-    memory.endedInLineEnd = memory.endedInLineEnd || (lineEnd && !table.cutShort());
-    return torn;
+    const bool first = !memory.anyRead;
+    const bool whole = std::all_of(memory.namesFound.cbegin(), memory.namesFound.cend(),
+                                   [](bool found) { return found; });
+    const bool lineEnd = (text.endsWith(u'\n') || text.endsWith(u'\r')) && !table.cutShort();
+    return lacks(memory.endedInLineEnd, lineEnd) || table.cutShort() ||
+           (first && !(whole && lineEnd));
 }
 
 } // namespace
@@ -196,9 +225,10 @@ StationRead ReadStationFile(const StationFileControls& controls, const UnitContr
     const StationTable table = csv ? ParseCsvTable(text) : ParseHtmlTable(text);
     EntryFiller(table, units, forms, readings, display).fillAll();
 
-    const StationRead names = judgeNames(table, memory);
+    const StationRead judged = judgeTable(table, units, forms, memory);
     const bool torn = csv && tornCsv(text, table, memory);
-    return names == StationRead::Valid && torn ? StationRead::Incomplete : names;
+    memory.anyRead = memory.anyRead || judged != StationRead::NoReadings;
+    return judged == StationRead::Valid && torn ? StationRead::Incomplete : judged;
 }
 
 QString stationReadStatus(StationRead read) {
@@ -216,6 +246,8 @@ QString stationReadStatus(StationRead read) {
         return QStringLiteral("Weather Station Data - not a text file");
     case StationRead::NoReadings:
         return QStringLiteral("Weather Station Data - no readings in file");
+    case StationRead::NoNumber:
+        return QStringLiteral("Weather Station Data - value missing or not a number");
     case StationRead::Incomplete:
         break;
     }

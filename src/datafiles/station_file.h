@@ -15,9 +15,12 @@ namespace skyhold {
 constexpr std::int64_t kStationFileLimit = std::int64_t{16} * 1024 * 1024;
 
 // What earlier reads of the session found in the file. A file that is read while the station
-// writes it lacks something of that; its values must not pass for those of a calm night.
+// writes it lacks something of that, and a station whose instrument fails writes "--" where there
+// was a number; the 0 in its place must not pass for that of a calm night.
 struct StationFileMemory {
+    bool anyRead = false;
     std::array<bool, 6> namesFound{};
+    std::array<bool, 6> numbersFound{};
     bool endedInLineEnd = false; // of a CSV file
 
     // At every session start.
@@ -32,7 +35,8 @@ enum class StationRead {
     TooLarge,   // over kStationFileLimit
     NotText,    // holds NUL bytes
     NoReadings, // none of the names that the conditions are judged by
-    Incomplete  // lacks what the memory holds
+    Incomplete, // lacks what the memory holds
+    NoNumber    // a value that is judged was a number before and is none now
 };
 
 // Fills the station value table and, from it, StationDateTime and BarometricPressure; records

@@ -30,14 +30,27 @@ int fullYear(int year) {
     return year >= 30 && year <= 99 ? 1900 + year : year;
 }
 
+// With the locale's decimal separator for the first ".".
+QString inLocaleForm(QStringView text, const NumberForms& forms) {
+    QString local = text.toString();
+    const qsizetype point = local.indexOf(u'.');
+    return point < 0 ? local : local.replace(point, 1, forms.decimal);
+}
+
 } // namespace
 
 double ParseStationNumber(QStringView text, const NumberForms& forms) {
     const QStringView trimmed = text.trimmed();
-    const qsizetype point = trimmed.indexOf(u'.');
-    if (point < 0 || trimmed.size() > kLongestText)
-        return parseLocaleNumber(trimmed, forms);
-    return parseLocaleNumber(trimmed.toString().replace(point, 1, forms.decimal), forms);
+    if (trimmed.size() > kLongestText)
+        return 0;
+    return numberFromText(inLocaleForm(trimmed, forms), forms).value_or(0);
+}
+
+bool isStationNumber(QStringView text, const NumberForms& forms) {
+    const QStringView trimmed = text.trimmed();
+    if (trimmed.size() > kLongestText)
+        return false;
+    return numberFromText(inLocaleForm(trimmed, forms), {forms.decimal, {}}).has_value();
 }
 
 double parseLocaleNumber(QStringView text, const NumberForms& forms) {

@@ -14,6 +14,10 @@ namespace skyhold {
 // read too. 0 for a text that stands for no finite number.
 double ParseStationNumber(QStringView text, const NumberForms& forms);
 
+// True for a text that ParseStationNumber reads as a number that can be meant: one with separators
+// of thousands is none, since no station writes them ("12,5" would be 125).
+bool isStationNumber(QStringView text, const NumberForms& forms);
+
 // A number in the locale's own form; 0 for any other text.
 double parseLocaleNumber(QStringView text, const NumberForms& forms);
 

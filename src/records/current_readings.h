@@ -39,6 +39,7 @@ struct CurrentReadings {
     double BarometricPressure = 0;
     QDateTime StationDateTime;
     QString LastFileTime; // modification time of the station file as text, at its last open
+    std::int64_t StationRewritten = 0; // MsClock() when the file was last found rewritten
 
     // Health of the station file.
     bool StationFileMissing = false;
