@@ -3,6 +3,7 @@
 #include "core/session.h"
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
+#include "records/status_lines.h"
 #include "settings/settings.h"
 #include "update/update_check.h"
 
@@ -51,6 +52,9 @@ void LoadMainWindow(MonitoringCore& core) {
         findFile(joinPath(programFolder(), QStringLiteral("Kiv_Skyhold.chm"))).value_or(QString());
     core.records.window.Caption = core.version.title();
     LoadSettings(core.records, core.settings, core.forms);
+    if (core.settings.completed())
+        SetStatusText(core.records.session.Statusbar1,
+                      QStringLiteral("Settings were cut short - completed from their copy"), kRed);
     RefreshFileList(core.records.upload);
     SetIdleControls(core.records, true);
     UpdateMenus(core.records);

@@ -50,7 +50,10 @@ void LoadSettings(Records& records, const SettingsStore& store, const NumberForm
 bool SaveSettings(const Records& records, SettingsStore& store, const NumberForms& forms) {
     saveRows(keyTable(records), store, forms);
     saveRows(uploadEntryRows(records.upload), store, forms);
-    return store.flush();
+    const bool saved = store.flush();
+    if (saved)
+        store.keepCopy();
+    return saved;
 }
 
 bool SaveKeys(const Records& records, SettingsStore& store, const std::vector<KeyName>& names,
