@@ -98,6 +98,10 @@ Transfer::Transfer(const UploadJob& job, bool (*cancelled)())
     }
     if (job.server.protocol == Protocol::FtpExplicitTls)
         curl_easy_setopt(curl, CURLOPT_USE_SSL, CURLUSESSL_ALL);
+    // The usual variable for certificates that are trusted here and not by the whole system.
+    const QByteArray trusted = qgetenv("SSL_CERT_FILE");
+    if (!trusted.isEmpty())
+        curl_easy_setopt(curl, CURLOPT_CAINFO, trusted.constData());
     if (job.server.protocol == Protocol::Sftp) {
         curl_easy_setopt(curl, CURLOPT_SSH_AUTH_TYPES,
                          CURLSSH_AUTH_PASSWORD | CURLSSH_AUTH_KEYBOARD);

@@ -12,7 +12,7 @@ import threading
 import paramiko
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.filesystems import AbstractedFS, FilesystemError
-from pyftpdlib.handlers import FTPHandler, TLS_FTPHandler
+from pyftpdlib.handlers import DTPHandler, FTPHandler, TLS_DTPHandler, TLS_FTPHandler
 from pyftpdlib.ioloop import IOLoop
 from pyftpdlib.servers import FTPServer
 
@@ -32,20 +32,36 @@ class NeverRenamesOver(AbstractedFS):
         super().rename(src, dst)
 
 
-class Ftp:
-    """Debian's own FTP server. Commands are noted in `commands`, the password among them."""
+class EncryptedData(TLS_DTPHandler):
+    """The server takes a client that greets on the data connection before the command has come
+    for one that has left."""
 
-    def __init__(self, folder, permissions="elradfmw", renames_over=True, certificate=None):
+    def readable(self):
+        return self._ssl_want_read or self.receive
+
+
+class Ftp:
+    """Debian's own FTP server. Commands are noted in `commands`, the password among them. With a
+    certificate it encrypts when asked to, or, `implicit`, from the first byte on."""
+
+    def __init__(self, folder, permissions="elradfmw", renames_over=True, certificate=None,
+                 implicit=False):
         folder.mkdir(parents=True, exist_ok=True)
         self.folder = folder
         self.commands = commands = []
 
         class Handler(TLS_FTPHandler if certificate else FTPHandler):
             authorizer = DummyAuthorizer()
+            dtp_handler = EncryptedData if certificate else DTPHandler
             abstracted_fs = AbstractedFS if renames_over else NeverRenamesOver
             auth_failed_timeout = 0
             use_sendfile = False
             certfile = certificate
+
+            def handle(self):
+                if implicit:
+                    self.secure_connection(self.get_ssl_context())
+                super().handle()
 
             def pre_process_command(self, line, cmd, arg):
                 commands.append(line)

@@ -110,10 +110,11 @@ class UploadTest(unittest.TestCase):
         """What it has said; its word is taken back and the password is nowhere."""
         uploader.wait(seconds)
         self.assertEqual(self.running(), "0")
-        for path in self.folder.rglob("*"):
-            if path.is_file() and path.suffix != ".ini":
+        for path in filter(pathlib.Path.is_file, self.folder.rglob("*")):
+            if path.parent == self.settings:
+                self.assertEqual(path.stat().st_mode & 0o777, 0o600, path)
+            else:
                 self.assertNotIn(PASSWORD.encode(), path.read_bytes(), path)
-        self.assertEqual((self.settings / "Kiv_Uploader.ini").stat().st_mode & 0o777, 0o600)
         return uploader.log.read_text()
 
     def upload(self, seconds=20):
@@ -251,14 +252,23 @@ class UploadTest(unittest.TestCase):
             visits = [event for event in server.events if event in ("connected", "left")]
             self.assertEqual(visits, ["connected", "left"] * 2)
 
-    def test_untrusted_encrypted_servers_do_not_see_the_password(self):
-        page = self.file("page.htm", b"page")
+    def test_encrypted_servers_see_the_password_only_when_trusted(self):
+        page = self.file("page.htm", BIG)
         certificate = make_certificate(self.folder / "certificate.pem")
-        with self.serve(Ftp, certificate=certificate) as server:
-            self.hand_off("ftpes://" + server.address, [page])
-            _status, said = self.upload(10)
-            self.assertIn("its certificate is not trusted", said)
-            self.assertEqual(server.commands, ["AUTH SSL"])
+        for scheme, untrusted in [("ftpes", ["AUTH SSL"]), ("ftps", [])]:
+            with self.subTest(scheme), self.serve(Ftp, certificate=certificate,
+                                                  implicit=scheme == "ftps") as server:
+                self.hand_off(f"{scheme}://{server.address}", [page])
+                self.run.variables.pop("SSL_CERT_FILE", None)
+                _status, said = self.upload(10)
+                self.assertIn("its certificate is not trusted", said)
+                self.assertEqual(server.commands, untrusted)
+
+                self.run.variables["SSL_CERT_FILE"] = certificate + ".crt"
+                status, said = self.upload()
+                self.assertEqual(status, 0, said)
+                self.assertEqual(self.received("page.htm"), BIG)
+                self.assertIn("PROT P", server.commands)  # the file itself was encrypted, too
         with self.serve(Sftp) as server:
             self.hand_off(server.address, [page])
             _status, said = self.upload(10)
