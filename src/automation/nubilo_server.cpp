@@ -6,6 +6,7 @@
 #include "automation/nubilo_table.h"
 #include "automation/object_safety.h"
 #include "core/clients.h"
+#include "core/observation.h"
 #include "platform/typed_interface.h"
 
 namespace skyhold {
@@ -28,6 +29,8 @@ class NubiloServer : public AutomationServer {
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         core_.sensor.beginRequest();
+        if (core_.TimerRead.overdue())
+            distrustAfterGap(core_);
         const bool controlled = core_.records.safety.LocalControl;
         const bool handled = AutomationServer::handleMessage(message, connection);
         if (!controlled && core_.records.safety.LocalControl)

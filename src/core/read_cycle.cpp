@@ -4,6 +4,7 @@
 #include "conditions/safety.h"
 #include "conditions/staleness.h"
 #include "core/alarms.h"
+#include "core/observation.h"
 #include "core/recording.h"
 #include "core/sensor_readings.h"
 #include "core/station_display.h"
@@ -81,6 +82,9 @@ void StartReading(MonitoringCore& core) {
     core.sensor.takeCallFailure();
 
     RunReadCycle(core);
+    core.TimerRead.Overdue = [&core] {
+        distrustAfterGap(core);
+    };
     core.TimerRead.Tick = [&core] {
         RunReadCycle(core);
     };

@@ -2,28 +2,82 @@
 
 #include "platform/clock.h"
 
+#include <QSocketNotifier>
+
 #include <algorithm>
 #include <cmath>
+#include <ctime>
+#include <sys/timerfd.h>
+#include <unistd.h>
 
 namespace skyhold {
 
+namespace {
+
+constexpr std::int64_t kPatienceMs = 5000;
+
+// Unlike the clock of elapsed times this one goes on while the machine sleeps.
+std::int64_t sinceBootMs() {
+    timespec time{};
+    clock_gettime(CLOCK_BOOTTIME, &time);
+    return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
+}
+
+timespec timeOf(std::int64_t ms) {
+    timespec time{};
+    time.tv_sec = static_cast<time_t>(ms / 1000);
+    time.tv_nsec = static_cast<long>(ms % 1000 * 1'000'000);
+    return time;
+}
+
+} // namespace
+
 Timer::Timer(const Clock& clock)
-    : clock_(clock) {
-    timer_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
-        if (Tick)
-            Tick();
-    });
+    : clock_(clock)
+    , fd_(::timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK)) {
+    if (fd_ < 0)
+        qFatal("no timer can be made");
+    auto* notifier = new QSocketNotifier(fd_, QSocketNotifier::Read, &context_);
+    QObject::connect(notifier, &QSocketNotifier::activated, &context_, [this] { expired(); });
+}
+
+Timer::~Timer() {
+    ::close(fd_);
+}
+
+std::int64_t Timer::realIntervalMs() const {
+    return std::max<std::int64_t>(1, std::llround(interval_ / clock_.scale()));
 }
 
 void Timer::arm(int intervalMs) {
     interval_ = intervalMs;
-    timer_.start(std::max(1, static_cast<int>(std::lround(intervalMs / clock_.scale()))));
+    lastTick_ = sinceBootMs();
+    const timespec every = timeOf(realIntervalMs());
+    const itimerspec times{.it_interval = every, .it_value = every};
+    ::timerfd_settime(fd_, 0, &times, nullptr);
 }
 
 void Timer::disarm() {
     interval_ = 0;
-    timer_.stop();
+    const itimerspec never{};
+    ::timerfd_settime(fd_, 0, &never, nullptr);
+}
+
+bool Timer::overdue() const {
+    return enabled() && sinceBootMs() - lastTick_ > 3 * realIntervalMs() + kPatienceMs;
+}
+
+void Timer::expired() {
+    std::uint64_t times = 0; // several that were missed are one tick
+    if (::read(fd_, &times, sizeof times) != sizeof times || ticking_)
+        return;
+    ticking_ = true;
+    if (overdue() && Overdue)
+        Overdue();
+    lastTick_ = sinceBootMs();
+    if (Tick)
+        Tick();
+    ticking_ = false;
 }
 
 } // namespace skyhold
