@@ -44,7 +44,12 @@ void WriteUserDataLine(MonitoringCore& core) {
                                     return sensorDescription(core, sensed, sensedLevel);
                                 });
     };
-    WriteUserDataLine(core.recorder, records.dataFile, {records.readings, core.forms, describe});
+    if (WriteUserDataLine(core.recorder, records.dataFile,
+                          {records.readings, core.forms, describe}))
+        return;
+    // Beside the codes that this cycle has raised already, such as that of the other file.
+    Label& codes = core.records.session.Statusbar2;
+    SetErrorCodes(codes, (codes.Caption.value() + QStringLiteral(" d13")).trimmed(), kRed);
 }
 
 } // namespace skyhold

@@ -113,19 +113,21 @@ void CloseUserDataFile(UserDataRecorder& recorder) {
     recorder.file.close();
 }
 
-void WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& controls,
+bool WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& controls,
                        const DataItemSource& source) {
     if (!recorder.recording)
-        return;
+        return true;
     if (recorder.cycleCounter >= linesInterval(controls.SaveFreq))
         recorder.cycleCounter = 0;
+    bool written = true;
     if (recorder.cycleCounter == 0) {
         // What would go to a file that somebody has deleted would be lost unseen.
         if (!recorder.file.isThere())
             openWithHeader(dataFilePath(controls), true, recorder, controls);
-        recorder.file.addLine(dataLine(controls.Columns, source));
+        written = recorder.file.addLine(dataLine(controls.Columns, source));
     }
     ++recorder.cycleCounter;
+    return written;
 }
 
 void SetRecorderEditable(DataFileControls& controls, bool enabled) {
