@@ -128,7 +128,10 @@ bool IsUploadDue(const UploadControls& upload) {
 
 void WriteUploadList(UploadControls& upload, SettingsStore& area) {
     const auto write = [&area](const QString& key, const QString& text) {
-        area.SaveSetting(u"Setup"_s, key, text);
+        // What stands there already needs no write, so that a hand-off like the last one costs no
+        // time of the disk. An absent key differs from any text.
+        if (area.GetSetting(u"Setup"_s, key, text + u'-') != text)
+            area.SaveSetting(u"Setup"_s, key, text);
     };
     write(u"Server"_s, upload.ServerAddress.Text);
     write(u"ServerPath"_s, upload.ServerPath.Text);
