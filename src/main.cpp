@@ -1,5 +1,6 @@
 // The program: options, one instance, first start, updater, window or terminal, and the end.
 #include "automation/nubilo_server.h"
+#include "core/clients.h"
 #include "core/recording.h"
 #include "core/session.h"
 #include "core/start_up.h"
@@ -8,6 +9,8 @@
 #include "platform/files.h"
 #include "platform/media_control.h"
 #include "platform/quit_signals.h"
+#include "platform/session_bus.h"
+#include "platform/sudden_exit.h"
 #include "terminal.h"
 #include "ui/kiv_error.h"
 #include "ui/kiv_setup_form.h"
@@ -107,6 +110,35 @@ class PaintReport : public QObject {
     }
 };
 
+// The face that other programs see. Every return of the bus makes a new one; an old one may still
+// be at work on a call and is kept.
+class Automation {
+  public:
+    Automation(MonitoringCore& core, const SessionBus& bus)
+        : core_(core)
+        , bus_(bus) {}
+
+    void begin() {
+        servers_.push_back(makeNubiloServer(bus_.connection(), core_));
+        const bool on = servers_.back()->start();
+        ShowAutomation(core_.records.session, on);
+        if (!on)
+            std::fprintf(stderr, "Automation is off: no session bus, or the name "
+                                 "Kiv_Skyhold.Nubilo is taken.\n");
+    }
+    void busLost() {
+        servers_.back()->dropClients();
+        ShowAutomation(core_.records.session, false);
+        std::fprintf(stderr, "Automation is off: the session bus has gone.\n");
+    }
+    void end() { servers_.back()->stop(); }
+
+  private:
+    MonitoringCore& core_;
+    const SessionBus& bus_;
+    std::vector<std::unique_ptr<AutomationServer>> servers_;
+};
+
 // Ends the program whatever holds the window: a request to quit would first ask the window to
 // close, which it refuses while automation clients are attached.
 void end() {
@@ -155,11 +187,14 @@ int main(int argc, char** argv) {
     swapUpdater(programFolder());
 
     SystemClock clock(clockStartFromArguments(application.arguments()));
-    const QDBusConnection bus = QDBusConnection::sessionBus();
+    SessionBus bus;
+    CreateObject createObject = busObjectCreator(bus.connection());
     SoundPlayerProgram media(
         joinPath(programFolder(), QStringLiteral("Kiv_SoundPlayer")),
         [](const QString& reason) { std::fprintf(stderr, "No sound: %s\n", qPrintable(reason)); });
-    MonitoringCore core(clock, settings, busObjectCreator(bus), media, kVersion);
+    MonitoringCore core(
+        clock, settings, [&createObject](const QString& id) { return createObject(id); }, media,
+        kVersion);
     core.showMessage = terminalMessages();
     LoadMainWindow(core);
 
@@ -188,10 +223,15 @@ int main(int argc, char** argv) {
     if (!core.images.initialise())
         warnOfImageLibrary(headless);
 
-    const std::unique_ptr<AutomationServer> server = makeNubiloServer(bus, core);
-    if (!server->start())
-        std::fprintf(stderr, "Automation is off: no session bus, or the name "
-                             "Kiv_Skyhold.Nubilo is taken.\n");
+    Automation automation(core, bus);
+    bus.found = [&] {
+        createObject = busObjectCreator(bus.connection());
+        automation.begin();
+    };
+    bus.lost = [&automation] {
+        automation.busLost();
+    };
+    automation.begin();
 
     onQuitSignal([&core] {
         StopSession(core); // ends a start that still waits, too
@@ -203,7 +243,17 @@ int main(int argc, char** argv) {
     if (options.start)
         QTimer::singleShot(0, &application, [&core] { StartSession(core); });
 
+    // Qt ends the program when its display goes away. What was recorded and set is whole then, and
+    // the sensor program is on its own again, as after any other end.
+    onSuddenExit([&core, &automation] {
+        core.showMessage = terminalMessages();
+        std::fprintf(stderr, "The display has gone: the monitor ends.\n");
+        StopSession(core);
+        automation.end();
+        Unload(core);
+    });
     const int status = QApplication::exec();
+    onSuddenExit(nullptr);
 
     if (!options.screenshot.isEmpty()) {
         if (!window)
@@ -213,7 +263,7 @@ int main(int argc, char** argv) {
     // A signal or the last cycle ends a running session too; the window has stopped it already.
     StopSession(core);
     tray.reset();
-    server->stop();
+    automation.end();
     Unload(core);
     window.reset();
     return status;

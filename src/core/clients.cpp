@@ -8,8 +8,7 @@ namespace skyhold {
 void RegisterUsers(Records& records, const Clock& clock, int delta) {
     SessionControls& session = records.session;
     session.ClientCount += delta;
-    session.LblUsers.Caption =
-        QStringLiteral("Attached Users: ") + QString::number(session.ClientCount);
+    ShowAutomation(session, true);
     if (session.ClientCount == 0) {
         session.FrameCOM.Visible = false;
         session.ButtStop.Visible = true;
@@ -24,6 +23,12 @@ void RegisterUsers(Records& records, const Clock& clock, int delta) {
         records.window.CloseItemEnabled = false;
     }
     UpdateMenus(records);
+}
+
+void ShowAutomation(SessionControls& session, bool on) {
+    session.LblUsers.Caption =
+        on ? QStringLiteral("Attached Users: ") + QString::number(session.ClientCount)
+           : QStringLiteral("Automation is off");
 }
 
 void BlinkLEDCOM(SessionControls& session, const Clock& clock, Colour colour, bool showPeriod) {

@@ -8,6 +8,9 @@ namespace skyhold {
 // delta +1 when an automation object is created, -1 when it is released.
 void RegisterUsers(Records& records, const Clock& clock, int delta);
 
+// Whether other programs can reach this one at all, shown in the place of the number of users.
+void ShowAutomation(SessionControls& session, bool on);
+
 // Shows one automation call; with showPeriod also the seconds since the last such call.
 void BlinkLEDCOM(SessionControls& session, const Clock& clock, Colour colour, bool showPeriod);
 

@@ -151,6 +151,12 @@ void AutomationServer::stop() {
     bus_.unregisterObject(rootPath_, QDBusConnection::UnregisterTree);
 }
 
+void AutomationServer::dropClients() {
+    const QStringList clients = instancesOfClient_.keys();
+    for (const QString& client : clients)
+        releaseAllOf(client);
+}
+
 QDBusObjectPath AutomationServer::addObject(const QString& name,
                                             const std::shared_ptr<const MemberTable>& members) {
     const QString path = rootPath_ + u'/' + name;

@@ -87,6 +87,8 @@ class AutomationServer : public QDBusVirtualObject {
     // Takes the bus name; false when another program has it or there is no bus.
     bool start();
     void stop();
+    // The bus has gone, and every client with it.
+    void dropClients();
 
     // A further object below the factory's path; lives as long as the server.
     QDBusObjectPath addObject(const QString& name,
