@@ -26,9 +26,10 @@ GRAPHS = ["Wind", "Gust", "Dir", "Hum", "Dew", "Temp"]
 READ_SECONDS = [5, 10, 30, 60]  # choices of the read interval, by their index in the settings
 
 SENSOR_FAULTS = ["slow-ready", "old-version", "role", "not-running", "xfer-error", "late", "silent",
-                 "die", "nan", "wrong-types"]
+                 "die", "nan", "inf", "wrong-types", "empty", "megabyte", "level", "nameless"]
 # Faults that would keep the session from starting at all begin a little later.
-LATER_FAULTS = ["not-running", "late", "silent", "die", "nan", "wrong-types", "xfer-error"]
+LATER_FAULTS = ["not-running", "late", "silent", "die", "nan", "inf", "wrong-types", "empty",
+                "megabyte", "level", "nameless", "xfer-error"]
 STATION_FAULTS = ["stop", "delete", "halves", "rubbish", "empty", "huge"]
 
 # A bus without service folders: it cannot start an installed sensor program.
@@ -132,7 +133,8 @@ def upload_settings(folder, port):
     return "\n".join(lines) + "\n"
 
 
-def write_settings(folder, station_file, read_seconds, images=False, more_setup=""):
+def write_settings(folder, station_file, read_seconds, images=False, more_setup="",
+                   safe_delay=30):
     """The settings that the monitor starts with; all others have their defaults."""
 
     for name in ["ccdap", "data", "images"]:
@@ -148,7 +150,7 @@ def write_settings(folder, station_file, read_seconds, images=False, more_setup=
         "\n[Window]\n"
         f"PathName={text(folder / 'data')}\n"
         f"PathNameCCDAP4={text(folder / 'ccdap')}\n"
-        "SafeDelayVal=30\n"
+        f"SafeDelayVal={safe_delay}\n"
         "\n[Graphs]\n"
         f"GraphImagePath={text(folder / 'images')}\n" +
         "".join(f"Image{graph}={int(images)}\n" for graph in GRAPHS), encoding="utf-8")

@@ -30,8 +30,12 @@ Faults (--fault may be given several times; the member Sim_Fault of every object
   late=MS               every answer so many real milliseconds later
   silent                no answer at all
   die[=MEMBER]          the process ends inside the next call, or the next call of that member
-  nan                   every value is no number
+  nan, inf              every value is no number, or infinite
   wrong-types           every answer is of a wrong type
+  empty                 every answer is empty
+  megabyte              every text is a million characters long
+  level=N               every whole number, the conditions among them, is N (9)
+  nameless              the bus name is given up, the objects stay
   none                  ends them all)";
 
 int refuse(const QString& reason) {
@@ -75,7 +79,8 @@ int main(int argc, char** argv) {
     options.version = parser.value(u"sensor-version"_s);
 
     Faults faults({u"slow-ready"_s, u"old-version"_s, u"role"_s, u"not-running"_s, u"xfer-error"_s,
-                   u"late"_s, u"silent"_s, u"die"_s, u"nan"_s, u"wrong-types"_s});
+                   u"late"_s, u"silent"_s, u"die"_s, u"nan"_s, u"wrong-types"_s, u"inf"_s,
+                   u"empty"_s, u"megabyte"_s, u"level"_s, u"nameless"_s});
     const auto begin = [&faults, wanted = parser.values(u"fault"_s)] {
         return std::find_if_not(wanted.cbegin(), wanted.cend(), [&faults](const QString& fault) {
                    return faults.set(fault);

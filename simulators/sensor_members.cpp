@@ -212,6 +212,14 @@ QVariant spoiled(AutomationType type, const QVariant& value, const Faults& fault
         return value;
     if (faults.has(u"wrong-types"_s))
         return ofWrongType(type);
+    if (faults.has(u"empty"_s))
+        return {};
+    if (faults.has(u"megabyte"_s) && type == Text)
+        return QString(1'000'000, u'm');
+    if (faults.has(u"level"_s) && type == I4)
+        return faults.number(u"level"_s, 9);
+    if (faults.has(u"inf"_s) && type == R8)
+        return std::numeric_limits<double>::infinity();
     if (faults.has(u"nan"_s) && type == R8)
         return kNan;
     if (faults.has(u"nan"_s) && type == Date)

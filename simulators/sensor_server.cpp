@@ -169,6 +169,8 @@ void SensorServer::answerSimulatorCall(const Call& call, const QDBusMessage& mes
                 errorForm(error).name, errorMessage(error, u"unknown fault "_s + fault)));
             return;
         }
+        if (faults_.has(u"nameless"_s))
+            QDBusConnection(connection).unregisterService(programId());
     } else {
         const AutomationError error = AutomationError::UnknownName;
         connection.send(

@@ -28,9 +28,9 @@ QDateTime dateOf(const std::optional<QVariant>& value) {
 }
 
 void readValues(SensorLink& sensor, CurrentReadings& readings) {
-    keep(readings.CloudCondition, sensor.readInt32(QStringLiteral("Condition_Cloud")));
-    keep(readings.RainCondition, sensor.readInt32(QStringLiteral("Condition_Rain")));
-    keep(readings.BrightnessCondition, sensor.readInt32(QStringLiteral("Condition_Brightness")));
+    keep(readings.CloudCondition, sensor.readLevel(QStringLiteral("Condition_Cloud")));
+    keep(readings.RainCondition, sensor.readLevel(QStringLiteral("Condition_Rain")));
+    keep(readings.BrightnessCondition, sensor.readLevel(QStringLiteral("Condition_Brightness")));
     keep(readings.SensorValues[0], sensor.readReal(QStringLiteral("SkyTemperature")));
     keep(readings.SensorValues[1], sensor.readReal(QStringLiteral("RainValue")));
     keep(readings.SensorValues[2], sensor.readReal(QStringLiteral("BrightnessValue")));

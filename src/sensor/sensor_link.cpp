@@ -23,8 +23,12 @@ SensorLink::SensorLink(CreateObject createObject, Clock& clock)
 
 bool SensorLink::OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage) {
     wanted_ = true;
+    dataAwaited_ = false;
+    const bool answered = prepare(records, showMessage) && waitForData(records.session.NBTimeout);
+    // A slow sensor program has held the window by now; the first cycle will, too.
+    clock_.waitServingEvents(0);
     bool& ready = records.readings.SensorDataReady;
-    ready = prepare(records, showMessage) && waitForData(records.session.NBTimeout);
+    ready = answered && object_;
     return ready;
 }
 
@@ -80,10 +84,8 @@ void SensorLink::settleRole(const SensorLinkRecords& records) {
 bool SensorLink::waitForData(const NumberBox& timeout) {
     const std::int64_t begun = clock_.MsClock();
     const auto ready = [this] {
-        if (!object_) // closed while waiting
-            return false;
-        object_->beginCalls(kCycleBudgetMs);
-        return readBoolean(QStringLiteral("DataReady")).value_or(false);
+        // Nothing once it was closed while waiting.
+        return object_ && readBoolean(QStringLiteral("DataReady")).value_or(false);
     };
     while (object_) {
         const double limit = timeout.Value * 1000;
@@ -91,12 +93,15 @@ bool SensorLink::waitForData(const NumberBox& timeout) {
         if (!inTime || ready() || limit <= 0)
             break;
         clock_.waitServingEvents(1000);
+        if (object_)
+            object_->beginCalls(kCycleBudgetMs);
     }
     return ready();
 }
 
 void SensorLink::CloseSensor(CurrentReadings& readings) {
     wanted_ = false;
+    dataAwaited_ = false;
     readings.SensorDataReady = false;
     if (!object_)
         return;
@@ -111,10 +116,15 @@ void SensorLink::beginCycle(const SensorLinkRecords& records) {
         callFailed_ = false;
     if (object_ && object_->alive()) {
         object_->beginCalls(kCycleBudgetMs);
-        return;
+    } else if (wanted_) {
+        dataAwaited_ = prepare(records, nullptr);
+        callFailed_ = callFailed_ || !dataAwaited_;
     }
-    if (wanted_ && !prepare(records, nullptr))
-        callFailed_ = true;
+    // Before its first data it reports levels that nobody measured.
+    if (dataAwaited_) {
+        dataAwaited_ = !readBoolean(QStringLiteral("DataReady")).value_or(false);
+        callFailed_ = callFailed_ || dataAwaited_;
+    }
 }
 
 void SensorLink::beginRequest() {
@@ -159,14 +169,33 @@ auto converted(const std::optional<QVariant>& value, bool& failed, Convert conve
     return result;
 }
 
+// Whatever the sensor program answers, a label, a line of a file and the status stay readable.
+std::optional<QString> toLine(const QVariant& value) {
+    constexpr qsizetype kLongest = 255;
+    std::optional<QString> text = toText(value);
+    if (text) {
+        text->truncate(kLongest);
+        for (QChar& c : *text) {
+            if (c.category() == QChar::Other_Control)
+                c = u' ';
+        }
+    }
+    return text;
+}
+
+std::optional<std::int32_t> toLevel(const QVariant& value) {
+    const std::optional<std::int32_t> level = toInt32(value);
+    return level && *level >= 0 && *level <= 3 ? level : std::nullopt;
+}
+
 } // namespace
 
 std::optional<double> SensorLink::readReal(const QString& name) {
     return converted(read(name), callFailed_, toReal);
 }
 
-std::optional<std::int32_t> SensorLink::readInt32(const QString& name) {
-    return converted(read(name), callFailed_, toInt32);
+std::optional<std::int32_t> SensorLink::readLevel(const QString& name) {
+    return converted(read(name), callFailed_, toLevel);
 }
 
 std::optional<bool> SensorLink::readBoolean(const QString& name) {
@@ -174,7 +203,7 @@ std::optional<bool> SensorLink::readBoolean(const QString& name) {
 }
 
 std::optional<QString> SensorLink::readText(const QString& name) {
-    return converted(read(name), callFailed_, toText);
+    return converted(read(name), callFailed_, toLine);
 }
 
 bool SensorLink::write(const QString& name, const QVariant& value) {

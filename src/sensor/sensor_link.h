@@ -36,7 +36,8 @@ class SensorLink {
     bool connected() const { return object_ != nullptr; }
 
     // Marks the beginning of a read cycle: its calls together take at most a bounded time, and a
-    // sensor program that has come back is taken up again.
+    // sensor program that has come back is taken up again. Until it has its first data this counts
+    // as a call that failed.
     void beginCycle(const SensorLinkRecords& records);
     // Marks the beginning of an automation client's request outside of a cycle; its calls together
     // are bounded in the same way.
@@ -48,9 +49,10 @@ class SensorLink {
     // answer does not convert.
     std::optional<QVariant> read(const QString& name, QVariantList arguments = {});
     std::optional<double> readReal(const QString& name);
-    std::optional<std::int32_t> readInt32(const QString& name);
     std::optional<bool> readBoolean(const QString& name);
-    std::optional<QString> readText(const QString& name);
+    std::optional<QString> readText(const QString& name); // one line of at most 255 characters
+    // Cloud, rain or brightness as a level 0..3; any other number is none.
+    std::optional<std::int32_t> readLevel(const QString& name);
     bool write(const QString& name, const QVariant& value);
     bool call(const QString& name, QVariantList arguments = {});
     // The arguments come back as the sensor program left them.
@@ -77,6 +79,7 @@ class SensorLink {
     std::unique_ptr<DispatchObject> object_;
     bool wanted_ = false; // between OpenSensor and CloseSensor
     bool callFailed_ = false;
+    bool dataAwaited_ = false; // of a sensor program that was taken up again
 };
 
 // Shows or hides the switch labels and sets whether this program drives the switch.

@@ -37,14 +37,19 @@ class Monitored:
     its window, without a display."""
 
     def __init__(self, arguments=(), weather="quick", window=False, speed=SPEED, read_seconds=10,
-                 images=False):
+                 images=False, safe_delay=30, begin="2026-11-16T22:00:00", sensor=(),
+                 station="station.htm", station_begin=None):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kiv_skyhold-test-"))
         self.run = run.Run(self.folder, run.environment(self.folder, None))
-        self.station_file = self.folder / "station.htm"
+        self.station_file = self.folder / station
+        self.station_begin = station_begin  # a clock of its own
         self.station_control = self.folder / "station-faults"
         self.weather = weather
-        run.write_settings(self.folder, self.station_file, read_seconds, images)
-        self.clock = ["--time-from", "2026-11-16T22:00:00", "--time-origin",
+        self.prefix = []  # of the monitor's command
+        self.sensor_arguments = sensor  # None: there is no sensor program
+        run.write_settings(self.folder, self.station_file, read_seconds, images,
+                           safe_delay=safe_delay)
+        self.clock = ["--time-from", begin, "--time-origin",
                       time.time_ns() // 1_000_000, "--time-scale", speed]
         self.arguments = [*arguments, *([] if window else ["--headless"])]
         if window:
@@ -55,7 +60,8 @@ class Monitored:
     def __enter__(self):
         self.run.start_bus()
         self.bus = dbus.bus.BusConnection(self.run.variables["DBUS_SESSION_BUS_ADDRESS"])
-        self.start_sensor()
+        if self.sensor_arguments is not None:
+            self.start_sensor(*self.sensor_arguments)
         self.start_station()
         self.start_monitor()
         return self
@@ -69,20 +75,27 @@ class Monitored:
                 if stream:
                     stream.close()
 
-    def start_sensor(self):
+    def start_sensor(self, *arguments):
         self.sensor = self.run.start(run.PROGRAMS / "Kiv_NubiloSim", "--scenario", self.weather,
-                                     *self.clock)
+                                     *self.clock, *arguments)
         self.run.wait_for_name(run.SENSOR_NAME, self.sensor)
 
     def start_station(self):
+        begin, *rest = self.clock[1:]
+        form = "csv" if self.station_file.suffix == ".csv" else "html"
         self.station = self.run.start(run.PROGRAMS / "Kiv_StationSim", "--file", self.station_file,
-                                      "--control", self.station_control,
-                                      "--scenario", self.weather, *self.clock)
+                                      "--control", self.station_control, "--format", form,
+                                      "--scenario", self.weather,
+                                      "--time-from", self.station_begin or begin, *rest)
         run.wait_for_file(self.station_file, 5)
 
     def start_monitor(self):
+        self.launch_monitor()
+        self.run.wait_for_name("Kiv_Skyhold.Nubilo", self.monitor)
+
+    def launch_monitor(self):
         import subprocess
-        self.monitor = self.run.start(run.PROGRAMS / "Kiv_Skyhold", "--report",
+        self.monitor = self.run.start(*self.prefix, run.PROGRAMS / "Kiv_Skyhold", "--report",
                                       *self.arguments, *self.clock, stdout=subprocess.PIPE,
                                       stderr=subprocess.PIPE, text=True)
         # A pipe that nobody reads would stop the monitor.
@@ -90,7 +103,6 @@ class Monitored:
                               (self.monitor.stderr, self.errors)]:
             threading.Thread(target=lambda s=stream, l=lines: l.extend(map(str.rstrip, s)),
                              daemon=True).start()
-        self.run.wait_for_name("Kiv_Skyhold.Nubilo", self.monitor)
 
     def wait_until(self, what, holds, seconds=20):
         end = time.monotonic() + seconds
@@ -118,9 +130,15 @@ class Monitored:
         part.rename(self.station_control)
 
     def break_sensor(self, fault):
+        self.ask_sensor("Sim_Fault", fault)
+
+    def ask_sensor(self, member, *arguments):
+        """Calls a member that the simulated sensor program has for tests."""
         factory = self.bus.get_object(run.SENSOR_NAME, "/Kiv_Nubilo/Nubilo", introspect=False)
-        factory.InvokeByName("Sim_Fault", dbus.UInt32(METHOD), dbus.Array([fault], signature="v"),
-                             dbus_interface="Kiv.Automation.Dispatch")
+        result, _changed = factory.InvokeByName(
+            member, dbus.UInt32(METHOD), dbus.Array(arguments, signature="v"),
+            dbus_interface="Kiv.Automation.Dispatch")
+        return str(result)
 
 
 class Client:

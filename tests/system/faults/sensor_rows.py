@@ -1,16 +1,177 @@
 """Faults of the sensor program."""
 
 import signal
+import subprocess
 
-from table import Monitored, row
+import run
+from monitored import METHOD, Client
+from quiet import is_safe, more_cycles, quiet_evening
+from table import Shared, row
+
+AREA = "sensor program"
 
 
-@row("sensor program", "ends between two cycles, and comes back", short=True)
+def has_failed(cycle):
+    return cycle.verdict == "UNSAFE" and cycle.codes == "a31"
+
+
+SHARED = Shared(quiet_evening)
+
+
+def shared():
+    monitored = SHARED.get()
+    monitored.next_cycle("a safe sky", is_safe)
+    return monitored
+
+
+# What a running session shows for a fault that ends again.
+FAILURES = {
+    "not-running": "its device does not run",
+    "xfer-error": "its transfer file fails",
+    "silent": "never answers",
+    "late=1000": "answers every call after 1 s",
+    "late=1900": "answers every call after 1.9 s",
+    "wrong-types": "answers with wrong types",
+    "nan": "answers with NaN",
+    "inf": "answers with infinities",
+    "empty": "answers with empty values",
+    "level=9": "answers with a condition that there is not",
+}
+
+
+def failure(fault):
+    def walk(seen):
+        monitored = shared()
+        monitored.break_sensor(fault)
+        with seen.untrusted(monitored):
+            seen.cycle(monitored, fault, has_failed)
+            more_cycles(seen, monitored, 3)
+        monitored.break_sensor("none")
+        seen.recovery(monitored, "its end", is_safe)
+    return walk
+
+
+for name, text in FAILURES.items():
+    row(AREA, text, short=name == "silent")(failure(name))
+
+
+@row(AREA, "answers with texts of a megabyte")
+def megabytes(seen):
+    with quiet_evening(window=True) as monitored:
+        monitored.next_cycle("a safe sky", is_safe)
+        monitored.break_sensor("megabyte")
+        more_cycles(seen, monitored, 5)
+        cycle = seen.cycle(monitored, "its texts", lambda c: "mmm" in c.line)
+        assert len(cycle.line) < 2000, len(cycle.line)
+        monitored.break_sensor("none")
+        seen.recovery(monitored, "its end", is_safe)
+
+
+@row(AREA, "ends between two cycles, and comes back without data", short=True)
 def ends(seen):
-    with Monitored(["--start"]) as monitored:
-        monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE")
+    with quiet_evening() as monitored:
+        monitored.next_cycle("a safe sky", is_safe)
         monitored.sensor.send_signal(signal.SIGKILL)
         with seen.untrusted(monitored):
-            seen.cycle(monitored, "the loss", lambda c: c.codes == "a31" and c.verdict == "UNSAFE")
+            seen.cycle(monitored, "the loss", has_failed)
+            monitored.start_sensor("--ready-after", 60)
+            more_cycles(seen, monitored, 3)
+        seen.recovery(monitored, "its first data", is_safe)
+
+
+@row(AREA, "ends in the middle of a cycle", short=True)
+def ends_in_mid_call(seen):
+    monitored = shared()
+    for member in ["Condition_Rain", "DeviceIsRunning", "SetUnSafe"]:
+        monitored.break_sensor(f"die={member}")
+        with seen.untrusted(monitored, under_way=2):
+            seen.cycle(monitored, member, has_failed)
+            more_cycles(seen, monitored, 2)
         monitored.start_sensor()
-        seen.recovery(monitored, "its return", lambda c: c.verdict == "SAFE")
+        seen.recovery(monitored, "its return", is_safe)
+
+
+@row(AREA, "a second copy is started")
+def second_copy(seen):
+    monitored = shared()
+    second = monitored.run.start(run.PROGRAMS / "Kiv_NubiloSim", stderr=subprocess.PIPE, text=True)
+    assert second.wait(10) == 1
+    seen.say("the second is refused the name: " + second.stderr.read().strip())
+    more_cycles(seen, monitored, 2)
+    # The name changes hands, and the first goes on: whom the session began with stays its sensor.
+    monitored.break_sensor("nameless")
+    first = monitored.sensor
+    monitored.start_sensor()
+    second = monitored.sensor
+    seen.cycle(monitored, "no change", is_safe)
+    monitored.break_sensor("xfer-error")
+    more_cycles(seen, monitored, 3)
+    seen.cycle(monitored, "the first is still asked", is_safe)
+    first.kill()
+    seen.cycle(monitored, "the second is taken up, with its fault", has_failed)
+    monitored.break_sensor("none")
+    seen.recovery(monitored, "the second's good data", is_safe)
+
+
+def refused_start(arguments, messages):
+    def walk(seen):
+        with quiet_evening(sensor=arguments) as monitored:
+            def told(text):
+                return any(text in line for line in monitored.errors)
+
+            for message in messages:
+                seen.expect(message, lambda text=message: told(text), 30)
+                seen.say(f"“{message}”")
+            assert monitored.cycles == []
+            answer = subprocess.run([run.PROGRAMS / "skyholdctl", "status"], check=False,
+                                    env=monitored.run.variables, stdout=subprocess.DEVNULL,
+                                    stderr=subprocess.DEVNULL)
+            assert answer.returncode != 0, "safe without a session"
+            seen.say(f"skyholdctl status {answer.returncode}")
+            if arguments is not None:
+                monitored.sensor.kill()
+                monitored.sensor.wait()
+            monitored.start_sensor()
+            client = Client(monitored)
+            client.invoke("Device_Start", METHOD)
+            seen.recovery(monitored, "a session with a good sensor program", is_safe)
+            client.close()
+    return walk
+
+
+NO_SENSOR = "Cannot read Kiv_Nubilo"
+OLD = "Version of Kiv_Nubilo must be equal or greater than 5.2x"
+for text, arguments, messages in [
+        ("absent at the start", None, [NO_SENSOR]),
+        ("too old", ["--fault", "old-version"], [OLD, NO_SENSOR]),
+        ("never has data", ["--fault", "slow-ready=100000"], [NO_SENSOR]),
+        ("never answers from the start on", ["--fault", "silent"], [NO_SENSOR]),
+        ("ends while its first data is awaited", ["--fault", "die=DataReady"], [NO_SENSOR]),
+]:
+    row(AREA, text, short=arguments is None)(refused_start(arguments, messages))
+
+
+@row(AREA, "answers every call after 0.4 s from the start on")
+def slow_from_the_start(seen):
+    # Its delays do not shrink with the clock: the time that the start waits must not, either.
+    with quiet_evening(sensor=["--fault", "late=400"], speed=3, read_seconds=5) as monitored:
+        with seen.untrusted(monitored, under_way=0):
+            seen.cycle(monitored, "a slow sensor program", has_failed)
+            more_cycles(seen, monitored, 3)
+        monitored.break_sensor("none")
+        seen.recovery(monitored, "its end", is_safe)
+
+
+@row(AREA, "every role")
+def roles(seen):
+    for role in ["MASTER", "SLAVE", "", "master", "x" * 5000]:
+        with quiet_evening(sensor=["--role", role]) as monitored:
+            cycle = monitored.next_cycle("a safe sky", is_safe)
+            monitored.break_sensor("xfer-error")
+            with seen.untrusted(monitored):
+                monitored.next_cycle("a failure", has_failed)
+            calls = monitored.ask_sensor("Sim_Calls")
+            drives = "Kiv_SetSwitch(" in calls
+            assert drives == (role == "MASTER"), role[:20]
+            seen.say(f"{role[:10] or 'none'}: {cycle.verdict}, then a31, "
+                     f"the switch {'driven' if drives else 'left alone'}")
