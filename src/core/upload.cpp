@@ -47,14 +47,15 @@ void StartUpload(MonitoringCore& core) {
 void TriggerUpload(UploadControls& upload, UploadHandOff& handOff) {
     handOff.stop = false;
     SetUploadEditable(upload, false);
-    if (handOff.task && isRunning(*handOff.task))
-        return;
     SettingsStore area(kUploaderArea);
-    if (!handOff.force && uploaderIsBusy(area))
+    if ((handOff.task && isRunning(*handOff.task)) || (!handOff.force && uploaderIsBusy(area))) {
+        upload.LEDUpload.blink(kYellow);
         return;
+    }
     const std::vector<FileItem> before = upload.Files;
     WriteUploadList(upload, area);
     handOff.task = startTask(handOff.program);
+    upload.LEDUpload.blink(handOff.task ? kGreen : kRed);
     if (handOff.task)
         handOff.force = false;
     else

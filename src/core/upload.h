@@ -25,7 +25,8 @@ void prepareUpload(MonitoringCore& core);
 void StartUpload(MonitoringCore& core);
 
 // Hands the due files off and starts the uploader, unless one is at work. Without uploader program
-// the files stay due, so that the next tick tries again.
+// the files stay due, so that the next tick tries again. The lamps blink green for a hand-off,
+// yellow for one that waits for an uploader, red where none could be started.
 void TriggerUpload(UploadControls& upload, UploadHandOff& handOff);
 
 // At the end of a session: stops the timer, unlocks the controls, and asks the uploader to end

@@ -2,14 +2,10 @@
 
 #include "datafiles/upload_list.h"
 #include "support/core_fixture.h"
-
-#include <QDeadlineTimer>
-#include <QThread>
+#include "support/eventually.h"
 
 namespace skyhold {
 namespace {
-
-using namespace Qt::Literals::StringLiterals;
 
 class Upload : public CoreFixture {
   protected:
@@ -23,37 +19,27 @@ class Upload : public CoreFixture {
 
     // In the place of the uploader a script that notes its start and the key "{F6}".
     void installUploader(const QByteArray& work) {
-        QFile file(folder_->filePath(u"uploader"_s));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("#!/bin/sh\ntrap 'echo F6 >>notes; exit' USR1\necho start >>notes\n" + work);
-        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-        core_->handOff.program = file.fileName();
+        core_->handOff.program = folder_->writeProgram(
+            u"uploader"_s, "trap 'echo F6 >>notes; exit' USR1\necho start >>notes\n" + work);
     }
-    QStringList notes() {
-        QFile file(folder_->filePath(u"notes"_s));
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-    }
-    bool until(const std::function<bool()>& holds) {
-        const QDeadlineTimer patience(10'000);
-        while (!holds() && !patience.hasExpired())
-            QThread::msleep(5);
-        return holds();
-    }
+    int starts() const { return static_cast<int>(folder_->read(u"notes"_s).count("start")); }
     bool uploaderEnds() {
-        return until([this] { return !isRunning(core_->handOff.task.value_or(Task())); });
+        return eventually([this] { return !isRunning(core_->handOff.task.value_or(Task())); });
     }
     void modifyFile() {
         clock_.advanceSeconds(5);
         writeStation({});
+    }
+    // The lamp that is lit; the other one is grey.
+    Colour lamp() {
+        const LampPair& lamps = records().upload.LEDUpload;
+        return lamps.first.FillColor == kGrey ? lamps.second.FillColor : lamps.first.FillColor;
     }
     void sayRunning(const QString& text) {
         SettingsStore(kUploaderArea).saveNow(u"Window"_s, u"Running"_s, text);
     }
 
     const QByteArray atWork_ = "for i in $(seq 500); do sleep 0.02; done\n";
-    const QStringList once_{u"start"_s};
 };
 
 TEST_F(Upload, sessionHandsOffAtOnceAndItsEndSendsTheKey) {
@@ -61,12 +47,15 @@ TEST_F(Upload, sessionHandsOffAtOnceAndItsEndSendsTheKey) {
     UploadControls& upload = records().upload;
     StartSession(*core_);
     EXPECT_EQ(core_->TimerUpload.interval(), 5000);
-    EXPECT_TRUE(until([this] { return notes() == once_; }));
-    for (const bool enabled :
-         {upload.ServerAddress.Enabled.value(), upload.PassWord.Enabled.value(),
-          upload.RefreshUpload.Enabled.value(), upload.TimeoutUPLOAD.Enabled.value(),
-          upload.ButtFileADD.Enabled.value(), upload.UploadOnce.Enabled.value()})
-        EXPECT_FALSE(enabled);
+    EXPECT_TRUE(eventually([this] { return starts() == 1; }));
+    const auto expectEditable = [&upload](bool editable) {
+        for (const bool enabled :
+             {upload.ServerAddress.Enabled.value(), upload.PassWord.Enabled.value(),
+              upload.RefreshUpload.Enabled.value(), upload.TimeoutUPLOAD.Enabled.value(),
+              upload.ButtFileADD.Enabled.value(), upload.UploadOnce.Enabled.value()})
+            EXPECT_EQ(enabled, editable);
+    };
+    expectEditable(false);
     const SettingsStore area(kUploaderArea);
     EXPECT_EQ(area.GetSetting(u"Setup"_s, u"File1"_s, {}), stationPath());
 
@@ -75,13 +64,13 @@ TEST_F(Upload, sessionHandsOffAtOnceAndItsEndSendsTheKey) {
     modifyFile();
     core_->TimerUpload.Tick();
     EXPECT_EQ(upload.Files[0].fDateTimeStamp, stamp);
+    EXPECT_EQ(lamp(), kYellow);
 
     StopSession(*core_);
     EXPECT_TRUE(uploaderEnds());
-    EXPECT_EQ(notes(), (QStringList{u"start"_s, u"F6"_s}));
+    EXPECT_EQ(folder_->read(u"notes"_s), "start\nF6\n");
     EXPECT_FALSE(core_->TimerUpload.enabled());
-    EXPECT_TRUE(upload.ServerAddress.Enabled);
-    EXPECT_TRUE(upload.ButtFileADD.Enabled);
+    expectEditable(true);
     EXPECT_TRUE(records().session.ButtStart.Visible);
     EXPECT_TRUE(records().session.ButtStop.Enabled);
 }
@@ -94,15 +83,17 @@ TEST_F(Upload, ticksHandOffWhenDueAndNoUploaderIsAtWork) {
     StartSession(*core_); // the start asks for no leave
     EXPECT_TRUE(uploaderEnds());
     core_->TimerUpload.Tick(); // not modified
-    EXPECT_EQ(notes(), once_);
+    EXPECT_EQ(starts(), 1);
 
     modifyFile();
     core_->TimerUpload.Tick(); // busy
-    EXPECT_EQ(notes(), once_);
+    EXPECT_EQ(starts(), 1);
+    EXPECT_EQ(lamp(), kYellow);
     sayRunning(u"0"_s);
     core_->TimerUpload.Tick();
+    EXPECT_EQ(lamp(), kGreen);
     EXPECT_TRUE(uploaderEnds());
-    EXPECT_EQ(notes().size(), 2);
+    EXPECT_EQ(starts(), 2);
 }
 
 TEST_F(Upload, anUploaderThatWasKilledHoldsNothingUp) {
@@ -113,21 +104,22 @@ TEST_F(Upload, anUploaderThatWasKilledHoldsNothingUp) {
     modifyFile();
     core_->TimerUpload.Tick();
     EXPECT_TRUE(uploaderEnds());
-    EXPECT_EQ(notes().size(), 2);
+    EXPECT_EQ(starts(), 2);
 }
 
 TEST_F(Upload, withoutUploaderTheNextTickTriesAgain) {
     StartSession(*core_);
-    EXPECT_TRUE(records().session.Running);
+    EXPECT_TRUE(running());
     EXPECT_TRUE(messages_.isEmpty());
     core_->TimerUpload.Tick();
+    EXPECT_EQ(lamp(), kRed);
     installUploader("");
     sayRunning(u"1"_s); // the forced hand-off is still to come
     TaskLock otherUploader;
     ASSERT_TRUE(otherUploader.take(taskLockPath(SettingsStore(kUploaderArea))));
     core_->TimerUpload.Tick();
     EXPECT_TRUE(uploaderEnds());
-    EXPECT_EQ(notes(), once_);
+    EXPECT_EQ(starts(), 1);
 }
 
 } // namespace

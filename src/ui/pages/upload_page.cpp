@@ -32,6 +32,9 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
     for (std::size_t i = 0; i < lamps.size(); ++i) {
         lamps[i] = new LampWidget(14, group);
         lamps[i]->setObjectName(indexed("LEDUpload", i));
+        lamps[i]->setToolTip(
+            u"Blinks green when files are handed to the uploader, yellow while they "
+            "wait for it, red when it cannot be started."_s);
         row->addWidget(lamps[i]);
     }
     bind(lamps[0], lamps[1], upload.LEDUpload);
