@@ -5,7 +5,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QElapsedTimer>
-#include <QEventLoop>
 
 #include <algorithm>
 #include <limits>
@@ -172,17 +171,23 @@ class BusObject : public DispatchObject {
     QString path_;
 };
 
-// Starts the program of `name` through the bus while events are served.
-void activate(const QDBusConnection& bus, const QString& name) {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("StartServiceByName"));
-    call << name << 0U;
-    QDBusPendingCallWatcher watcher(bus.asyncCall(call, kActivationTimeoutMs));
-    QEventLoop loop;
-    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    loop.exec();
-}
+// Stands for the object of a program that the bus starts.
+class StartingObject : public DispatchObject {
+  public:
+    explicit StartingObject(std::shared_ptr<const QDBusPendingCallWatcher> start)
+        : start_(std::move(start)) {}
+
+    AutomationReply invoke(const QString&, unsigned, QVariantList&) override {
+        return failure(QStringLiteral("the program is being started"));
+    }
+    std::unique_ptr<DispatchObject> object(const QVariant&) override { return nullptr; }
+    bool alive() const override { return false; }
+    bool starting() const override { return !start_->isFinished(); }
+    void beginCalls(int) override {}
+
+  private:
+    std::shared_ptr<const QDBusPendingCallWatcher> start_;
+};
 
 // Creates objects; a factory that has once not answered is waited for without holding anybody up.
 class BusCreator {
@@ -202,7 +207,8 @@ class BusCreator {
                 return object;
         }
         if (!bus_.interface()->isServiceRegistered(programId))
-            activate(bus_, programId);
+            return started(programId);
+        start_.reset();
         QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
                                                            QString::fromLatin1(kFactoryInterface),
                                                            QStringLiteral("CreateInstance"));
@@ -215,6 +221,23 @@ class BusCreator {
     }
 
   private:
+    // Has the bus start the program; nothing when that has come to nothing.
+    std::unique_ptr<DispatchObject> started(const QString& programId) {
+        if (start_ && start_->isFinished()) {
+            start_.reset();
+            return nullptr;
+        }
+        if (!start_) {
+            QDBusMessage call = QDBusMessage::createMethodCall(
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("StartServiceByName"));
+            call << programId << 0U;
+            start_ = std::make_shared<QDBusPendingCallWatcher>(
+                bus_.asyncCall(call, kActivationTimeoutMs));
+        }
+        return std::make_unique<StartingObject>(start_);
+    }
+
     std::unique_ptr<DispatchObject> objectOf(const QDBusMessage& reply) const {
         if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
             return nullptr;
@@ -227,6 +250,7 @@ class BusCreator {
 
     QDBusConnection bus_;
     std::unique_ptr<QDBusPendingCallWatcher> late_;
+    std::shared_ptr<QDBusPendingCallWatcher> start_;
 };
 
 } // namespace

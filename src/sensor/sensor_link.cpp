@@ -2,6 +2,8 @@
 
 #include "platform/text_forms.h"
 
+#include <QElapsedTimer>
+
 #include <utility>
 
 namespace skyhold {
@@ -22,20 +24,35 @@ SensorLink::SensorLink(CreateObject createObject, Clock& clock)
     , clock_(clock) {}
 
 bool SensorLink::OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage) {
+    QElapsedTimer opening;
+    opening.start();
     wanted_ = true;
     dataAwaited_ = false;
-    const bool answered = prepare(records, showMessage) && waitForData(records.session.NBTimeout);
-    // A slow sensor program has held the window by now; the first cycle will, too.
-    clock_.waitServingEvents(0);
+    const bool answered =
+        create(true) && prepare(records, showMessage) && waitForData(records.session.NBTimeout);
+    // A sensor program this slow has held the window, and will hold it again in the first cycle.
+    if (opening.elapsed() > kCycleBudgetMs)
+        clock_.waitServingEvents(0);
     bool& ready = records.readings.SensorDataReady;
     ready = answered && object_;
     return ready;
 }
 
-bool SensorLink::prepare(const SensorLinkRecords& records, const ShowMessage& showMessage) {
+// A program that the bus has to start first is waited for, while events are served, or left to a
+// later cycle.
+bool SensorLink::create(bool waitForStart) {
     object_ = createObject_(kProgramId);
-    if (!object_)
-        return false;
+    const bool wait = waitForStart && object_ && object_->starting();
+    while (wait && object_ && object_->starting())
+        clock_.waitServingEvents(100);
+    if (wait && object_)
+        object_ = createObject_(kProgramId);
+    if (object_ && object_->starting())
+        object_.reset();
+    return object_ != nullptr;
+}
+
+bool SensorLink::prepare(const SensorLinkRecords& records, const ShowMessage& showMessage) {
     object_->beginCalls(kCycleBudgetMs);
     if (!CheckSensorVersion(showMessage)) {
         object_.reset();
@@ -117,7 +134,7 @@ void SensorLink::beginCycle(const SensorLinkRecords& records) {
     if (object_ && object_->alive()) {
         object_->beginCalls(kCycleBudgetMs);
     } else if (wanted_) {
-        dataAwaited_ = prepare(records, nullptr);
+        dataAwaited_ = create(false) && prepare(records, nullptr);
         callFailed_ = callFailed_ || !dataAwaited_;
     }
     // Before its first data it reports levels that nobody measured.

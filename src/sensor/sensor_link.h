@@ -69,6 +69,7 @@ class SensorLink {
     QString levelDescription(Quantity quantity, std::int32_t level);
 
   private:
+    bool create(bool waitForStart);
     bool prepare(const SensorLinkRecords& records, const ShowMessage& showMessage);
     bool CheckSensorVersion(const ShowMessage& showMessage);
     void settleRole(const SensorLinkRecords& records);

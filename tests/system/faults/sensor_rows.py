@@ -2,6 +2,8 @@
 
 import signal
 import subprocess
+import time
+import unittest.mock
 
 import run
 from monitored import METHOD, Client
@@ -111,6 +113,27 @@ def second_copy(seen):
     seen.cycle(monitored, "the second is taken up, with its fault", has_failed)
     monitored.break_sensor("none")
     seen.recovery(monitored, "the second's good data", is_safe)
+
+
+@row(AREA, "ends, and the bus starts one that never comes")
+def hanging_start(seen):
+    monitored = quiet_evening()
+    services = monitored.folder / "services"
+    services.mkdir()
+    (services / "sensor.service").write_text(
+        f"[D-BUS Service]\nName={run.SENSOR_NAME}\nExec=/bin/sleep 20\n", encoding="utf-8")
+    configuration = run.BUS_CONFIGURATION.replace(
+        "<listen>", f"<servicedir>{services}</servicedir><listen>")
+    with unittest.mock.patch.object(run, "BUS_CONFIGURATION", configuration), monitored:
+        monitored.next_cycle("a safe sky", is_safe)
+        monitored.sensor.kill()
+        begun = time.monotonic()
+        with seen.untrusted(monitored):
+            seen.cycle(monitored, "the loss", has_failed)
+            assert time.monotonic() - begun < 5, "the start was waited for"
+            more_cycles(seen, monitored, 5)
+        monitored.start_sensor()
+        seen.recovery(monitored, "one that comes", is_safe)
 
 
 def refused_start(arguments, messages):

@@ -132,6 +132,7 @@ def csv_at_first(seen):
         seen.say("UNSAFE, a41, “" + SAYS + INCOMPLETE + "” in the first cycle")
         seen.recovery(monitored, "the whole file", is_safe)
         client.close()
+        monitored.station.send_signal(signal.SIGCONT)
 
 
 def in_its_place(make, remove):
