@@ -2,10 +2,6 @@
 
 #include "monitor.h"
 
-#include <limits>
-
-using namespace Qt::Literals::StringLiterals;
-
 namespace skyhold {
 
 namespace {
@@ -29,16 +25,29 @@ struct Classification : Monitor {
             ClassifyHumidity(display, readings, controls);
         }
     }
-
+    void classifyDew(const QString& temperature, const QString& dewPoint,
+                     const NumberForms& forms = {}) {
+        display.LValTemperature.Caption = temperature;
+        display.LValDewPoint.Caption = dewPoint;
+        ClassifyDew(display, readings, controls, forms);
+    }
     void classifyCloud(std::int32_t cloud) {
         readings.CloudCondition = cloud;
         ClassifyCloud(display, readings, controls, safety, sensorDescription, clock.MsClock());
     }
+    void classifyRainAndBrightness(std::int32_t both) {
+        readings.RainCondition = readings.BrightnessCondition = both;
+        ClassifyRain(display, readings, controls, sensorDescription);
+        ClassifyBrightness(display, readings, controls, sensorDescription);
+    }
+    static void expectShown(const Label& label, const QString& text, Colour colour) {
+        EXPECT_EQ(label.Caption.value(), text);
+        EXPECT_EQ(label.ForeColor.value(), colour);
+    }
 };
 
 TEST_F(Classification, BandsOfTheStationQuantities) {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    using enum Quantity;
     const struct {
         double value;
         Quantity quantity;
@@ -46,35 +55,32 @@ TEST_F(Classification, BandsOfTheStationQuantities) {
         QString text;
         Colour colour;
     } rows[] = {
-        {10, Quantity::Wind, 1, u"Calm"_s, kYellow},
-        {10.01, Quantity::Wind, 2, u"Windy"_s, kOrange},
-        {99, Quantity::Wind, 3, u"Very Windy"_s, kOrange},
-        {99.5, Quantity::Wind, 0, u"Unknown"_s, kYellow},
-        {kNan, Quantity::Wind, 0, u"Unknown"_s, kYellow},
-        {-kInfinity, Quantity::Wind, 0, u"Unknown"_s, kYellow},
-        {0, Quantity::Gust, 1, u"Calm"_s, kYellow},
-        {20, Quantity::Gust, 2, u"Gusty"_s, kOrange},
-        {20.1, Quantity::Gust, 3, u"Very Gusty"_s, kOrange},
-        {kNan, Quantity::Gust, 0, u"Unknown"_s, kYellow},
-        {-5, Quantity::Temperature, 1, u"Cold"_s, kOrange},
-        {-4.9, Quantity::Temperature, 2, u"Fine"_s, kYellow},
-        {50.1, Quantity::Temperature, 3, u"Hot"_s, kOrange},
-        {kNan, Quantity::Temperature, 0, u"Unknown"_s, kYellow},
-        {80, Quantity::Humidity, 1, u"Fine"_s, kYellow},
-        {90, Quantity::Humidity, 2, u"Humid"_s, kYellow},
-        {90.1, Quantity::Humidity, 3, u"Very Humid"_s, kOrange},
-        {100, Quantity::Humidity, 0, u"Unknown"_s, kYellow},
+        {10, Wind, 1, u"Calm"_s, kYellow},
+        {10.01, Wind, 2, u"Windy"_s, kOrange},
+        {99, Wind, 3, u"Very Windy"_s, kOrange},
+        {99.5, Wind, 0, u"Unknown"_s, kYellow},
+        {kNan, Wind, 0, u"Unknown"_s, kYellow},
+        {-HUGE_VAL, Wind, 0, u"Unknown"_s, kYellow},
+        {0, Gust, 1, u"Calm"_s, kYellow},
+        {20, Gust, 2, u"Gusty"_s, kOrange},
+        {20.1, Gust, 3, u"Very Gusty"_s, kOrange},
+        {kNan, Gust, 0, u"Unknown"_s, kYellow},
+        {-5, Temperature, 1, u"Cold"_s, kOrange},
+        {-4.9, Temperature, 2, u"Fine"_s, kYellow},
+        {50.1, Temperature, 3, u"Hot"_s, kOrange},
+        {kNan, Temperature, 0, u"Unknown"_s, kYellow},
+        {80, Humidity, 1, u"Fine"_s, kYellow},
+        {90, Humidity, 2, u"Humid"_s, kYellow},
+        {90.1, Humidity, 3, u"Very Humid"_s, kOrange},
+        {100, Humidity, 0, u"Unknown"_s, kYellow},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << static_cast<int>(row.quantity) << ": " << row.value);
         classify(row.quantity, row.value);
         EXPECT_EQ(readings.level(row.quantity), row.level);
-        EXPECT_EQ(display.condition(row.quantity).Caption.value(), row.text);
-        EXPECT_EQ(display.condition(row.quantity).ForeColor.value(), row.colour);
+        expectShown(display.condition(row.quantity), row.text, row.colour);
     }
-}
-
-TEST_F(Classification, LimitsOutOfOrderGiveTheLowestMatchingLevel) {
+    // Limits out of order give the lowest level that matches.
     controls.LimitWind[0].Value = 20;
     controls.LimitWind[1].Value = 10;
     EXPECT_EQ(bandLevel(15, controls.LimitWind), 1);
@@ -82,67 +88,50 @@ TEST_F(Classification, LimitsOutOfOrderGiveTheLowestMatchingLevel) {
 }
 
 TEST_F(Classification, DewPointSpreadOfTheShownTexts) {
-    const NumberForms point;
     const NumberForms comma{u","_s, u"."_s};
     const struct {
-        QString temperature;
-        QString dewPoint;
+        QString temperature, dewPoint;
         NumberForms forms;
         QString text;
         std::int32_t level; // 2 was there before
         Colour colour;
     } rows[] = {
-        {u"12.0"_s, u"9.5"_s, point, u"Condensation"_s, 1, kOrange},
-        {u"8.3"_s, u"5.3"_s, point, u"Condensation"_s, 1, kOrange}, // 3.0000000000000009 in binary
-        {u"-1.0"_s, u"1"_s, point, u"Condensation"_s, 1, kOrange},
-        {u"12.01"_s, u"9.0"_s, point, u"Humid"_s, 2, kYellow},
-        {u"14.5"_s, u"9.5"_s, point, u"Humid"_s, 2, kYellow},
-        {u"14.6"_s, u"9.5"_s, point, u"Fine"_s, 3, kYellow},
-        {u"99"_s, u"-1"_s, point, u"Unknown"_s, 0, kYellow},
+        {u"12.0"_s, u"9.5"_s, {}, u"Condensation"_s, 1, kOrange},
+        {u"8.3"_s, u"5.3"_s, {}, u"Condensation"_s, 1, kOrange}, // 3.0000000000000009 in binary
+        {u"-1.0"_s, u"1"_s, {}, u"Condensation"_s, 1, kOrange},
+        {u"12.01"_s, u"9.0"_s, {}, u"Humid"_s, 2, kYellow},
+        {u"14.5"_s, u"9.5"_s, {}, u"Humid"_s, 2, kYellow},
+        {u"14.6"_s, u"9.5"_s, {}, u"Fine"_s, 3, kYellow},
+        {u"99"_s, u"-1"_s, {}, u"Unknown"_s, 0, kYellow},
         {u"12,0"_s, u"9,5"_s, comma, u"Condensation"_s, 1, kOrange},
-        {u"12.0"_s, u""_s, point, u""_s, 2, kYellow},
-        {u""_s, u"9.5"_s, point, u""_s, 2, kYellow},
-        {u"---"_s, u"9.5"_s, point, u""_s, 2, kYellow},
-        {u"12.0"_s, u"nan"_s, point, u""_s, 2, kYellow},
+        {u"12.0"_s, u""_s, {}, u""_s, 2, kYellow},
+        {u""_s, u"9.5"_s, {}, u""_s, 2, kYellow},
+        {u"---"_s, u"9.5"_s, {}, u""_s, 2, kYellow},
+        {u"12.0"_s, u"nan"_s, {}, u""_s, 2, kYellow},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(qPrintable(row.temperature + u" / "_s + row.dewPoint));
         readings.DewCondition = DewMedium;
-        display.LValTemperature.Caption = row.temperature;
-        display.LValDewPoint.Caption = row.dewPoint;
-        ClassifyDew(display, readings, controls, row.forms);
+        classifyDew(row.temperature, row.dewPoint, row.forms);
         EXPECT_EQ(readings.DewCondition, row.level);
-        EXPECT_EQ(display.LCondDewPoint.Caption.value(), row.text);
-        EXPECT_EQ(display.LCondDewPoint.ForeColor.value(), row.colour);
+        expectShown(display.LCondDewPoint, row.text, row.colour);
     }
 }
 
 TEST_F(Classification, InvalidStationDataBlanksTheTextsAndKeepsTheLevels) {
     readings.StationValid = false;
-    readings.WindSpeed = readings.GustSpeed = readings.HumidityValue = 1;
-    display.LValTemperature.Caption = u"20"_s;
-    display.LValDewPoint.Caption = u"1"_s;
     readings.WindCondition = WindVeryWindy;
     readings.GustCondition = WindWindy;
     readings.DewCondition = DewLow;
     readings.HumidityCondition = HumidityHigh;
-    constexpr std::array quantities{Quantity::Wind, Quantity::Gust, Quantity::Dew,
-                                    Quantity::Humidity};
-    for (const Quantity quantity : quantities)
-        PaintLabel(display.condition(quantity), kGrey, u"before"_s);
-
-    ClassifyDew(display, readings, controls, NumberForms{});
-    ClassifyHumidity(display, readings, controls);
-    ClassifyWind(display, readings, controls, sectors, clock.MsClock());
-    ClassifyGust(display, readings, controls, sectors, clock.MsClock());
-
-    EXPECT_EQ(readings.WindCondition, WindVeryWindy);
-    EXPECT_EQ(readings.GustCondition, WindWindy);
-    EXPECT_EQ(readings.DewCondition, DewLow);
-    EXPECT_EQ(readings.HumidityCondition, HumidityHigh);
-    for (const Quantity quantity : quantities) {
-        EXPECT_EQ(display.condition(quantity).Caption.value(), QString());
-        EXPECT_EQ(display.condition(quantity).ForeColor.value(), kOrange);
+    const CurrentReadings before = readings;
+    classifyDew(u"20"_s, u"1"_s);
+    for (const Quantity quantity : {Quantity::Wind, Quantity::Gust, Quantity::Humidity})
+        classify(quantity, 1);
+    for (const Quantity quantity :
+         {Quantity::Wind, Quantity::Gust, Quantity::Dew, Quantity::Humidity}) {
+        EXPECT_EQ(readings.level(quantity), before.level(quantity));
+        expectShown(display.condition(quantity), {}, kOrange);
     }
 }
 
@@ -162,52 +151,42 @@ TEST_F(Classification, WindOutsideItsSectorIsNotShownAsUnsafe) {
 TEST_F(Classification, SensorLevelsAreShownAsTheSensorProgramNamesThem) {
     const struct {
         std::int32_t level;
-        Colour rainColour;
-        Colour brightnessColour;
         QString rain;
+        Colour rainColour;
         QString brightness;
+        Colour brightnessColour;
     } rows[] = {
-        {0, kYellow, kYellow, u"Unknown"_s, u"Unknown"_s},
-        {1, kYellow, kYellow, u"Dry"_s, u"Dark"_s},
-        {2, kOrange, kYellow, u"Wet"_s, u"Light"_s},
-        {3, kOrange, kOrange, u"Rain"_s, u"Very Light"_s},
-        {4, kYellow, kYellow, u""_s, u""_s},
-        {-1, kYellow, kYellow, u""_s, u""_s},
-    };
-    const auto show = [this] {
-        ClassifyRain(display, readings, controls, sensorDescription);
-        ClassifyBrightness(display, readings, controls, sensorDescription);
+        {0, u"Unknown"_s, kYellow, u"Unknown"_s, kYellow},
+        {1, u"Dry"_s, kYellow, u"Dark"_s, kYellow},
+        {2, u"Wet"_s, kOrange, u"Light"_s, kYellow},
+        {3, u"Rain"_s, kOrange, u"Very Light"_s, kOrange},
+        {4, u""_s, kYellow, u""_s, kYellow},
+        {-1, u""_s, kYellow, u""_s, kYellow},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.level);
-        readings.RainCondition = readings.BrightnessCondition = row.level;
-        show();
-        EXPECT_EQ(display.LCondRain.Caption.value(), row.rain);
-        EXPECT_EQ(display.LCondRain.ForeColor.value(), row.rainColour);
-        EXPECT_EQ(display.LCondBrightness.Caption.value(), row.brightness);
-        EXPECT_EQ(display.LCondBrightness.ForeColor.value(), row.brightnessColour);
+        classifyRainAndBrightness(row.level);
+        expectShown(display.LCondRain, row.rain, row.rainColour);
+        expectShown(display.LCondBrightness, row.brightness, row.brightnessColour);
     }
-
+    // While the sensor program fails nothing is shown of it.
     readings.SensorError = true;
-    for (Label* label : {&display.LCondRain, &display.LCondBrightness, &display.LCondCloud})
+    const std::array labels{&display.LCondRain, &display.LCondBrightness, &display.LCondCloud};
+    for (Label* label : labels)
         PaintLabel(*label, kGrey, u"last"_s);
-    readings.RainCondition = readings.BrightnessCondition = 3;
-    show();
+    classifyRainAndBrightness(3);
     classifyCloud(CloudVeryCloudy);
-    for (const Label* label : {&display.LCondRain, &display.LCondBrightness, &display.LCondCloud}) {
-        EXPECT_EQ(label->Caption.value(), u"last"_s);
-        EXPECT_EQ(label->ForeColor.value(), kGrey);
-    }
+    for (const Label* label : labels)
+        expectShown(*label, u"last"_s, kGrey);
 }
 
 TEST_F(Classification, CloudyStaysYellowUntilItsDelayHasRunOut) {
     controls.CondCloud[1].Value = 1;
     safety.CloudAlarmDelay = 300;
     classifyCloud(CloudClear);
-    EXPECT_EQ(display.LCondCloud.Caption.value(), u"Clear"_s);
+    expectShown(display.LCondCloud, u"Clear"_s, kYellow);
     classifyCloud(CloudCloudy);
-    EXPECT_EQ(display.LCondCloud.Caption.value(), u"Cloudy"_s);
-    EXPECT_EQ(display.LCondCloud.ForeColor.value(), kYellow);
+    expectShown(display.LCondCloud, u"Cloudy"_s, kYellow);
     clock.advanceSeconds(299);
     classifyCloud(CloudCloudy);
     EXPECT_EQ(display.LCondCloud.ForeColor.value(), kYellow);

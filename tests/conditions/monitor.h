@@ -12,27 +12,25 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace skyhold {
+
+using namespace Qt::Literals::StringLiterals;
+
+inline constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 struct Monitor : testing::Test {
     Monitor() {
-        setLevels(controls.LimitWind, controls.ColorWind, controls.CondWind, {10, 20, 99},
-                  QStringLiteral("Calm/Windy/Very Windy"), {0, 1, 1});
-        setLevels(controls.LimitGust, controls.ColorGust, controls.CondGust, {10, 20, 99},
-                  QStringLiteral("Calm/Gusty/Very Gusty"), {0, 1, 1});
-        setLevels(controls.LimitTemp, controls.ColorTemp, controls.CondTemp, {-5, 50, 99},
-                  QStringLiteral("Cold/Fine/Hot"), {1, 0, 1});
-        setLevels(controls.LimitDew, controls.ColorDew, controls.CondDew, {3, 5, 99},
-                  QStringLiteral("Condensation/Humid/Fine"), {1, 0, 0});
-        setLevels(controls.LimitHum, controls.ColorHum, controls.CondHum, {80, 90, 99},
-                  QStringLiteral("Fine/Humid/Very Humid"), {0, 0, 1});
-        setFlags(controls.CondCloud, {0, 0, 1});
-        setFlags(controls.CondRain, {0, 1, 1});
-        setFlags(controls.CondDay, {0, 0, 1});
-        for (std::size_t i = 0; i < 3; ++i) {
-            controls.DirectionWind[i].Caption = QStringLiteral("000  359  01");
-            controls.DirectionGust[i].Caption = QStringLiteral("000  359  01");
-        }
+        setLevels(Quantity::Wind, {10, 20, 99}, u"Calm/Windy/Very Windy"_s, {0, 1, 1});
+        setLevels(Quantity::Gust, {10, 20, 99}, u"Calm/Gusty/Very Gusty"_s, {0, 1, 1});
+        setLevels(Quantity::Temperature, {-5, 50, 99}, u"Cold/Fine/Hot"_s, {1, 0, 1});
+        setLevels(Quantity::Dew, {3, 5, 99}, u"Condensation/Humid/Fine"_s, {1, 0, 0});
+        setLevels(Quantity::Humidity, {80, 90, 99}, u"Fine/Humid/Very Humid"_s, {0, 0, 1});
+        setFlags(Quantity::Cloud, {0, 0, 1});
+        setFlags(Quantity::Rain, {0, 1, 1});
+        setFlags(Quantity::Brightness, {0, 0, 1});
+        setDirections(u"000  359  01"_s);
         controls.WSDataOldUnsafe.Value = 1;
         controls.NBDataOldUnsafe.Value = 1;
         safety.PrevCloudLevel = CloudCloudy;
@@ -41,27 +39,31 @@ struct Monitor : testing::Test {
         readings.CloudCondition = CloudClear;
         readings.RainCondition = RainDry;
         readings.BrightnessCondition = BrightnessDark;
-        readings.WindCondition = WindCalm;
-        readings.GustCondition = WindCalm;
+        readings.WindCondition = readings.GustCondition = WindCalm;
         readings.TemperatureCondition = TemperatureMedium;
         readings.DewCondition = DewHigh;
         readings.HumidityCondition = HumidityLow;
     }
 
-    static void setFlags(ThreeChecks& boxes, const std::array<int, 3>& values) {
-        for (std::size_t i = 0; i < 3; ++i)
-            boxes[i].Value = values[i];
-    }
-
-    static void setLevels(ThreeBoxes& limits, ThreeLabels& swatches, ThreeChecks& unsafe,
-                          const std::array<double, 3>& bounds, const QString& descriptions,
-                          const std::array<int, 3>& flags) {
-        const QStringList texts = descriptions.split(u'/');
+    // The sector of every level of wind and gust.
+    void setDirections(const QString& sector) {
         for (std::size_t i = 0; i < 3; ++i) {
-            limits[i].Value = bounds[i];
-            swatches[i].Caption = texts[static_cast<qsizetype>(i)];
+            controls.DirectionWind[i].Caption = sector;
+            controls.DirectionGust[i].Caption = sector;
         }
-        setFlags(unsafe, flags);
+    }
+    void setFlags(Quantity quantity, const std::array<int, 3>& values) {
+        for (std::size_t i = 0; i < 3; ++i)
+            controls.unsafe(quantity)[i].Value = values[i];
+    }
+    void setLevels(Quantity quantity, const std::array<double, 3>& bounds,
+                   const QString& descriptions, const std::array<int, 3>& flags) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            controls.limits(quantity)[i].Value = bounds[i];
+            controls.swatches(quantity)[i].Caption =
+                descriptions.split(u'/')[static_cast<qsizetype>(i)];
+        }
+        setFlags(quantity, flags);
     }
 
     static QString sensorDescription(Quantity quantity, std::int32_t level) {

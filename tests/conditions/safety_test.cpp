@@ -2,10 +2,6 @@
 
 #include "monitor.h"
 
-#include <limits>
-
-using namespace Qt::Literals::StringLiterals;
-
 namespace skyhold {
 
 namespace {
@@ -23,11 +19,6 @@ struct Safety : Monitor {
         decide();
         return readings.UnsafeFlag;
     }
-    bool cloudCycle(std::int32_t cloud) {
-        readings.CloudCondition = cloud;
-        decide();
-        return readings.UnsafeFlag;
-    }
     QString causes(const SafetyDecision& decision) {
         return verdictCauses(decision, controls, sensorDescription);
     }
@@ -36,7 +27,7 @@ struct Safety : Monitor {
     bool flagSeenByAlarms = false;
 };
 
-TEST_F(Safety, EveryFlaggedLevelAloneMakesTheSkyUnsafe) {
+TEST_F(Safety, EveryFlaggedLevelAndEveryOldSourceAloneMakesTheSkyUnsafe) {
     const struct {
         Quantity quantity;
         std::array<const char*, 3> causes; // by level; null: the level is not flagged
@@ -50,36 +41,31 @@ TEST_F(Safety, EveryFlaggedLevelAloneMakesTheSkyUnsafe) {
         {Quantity::Dew, {"Dew point: Condensation", nullptr, nullptr}},
         {Quantity::Humidity, {nullptr, nullptr, "Humidity: Very Humid"}},
     };
+    const auto expect = [this](const QString& cause) {
+        const SafetyDecision decision = decide();
+        EXPECT_EQ(decision.unsafe(), !cause.isEmpty());
+        EXPECT_EQ(readings.UnsafeFlag, !cause.isEmpty());
+        EXPECT_EQ(causes(decision), cause);
+    };
     for (const auto& row : rows) {
         const std::int32_t usual = level(row.quantity);
         for (std::int32_t k = -1; k <= 4; ++k) {
-            const char* cause =
-                k >= 1 && k <= 3 ? row.causes[static_cast<std::size_t>(k - 1)] : nullptr;
             SCOPED_TRACE(testing::Message() << static_cast<int>(row.quantity) << ": " << k);
             level(row.quantity) = k;
-            const SafetyDecision decision = decide();
-            EXPECT_EQ(decision.unsafe(), cause != nullptr);
-            EXPECT_EQ(readings.UnsafeFlag, cause != nullptr);
-            EXPECT_EQ(causes(decision), QString::fromLatin1(cause));
+            expect(k >= 1 && k <= 3
+                       ? QString::fromLatin1(row.causes[static_cast<std::size_t>(k - 1)])
+                       : QString());
         }
         level(row.quantity) = usual;
     }
-}
-
-TEST_F(Safety, StaleSourcesCountWhenTheirBoxIsChecked) {
     readings.StationDataOld = true;
-    EXPECT_EQ(causes(decide()), u"Weather station: data old or missing"_s);
-    EXPECT_TRUE(readings.UnsafeFlag);
+    expect(u"Weather station: data old or missing"_s);
     controls.WSDataOldUnsafe.Value = 0;
-    EXPECT_FALSE(decide().unsafe());
-    EXPECT_FALSE(readings.UnsafeFlag);
-
+    expect({});
     readings.SensorError = true;
-    EXPECT_EQ(causes(decide()), u"Sensor program: failed"_s);
-    EXPECT_TRUE(readings.UnsafeFlag);
+    expect(u"Sensor program: failed"_s);
     controls.NBDataOldUnsafe.Value = 0;
-    EXPECT_FALSE(decide().unsafe());
-    EXPECT_FALSE(readings.UnsafeFlag);
+    expect({});
 }
 
 TEST_F(Safety, EveryTestRunsEachCycleAndAllCausesAreNamedInOrder) {
@@ -88,8 +74,7 @@ TEST_F(Safety, EveryTestRunsEachCycleAndAllCausesAreNamedInOrder) {
     readings.WindCondition = WindWindy;
     readings.GustCondition = WindCalm; // not flagged
     readings.WindDirection = 10;
-    controls.DirectionWind[1].Caption = u"090  180  00"_s;
-    controls.DirectionGust[0].Caption = u"090  180  00"_s;
+    setDirections(u"090  180  00"_s);
     EXPECT_EQ(causes(decide()), u"Cloud: Overcast"_s);
     EXPECT_EQ(safety.PrevCloudLevel, CloudVeryCloudy);
     EXPECT_EQ(sectors.WindOutsideSince, clock.MsClock());
@@ -111,85 +96,51 @@ TEST_F(Safety, EveryTestRunsEachCycleAndAllCausesAreNamedInOrder) {
                                 "Brightness: Very Light, Weather station: data old or missing, "
                                 "Sensor program: failed"_s);
     // A sensor program that does not answer leaves the level's number.
-    const auto silent = [](Quantity, std::int32_t) {
-        return QString();
-    };
-    EXPECT_TRUE(verdictCauses(decision, controls, silent)
-                    .startsWith(u"Cloud: level 3, Rain: level 2, Wind: Windy"_s));
+    EXPECT_TRUE(verdictCauses(decision, controls, [](Quantity, std::int32_t) {
+                    return QString();
+                }).startsWith(u"Cloud: level 3, Rain: level 2, Wind: Windy"_s));
 }
 
 TEST_F(Safety, SafeDelayWalks) {
+    constexpr int kUnsafe = -2; // a level is unsafe, and the verdict at once
+    constexpr int kSafe = -1;   // no level is unsafe, nor the verdict
     struct Step {
         double seconds; // the clock before the cycle
-        bool rawUnsafe;
-        bool unsafe;
-        QString message;
-    };
-    const auto delayed = [](int seconds) {
-        return u"SAFE condition delayed by "_s + QString::number(seconds) + u" s"_s;
+        int outcome;    // one of these, or how long safe is still held back
     };
     const struct {
         const char* name;
         double delay;
         std::vector<Step> steps;
     } walks[] = {
-        {"first cycle of a session safe", 60, {{0, false, false, {}}, {10, false, false, {}}}},
-        {"unsafe at any time at once",
-         60,
-         {{0, true, true, {}}, {5, true, true, {}}, {5, false, true, delayed(60)}}},
-        {"no delay", 0, {{0, true, true, {}}, {5, false, false, {}}, {5, true, true, {}}}},
-        {"negative is no delay", -5, {{0, true, true, {}}, {5, false, false, {}}}},
+        {"first cycle of a session safe", 60, {{0, kSafe}, {10, kSafe}}},
+        {"unsafe at any time at once", 60, {{0, kUnsafe}, {5, kUnsafe}, {5, 60}}},
+        {"a new session forgets that wait", 60, {{0, kSafe}, {10, kSafe}}},
+        {"no delay", 0, {{0, kUnsafe}, {5, kSafe}, {5, kUnsafe}}},
+        {"negative is no delay", -5, {{0, kUnsafe}, {5, kSafe}}},
         {"the whole wait",
          60,
-         {{0, true, true, {}},
-          {5, false, true, delayed(60)},
-          {1, false, true, delayed(59)},
-          {58, false, true, delayed(1)},
-          {1, false, false, {}},
-          {100, false, false, {}},
-          {5, true, true, {}},
-          {5, false, true, delayed(60)}}},
+         {{0, kUnsafe}, {5, 60}, {1, 59}, {58, 1}, {1, kSafe}, {99, kSafe}, {5, kUnsafe}, {5, 60}}},
         {"one unsafe cycle ends the wait, the next safe one begins it anew",
          60,
-         {{0, true, true, {}},
-          {5, false, true, delayed(60)},
-          {50, false, true, delayed(10)},
-          {5, true, true, {}},
-          {5, false, true, delayed(60)},
-          {59, false, true, delayed(1)},
-          {1, false, false, {}}}},
-        {"unsafe after a safe first decision",
-         60,
-         {{0, false, false, {}},
-          {30, true, true, {}},
-          {5, false, true, delayed(60)},
-          {60, false, false, {}}}},
-        {"a fraction rounds, halves to even",
-         2.5,
-         {{0, true, true, {}},
-          {5, false, true, delayed(2)},
-          {1, false, true, delayed(2)},
-          {1, false, true, delayed(0)},
-          {1, false, false, {}}}},
-        {"beyond every range",
-         1e300,
-         {{0, true, true, {}}, {5, false, true, delayed(2'147'483'647)}}},
-        {"no number",
-         std::numeric_limits<double>::quiet_NaN(),
-         {{0, true, true, {}}, {5, false, true, delayed(2'147'483'647)}}},
+         {{0, kUnsafe}, {5, 60}, {50, 10}, {5, kUnsafe}, {5, 60}, {59, 1}, {1, kSafe}}},
+        {"after a safe first one", 60, {{0, kSafe}, {30, kUnsafe}, {5, 60}, {60, kSafe}}},
+        {"halves round to even", 2.5, {{0, kUnsafe}, {5, 2}, {1, 2}, {1, 0}, {1, kSafe}}},
+        {"beyond every range", 1e300, {{0, kUnsafe}, {5, 2'147'483'647}}},
+        {"no number", kNan, {{0, kUnsafe}, {5, 2'147'483'647}}},
     };
     for (const auto& walk : walks) {
-        safety = {};
+        safety.SafeState = 0; // as a new session begins
         controls.SafeDelayVal.Value = walk.delay;
         for (std::size_t i = 0; i < walk.steps.size(); ++i) {
-            const Step& step = walk.steps[i];
+            const auto& [seconds, outcome] = walk.steps[i];
             SCOPED_TRACE(testing::Message() << walk.name << ", step " << i);
-            clock.advanceMs(static_cast<std::int64_t>(step.seconds * 1000));
-            EXPECT_EQ(cycle(step.rawUnsafe), step.unsafe);
-            EXPECT_EQ(controls.SafeDelayMsg.Caption.value(), step.message);
-            EXPECT_EQ(safety.SafeState, step.rawUnsafe ? 1 : 2);
-            EXPECT_EQ(safety.SafeDelayRemaining,
-                      step.message.isEmpty() ? 0 : step.message.section(u' ', 4, 4).toInt());
+            clock.advanceMs(static_cast<std::int64_t>(seconds * 1000));
+            EXPECT_EQ(cycle(outcome == kUnsafe), outcome != kSafe);
+            EXPECT_EQ(controls.SafeDelayMsg.Caption.value(),
+                      outcome < 0 ? QString() : u"SAFE condition delayed by %1 s"_s.arg(outcome));
+            EXPECT_EQ(safety.SafeState, outcome == kUnsafe ? 1 : 2);
+            EXPECT_EQ(safety.SafeDelayRemaining, std::max(outcome, 0));
         }
     }
 }
@@ -204,17 +155,6 @@ TEST_F(Safety, SecondsOfTheWaitAreCountedByTheirBoundaries) {
     EXPECT_EQ(state.SafeDelayRemaining, 1);
     EXPECT_FALSE(applySafeDelay(false, 2, state, second + 2'000));
     EXPECT_EQ(state.SafeDelayRemaining, 0);
-}
-
-TEST_F(Safety, ANewSessionForgetsTheWait) {
-    controls.SafeDelayVal.Value = 60;
-    cycle(true);
-    EXPECT_TRUE(cycle(false));
-    EXPECT_EQ(safety.SafeDelayRemaining, 60);
-    safety.SafeState = 0;
-    EXPECT_FALSE(cycle(false));
-    EXPECT_EQ(safety.SafeDelayRemaining, 0);
-    EXPECT_EQ(controls.SafeDelayMsg.Caption.value(), QString());
 }
 
 TEST_F(Safety, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession) {
@@ -248,13 +188,14 @@ TEST_F(Safety, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession)
     for (const auto& step : steps) {
         SCOPED_TRACE(step.what);
         clock.advanceSeconds(step.seconds);
-        EXPECT_EQ(cloudCycle(step.cloud), step.unsafe);
+        readings.CloudCondition = step.cloud;
+        decide();
+        EXPECT_EQ(readings.UnsafeFlag, step.unsafe);
     }
 }
 
 TEST_F(Safety, TheCloudTestMayBeAskedByEachCallerOfACycle) {
     // The label's colour asks before the decision does; both must get the same answer.
-    controls.CondCloud[1].Value = 1;
     safety.CloudAlarmDelay = 300;
     for (const auto& [cloud, active] : {std::pair{CloudVeryCloudy, true},
                                         {CloudCloudy, true},
@@ -263,8 +204,8 @@ TEST_F(Safety, TheCloudTestMayBeAskedByEachCallerOfACycle) {
                                         {CloudVeryCloudy, true}}) {
         readings.CloudCondition = cloud;
         clock.advanceSeconds(10);
-        EXPECT_EQ(CloudLevelActive(cloud, readings, safety, clock.MsClock()), active);
-        EXPECT_EQ(CloudLevelActive(cloud, readings, safety, clock.MsClock()), active);
+        for (int asked = 0; asked < 2; ++asked)
+            EXPECT_EQ(CloudLevelActive(cloud, readings, safety, clock.MsClock()), active);
         EXPECT_FALSE(CloudLevelActive(cloud % 3 + 1, readings, safety, clock.MsClock()));
     }
 }
@@ -280,10 +221,9 @@ TEST_F(Safety, AlarmsAreSelectedWithTheNewVerdictAndNothingRunsUnderLocalControl
     readings.CloudCondition = CloudVeryCloudy;
     readings.StationDataOld = true;
     clock.advanceSeconds(10);
-    const SafetyDecision decision = decide();
+    EXPECT_EQ(causes(decide()), QString());
     EXPECT_FALSE(readings.UnsafeFlag);
     EXPECT_EQ(alarmSelections, 2);
-    EXPECT_EQ(causes(decision), QString());
     EXPECT_EQ(safety.PrevCloudLevel, CloudClear);
 
     safety.LocalControl = false;
@@ -293,15 +233,12 @@ TEST_F(Safety, AlarmsAreSelectedWithTheNewVerdictAndNothingRunsUnderLocalControl
 }
 
 TEST_F(Safety, TheVerdictIsShown) {
-    readings.UnsafeFlag = true;
-    Disp_UnsafeFlag(readings, controls);
-    EXPECT_EQ(controls.LblStatus.Caption.value(), u"Unsafe"_s);
-    EXPECT_EQ(controls.LEDUnsafe.FillColor.value(), 255);
-    readings.UnsafeFlag = false;
-    Disp_UnsafeFlag(readings, controls);
-    EXPECT_EQ(controls.LblStatus.Caption.value(), u"Safe"_s);
-    EXPECT_EQ(controls.LEDUnsafe.FillColor.value(), 65280);
-
+    for (const bool unsafe : {true, false}) {
+        readings.UnsafeFlag = unsafe;
+        Disp_UnsafeFlag(readings, controls);
+        EXPECT_EQ(controls.LblStatus.Caption.value(), unsafe ? u"Unsafe"_s : u"Safe"_s);
+        EXPECT_EQ(controls.LEDUnsafe.FillColor.value(), unsafe ? 255 : 65280);
+    }
     EXPECT_EQ(SafeText(-1), u"Unsafe"_s);
     EXPECT_EQ(SafeText(0), u"Safe"_s);
     EXPECT_EQ(SafeText(1), QString());

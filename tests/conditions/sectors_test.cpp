@@ -2,11 +2,16 @@
 
 #include "monitor.h"
 
-#include <limits>
-
-using namespace Qt::Literals::StringLiterals;
-
 namespace skyhold {
+
+// Names the case that fails.
+static void PrintTo(const Sector& sector, std::ostream* out) {
+    *out << sector.from << " to " << sector.to << ", " << sector.minutes << " min";
+}
+
+static bool operator==(const Sector& a, const Sector& b) {
+    return a.from == b.from && a.to == b.to && a.minutes == b.minutes;
+}
 
 namespace {
 
@@ -19,57 +24,54 @@ struct Sectors : Monitor {
 TEST_F(Sectors, BoundsAreInclusiveAndANegativeStartWrapsThroughNorth) {
     const struct {
         QString text;
-        double direction;
-        bool inside;
+        std::vector<double> inside, outside;
     } rows[] = {
-        {u"090  180  00"_s, 90, true},
-        {u"090  180  00"_s, 180, true},
-        {u"090  180  00"_s, 89.9, false},
-        {u"090  180  00"_s, 180.1, false},
-        {u"-030 030  00"_s, 350, true},
-        {u"-030 030  00"_s, 330, true},
-        {u"-030 030  00"_s, 329.9, false},
-        {u"-030 030  00"_s, 0, true},
-        {u"-030 030  00"_s, 20, true},
-        {u"-030 030  00"_s, 30, true},
-        {u"-030 030  00"_s, 40, false},
-        {u"-359 000  00"_s, 180, true},
-        {u"000  000  00"_s, 0, true},
-        {u"000  000  00"_s, 22.5, false},
-        {u"180  090  00"_s, 120, false},
-        {u" 090  180  00 "_s, 120, true},
+        {u"090  180  00"_s, {90, 180}, {89.9, 180.1}},
+        {u"-030 030  00"_s, {350, 330, 0, 20, 30}, {329.9, 40}},
+        {u"-359 000  00"_s, {180}, {}},
+        {u"000  000  00"_s, {0}, {22.5}},
+        {u"180  090  00"_s, {}, {120}},
+        {u" 090  180  00 "_s, {120}, {}},
         // Without a sector, or a direction to test, nothing is restricted.
-        {u""_s, 123, true},
-        {u"   "_s, 123, true},
-        {u"unreadable  "_s, 123, true},
-        {u"090       00"_s, 123, true},
-        {u"090  180  00"_s, std::numeric_limits<double>::quiet_NaN(), true},
+        {u""_s, {123}, {}},
+        {u"   "_s, {123}, {}},
+        {u"unreadable  "_s, {123}, {}},
+        {u"090       00"_s, {123}, {}},
+        {u"090  180  00"_s, {kNan}, {}},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << qPrintable(row.text) << " at " << row.direction);
+    const auto expect = [this](const QString& text, double direction, bool inside) {
+        SCOPED_TRACE(testing::Message() << qPrintable(text) << " at " << direction);
         sectors.WindOutsideSince = 1;
-        EXPECT_EQ(holds(row.text, row.direction), row.inside);
-        EXPECT_EQ(sectors.WindOutsideSince, row.inside ? 1 : clock.MsClock());
+        EXPECT_EQ(holds(text, direction), inside);
+        EXPECT_EQ(sectors.WindOutsideSince, inside ? 1 : clock.MsClock());
+    };
+    for (const auto& [text, inside, outside] : rows) {
+        for (const double direction : inside)
+            expect(text, direction, true);
+        for (const double direction : outside)
+            expect(text, direction, false);
     }
 }
 
 TEST_F(Sectors, TheMinutesCountFromTheLastCycleOutsideOrTheSessionStart) {
     sectors.WindOutsideSince = sectors.GustOutsideSince = clock.MsClock();
-    EXPECT_FALSE(holds(u"000  359  01"_s, 180));
-    clock.advanceMs(59'999);
-    EXPECT_FALSE(holds(u"000  359  01"_s, 180));
-    clock.advanceMs(1);
-    EXPECT_TRUE(holds(u"000  359  01"_s, 180));
-
+    const QString everywhere = u"000  359  01"_s;
     const QString sector = u"090  180  05"_s;
-    EXPECT_FALSE(holds(sector, 100));
-    clock.advanceSeconds(180);
-    EXPECT_FALSE(holds(sector, 100));
-    EXPECT_FALSE(holds(sector, 200)); // starts the wait again
-    clock.advanceSeconds(299);
-    EXPECT_FALSE(holds(sector, 100));
-    clock.advanceSeconds(1);
-    EXPECT_TRUE(holds(sector, 100));
+    const struct {
+        std::int64_t ms; // the clock before the test
+        QString text;
+        double direction;
+        bool held;
+    } steps[] = {
+        {0, everywhere, 180, false},   {59'999, everywhere, 180, false}, {1, everywhere, 180, true},
+        {0, sector, 100, false},       {180'000, sector, 100, false},    {0, sector, 200, false},
+        {299'000, sector, 100, false}, // the wait has begun again
+        {1000, sector, 100, true},
+    };
+    for (const auto& step : steps) {
+        clock.advanceMs(step.ms);
+        EXPECT_EQ(holds(step.text, step.direction), step.held) << step.ms << step.direction;
+    }
     // The gust kind has seen nothing of this.
     EXPECT_TRUE(SectorHolds(SectorKind::Gust, u"090  180  09"_s, 100, sectors, clock.MsClock()));
 }
@@ -80,10 +82,7 @@ TEST_F(Sectors, OnlyTheCurrentLevelIsTested) {
     readings.WindCondition = WindWindy;
     readings.GustCondition = WindVeryWindy;
     readings.WindDirection = 270;
-    for (ThreeLabels* directions : {&controls.DirectionWind, &controls.DirectionGust}) {
-        for (Label& direction : *directions)
-            direction.Caption = u"090  180  00"_s;
-    }
+    setDirections(u"090  180  00"_s);
     const std::int64_t now = clock.MsClock();
     for (const std::int32_t other : {-1, 0, 1, 3, 4})
         EXPECT_FALSE(WindLevelHolds(other, readings, controls, sectors, now));
@@ -106,51 +105,41 @@ TEST_F(Sectors, OnlyTheCurrentLevelIsTested) {
 }
 
 TEST_F(Sectors, TheEditorKeepsItsRulesAndWritesTheFixedColumns) {
-    const auto expect = [](const Sector& sector, int from, int to) {
-        EXPECT_EQ(sector.from, from);
-        EXPECT_EQ(sector.to, to);
-    };
-    Sector sector = sectorForEditing(u"000  359  01"_s);
-    expect(sector, 0, 359);
-    EXPECT_EQ(sector.minutes, 1);
-    moveSectorFrom(sector, -30); // 359 degrees wide at most
-    expect(sector, 0, 359);
-    moveSectorTo(sector, 30);
-    moveSectorFrom(sector, -30);
-    expect(sector, -30, 30);
-    moveSectorTo(sector, 350);
-    expect(sector, -30, 329);
-    moveSectorFrom(sector, 400);
-    expect(sector, 329, 329);
-    moveSectorTo(sector, 100);
-    expect(sector, 329, 329);
-    moveSectorTo(sector, 999);
-    expect(sector, 329, 359);
-    sector = {0, 0, 0};
-    moveSectorFrom(sector, -999);
-    expect(sector, -359, 0);
-    moveSectorTo(sector, -1);
-    expect(sector, -359, 0);
-
-    // What OK writes, and that it reads back as the same sector.
+    // 359 degrees wide at most, an end from 0 to 359 that no start passes.
     const struct {
-        Sector edited;
-        QString text;
-    } rows[] = {
-        {{-30, 30, 5}, u"-030 030  05 "_s},
-        {{0, 359, 1}, u"000  359  01 "_s},
-        {{-359, 0, 99}, u"-359 000  99 "_s},
-        {{120, 120, 7}, u"000  000  07 "_s},
+        Sector sector;
+        void (*move)(Sector&, int);
+        int to;
+        Sector moved;
+    } moves[] = {
+        {{0, 359, 1}, moveSectorFrom, -30, {0, 359, 1}},
+        {{0, 30, 1}, moveSectorFrom, -30, {-30, 30, 1}},
+        {{-30, 30, 1}, moveSectorTo, 350, {-30, 329, 1}},
+        {{-30, 329, 1}, moveSectorFrom, 400, {329, 329, 1}},
+        {{329, 329, 1}, moveSectorTo, 100, {329, 329, 1}},
+        {{329, 329, 1}, moveSectorTo, 999, {329, 359, 1}},
+        {{0, 0, 0}, moveSectorFrom, -999, {-359, 0, 0}},
+        {{-359, 0, 0}, moveSectorTo, -1, {-359, 0, 0}},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(editedSectorText(row.edited), row.text);
-        EXPECT_EQ(editedSectorText(sectorForEditing(row.text)), row.text);
+    for (const auto& row : moves) {
+        Sector sector = row.sector;
+        row.move(sector, row.to);
+        EXPECT_EQ(sector, row.moved);
+    }
+    // What OK writes, and that it reads back as the same sector.
+    const std::pair<Sector, QString> written[] = {{{-30, 30, 5}, u"-030 030  05 "_s},
+                                                  {{0, 359, 1}, u"000  359  01 "_s},
+                                                  {{-359, 0, 99}, u"-359 000  99 "_s},
+                                                  {{120, 120, 7}, u"000  000  07 "_s}};
+    for (const auto& [edited, text] : written) {
+        EXPECT_EQ(editedSectorText(edited), text);
+        EXPECT_EQ(editedSectorText(sectorForEditing(text)), text);
     }
     // Texts that no editor wrote open within the rules.
-    expect(sectorForEditing(u"200  100  01"_s), 100, 100);
-    expect(sectorForEditing(u"-200 300  01"_s), -59, 300);
-    expect(sectorForEditing(u"unreadable"_s), 0, 0);
-    expect(sectorForEditing(u""_s), 0, 0);
+    EXPECT_EQ(sectorForEditing(u"200  100  01"_s), (Sector{100, 100, 1}));
+    EXPECT_EQ(sectorForEditing(u"-200 300  01"_s), (Sector{-59, 300, 1}));
+    for (const QString& text : {u"unreadable"_s, QString()})
+        EXPECT_EQ(sectorForEditing(text), Sector{});
 }
 
 } // namespace

@@ -1,12 +1,7 @@
 #include "conditions/sound_chooser.h"
 
 #include "support/scripted_media.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "support/test_folder.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,63 +13,47 @@ struct Chooser : testing::Test {
     Chooser() {
         for (const char* name : {"sounds/Bell.wav", "sounds/loop.MP3", "sounds/notes.txt",
                                  "sounds/b.mid", "sounds/a.wma", "sounds/drumwav", "last/x.wav"})
-            touch(QLatin1String(name));
-    }
-    void touch(const QString& name) {
-        QDir(folder.path()).mkpath(name.section(u'/', 0, 0));
-        QFile file(folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+            folder.write(QLatin1String(name));
     }
     QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
 
-    QTemporaryDir folder;
+    TestFolder folder;
+    const QString sounds = path("sounds"), last = path("last"), bell = path("sounds/Bell.wav");
 };
 
 TEST_F(Chooser, ListsSoundsAlone) {
-    EXPECT_EQ(soundFiles(path("sounds")),
+    EXPECT_EQ(soundFiles(sounds),
               (QStringList{u"a.wma"_s, u"b.mid"_s, u"Bell.wav"_s, u"drumwav"_s, u"loop.MP3"_s}));
     EXPECT_EQ(soundFiles(path("none")), QStringList());
 }
 
 TEST_F(Chooser, OpensAtTheSoundOfTheBox) {
-    QString backslashes = path("sounds/Bell.wav");
-    backslashes.replace(u'/', u'\\');
+    const QString loop = path("sounds/loop.MP3");
+    const QString gone = path("sounds/gone.wav");
+    const QString away = path("gone/x.wav");
+    const QString root = u"/none.wav"_s;
+    const QString backslashes = QString(bell).replace(u'/', u'\\');
     const struct {
         const char* what;
         QString tag, last;
         QString folder, fileName, selected;
-        bool repeat;
+        bool repeat = false;
     } rows[] = {
-        {"no sound yet", {}, {}, path("sounds"), {}, {}, false},
-        {"no sound, a folder used before", {}, path("last"), path("last"), {}, {}, false},
-        {"that is gone", {}, path("gone"), path("sounds"), {}, {}, false},
-        {"a sound", path("sounds/Bell.wav"), path("last"), path("sounds"), path("sounds/Bell.wav"),
-         u"Bell.wav"_s, false},
-        {"repeated",
-         path("sounds/loop.MP3") + u"|repeat"_s,
-         {},
-         path("sounds"),
-         path("sounds/loop.MP3"),
-         u"loop.MP3"_s,
-         true},
-        {"a sound that is gone",
-         path("sounds/gone.wav"),
-         {},
-         path("sounds"),
-         path("sounds/gone.wav"),
-         {},
-         false},
-        {"a folder that is gone", path("gone/x.wav"), path("last"), path("last"),
-         path("gone/x.wav"), u"x.wav"_s, false},
-        {"backslashes", backslashes, path("last"), QString(backslashes).chopped(9), backslashes,
-         u"Bell.wav"_s, false},
-        {"in the root", u"/none.wav"_s, path("last"), u"/"_s, u"/none.wav"_s, {}, false},
+        {"no sound yet", {}, {}, sounds, {}, {}},
+        {"no sound, a folder used before", {}, last, last, {}, {}},
+        {"that is gone", {}, path("gone"), sounds, {}, {}},
+        {"a sound", bell, last, sounds, bell, u"Bell.wav"_s},
+        {"repeated", loop + u"|repeat"_s, {}, sounds, loop, u"loop.MP3"_s, true},
+        {"a sound that is gone", gone, {}, sounds, gone, {}},
+        {"a folder that is gone", away, last, last, away, u"x.wav"_s},
+        {"backslashes", backslashes, last, backslashes.chopped(9), backslashes, u"Bell.wav"_s},
+        {"in the root", root, last, u"/"_s, root, {}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         CheckBox box;
         box.Tag = row.tag;
-        const SoundChooser chooser = Def_Label(box, row.last, path("sounds"));
+        const SoundChooser chooser = Def_Label(box, row.last, sounds);
         EXPECT_EQ(chooser.folder, row.folder);
         EXPECT_EQ(chooser.FileName, row.fileName);
         EXPECT_EQ(chooser.selected, row.selected);
@@ -84,34 +63,31 @@ TEST_F(Chooser, OpensAtTheSoundOfTheBox) {
 
 TEST_F(Chooser, ButtonsPreviewAndWriteBack) {
     CheckBox box;
-    QString last;
-    SoundChooser chooser = Def_Label(box, last, path("sounds"));
+    QString used;
+    SoundChooser chooser = Def_Label(box, used, sounds);
     selectSoundFile(chooser, u"Bell.wav"_s);
     chooser.CheckPlay1 = true;
 
     ScriptedMedia media;
     previewSound(media, chooser);
-    EXPECT_EQ(media.commands, (QStringList{u"stop KivNubiloPlayer"_s, u"close KivNubiloPlayer"_s,
-                                           u"open "_s + path("sounds/Bell.wav") +
-                                               u" type MPEGVideo alias KivNubiloPlayer"_s,
-                                           u"play KivNubiloPlayer from 0 repeat"_s}));
+    EXPECT_EQ(media.commands,
+              (QStringList{u"stop KivNubiloPlayer"_s, u"close KivNubiloPlayer"_s,
+                           u"open "_s + bell + u" type MPEGVideo alias KivNubiloPlayer"_s,
+                           u"play KivNubiloPlayer from 0 repeat"_s}));
 
-    acceptSound(chooser, box, last);
-    EXPECT_EQ(box.Tag.value(), path("sounds/Bell.wav") + u"|repeat"_s);
-    EXPECT_TRUE(box.HasIcons);
-    EXPECT_EQ(last, path("sounds"));
-
-    chooser = Def_Label(box, last, {});
-    EXPECT_EQ(chooser.FileName, path("sounds/Bell.wav"));
-    chooser.CheckPlay1 = false;
-    acceptSound(chooser, box, last);
-    EXPECT_EQ(box.Tag.value(), path("sounds/Bell.wav"));
-
-    chooser.FileName.clear();
-    chooser.CheckPlay1 = true;
-    acceptSound(chooser, box, last);
-    EXPECT_EQ(box.Tag.value(), QString());
-    EXPECT_FALSE(box.HasIcons);
+    const auto accept = [&](const QString& file, bool repeat, const QString& tag) {
+        chooser.FileName = file;
+        chooser.CheckPlay1 = repeat;
+        acceptSound(chooser, box, used);
+        EXPECT_EQ(box.Tag.value(), tag);
+        EXPECT_EQ(box.HasIcons, !tag.isEmpty());
+    };
+    accept(chooser.FileName, true, bell + u"|repeat"_s);
+    EXPECT_EQ(used, sounds);
+    chooser = Def_Label(box, used, {});
+    EXPECT_EQ(chooser.FileName, bell);
+    accept(bell, false, bell);
+    accept({}, true, {});
 }
 
 } // namespace

@@ -9,70 +9,37 @@ namespace skyhold {
 namespace {
 
 TEST(ThresholdRules, AnEntryMustKeepTheOrder) {
-    const std::array<QString, 3> wind{u"Calm"_s, u"Windy"_s, u"Very Windy"_s};
-    const std::array<QString, 3> hum{u"Fine"_s, u"Humid"_s, u"Very Humid"_s};
-    const std::array<QString, 3> temp{u"Cold"_s, u"breezy"_s, u"Hot"_s};
-    struct Case {
+    using enum Quantity;
+    const std::array<QString, 3> names{u"Calm"_s, u"breezy"_s, u"Very Windy"_s};
+    const std::string greater = "CALM value CANNOT be greater or equal than BREEZY value";
+    const std::string smaller = "BREEZY value CANNOT be smaller or equal than CALM value";
+    const struct {
         Quantity quantity;
         std::array<double, 3> limits;
         std::size_t index; // the entry that is left
-        std::array<QString, 3> names;
-        const char* message;
+        std::string message;
+    } cases[]{
+        {Wind, {10, 20, 99}, 0, ""},
+        {Wind, {10, 20, 99}, 1, ""},
+        {Wind, {10, 20, 99}, 2, ""},
+        {Wind, {20, 20, 99}, 0, greater},
+        {Wind, {99, 20, 99}, 0, greater},
+        {Wind, {100, 120, 99}, 0, ""}, // entry 0 against entry 1 only
+        {Wind, {10, 10, 99}, 1, smaller},
+        {Wind, {10, 99, 99}, 1, "BREEZY value CANNOT be larger or equal than VERY WINDY value"},
+        {Wind, {10, 5, 3}, 1, smaller}, // one message
+        {Gust, {10, 20, 15}, 2, "VERY WINDY value CANNOT be smaller or equal than BREEZY value"},
+        {Dew, {10, 20, 10}, 2, "VERY WINDY value CANNOT be smaller or equal than CALM value"},
+        {Temperature, {-5, -4.5, 30}, 1, ""},
+        {Temperature, {-5, -5, 30}, 1, smaller},
+        {Humidity, {80, 90, 100}, 2, ""},
+        {Humidity, {80, 90, 101}, 2, "VERY WINDY value CANNOT be greater than 100"},
+        {Humidity, {101, 90, 99}, 0, "CALM value CANNOT be greater than 100"},
+        {Humidity, {80, 90, 101}, 1, ""}, // another entry's fault
+        {Wind, {80, 90, 101}, 2, ""},
     };
-    const Case cases[]{
-        {Quantity::Wind, {10, 20, 99}, 0, wind, ""},
-        {Quantity::Wind, {10, 20, 99}, 1, wind, ""},
-        {Quantity::Wind, {10, 20, 99}, 2, wind, ""},
-        {Quantity::Wind,
-         {20, 20, 99},
-         0,
-         wind,
-         "CALM value CANNOT be greater or equal than WINDY value"},
-        {Quantity::Wind,
-         {99, 20, 99},
-         0,
-         wind,
-         "CALM value CANNOT be greater or equal than WINDY value"},
-        {Quantity::Wind, {100, 120, 99}, 0, wind, ""}, // entry 0 against entry 1 only
-        {Quantity::Wind,
-         {10, 10, 99},
-         1,
-         wind,
-         "WINDY value CANNOT be smaller or equal than CALM value"},
-        {Quantity::Wind,
-         {10, 99, 99},
-         1,
-         wind,
-         "WINDY value CANNOT be larger or equal than VERY WINDY value"},
-        {Quantity::Wind,
-         {10, 5, 3},
-         1,
-         wind,
-         "WINDY value CANNOT be smaller or equal than CALM value"}, // one message
-        {Quantity::Gust,
-         {10, 20, 15},
-         2,
-         wind,
-         "VERY WINDY value CANNOT be smaller or equal than WINDY value"},
-        {Quantity::Dew,
-         {10, 20, 10},
-         2,
-         wind,
-         "VERY WINDY value CANNOT be smaller or equal than CALM value"},
-        {Quantity::Temperature, {-5, -4.5, 30}, 1, temp, ""},
-        {Quantity::Temperature,
-         {-5, -5, 30},
-         1,
-         temp,
-         "BREEZY value CANNOT be smaller or equal than COLD value"},
-        {Quantity::Humidity, {80, 90, 100}, 2, hum, ""},
-        {Quantity::Humidity, {80, 90, 101}, 2, hum, "VERY HUMID value CANNOT be greater than 100"},
-        {Quantity::Humidity, {101, 90, 99}, 0, hum, "FINE value CANNOT be greater than 100"},
-        {Quantity::Humidity, {80, 90, 101}, 1, hum, ""}, // another entry's fault
-        {Quantity::Wind, {80, 90, 101}, 2, wind, ""},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(ValidateLimit(c.quantity, c.index, {c.limits, c.names}).toStdString(), c.message);
+    for (const auto& [quantity, limits, index, message] : cases)
+        EXPECT_EQ(ValidateLimit(quantity, index, {limits, names}).toStdString(), message);
 }
 
 } // namespace
