@@ -11,7 +11,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 TEST(AutomationValue, convertsAsTheParameterNeeds) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         QVariant value;
         std::optional<std::int32_t> integer;
@@ -25,27 +25,28 @@ TEST(AutomationValue, convertsAsTheParameterNeeds) {
         {true, -1, -1.0, true, u"True"_s},
         {false, 0, 0.0, false, u"False"_s},
         {u" 12.5 "_s, 12, 12.5, true, u" 12.5 "_s},
-        {u"true"_s, -1, std::nullopt, true, u"true"_s},
-        {u"rain"_s, std::nullopt, std::nullopt, std::nullopt, u"rain"_s},
-        {3e9, std::nullopt, 3e9, true, u"3000000000"_s},
-        {nan, std::nullopt, std::nullopt, std::nullopt, std::nullopt},
-        {QVariant(), std::nullopt, std::nullopt, std::nullopt, std::nullopt},
-        {QVariantList{1}, std::nullopt, std::nullopt, std::nullopt, std::nullopt},
+        {u"true"_s, -1, {}, true, u"true"_s},
+        {u"rain"_s, {}, {}, {}, u"rain"_s},
+        {3e9, {}, 3e9, true, u"3000000000"_s},
+        {kNan, {}, {}, {}, {}},
+        {QVariant(), {}, {}, {}, {}},
+        {QVariantList{1}, {}, {}, {}, {}},
     };
     for (const auto& [value, integer, real, boolean, text] : cases) {
-        EXPECT_EQ(toInt32(value), integer) << value.typeName();
-        EXPECT_EQ(toReal(value), real) << value.typeName();
-        EXPECT_EQ(toBoolean(value), boolean) << value.typeName();
-        EXPECT_EQ(toText(value), text) << value.typeName();
+        SCOPED_TRACE(qPrintable(value.toString()));
+        EXPECT_EQ(toInt32(value), integer);
+        EXPECT_EQ(toReal(value), real);
+        EXPECT_EQ(toBoolean(value), boolean);
+        EXPECT_EQ(toText(value), text);
     }
     EXPECT_EQ(fromBus(QVariant(QVariantList())), QVariant());
+    EXPECT_EQ(fromBus(QVariant(quint64(5))), QVariant(5));
     EXPECT_EQ(toBus(QVariant()), QVariant(QVariantList()));
     EXPECT_EQ(toBus(QVariant(QVariantList{QVariant(), 1})),
               QVariant(QVariantList{QVariantList(), 1}));
     const QList<QVariantList> table{{QVariant(), 2.5}};
     EXPECT_EQ(toBus(QVariant::fromValue(table)).value<QList<QVariantList>>(),
               (QList<QVariantList>{{QVariantList(), 2.5}}));
-    EXPECT_EQ(fromBus(QVariant(quint64(5))), QVariant(5));
     EXPECT_EQ(errorMessage(AutomationError::TypeMismatch, u"x"_s), u"0x80020005: x"_s);
     EXPECT_EQ(factoryPath(u"Kiv_Skyhold.Nubilo"_s), u"/Kiv_Skyhold/Nubilo"_s);
 }
@@ -56,14 +57,10 @@ TEST(MemberTable, findsChecksAndConverts) {
     table.add({u"Limit"_s, 5, kPropertyGet, AutomationType::R8, {}, [&](QVariantList&) {
                    return AutomationReply{limit, {}, {}};
                }});
-    table.add({u"Limit"_s,
-               5,
-               kPropertyPut,
-               AutomationType::Empty,
-               {{u"value"_s, AutomationType::R8, true}},
-               [&](QVariantList& arguments) {
-                   limit = arguments[0].toDouble();
-                   arguments[0] = 99.0;
+    const std::vector<AutomationParameter> value{{u"value"_s, AutomationType::R8, true}};
+    table.add({u"Limit"_s, 5, kPropertyPut, AutomationType::Empty, value, [&](QVariantList& sent) {
+                   limit = sent[0].toDouble();
+                   sent[0] = 99.0;
                    return AutomationReply{};
                }});
     const struct {
