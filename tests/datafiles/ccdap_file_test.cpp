@@ -1,19 +1,15 @@
 #include "datafiles/ccdap_file.h"
 
 #include "support/manual_clock.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "support/test_folder.h"
 
 namespace skyhold {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
+
 const NumberForms kPoint{};
-const NumberForms kComma{QStringLiteral(","), QStringLiteral(".")};
+const NumberForms kComma{u","_s, u"."_s};
 
 // Moves on by a second whenever it is asked.
 class RunningClock : public ManualClock {
@@ -37,29 +33,14 @@ CurrentReadings someReadings() {
     readings.WindCondition = WindWindy;
     readings.RainCondition = RainDry;
     readings.BrightnessCondition = BrightnessDark;
-    readings.SpeedUnit = QStringLiteral("m");
+    readings.SpeedUnit = u"m"_s;
     return readings;
-}
-
-TEST(CcdapFile, FixedFieldsKeepTheirLastCharacters) {
-    const std::vector<std::tuple<double, const char16_t*, int, const char16_t*>> cases = {
-        {-5.3, u"#0.0", 7, u"  -5.3 "},
-        {12345.6, u"#0.0", 7, u"2345.6 "},
-        {100, u"0", 4, u"100 "},
-        {1000, u"0", 4, u"000 "},
-        {0, u"#0.0", 7, u"   0.0 "},
-        {3, u"00000", 6, u"00003 "},
-        {7, u"0", 2, u"7 "},
-        {12, u"0", 2, u"2 "},
-    };
-    for (const auto& [value, format, width, text] : cases)
-        EXPECT_EQ(FormatFixedField(value, format, width, kPoint), QString::fromUtf16(text))
-            << value;
 }
 
 TEST(CcdapFile, RecordByteByByte) {
     const RunningClock clock(QDateTime(QDate(2026, 11, 16), QTime(23, 59, 59)));
-    // The time and the day number were asked for one and two seconds after the date.
+    // The time and the day number were asked for one and two seconds after the date. Fields that
+    // are too narrow keep the last characters.
     EXPECT_EQ(ccdapRecord(someReadings(), clock, kPoint),
               QByteArray("2026-11-16 00:00:00.00 C m "
                          " -21.3   -5.3 2345.6    0.3 000    0.0 100 0 0 00003 "
@@ -67,7 +48,7 @@ TEST(CcdapFile, RecordByteByByte) {
 
     CurrentReadings wet = someReadings();
     wet.RainCondition = RainUnknown;
-    wet.TemperatureUnit = QStringLiteral(" ");
+    wet.TemperatureUnit = u" "_s;
     wet.SpeedUnit = QString();
     wet.StationDataOld = true;
     wet.CloudCondition = CloudUnknown;
@@ -76,46 +57,32 @@ TEST(CcdapFile, RecordByteByByte) {
               QByteArray("2026-11-16 12:00:00.00     "
                          " -21,3   -5,3 2345,6    0,3 000    0,0 100 2 2 01000 "
                          "046342,50000 0 2 0 1"));
-    const NumberForms odd{QStringLiteral("€\u066B.."), QString()};
+    const NumberForms odd{u"€\u066B.."_s, QString()};
     EXPECT_EQ(ccdapRecord(wet, noon, odd).size(), kCcdapRecordLength);
+    EXPECT_EQ(FormatFixedField(12, u"0", 2, kPoint), u"2 "_s);
 }
 
-TEST(CcdapFile, RewritesTheFirstHundredBytesOnly) {
-    const QTemporaryDir folder;
+TEST(CcdapFile, RewritesTheFirstHundredBytesOfAFileThatHasAPlace) {
+    const TestFolder folder;
     const ManualClock clock;
     CcdapControls controls;
-    controls.LblPathNameCCDAP4.Caption = folder.path() + u'\\';
-    controls.FileNameCCDAP4.Text = QStringLiteral("weather.dat");
-    QFile file(folder.filePath(QStringLiteral("weather.dat")));
-
-    ASSERT_TRUE(WriteCcdapFile(controls, someReadings(), clock, kPoint));
+    const auto write = [&](const QString& path, const QString& name) {
+        controls.LblPathNameCCDAP4.Caption = path;
+        controls.FileNameCCDAP4.Text = name;
+        return WriteCcdapFile(controls, someReadings(), clock, kPoint);
+    };
+    const QString name = u"weather.dat"_s;
     const QByteArray record = ccdapRecord(someReadings(), clock, kPoint);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    EXPECT_EQ(file.readAll(), record);
+    ASSERT_TRUE(write(folder.path() + u'\\', name));
+    EXPECT_EQ(folder.read(name), record);
+    folder.write(name, QByteArray(120, 'x'));
+    ASSERT_TRUE(write(folder.path(), name));
+    EXPECT_EQ(folder.read(name), record + QByteArray(20, 'x'));
 
-    file.seek(0);
-    file.write(QByteArray(120, 'x'));
-    file.close();
-    ASSERT_TRUE(WriteCcdapFile(controls, someReadings(), clock, kPoint));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), record + QByteArray(20, 'x'));
-}
-
-TEST(CcdapFile, NoNameIsNoFailureButNoFolderIs) {
-    const QTemporaryDir folder;
-    const ManualClock clock;
-    CcdapControls controls;
-    controls.LblPathNameCCDAP4.Caption = folder.filePath(QStringLiteral("missing"));
-    controls.FileNameCCDAP4.Text = QStringLiteral("  ");
-    EXPECT_TRUE(WriteCcdapFile(controls, someReadings(), clock, kPoint));
-
-    controls.FileNameCCDAP4.Text = QStringLiteral("weather.dat");
-    EXPECT_FALSE(WriteCcdapFile(controls, someReadings(), clock, kPoint));
-    controls.LblPathNameCCDAP4.Caption = QString();
-    EXPECT_FALSE(WriteCcdapFile(controls, someReadings(), clock, kPoint));
-    controls.LblPathNameCCDAP4.Caption = folder.path();
-    controls.FileNameCCDAP4.Text = QStringLiteral(".");
-    EXPECT_FALSE(WriteCcdapFile(controls, someReadings(), clock, kPoint)) << "a folder";
+    EXPECT_TRUE(write(folder.filePath(u"missing"_s), u"  "_s)) << "no name is no failure";
+    EXPECT_FALSE(write(folder.filePath(u"missing"_s), name));
+    EXPECT_FALSE(write({}, name));
+    EXPECT_FALSE(write(folder.path(), u"."_s)) << "a folder";
 }
 
 } // namespace

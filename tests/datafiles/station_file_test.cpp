@@ -1,18 +1,15 @@
 #include "datafiles/station_file.h"
 
 #include "platform/text_encoding.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "support/test_folder.h"
 
 #include <sys/stat.h>
-#include <vector>
 
 namespace skyhold {
 namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using enum StationRead;
 
 struct Row {
     const char* name;
@@ -57,39 +54,38 @@ std::vector<Row> without(const char* name) {
 class StationFile : public testing::Test {
   protected:
     StationFile() {
-        choose(QStringLiteral("station.htm"));
+        choose(u"station.htm"_s);
         units.DateFormat.Index = 0;
-        units.ExcChrHumidity = QStringLiteral("%");
-        constexpr std::array names{"N", "NNE", "NE", "ENE", "E", "ESE", "SE", "SSE",
-                                   "S", "SSW", "SW", "WSW", "W", "WNW", "NW", "NNW"};
-        for (std::size_t i = 0; i < names.size(); ++i)
-            units.Cardinal[i] = QString::fromLatin1(names[i]);
+        units.ExcChrHumidity = u"%"_s;
+        const QStringList names =
+            u"N NNE NE ENE E ESE SE SSE S SSW SW WSW W WNW NW NNW"_s.split(u' ');
+        std::ranges::copy(names, units.Cardinal.begin());
     }
 
     QString path(const QString& name) const { return folder.filePath(name); }
     void choose(const QString& name) { controls.HTMFile.Caption = path(name); }
     void write(const QByteArray& bytes) {
-        QFile file(controls.HTMFile.Caption);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        ASSERT_EQ(file.write(bytes), bytes.size());
+        folder.write(controls.HTMFile.Caption.value().section(u'/', -1), bytes);
     }
     StationRead read() {
-        return ReadStationFile(controls, units, forms, QStringLiteral("time of the file"), memory,
-                               readings, display);
+        return ReadStationFile(controls, units, forms, u"time of the file"_s, memory, readings,
+                               display);
     }
     StationRead readBytes(const QByteArray& bytes) {
         write(bytes);
         return read();
     }
     QString entry(std::size_t i) const { return display.LblWSValue[i].Caption; }
-    QStringList entries() const {
+    // The entries, or their descriptions, parted by " | ".
+    static QString joined(const auto& labels) {
         QStringList texts;
-        for (const Label& label : display.LblWSValue)
+        for (const Label& label : labels)
             texts << label.Caption;
-        return texts;
+        return texts.join(u" | "_s);
     }
+    QString entries() const { return joined(display.LblWSValue); }
 
-    QTemporaryDir folder;
+    TestFolder folder;
     StationFileControls controls;
     UnitControls units;
     NumberForms forms;
@@ -98,82 +94,69 @@ class StationFile : public testing::Test {
     ReadingDisplay display;
 };
 
-QStringList texts(std::initializer_list<const char*> list) {
-    QStringList result;
-    for (const char* text : list)
-        result << QString::fromUtf8(text);
-    return result;
-}
-
 TEST_F(StationFile, FillsEveryEntryFromAPage) {
-    ASSERT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid);
-    EXPECT_EQ(entries(), texts({"16/11", "09:05:00", "-2.5", "25.75", "31.5", "22.5", "2.5", "85",
-                                "-4.25", "1012.5", "°C", "km/h", "hPa"}));
-    QStringList descriptions;
-    for (const Label& label : display.LblWSDesc)
-        descriptions << label.Caption;
-    EXPECT_EQ(descriptions,
-              texts({"Date", "Time", "OutTemp", "WindSpeed", "Gust", "WindDirection", "RainDaily",
-                     "OutHumidity", "DewPoint", "Barometer", "Units", "Units", "Units"}));
+    ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
+    EXPECT_EQ(entries(), u"16/11 | 09:05:00 | -2.5 | 25.75 | 31.5 | 22.5 | 2.5 | 85 | -4.25 | "
+                         "1012.5 | °C | km/h | hPa"_s);
+    EXPECT_EQ(joined(display.LblWSDesc),
+              u"Date | Time | OutTemp | WindSpeed | Gust | WindDirection | RainDaily | OutHumidity "
+              "| DewPoint | Barometer | Units | Units | Units"_s);
     EXPECT_EQ(readings.StationDateTime, QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
     EXPECT_EQ(readings.BarometricPressure, 1012.54);
-    EXPECT_EQ(readings.LastFileTime, QStringLiteral("time of the file"));
-    EXPECT_EQ(stationReadStatus(StationRead::Valid), QString());
+    EXPECT_EQ(readings.LastFileTime, u"time of the file"_s);
+    EXPECT_EQ(stationReadStatus(Valid), QString());
+
+    // The rain goes through the locale's conversion, to which "1.5" is 15.
+    forms = {u","_s, u"."_s};
+    ASSERT_EQ(read(), Valid);
+    EXPECT_EQ(entries(), u"16/11 | 09:05:00 | -2,5 | 25,75 | 31,5 | 22,5 | 11 | 85 | -4,25 | "
+                         "1012,5 | °C | km/h | hPa"_s);
 }
 
 TEST_F(StationFile, FillsEveryEntryFromCsvWithEitherLineEnd) {
-    choose(QStringLiteral("a.csv.txt"));
+    choose(u"a.csv.txt"_s);
     for (const char* lineEnd : {"\r\n", "\n"}) {
         readings = {};
-        ASSERT_EQ(readBytes(csvText(kRows, lineEnd)), StationRead::Valid);
-        EXPECT_EQ(entries(), texts({"16/11", "09:05:00", "-2.5", "25.75", "31.5", "22.5", "2.5",
-                                    "85", "-4.25", "1012.5", "&deg;C", "km/h", "hPa"}));
+        ASSERT_EQ(readBytes(csvText(kRows, lineEnd)), Valid);
+        EXPECT_EQ(entries(), u"16/11 | 09:05:00 | -2.5 | 25.75 | 31.5 | 22.5 | 2.5 | 85 | -4.25 | "
+                             "1012.5 | &deg;C | km/h | hPa"_s);
     }
 }
 
-TEST_F(StationFile, CommaLocale) {
-    forms = {QStringLiteral(","), QStringLiteral(".")};
-    ASSERT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid);
-    // The rain goes through the locale's conversion, to which "1.5" is 15.
-    EXPECT_EQ(entries(), texts({"16/11", "09:05:00", "-2,5", "25,75", "31,5", "22,5", "11", "85",
-                                "-4,25", "1012,5", "°C", "km/h", "hPa"}));
-}
-
 TEST_F(StationFile, DateAndTimeThatDoNotConvert) {
-    ASSERT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid);
+    ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
     const QDateTime before = readings.StationDateTime;
 
     std::vector<Row> rows = kRows;
     rows[0].value = "17/11/2026 10:00";
     rows[1].value = "10:00";
     rows[6].value = "3";
-    ASSERT_EQ(readBytes(htmlPage(rows)), StationRead::Valid);
+    ASSERT_EQ(readBytes(htmlPage(rows)), Valid);
     EXPECT_EQ(readings.StationDateTime, before) << "a time without a date changes nothing";
-    EXPECT_EQ(entry(0), QStringLiteral("16/11"));
-    EXPECT_EQ(entry(1), QStringLiteral("10:00:00"));
-    EXPECT_EQ(entry(3), QStringLiteral("3")) << "the other entries are still filled";
+    EXPECT_EQ(entry(0), u"16/11"_s);
+    EXPECT_EQ(entry(1), u"10:00:00"_s);
+    EXPECT_EQ(entry(3), u"3"_s) << "the other entries are still filled";
 
     rows[0].value = "11/17/2026";
     rows[1].value = "noon";
     units.DateFormat.Index = 1;
-    ASSERT_EQ(readBytes(htmlPage(rows)), StationRead::Valid);
+    ASSERT_EQ(readBytes(htmlPage(rows)), Valid);
     EXPECT_EQ(readings.StationDateTime, QDateTime(QDate(2026, 11, 17), QTime(0, 0)));
-    EXPECT_EQ(entry(0), QStringLiteral("11/17"));
-    EXPECT_EQ(entry(1), QStringLiteral("noon"));
+    EXPECT_EQ(entry(0), u"11/17"_s);
+    EXPECT_EQ(entry(1), u"noon"_s);
 }
 
 TEST_F(StationFile, MissingNamesAndOddValuesReadZeroOrEmpty) {
     ASSERT_EQ(readBytes(htmlPage({{"windspeed", "Bft", "--"},
                                   {"OutHumidity", "", "9%0 %"},
                                   {"WindDirection", "", "X"}})),
-              StationRead::Valid);
-    EXPECT_EQ(entries(),
-              texts({"", "", "0", "0", "0", "0.0", "0", "90", "0", "0.0", "", "Bft", ""}));
+              Valid);
+    EXPECT_EQ(entries(), u" |  | 0 | 0 | 0 | 0.0 | 0 | 90 | 0 | 0.0 |  | Bft | "_s);
 
-    choose(QStringLiteral("DATA.CSV"));
+    choose(u"DATA.CSV"_s);
     memory.reset();
-    EXPECT_EQ(readBytes(csvText(kRows, "\r\n")), StationRead::NoReadings) << "read as a page";
-    EXPECT_EQ(entries(), texts({"", "", "0", "0", "0", "0.0", "0", "0", "0", "0.0", "", "", ""}));
+    EXPECT_EQ(readBytes(csvText(kRows, "\r\n")), NoReadings) << "read as a page";
+    EXPECT_EQ(entries(), u" |  | 0 | 0 | 0 | 0.0 | 0 | 0 | 0 | 0.0 |  |  | "_s);
 }
 
 TEST_F(StationFile, LongCellsAreCutAndHarmless) {
@@ -181,41 +164,36 @@ TEST_F(StationFile, LongCellsAreCutAndHarmless) {
     const QByteArray page = htmlPage({{"WindSpeed", longText.constData(), longText.constData()},
                                       {"Date", "", longText.constData()},
                                       {"Time", "", longText.constData()}});
-    ASSERT_EQ(readBytes(page), StationRead::Valid);
+    ASSERT_EQ(readBytes(page), Valid);
     EXPECT_EQ(entry(1).size(), 255);
-    EXPECT_EQ(entry(3), QStringLiteral("0"));
+    EXPECT_EQ(entry(3), u"0"_s);
     EXPECT_EQ(entry(11).size(), 255);
 }
 
 TEST_F(StationFile, WhatIsNoStationFileFillsNothing) {
-    ASSERT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid);
-    const QStringList before = entries();
+    ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
+    const QString before = entries();
     readings.LastFileTime.clear();
 
-    struct Case {
-        const char16_t* name;
-        StationRead read;
-    };
-    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("folder")));
-    ASSERT_EQ(mkfifo(path(QStringLiteral("pipe")).toLocal8Bit().constData(), 0600), 0);
-    choose(QStringLiteral("large"));
-    write(htmlPage(kRows));
-    ASSERT_TRUE(QFile::resize(controls.HTMFile.Caption, kStationFileLimit + 1));
-    for (const Case& c :
-         {Case{u"missing", StationRead::Missing}, Case{u"folder", StationRead::NotAFile},
-          Case{u"pipe", StationRead::NotAFile}, Case{u"large", StationRead::TooLarge}}) {
-        choose(QString::fromUtf16(c.name));
-        EXPECT_EQ(read(), c.read) << qPrintable(QString::fromUtf16(c.name));
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
+    ASSERT_EQ(mkfifo(qPrintable(path(u"pipe"_s)), 0600), 0);
+    ASSERT_TRUE(QFile::resize(folder.write(u"large"_s, htmlPage(kRows)), kStationFileLimit + 1));
+    for (const auto& [name, result] : {std::pair{u"missing"_s, Missing},
+                                       {u"folder"_s, NotAFile},
+                                       {u"pipe"_s, NotAFile},
+                                       {u"large"_s, TooLarge}}) {
+        choose(name);
+        EXPECT_EQ(read(), result) << qPrintable(name);
         EXPECT_EQ(readings.LastFileTime, QString());
     }
     controls.HTMFile.Caption = QString();
-    EXPECT_EQ(read(), StationRead::Missing);
+    EXPECT_EQ(read(), Missing);
 
-    choose(QStringLiteral("binary"));
-    EXPECT_EQ(readBytes(htmlPage(kRows) + '\0'), StationRead::NotText);
+    choose(u"binary"_s);
+    EXPECT_EQ(readBytes(htmlPage(kRows) + '\0'), NotText);
     EXPECT_EQ(entries(), before);
-    EXPECT_EQ(readBytes(QByteArray()), StationRead::NoReadings);
-    EXPECT_EQ(readBytes("\xFF\xD8\xFF\xE0<table>\x9D\x81</table>"), StationRead::NoReadings);
+    EXPECT_EQ(readBytes(QByteArray()), NoReadings);
+    EXPECT_EQ(readBytes("\xFF\xD8\xFF\xE0<table>\x9D\x81</table>"), NoReadings);
 }
 
 TEST_F(StationFile, FoundWithoutRegardToCaseAndReadAsAnsiOrUtf8) {
@@ -223,11 +201,11 @@ TEST_F(StationFile, FoundWithoutRegardToCaseAndReadAsAnsiOrUtf8) {
     rows[2].unit = "°C";
     const QByteArray utf8 = htmlPage(rows);
     for (const QByteArray& bytes : {utf8, encodeAnsi(QString::fromUtf8(utf8))}) {
-        choose(QStringLiteral("station.htm"));
+        choose(u"station.htm"_s);
         write(bytes);
-        choose(QStringLiteral("Station.HTM"));
-        EXPECT_EQ(read(), StationRead::Valid);
-        EXPECT_EQ(entry(10), QStringLiteral("°C"));
+        choose(u"Station.HTM"_s);
+        EXPECT_EQ(read(), Valid);
+        EXPECT_EQ(entry(10), u"°C"_s);
     }
 }
 
@@ -235,27 +213,27 @@ TEST_F(StationFile, NameThatWasThereOnceMayNotGoMissing) {
     for (const char* name :
          {"WindSpeed", "Gust", "OutTemp", "OutHumidity", "DewPoint", "WindDirection"}) {
         memory.reset();
-        EXPECT_EQ(readBytes(htmlPage(without(name))), StationRead::Valid) << name;
-        EXPECT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid) << name;
-        EXPECT_EQ(readBytes(htmlPage(without(name))), StationRead::Incomplete) << name;
-        EXPECT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid) << name;
+        EXPECT_EQ(readBytes(htmlPage(without(name))), Valid) << name;
+        EXPECT_EQ(readBytes(htmlPage(kRows)), Valid) << name;
+        EXPECT_EQ(readBytes(htmlPage(without(name))), Incomplete) << name;
+        EXPECT_EQ(readBytes(htmlPage(kRows)), Valid) << name;
     }
-    EXPECT_EQ(readBytes(htmlPage(without("Barometer"))), StationRead::Valid);
-    EXPECT_EQ(readBytes(htmlPage({})), StationRead::NoReadings);
+    EXPECT_EQ(readBytes(htmlPage(without("Barometer"))), Valid);
+    EXPECT_EQ(readBytes(htmlPage({})), NoReadings);
     memory.reset();
-    EXPECT_EQ(readBytes(htmlPage(without("Gust"))), StationRead::Valid) << "a new session";
+    EXPECT_EQ(readBytes(htmlPage(without("Gust"))), Valid) << "a new session";
 }
 
 TEST_F(StationFile, CsvThatStopsInsideARecordIsIncomplete) {
-    choose(QStringLiteral("data.csv"));
+    choose(u"data.csv"_s);
     // Two fields at the end tell at once, a missing line end only by comparison.
-    EXPECT_EQ(readBytes("WindSpeed,km/h,25.75\nGust,km/h"), StationRead::Incomplete);
-    EXPECT_EQ(readBytes("WindSpeed,km/h,25.75\nGust,km/h"), StationRead::Incomplete);
+    EXPECT_EQ(readBytes("WindSpeed,km/h,25.75\nGust,km/h"), Incomplete);
+    EXPECT_EQ(readBytes("WindSpeed,km/h,25.75\nGust,km/h"), Incomplete);
     memory.reset();
-    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,2"), StationRead::Incomplete) << "first";
-    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,2"), StationRead::Valid);
-    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,25\n\n"), StationRead::Valid);
-    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,2"), StationRead::Incomplete);
+    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,2"), Incomplete) << "first";
+    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,2"), Valid);
+    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,25\n\n"), Valid);
+    EXPECT_EQ(readBytes("Gust,km/h,31.5\nWindSpeed,km/h,2"), Incomplete);
 }
 
 // The station was caught while it wrote its file.
@@ -263,29 +241,27 @@ TEST_F(StationFile, TornAtEveryByteNeverGivesAWrongWind) {
     std::vector<Row> windLast = without("WindSpeed");
     windLast.push_back({"WindSpeed", "km/h", "25.75"});
     const std::vector<std::pair<QString, QByteArray>> files = {
-        {QStringLiteral("page.htm"), htmlPage(kRows)},
-        {QStringLiteral("crlf.csv"), csvText(kRows, "\r\n")},
-        {QStringLiteral("lf.csv"), csvText(kRows, "\n")},
-        {QStringLiteral("wind-last.csv"), csvText(windLast, "\r\n")},
-        {QStringLiteral("wind-last.htm"), htmlPage(windLast)},
+        {u"page.htm"_s, htmlPage(kRows)},         {u"crlf.csv"_s, csvText(kRows, "\r\n")},
+        {u"lf.csv"_s, csvText(kRows, "\n")},      {u"wind-last.csv"_s, csvText(windLast, "\r\n")},
+        {u"wind-last.htm"_s, htmlPage(windLast)},
     };
     for (const auto& [name, whole] : files) {
         choose(name);
         memory.reset();
-        ASSERT_EQ(readBytes(whole), StationRead::Valid);
+        ASSERT_EQ(readBytes(whole), Valid);
         qsizetype valid = 0;
         const StationFileMemory known = memory;
         for (qsizetype length = 0; length < whole.size(); ++length) {
             write(whole.left(length));
             for (const StationFileMemory& before : {known, StationFileMemory()}) {
                 memory = before;
-                if (read() != StationRead::Valid)
+                if (read() != Valid)
                     continue;
                 ++valid;
-                SCOPED_TRACE(qPrintable(QStringLiteral("%1 %2").arg(name).arg(length)));
-                EXPECT_EQ(entry(3), QStringLiteral("25.75"));
-                EXPECT_EQ(entry(4), QStringLiteral("31.5"));
-                EXPECT_EQ(entry(8), QStringLiteral("-4.25"));
+                SCOPED_TRACE(qPrintable(u"%1 %2"_s.arg(name).arg(length)));
+                EXPECT_EQ(entry(3), u"25.75"_s);
+                EXPECT_EQ(entry(4), u"31.5"_s);
+                EXPECT_EQ(entry(8), u"-4.25"_s);
             }
         }
         EXPECT_LT(valid, 100) << qPrintable(name) << ": only what lacks nothing that is judged";
@@ -300,20 +276,18 @@ TEST_F(StationFile, NumberThatWasThereOnceMayNotTurnIntoNone) {
             rows.push_back({name, "", value});
             const bool still = qstrcmp(name, "Gust") == 0 && *value == '\0';
             memory.reset();
-            EXPECT_EQ(readBytes(htmlPage(rows)), StationRead::Valid) << name << ' ' << value;
-            EXPECT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid);
-            EXPECT_EQ(readBytes(htmlPage(rows)), still ? StationRead::Valid : StationRead::NoNumber)
-                << name << ' ' << value;
-            EXPECT_EQ(readBytes(htmlPage(kRows)), StationRead::Valid);
+            EXPECT_EQ(readBytes(htmlPage(rows)), Valid) << name << ' ' << value;
+            EXPECT_EQ(readBytes(htmlPage(kRows)), Valid);
+            EXPECT_EQ(readBytes(htmlPage(rows)), still ? Valid : NoNumber) << name << ' ' << value;
+            EXPECT_EQ(readBytes(htmlPage(kRows)), Valid);
         }
     }
 }
 
 TEST(StationReadStatus, EveryFailureHasATextThatFits) {
-    for (int read = static_cast<int>(StationRead::Missing);
-         read <= static_cast<int>(StationRead::NoNumber); ++read) {
+    for (int read = static_cast<int>(Missing); read <= static_cast<int>(NoNumber); ++read) {
         const QString text = stationReadStatus(static_cast<StationRead>(read));
-        EXPECT_TRUE(text.startsWith(QStringLiteral("Weather Station Data - "))) << read;
+        EXPECT_TRUE(text.startsWith(u"Weather Station Data - "_s)) << read;
         EXPECT_LE(text.size(), 60) << read;
     }
 }

@@ -2,107 +2,76 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace skyhold {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
+
 const NumberForms kPoint{};
-const NumberForms kComma{QStringLiteral(","), QStringLiteral(".")};
+const NumberForms kComma{u","_s, u"."_s};
+
+const char* shown(const char16_t* text) {
+    static QByteArray bytes;
+    bytes = QString::fromUtf16(text).toUtf8();
+    return bytes.constData();
+}
 
 TEST(StationNumber, PointIsTheDecimalPointInEveryLocale) {
-    const std::vector<std::pair<const char16_t*, double>> cases = {
+    const std::pair<const char16_t*, double> cases[] = {
         {u"12.5", 12.5}, {u" -3.25 ", -3.25}, {u"1012.5", 1012.5}, {u"85", 85},  {u"+7", 7},
         {u"", 0},        {u" ", 0},           {u"--", 0},          {u"nan", 0},  {u"inf", 0},
         {u"-inf", 0},    {u"1e999", 0},       {u"12 km", 0},       {u"0x10", 0}, {u".", 0},
         {u"-", 0},       {u"1e2", 100},       {u"-.5", -0.5},
     };
     for (const auto& [text, value] : cases) {
-        EXPECT_EQ(ParseStationNumber(text, kPoint), value) << qPrintable(QString::fromUtf16(text));
-        EXPECT_EQ(ParseStationNumber(text, kComma), value) << qPrintable(QString::fromUtf16(text));
+        EXPECT_EQ(ParseStationNumber(text, kPoint), value) << shown(text);
+        EXPECT_EQ(ParseStationNumber(text, kComma), value) << shown(text);
     }
     EXPECT_EQ(ParseStationNumber(u"1.2.3", kPoint), 0);
     EXPECT_EQ(ParseStationNumber(u"12,5", kComma), 12.5) << "the locale's own form";
-    EXPECT_EQ(ParseStationNumber(QString(10'000'000, u'1'), kPoint), 0);
-    EXPECT_EQ(ParseStationNumber(QString(10'000'000, u','), kPoint), 0);
+    for (const char16_t c : {u'1', u','})
+        EXPECT_EQ(ParseStationNumber(QString(10'000'000, c), kPoint), 0);
 }
 
 TEST(StationDate, OrderSeparatorsCenturiesAndRollOver) {
-    struct Case {
+    // The last two: day 2026 of November 2016; with the other order the 2026th month.
+    const struct {
         const char16_t* text;
         int dateFormat;
-        QDate date; // invalid: none
+        const char* date;
+    } cases[] = {
+        {u"16/11/2026", 0, "2026-11-16"}, {u"11/16/2026", 1, "2026-11-16"},
+        {u"16-11-26", 0, "2026-11-16"},   {u"16.11.2026", 0, "2026-11-16"},
+        {u" 1/ 2 /26 ", 0, "2026-02-01"}, {u"01/02/26", -1, "2026-02-01"},
+        {u"01/01/00", 0, "2000-01-01"},   {u"01/01/29", 0, "2029-01-01"},
+        {u"01/01/30", 0, "1930-01-01"},   {u"01/01/99", 0, "1999-01-01"},
+        {u"31/02/2026", 0, "2026-03-03"}, {u"11/16/2026", 0, "2027-04-11"},
+        {u"0/1/2026", 0, "2025-12-31"},   {u"1/0/2026", 0, "2025-12-01"},
+        {u"1/1/9999", 0, "9999-01-01"},   {u"-1/1/2026", 0, "2025-12-30"},
+        {u"2026-11-16", 0, "2022-05-19"}, {u"2026-11-16", 1, "2184-10-11"},
     };
-    const std::vector<Case> cases = {
-        {u"16/11/2026", 0, {2026, 11, 16}},
-        {u"11/16/2026", 1, {2026, 11, 16}},
-        {u"16-11-26", 0, {2026, 11, 16}},
-        {u"16.11.2026", 0, {2026, 11, 16}},
-        {u" 1/ 2 /26 ", 0, {2026, 2, 1}},
-        {u"01/02/26", -1, {2026, 2, 1}},
-        {u"01/01/00", 0, {2000, 1, 1}},
-        {u"01/01/29", 0, {2029, 1, 1}},
-        {u"01/01/30", 0, {1930, 1, 1}},
-        {u"01/01/99", 0, {1999, 1, 1}},
-        {u"31/02/2026", 0, {2026, 3, 3}},
-        {u"11/16/2026", 0, {2027, 4, 11}},
-        {u"0/1/2026", 0, {2025, 12, 31}},
-        {u"1/0/2026", 0, {2025, 12, 1}},
-        // Day 2026 of November 2016; with the other order the 2026th month.
-        {u"2026-11-16", 0, {2022, 5, 19}},
-        {u"2026-11-16", 1, {2184, 10, 11}},
-        {u"16/11/2026 22:00", 0, {}},
-        {u"16/11", 0, {}},
-        {u"16/11-2026", 0, {}},
-        {u"", 0, {}},
-        {u"16//2026", 0, {}},
-        {u"16/11/", 0, {}},
-        {u"a/b/c", 0, {}},
-        {u"1/1/99999", 0, {}},
-        {u"1/1/9999", 0, {9999, 1, 1}},
-        {u"32000/1/9999", 0, {}},
-        {u"1/1/2026/", 0, {}},
-        {u"-1/1/2026", 0, {2025, 12, 30}},
-        {u"1/1/-26", 0, {}},
-        {u"1e1/1/26", 0, {}},
-    };
-    for (const Case& c : cases) {
-        const std::optional<QDate> date = ParseStationDate(c.text, c.dateFormat);
-        EXPECT_EQ(date.has_value(), c.date.isValid()) << qPrintable(QString::fromUtf16(c.text));
-        EXPECT_EQ(date.value_or(QDate()), c.date)
-            << qPrintable(QString::fromUtf16(c.text)) << " gave "
-            << qPrintable(date.value_or(QDate()).toString(Qt::ISODate));
-    }
+    for (const auto& [text, dateFormat, date] : cases)
+        EXPECT_EQ(ParseStationDate(text, dateFormat).value_or(QDate()).toString(Qt::ISODate),
+                  QLatin1String(date))
+            << shown(text);
+    for (const char16_t* none :
+         {u"16/11/2026 22:00", u"16/11", u"16/11-2026", u"", u"16//2026", u"16/11/", u"a/b/c",
+          u"1/1/99999", u"32000/1/9999", u"1/1/2026/", u"1/1/-26", u"1e1/1/26"})
+        EXPECT_FALSE(ParseStationDate(none, 0)) << shown(none);
 }
 
 TEST(StationTime, TwelveAndTwentyFourHours) {
-    const std::vector<std::pair<const char16_t*, QTime>> cases = {
-        {u"7:05", {7, 5}},
-        {u"22:15", {22, 15}},
-        {u"22:15:59", {22, 15, 59}},
-        {u" 7:05 pm ", {19, 5}},
-        {u"7:05:09PM", {19, 5, 9}},
-        {u"12:00 AM", {0, 0}},
-        {u"12:30 PM", {12, 30}},
-        {u"00:00", {0, 0}},
-        {u"24:00", {}},
-        {u"13:00 PM", {}},
-        {u"0:30 AM", {}},
-        {u"7", {}},
-        {u"", {}},
-        {u"PM", {}},
-        {u"7:5", {}},
-        {u"22:60", {}},
-        {u"22:15:60", {}},
-        {u"22:15:59:1", {}},
-        {u"-1:00", {}},
-        {u"22.15", {}},
-        {u"22:+5", {}},
+    const std::pair<const char16_t*, QTime> cases[] = {
+        {u"7:05", {7, 5}},       {u"22:15", {22, 15}},       {u"22:15:59", {22, 15, 59}},
+        {u" 7:05 pm ", {19, 5}}, {u"7:05:09PM", {19, 5, 9}}, {u"12:00 AM", {0, 0}},
+        {u"12:30 PM", {12, 30}}, {u"00:00", {0, 0}},
     };
-    for (const auto& [text, time] : cases) {
-        EXPECT_EQ(parseStationTime(text).value_or(QTime()), time)
-            << qPrintable(QString::fromUtf16(text));
-    }
+    for (const auto& [text, time] : cases)
+        EXPECT_EQ(parseStationTime(text), time) << shown(text);
+    for (const char16_t* none :
+         {u"24:00", u"13:00 PM", u"0:30 AM", u"7", u"", u"PM", u"7:5", u"22:60", u"22:15:60",
+          u"22:15:59:1", u"-1:00", u"22.15", u"22:+5"})
+        EXPECT_FALSE(parseStationTime(none)) << shown(none);
 }
 
 } // namespace

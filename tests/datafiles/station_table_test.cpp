@@ -9,14 +9,14 @@
 namespace skyhold {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
+
 // The rows of the table as "name|unit|value", parted by " / ".
 QString dump(const StationTable& table) {
     QStringList rows;
-    for (qsizetype row = 1; row <= table.rowCount(); ++row) {
-        rows << table.cell(1, row).toString() + u'|' + table.cell(2, row).toString() + u'|' +
-                    table.cell(3, row).toString();
-    }
-    return rows.join(QStringLiteral(" / "));
+    for (qsizetype row = 1; row <= table.rowCount(); ++row)
+        rows << u"%1|%2|%3"_s.arg(table.cell(1, row), table.cell(2, row), table.cell(3, row));
+    return rows.join(u" / "_s);
 }
 
 struct Case {
@@ -83,23 +83,16 @@ TEST(HtmlTable, TakesTheCellsOfTheFirstTable) {
 }
 
 TEST(HtmlTable, CleansCellsInOrder) {
-    const std::vector<std::pair<QString, QString>> cases = {
-        {QStringLiteral(" 12.5&nbsp;"), QStringLiteral("12.5")},
-        {QStringLiteral("<b>OutTemp</b>"), QStringLiteral("<b>OutTemp</b>")},
-        {QStringLiteral("&amp;lt;"), QStringLiteral("<")},
-        {QStringLiteral("&amp;nbsp;x"), QStringLiteral("&nbsp;x")},
-        {QStringLiteral("&amp;&amp;amp;"), QStringLiteral("&&amp;")},
-        {QStringLiteral("&deg;C"), QStringLiteral("°C")},
-        {QStringLiteral("&#176;C"), QStringLiteral("#176;C")},
-        {QStringLiteral("a&quot;b'c%20d"), QStringLiteral("a b c d")},
-        {QStringLiteral("&lt;1&gt;"), QStringLiteral("<1>")},
-        {QStringLiteral("\r\n  Wind\r\nSpeed \r\n"), QStringLiteral("WindSpeed")},
-        {QStringLiteral("' \t'"), QString()},
-        {QStringLiteral("50%"), QStringLiteral("50%")},
+    const std::pair<QString, QString> cases[] = {
+        {u" 12.5&nbsp;"_s, u"12.5"_s}, {u"<b>OutTemp</b>"_s, u"<b>OutTemp</b>"_s},
+        {u"&amp;lt;"_s, u"<"_s},       {u"&amp;nbsp;x"_s, u"&nbsp;x"_s},
+        {u"&deg;C"_s, u"°C"_s},        {u"&amp;&amp;amp;"_s, u"&&amp;"_s},
+        {u"&#176;C"_s, u"#176;C"_s},   {u"a&quot;b'c%20d"_s, u"a b c d"_s},
+        {u"&lt;1&gt;"_s, u"<1>"_s},    {u"\r\n  Wind\r\nSpeed \r\n"_s, u"WindSpeed"_s},
+        {u"' \t'"_s, QString()},       {u"50%"_s, u"50%"_s},
     };
     for (const auto& [cell, cleaned] : cases) {
-        const QString page =
-            QStringLiteral("<table><tr><td class=x>%1</td></tr></table>").arg(cell);
+        const QString page = u"<table><tr><td class=x>"_s + cell + u"</td></tr></table>"_s;
         EXPECT_EQ(ParseHtmlTable(page).cell(1, 1), cleaned) << qPrintable(cell);
     }
 }
@@ -113,27 +106,23 @@ TEST(StationTable, PlacesOutsideAreEmptyAndNamesIgnoreCase) {
     EXPECT_EQ(table.cell(1, 4), u"");
     EXPECT_EQ(table.cell(3, 4), u"4");
     for (const auto& [cell, row] :
-         std::vector<std::pair<int, qsizetype>>{{1, 0}, {0, 1}, {4, 1}, {1, 5}, {1, -1}}) {
+         std::vector<std::pair<int, qsizetype>>{{1, 0}, {0, 1}, {4, 1}, {1, 5}, {1, -1}})
         EXPECT_TRUE(table.cell(cell, row).isEmpty()) << cell << ',' << row;
-    }
 }
 
 // Texts on which a parser that looks ahead or moves text more than once would take minutes.
 TEST(StationTable, HugeTextsArePassedOverOnce) {
     constexpr int kMany = 200'000;
-    const auto page = [](const QString& cells) {
-        return QStringLiteral("<table><tr>%1</tr></table>").arg(cells);
-    };
     const auto many = [](const char16_t* part) {
         return QString::fromUtf16(part).repeated(kMany);
     };
-
-    EXPECT_EQ(ParseHtmlTable(page(many(u"</tr><tr>"))).rowCount(), kMany + 1);
-    EXPECT_EQ(
-        ParseHtmlTable(page(QStringLiteral("<td>%1</td>").arg(many(u"&amp;")))).cell(1, 1).size(),
-        kMany);
-    EXPECT_EQ(ParseHtmlTable(page(many(u"<td"))).rowCount(), 1);
-    EXPECT_EQ(ParseHtmlTable(page(QStringLiteral("<td>%1").arg(many(u"<")))).rowCount(), 1);
+    const auto page = [](const QString& cells) {
+        return ParseHtmlTable(u"<table><tr>"_s + cells + u"</tr></table>"_s);
+    };
+    EXPECT_EQ(page(many(u"</tr><tr>")).rowCount(), kMany + 1);
+    EXPECT_EQ(page(u"<td>"_s + many(u"&amp;") + u"</td>"_s).cell(1, 1).size(), kMany);
+    EXPECT_EQ(page(many(u"<td")).rowCount(), 1);
+    EXPECT_EQ(page(u"<td>"_s + many(u"<")).rowCount(), 1);
     EXPECT_EQ(ParseHtmlTable(many(u"<table>")).rowCount(), 0);
     EXPECT_EQ(ParseCsvTable(many(u",,\n")).rowCount(), kMany);
     EXPECT_EQ(ParseCsvTable(many(u"\"")).rowCount(), 1);

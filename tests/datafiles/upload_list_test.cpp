@@ -1,11 +1,6 @@
 #include "datafiles/upload_list.h"
 
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "support/test_folder.h"
 
 namespace skyhold {
 namespace {
@@ -16,12 +11,10 @@ const QDateTime kEarlier(QDate(2026, 11, 16), QTime(22, 0));
 
 class UploadList : public testing::Test {
   protected:
-    UploadList() { qputenv("XDG_CONFIG_HOME", folder_.path().toLocal8Bit()); }
-
     // A file that was modified that long after kEarlier.
     void touch(const QString& name, int milliseconds = 0) {
-        QFile file(folder_.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        QFile file(folder_.write(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(
             file.setFileTime(kEarlier.addMSecs(milliseconds), QFileDevice::FileModificationTime));
     }
@@ -35,17 +28,18 @@ class UploadList : public testing::Test {
         return stored(u"NoFiles"_s).toInt();
     }
 
-    QTemporaryDir folder_;
+    SettingsFolder folder_;
     UploadControls upload_;
 };
 
 TEST_F(UploadList, isDueWhenEveryFileIsThereAndModifiedOrUploadedOnce) {
+    constexpr int kNever = -1;
     struct Item {
         bool once;
         int stampedAt;  // milliseconds after kEarlier; kNever: not handed off yet
         int modifiedAt; // the same; kNever: no such file
     };
-    constexpr int kNever = -1;
+    const Item modified{false, 0, 1}, unmodified{false, 0, 0}, missing{false, kNever, kNever};
     const struct {
         const char* what;
         std::vector<Item> items;
@@ -53,16 +47,16 @@ TEST_F(UploadList, isDueWhenEveryFileIsThereAndModifiedOrUploadedOnce) {
     } cases[] = {
         {"empty list", {}, true},
         {"never handed off", {{false, kNever, 0}}, true},
-        {"modified since", {{false, 0, 1}}, true},
-        {"not modified", {{false, 1000, 1000}}, false},
+        {"modified since", {modified}, true},
+        {"not modified", {unmodified}, false},
         {"set back", {{false, 1000, 0}}, false},
         {"once, not modified", {{true, 1000, 1000}}, true},
         {"once, missing", {{true, kNever, kNever}}, false},
-        {"missing", {{false, kNever, kNever}}, false},
-        {"one of two modified", {{false, 0, 1}, {false, 0, 0}}, false},
-        {"one missing holds all back", {{false, 0, 1}, {false, 0, kNever}}, false},
-        {"once never holds others back", {{false, 0, 1}, {true, 0, 0}}, true},
-        {"nor lets others through", {{false, 0, 0}, {true, 0, 1}}, false},
+        {"missing", {missing}, false},
+        {"one of two modified", {modified, unmodified}, false},
+        {"one missing holds all back", {modified, missing}, false},
+        {"once never holds others back", {modified, {true, 0, 0}}, true},
+        {"nor lets others through", {unmodified, {true, 0, 1}}, false},
     };
     for (const auto& [what, items, due] : cases) {
         upload_.Files.clear();
@@ -165,14 +159,15 @@ TEST_F(UploadList, editingWhileAllowed) {
 }
 
 TEST_F(UploadList, addressAndFolderWhenTheirBoxIsLeft) {
+    const QString host = u"ftp.example.org"_s;
     const struct {
         QString entered, address, folder;
     } cases[] = {
-        {QString(), QString(), QString()},
-        {u"ftp.example.org"_s, u"ftp.example.org/"_s, u"ftp.example.org/"_s},
+        {{}, {}, {}},
+        {host, host + u'/', host + u'/'},
         {u"/web/data"_s, u"/web/data/"_s, u"web/data/"_s},
         {u"//abs/"_s, u"//abs/"_s, u"/abs/"_s},
-        {u"/"_s, u"/"_s, QString()},
+        {u"/"_s, u"/"_s, {}},
     };
     for (const auto& [entered, address, folder] : cases) {
         TextBox box;

@@ -1,14 +1,9 @@
 #include "datafiles/user_data_file.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "support/full_disk.h"
+#include "support/test_folder.h"
 
 #include <algorithm>
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -54,34 +49,23 @@ class Recorder : public testing::Test {
     }
 
     QString path(const QString& name = u"night.csv"_s) const { return folder.filePath(name); }
-
     void write(const QByteArray& bytes, const QString& name = u"night.csv"_s) const {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        folder.write(name, bytes);
     }
-
-    QByteArray read(const QString& name = u"night.csv"_s) const {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
-
-    bool editable() const {
-        const int enabled = controls.FileName.Enabled + controls.ButtPATH.Enabled +
-                            controls.ButtFileStructure.Enabled + controls.SaveFreq.Enabled;
-        EXPECT_TRUE(enabled == 0 || enabled == 4);
-        return enabled == 4;
-    }
+    QByteArray read(const QString& name = u"night.csv"_s) const { return folder.read(name); }
 
     // Recording and everything that shows it say the same.
     bool recording() const {
-        EXPECT_EQ(editable(), !recorder.recording);
+        for (const bool editable :
+             {controls.FileName.Enabled.value(), controls.ButtPATH.Enabled.value(),
+              controls.ButtFileStructure.Enabled.value(), controls.SaveFreq.Enabled.value()})
+            EXPECT_EQ(editable, !recorder.recording);
         EXPECT_EQ(controls.RecOption.Index, recorder.recording ? 0 : 1);
         EXPECT_FALSE(recorder.switching);
         return recorder.recording;
     }
 
-    QTemporaryDir folder;
+    TestFolder folder;
     DataFileControls controls;
     UserDataRecorder recorder;
     CurrentReadings readings;
@@ -115,77 +99,42 @@ TEST_F(Recorder, EveryThirdCycleWritesALineWhateverStopsBetween) {
 }
 
 TEST_F(Recorder, UserStarts) {
-    const QString append = u"Append to existing file"_s;
-    constexpr auto kYes = MessageAnswer::Yes;
-    constexpr auto kNo = MessageAnswer::No;
-    constexpr auto kCancel = MessageAnswer::Cancel;
+    const QStringList append{u"Append to existing file"_s};
+    const QStringList define{u"Define the PATH for User Data File"_s};
+    auto& place = controls.LblPathName.Caption;
+    using enum MessageAnswer;
     const QByteArray fresh = kHeader + line(1);
+    const auto holding = [this](const QByteArray& bytes) {
+        return std::function([this, bytes] { write(bytes); });
+    };
+    const auto linked = [this](const char* target) {
+        return std::function([this, target] { QFile::link(path(QLatin1String(target)), path()); });
+    };
+    const auto set = [](auto& property, const QString& text) {
+        return std::function([&property, text] { property = text; });
+    };
+    write("precious", u"other"_s);
     const struct {
         const char* what;
         std::function<void()> prepare;
         MessageAnswer answer;
         QStringList asked;
-        bool recording;
-        bool good;
+        bool recording, good;
         QByteArray content; // of night.csv after a cycle
     } cases[] = {
-        {"no file", [] {}, kCancel, {}, true, true, fresh},
-        {"append", [&] { write("old\r\n"); }, kYes, {append}, true, true, "old\r\n" + fresh},
-        {"append to a torn line",
-         [&] { write("old\r\nto"); },
-         kYes,
-         {append},
-         true,
-         true,
-         "old\r\nto\r\n" + fresh},
-        {"append to nothing", [&] { write(""); }, kYes, {append}, true, true, fresh},
-        {"overwrite",
-         [&] { write("older and longer than what follows, by far\r\n"); },
-         kNo,
-         {append},
-         true,
-         true,
-         fresh},
-        {"cancel", [&] { write("old\r\n"); }, kCancel, {append}, false, true, "old\r\n"},
-        {"no name", [&] { controls.FileName.Text = u"  "_s; }, kYes, {}, false, true, "no file"},
-        {"no folder",
-         [&] { controls.LblPathName.Caption = u" "_s; },
-         kYes,
-         {u"Define the PATH for User Data File"_s},
-         false,
-         true,
+        {"no file", [] {}, Cancel, {}, true, true, fresh},
+        {"append", holding("old\r\n"), Yes, append, true, true, "old\r\n" + fresh},
+        {"to a torn line", holding("old\r\nto"), Yes, append, true, true, "old\r\nto\r\n" + fresh},
+        {"append to nothing", holding(""), Yes, append, true, true, fresh},
+        {"overwrite", holding(QByteArray(500, 'x')), No, append, true, true, fresh},
+        {"cancel", holding("old\r\n"), Cancel, append, false, true, "old\r\n"},
+        {"no name", set(controls.FileName.Text, u"  "_s), Yes, {}, false, true, "no file"},
+        {"no folder", set(place, u" "_s), Yes, define, false, true, "no file"},
+        {"folder is missing", set(place, path(u"gone"_s)), Yes, {}, false, false, "no file"},
+        {"a folder in its place", [&] { QDir().mkdir(path()); }, Yes, append, false, false,
          "no file"},
-        {"folder is missing",
-         [&] { controls.LblPathName.Caption = path(u"gone"_s); },
-         kYes,
-         {},
-         false,
-         false,
-         "no file"},
-        {"a folder in its place",
-         [&] { QDir().mkdir(path()); },
-         kYes,
-         {append},
-         false,
-         false,
-         "no file"},
-        {"a link in its place",
-         [&] {
-             write("precious", u"other"_s);
-             QFile::link(path(u"other"_s), path());
-         },
-         kNo,
-         {append},
-         false,
-         false,
-         "precious"},
-        {"a link to nothing",
-         [&] { QFile::link(path(u"new"_s), path()); },
-         kYes,
-         {append},
-         false,
-         false,
-         "no file"},
+        {"a link in its place", linked("other"), No, append, false, false, "precious"},
+        {"a link to nothing", linked("new"), Yes, append, false, false, "no file"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -224,7 +173,7 @@ TEST_F(Recorder, NameOfAnotherCaseIsTheSameFile) {
     EXPECT_EQ(read(u"Night.CSV"_s), "old\r\n" + kHeader);
     EXPECT_TRUE(Record_Start(false, recorder, controls));
     EXPECT_EQ(read(u"Night.CSV"_s), kHeader);
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+    EXPECT_EQ(folder.names().size(), 1);
 }
 
 TEST_F(Recorder, OtherProgramsStartAndStopWithoutAQuestion) {
@@ -272,28 +221,6 @@ TEST_F(Recorder, OtherProgramsAnswerTheOpenQuestion) {
     EXPECT_EQ(read(), "old\r\n" + kHeader + line(1));
 }
 
-// Files may not grow beyond a size while this lives: a write stops there, as on a full disk.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes)
-        : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        rlimit limited = before_;
-        limited.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    void (*handler_)(int);
-    rlimit before_{};
-};
-
 TEST_F(Recorder, FullDiskCostsOnlyTheLinesThatDoNotFit) {
     controls.RecOption.choose(0);
     cycles(1);
@@ -301,7 +228,7 @@ TEST_F(Recorder, FullDiskCostsOnlyTheLinesThatDoNotFit) {
     QByteArray whileFull;
     bool stillRecording = false;
     {
-        const FileSizeLimit full(static_cast<rlim_t>(written.size() + line(2).size() / 2));
+        const FullDisk full(static_cast<rlim_t>(written.size() + line(2).size() / 2));
         cycles(2);
         whileFull = read();
         stillRecording = recorder.recording;
@@ -314,7 +241,7 @@ TEST_F(Recorder, FullDiskCostsOnlyTheLinesThatDoNotFit) {
     // A start whose header does not fit fails and leaves what there was.
     bool started = true;
     {
-        const FileSizeLimit full(static_cast<rlim_t>(read().size()) + 3);
+        const FullDisk full(static_cast<rlim_t>(read().size()) + 3);
         started = Record_Start(true, recorder, controls);
     }
     EXPECT_FALSE(started);
@@ -351,18 +278,15 @@ TEST_F(Recorder, FileShortenedOrDeletedByAnotherProgram) {
 }
 
 TEST(RecorderControls, IntervalAndFileNameRules) {
-    const std::vector<std::pair<double, double>> intervals = {{0, 1},   {-5, 1},  {0.4, 1},
-                                                              {2.5, 2}, {3.5, 4}, {12, 12}};
-    for (const auto& [typed, shown] : intervals) {
+    for (const auto& [typed, shown] : std::initializer_list<std::pair<double, double>>{
+             {0, 1}, {-5, 1}, {0.4, 1}, {2.5, 2}, {3.5, 4}, {12, 12}}) {
         NumberBox box;
         box.Value = typed;
         SetSaveFreq(box);
         EXPECT_EQ(box.Value, shown) << typed;
     }
-    const QString taken = u"AZaz09_\b"_s;
-    const QString dropped = u"@[`{/:. -\\*?\u00C4\u0660\n"_s;
-    EXPECT_TRUE(std::ranges::all_of(taken, dataFileNameAccepts));
-    EXPECT_TRUE(std::ranges::none_of(dropped, dataFileNameAccepts));
+    EXPECT_TRUE(std::ranges::all_of(u"AZaz09_\b"_s, dataFileNameAccepts));
+    EXPECT_TRUE(std::ranges::none_of(u"@[`{/:. -\\*?\u00C4\u0660\n"_s, dataFileNameAccepts));
 }
 
 } // namespace
