@@ -81,7 +81,7 @@ def ends(seen):
         seen.recovery(monitored, "its first data", is_safe)
 
 
-@row(AREA, "ends in the middle of a cycle", short=True)
+@row(AREA, "ends in the middle of a cycle")
 def ends_in_mid_call(seen):
     monitored = shared()
     for member in ["Condition_Rain", "DeviceIsRunning", "SetUnSafe"]:
