@@ -238,8 +238,11 @@ int main(int argc, char** argv) {
         end();
     });
     followCycles(core, options);
-    if (options.record)
+    if (options.record) {
         Record_Start(core, true);
+        if (!core.recorder.recording)
+            std::fprintf(stderr, "Not recording: the user data file cannot be written.\n");
+    }
     if (options.start)
         QTimer::singleShot(0, &application, [&core] { StartSession(core); });
 

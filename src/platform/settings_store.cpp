@@ -4,6 +4,7 @@
 #include "platform/settings_copy.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QStandardPaths>
@@ -61,20 +62,30 @@ bool isTrusted(const QString& path, bool folderWasPrivate) {
     const QByteArray name = path.toLocal8Bit();
     struct stat entry {};
     struct stat target {};
-    if (::lstat(name.constData(), &entry) != 0 || S_ISREG(entry.st_mode))
+    if (::lstat(name.constData(), &entry) != 0 || S_ISREG(entry.st_mode) || S_ISDIR(entry.st_mode))
         return true;
     return S_ISLNK(entry.st_mode) && folderWasPrivate && entry.st_uid == ::geteuid() &&
            ::stat(name.constData(), &target) == 0 && S_ISREG(target.st_mode) &&
            target.st_uid == ::geteuid();
 }
 
-void makeFilePrivate(const QString& path, bool folderWasPrivate) {
-    if (!isTrusted(path, folderWasPrivate)) {
+// Removes links and the like by which somebody else would have settings read from elsewhere or
+// written there: from among the files of `application`, and from among all while others could
+// write to the folder.
+void removeUntrusted(const QString& folder, const QString& application, bool folderWasPrivate) {
+    QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::System);
+    while (entries.hasNext()) {
+        const QString path = entries.next();
+        if ((folderWasPrivate && !entries.fileName().startsWith(application + u'.')) ||
+            isTrusted(path, folderWasPrivate))
+            continue;
         ::unlink(path.toLocal8Bit().constData());
         tell(path, "is a link that others may have made, or no file: it is removed, and what it "
                    "led to is left alone");
-        return;
     }
+}
+
+void makeFilePrivate(const QString& path) {
     const std::optional<mode_t> found = makePrivate(path);
     if (found && (*found & kOthers) != 0)
         tell(path, "was open to other users; it no longer is");
@@ -108,7 +119,9 @@ SettingsStore::SettingsStore(const QString& application) {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
                            QStringLiteral("/Kiv");
     path_ = folder + u'/' + application + QStringLiteral(".ini");
-    makeFilePrivate(path_, makeFolderPrivate(folder));
+    const bool wasPrivate = makeFolderPrivate(folder);
+    removeUntrusted(folder, application, wasPrivate);
+    makeFilePrivate(path_);
     removeLeftovers(path_);
     completed_ = completeCutSettings(path_);
     if (completed_)
