@@ -1,5 +1,6 @@
 #include "ui/bind.h"
 
+#include "ui/dialog_parts.h"
 #include "ui/kiv_get_number.h"
 #include "ui/look.h"
 #include "ui/readout.h"
@@ -49,12 +50,15 @@ void followVisible(QWidget* widget, QProperty<bool>& visible) {
 void bind(QLabel* widget, Label& record) {
     widget->setTextFormat(Qt::PlainText); // captions come from files and other programs
     follow(widget, record.Caption, [widget](const QString& text) { widget->setText(text); });
-    follow(widget, record.ForeColor, [widget](Colour colour) {
+    const auto paint = [widget, &record] {
         QPalette palette;
-        if (colour != 0)
-            palette.setColor(QPalette::WindowText, screenColour(colour));
+        if (record.ForeColor != 0)
+            palette.setColor(QPalette::WindowText,
+                             look::ink(screenColour(record.ForeColor), look::kWindow));
         widget->setPalette(palette);
-    });
+    };
+    follow(widget, record.ForeColor, [paint](Colour) { paint(); });
+    followLook(widget, paint);
     followVisible(widget, record.Visible);
 }
 
@@ -119,12 +123,13 @@ void bind(QButtonGroup* widget, OptionGroup& record) {
     follow(widget, record.Index, [widget](int index) {
         if (QAbstractButton* chosen = widget->button(index)) {
             chosen->setChecked(true);
-            return;
+        } else {
+            widget->setExclusive(false); // an exclusive group keeps one chosen
+            for (QAbstractButton* button : widget->buttons())
+                button->setChecked(false);
+            widget->setExclusive(true);
         }
-        widget->setExclusive(false); // an exclusive group keeps one chosen
-        for (QAbstractButton* button : widget->buttons())
-            button->setChecked(false);
-        widget->setExclusive(true);
+        tabToChosen(*widget);
     });
     follow(widget, record.Enabled, [widget](bool on) {
         for (QAbstractButton* button : widget->buttons())

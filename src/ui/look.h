@@ -1,37 +1,77 @@
-// The look of all windows: one dark palette, made for the stated reading colours (cyan, green,
-// yellow, orange, red), and the flat drawing of controls.
+// The looks of all windows: a dark panel made for the stated reading colours (cyan, green, yellow,
+// orange, red), the same in deep red on black for eyes that are used to the dark, and the
+// desktop's own. Shades of stated colours come from ui/shades.h.
 #pragma once
 
 #include "records/colours.h"
 
 #include <QColor>
 
+#include <functional>
+
 class QApplication;
+class QImage;
+class QObject;
 
 namespace skyhold {
 
-// Gives the application its style and palette. Called once, before the first window.
-void applyLook(QApplication& application);
+enum class Look { Panel, Night, Desktop };
 
-// A record's colour (0x00BBGGRR) on the screen.
+// Gives the application its style and palette, and all windows that are open.
+void applyLook(QApplication& application, Look look = Look::Panel);
+Look lookInForce();
+
+// Calls `apply` now and after every change of the look, while `owner` lives.
+void followLook(QObject* owner, std::function<void()> apply);
+
+// A record's colour (0x00BBGGRR).
 QColor screenColour(Colour colour);
 
 namespace look {
 
-const QColor kWindow(0x1b, 0x21, 0x28);
-const QColor kField(0x11, 0x15, 0x1a);
-const QColor kCard(0x26, 0x2f, 0x39);  // readings
-const QColor kGroup(0x20, 0x27, 0x2f); // settings
-const QColor kEdge(0x3b, 0x47, 0x54);
-const QColor kButton(0x31, 0x3c, 0x48);
-const QColor kText(0xe8, 0xed, 0xf2);
-const QColor kDimText(0xa3, 0xb0, 0xbd);
-const QColor kDisabledText(0x78, 0x84, 0x90);
-const QColor kAccent(0x4a, 0xa3, 0xdf);
-const QColor kPrimary(0x1f, 0x6f, 0xa8); // the button that starts it all
-// The status lines show navy and dark green, which need a light ground.
-const QColor kStrip(0xec, 0xef, 0xf2);
-const QColor kStripText(0x1b, 0x21, 0x28);
+struct Scheme {
+    QColor window;
+    QColor field;
+    QColor card;  // readings
+    QColor group; // settings
+    QColor edge;
+    QColor button;
+    QColor text;
+    QColor dimText;
+    QColor disabledText;
+    QColor accent;
+    QColor primary; // the button that starts it all
+    QColor loud;    // the button that ends a noise
+    QColor strip;   // of the status lines
+    QColor stripText;
+};
+
+namespace detail {
+extern Scheme scheme;
+}
+
+// Of the look in force: what paints reads them anew every time.
+inline const QColor& kWindow = detail::scheme.window;
+inline const QColor& kField = detail::scheme.field;
+inline const QColor& kCard = detail::scheme.card;
+inline const QColor& kGroup = detail::scheme.group;
+inline const QColor& kEdge = detail::scheme.edge;
+inline const QColor& kButton = detail::scheme.button;
+inline const QColor& kText = detail::scheme.text;
+inline const QColor& kDimText = detail::scheme.dimText;
+inline const QColor& kDisabledText = detail::scheme.disabledText;
+inline const QColor& kAccent = detail::scheme.accent;
+inline const QColor& kPrimary = detail::scheme.primary;
+inline const QColor& kLoud = detail::scheme.loud;
+inline const QColor& kStrip = detail::scheme.strip;
+inline const QColor& kStripText = detail::scheme.stripText;
+
+// How a stated colour appears in the look in force.
+QColor ink(const QColor& stated, const QColor& ground); // of letters and lines
+QColor light(const QColor& stated);                     // of a lamp
+QColor ground(const QColor& stated);                    // of a field with letters on it
+QColor inkOn(const QColor& ground);                     // of such letters
+QImage picture(const QImage& graph);
 
 constexpr int kMargin = 12; // around a window's contents
 constexpr int kGap = 8;     // between neighbours

@@ -35,6 +35,11 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     : core_(core) {
     setObjectName(u"KivSHMainform"_s);
     WindowControls& window = core_.records.window;
+    follow(this, window.Look, [](int chosen) {
+        const auto look = static_cast<Look>(chosen);
+        if (look != lookInForce())
+            applyLook(*qApp, look);
+    });
     follow(this, window.Caption, [this](const QString& text) { setWindowTitle(text); });
 
     auto* content = new QWidget(this);

@@ -18,6 +18,7 @@ void Readout::setText(const QString& text) {
         return;
     text_ = text;
     update();
+    Q_EMIT textChanged(text);
 }
 
 void Readout::setInk(const QColor& ink) {
@@ -25,6 +26,38 @@ void Readout::setInk(const QColor& ink) {
         return;
     ink_ = ink;
     update();
+}
+
+void Readout::setTone(Tone tone) {
+    if (tone == tone_)
+        return;
+    tone_ = tone;
+    update();
+}
+
+void Readout::setGround(const QColor& ground) {
+    if (ground == ground_)
+        return;
+    ground_ = ground;
+    update();
+}
+
+QColor Readout::shownInk() const {
+    if (ink_.isValid())
+        return look::ink(ink_, ground_.isValid() ? look::ground(ground_) : look::kCard);
+    switch (tone_) {
+    case Tone::Text:
+        break;
+    case Tone::Dim:
+        return look::kDimText;
+    case Tone::Disabled:
+        return look::kDisabledText;
+    case Tone::Accent:
+        return look::ink(look::kAccent, look::kCard);
+    case Tone::Strip:
+        return look::kStripText;
+    }
+    return palette().color(foregroundRole());
 }
 
 void Readout::setPixelSize(int size, bool bold) {
@@ -42,11 +75,30 @@ void Readout::reserve(const QString& widest) {
 
 QSize Readout::sizeHint() const {
     const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(widest_) + 2, metrics.height() * (wrap_ ? 2 : 1)};
+    return QSize(metrics.horizontalAdvance(widest_) + 2, metrics.height() * (wrap_ ? 2 : 1))
+        .grownBy(contentsMargins());
 }
 
 QSize Readout::minimumSizeHint() const {
     return sizeHint();
+}
+
+int Readout::textFlags() const {
+    return static_cast<int>(alignment_) | (wrap_ ? Qt::TextWordWrap : 0);
+}
+
+bool Readout::fits(const QFont& font) const {
+    const QRect room = contentsRect();
+    const QRect needed = QFontMetrics(font).boundingRect(room, textFlags(), text_);
+    return needed.width() <= room.width() && needed.height() <= room.height();
+}
+
+QFont Readout::fittedFont() const {
+    QFont fitted = font();
+    const int smallest = cutInMiddle_ ? fitted.pixelSize() : fitted.pixelSize() * 2 / 3;
+    while (fitted.pixelSize() > smallest && !fits(fitted))
+        fitted.setPixelSize(fitted.pixelSize() - 1);
+    return fitted;
 }
 
 void Readout::paintEvent(QPaintEvent*) {
@@ -57,28 +109,20 @@ void Readout::paintEvent(QPaintEvent*) {
     }
     if (text_.isEmpty())
         return;
-    painter.setPen(ink_.isValid() && isEnabled() ? ink_ : palette().color(foregroundRole()));
-
-    const int flags = static_cast<int>(alignment_) | (wrap_ ? Qt::TextWordWrap : 0);
-    const auto fits = [&](const QFont& font) {
-        const QRect needed = QFontMetrics(font).boundingRect(rect(), flags, text_);
-        return needed.width() <= width() && needed.height() <= height();
-    };
-    QFont fitted = font();
-    const int smallest = cutInMiddle_ ? fitted.pixelSize() : fitted.pixelSize() * 2 / 3;
-    while (fitted.pixelSize() > smallest && !fits(fitted))
-        fitted.setPixelSize(fitted.pixelSize() - 1);
+    painter.setPen(isEnabled() ? shownInk() : palette().color(foregroundRole()));
+    const QFont fitted = fittedFont();
     painter.setFont(fitted);
 
     QString shown = text_;
+    const QRect room = contentsRect();
     if (!fits(fitted)) {
         const QFontMetrics metrics(fitted);
         // A wrapped text leaves some of each line's end empty.
-        const int lines = wrap_ ? std::max(1, height() / metrics.height()) : 1;
+        const int lines = wrap_ ? std::max(1, room.height() / metrics.height()) : 1;
         shown = metrics.elidedText(text_, cutInMiddle_ ? Qt::ElideMiddle : Qt::ElideRight,
-                                   width() * lines - (lines - 1) * 60);
+                                   room.width() * lines - (lines - 1) * 60);
     }
-    painter.drawText(rect(), flags, shown);
+    painter.drawText(room, textFlags(), shown);
 }
 
 Swatch::Swatch(QWidget* parent)
@@ -91,17 +135,20 @@ void Swatch::setFill(const QColor& fill) {
     if (fill == fill_)
         return;
     fill_ = fill;
-    constexpr int kMiddleGrey = 128;
-    setInk(qGray(fill.rgb()) < kMiddleGrey ? Qt::white : Qt::black);
     update();
+}
+
+QColor Swatch::shownInk() const {
+    return look::inkOn(fill_);
 }
 
 void Swatch::paintEvent(QPaintEvent* event) {
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(hasFocus() ? look::kAccent : fill_.darker(130), hasFocus() ? 2 : 1));
-        painter.setBrush(fill_);
+        const QColor fill = look::ground(fill_);
+        painter.setPen(QPen(hasFocus() ? look::kAccent : fill.darker(130), hasFocus() ? 2 : 1));
+        painter.setBrush(fill);
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
     }
     Readout::paintEvent(event);
@@ -122,14 +169,27 @@ void LampWidget::setColour(const QColor& colour) {
 void LampWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(colour_.darker(160), 1.5));
-    painter.setBrush(colour_);
+    const QColor light = look::light(colour_);
+    const bool off = colour_ == screenColour(kGrey);
+    painter.setPen(QPen(off ? light : light.darker(160), 1.5));
+    painter.setBrush(off && lookInForce() == Look::Night ? QBrush(Qt::NoBrush) : light);
     painter.drawEllipse(QRectF(rect()).adjusted(1, 1, -1, -1));
+    constexpr int kLarge = 40;
+    if (width() < kLarge)
+        return;
+    painter.scale(width(), height());
+    painter.setPen(QPen(look::kField, 0.12, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    if (colour_ == screenColour(kGreen)) {
+        painter.drawPolyline(QPolygonF{{0.28, 0.53}, {0.44, 0.69}, {0.73, 0.35}});
+    } else if (colour_ == screenColour(kRed)) {
+        painter.drawLine(QPointF(0.32, 0.32), QPointF(0.68, 0.68));
+        painter.drawLine(QPointF(0.68, 0.32), QPointF(0.32, 0.68));
+    }
 }
 
 Card::Card(QWidget* parent)
-    : QWidget(parent)
-    , fill_(look::kCard) {}
+    : QWidget(parent) {}
 
 void Card::setFill(const QColor& fill) {
     if (fill == fill_)
@@ -138,11 +198,17 @@ void Card::setFill(const QColor& fill) {
     update();
 }
 
+void Card::standForGroup() {
+    group_ = true;
+    update();
+}
+
 void Card::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(fill_);
+    const QColor& own = group_ ? look::kGroup : look::kCard;
+    painter.setBrush(fill_.isValid() ? look::ground(fill_) : own);
     painter.drawRoundedRect(rect(), 6, 6);
 }
 

@@ -8,6 +8,9 @@
 
 namespace skyhold {
 
+// What a text has its colour from where nobody states one.
+enum class Tone { Text, Dim, Disabled, Accent, Strip };
+
 // One text. A text that does not fit is drawn smaller, down to two thirds, then cut with an
 // ellipsis. Its size is fixed by whoever places it.
 class Readout : public QWidget {
@@ -19,26 +22,43 @@ class Readout : public QWidget {
     QString text() const { return text_; }
     void setText(const QString& text);
     QColor ink() const { return ink_; }
-    // An invalid colour stands for the palette's own text colour.
+    // A stated colour, which every look shows in its own way; an invalid one stands for the tone.
     void setInk(const QColor& ink);
+    void setTone(Tone tone);
+    // What the text stands on, unless it is the window.
+    void setGround(const QColor& ground);
+
+    // The colour of the letters in the look in force.
+    virtual QColor shownInk() const;
 
     void setPixelSize(int size, bool bold = false);
     void setAlignment(Qt::Alignment alignment) { alignment_ = alignment; }
     void setWrap(bool wrap) { wrap_ = wrap; }
     // For paths: kept at its size and cut in the middle.
     void cutInMiddle() { cutInMiddle_ = true; }
+    // Whether the text is shown without being cut.
+    bool fitsWhole() const { return fits(fittedFont()); }
     // Asks for a fixed width in which `widest` fits.
     void reserve(const QString& widest);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+  Q_SIGNALS:
+    void textChanged(const QString& text);
+
   protected:
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    int textFlags() const;
+    bool fits(const QFont& font) const;
+    QFont fittedFont() const;
+
     QString text_;
     QColor ink_;
+    QColor ground_;
+    Tone tone_ = Tone::Text;
     QString widest_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
     bool cutInMiddle_ = false;
@@ -57,12 +77,14 @@ class Swatch : public Readout {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    QColor shownInk() const override;
 
   private:
     QColor fill_;
 };
 
-// A round lamp.
+// A round lamp. What is off is hollow in night vision; a large one carries the sign of its colour,
+// a tick for green and a cross for red, for those who see no colours.
 class LampWidget : public QWidget {
     Q_OBJECT
 
@@ -79,20 +101,23 @@ class LampWidget : public QWidget {
     QColor colour_;
 };
 
-// A rounded card on which others stand.
+// A rounded card on which others stand, in the colour of cards unless another is stated.
 class Card : public QWidget {
     Q_OBJECT
 
   public:
     explicit Card(QWidget* parent);
+    // An invalid colour stands for that of cards.
     void setFill(const QColor& fill);
-    QColor fill() const { return fill_; }
+    // Has the colour of a group of settings.
+    void standForGroup();
 
   protected:
     void paintEvent(QPaintEvent* event) override;
 
   private:
     QColor fill_;
+    bool group_ = false;
 };
 
 } // namespace skyhold

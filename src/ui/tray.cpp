@@ -45,6 +45,7 @@ void Tray::followVerdict() {
     follow(this, records.conditions.LEDUnsafe.FillColor, [this](Colour) { showVerdict(); });
     // Blinks at the end of every read cycle, when the health of the sources is known.
     follow(this, records.display.LEDRead.first.FillColor, [this](Colour) { showVerdict(); });
+    followLook(this, [this] { showVerdict(); });
 }
 
 void Tray::showVerdict() {
@@ -52,9 +53,10 @@ void Tray::showVerdict() {
     const VerdictIcon verdict =
         verdictIcon(records.session.ButtStart.Visible, records.conditions.LEDUnsafe.FillColor,
                     records.readings);
-    if (shown_ == verdict)
+    const std::pair shown(verdict, lookInForce());
+    if (shown_ == shown)
         return;
-    shown_ = verdict;
+    shown_ = shown;
     const QIcon icon = drawVerdictIcon(verdict);
     icon_.setIcon(icon);
     window_.setWindowIcon(icon);

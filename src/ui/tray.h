@@ -1,6 +1,7 @@
 // The tray icon: it shows the verdict, and lets the program live without its window.
 #pragma once
 
+#include "ui/look.h"
 #include "ui/verdict_icon.h"
 
 #include "core/monitoring_core.h"
@@ -43,7 +44,7 @@ class Tray : public QObject {
     KivSHMainform& window_;
     QSystemTrayIcon icon_;
     QTimer secondClick_; // runs while a click may still become a double click
-    std::optional<VerdictIcon> shown_;
+    std::optional<std::pair<VerdictIcon, Look>> shown_;
 };
 
 } // namespace skyhold

@@ -1,5 +1,7 @@
 #include "ui/verdict_icon.h"
 
+#include "ui/look.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -16,20 +18,29 @@ const QColor kFaultFill(0xff, 0xb0, 0x20);
 const QColor kFaultMark(0x26, 0x1a, 0x00);
 const QColor kNoneRing(0x8c, 0x98, 0xa4);
 
+// The sign on a filled shape.
+QColor markColour() {
+    return lookInForce() == Look::Night ? Qt::black : Qt::white;
+}
+
 QPen stroke(const QColor& colour, qreal width) {
     return {colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
 }
 
+QColor faultMark() {
+    return lookInForce() == Look::Night ? QColor(Qt::black) : kFaultMark;
+}
+
 void drawNone(QPainter& painter) {
-    painter.setPen(stroke(kNoneRing, 3));
+    painter.setPen(stroke(look::light(kNoneRing), 3));
     painter.drawEllipse(QRectF(3, 3, 16, 16));
 }
 
 void drawSafe(QPainter& painter) {
     painter.setPen(Qt::NoPen);
-    painter.setBrush(kSafeFill);
+    painter.setBrush(look::light(kSafeFill));
     painter.drawEllipse(QRectF(1, 1, 20, 20));
-    painter.setPen(stroke(Qt::white, 2.8));
+    painter.setPen(stroke(markColour(), 2.8));
     painter.drawPolyline(QPolygonF{{6, 11.5}, {9.8, 15.3}, {16, 7.5}});
 }
 
@@ -38,7 +49,7 @@ void drawUnsafe(QPainter& painter) {
     constexpr qreal kFar = kSide - kNear;
     constexpr qreal kEnd = kSide - 0.8;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(kUnsafeFill);
+    painter.setBrush(look::light(kUnsafeFill));
     painter.drawPolygon(QPolygonF{{kNear, 0.8},
                                   {kFar, 0.8},
                                   {kEnd, kNear},
@@ -47,19 +58,19 @@ void drawUnsafe(QPainter& painter) {
                                   {kNear, kEnd},
                                   {0.8, kFar},
                                   {0.8, kNear}});
-    painter.setPen(stroke(Qt::white, 2.8));
+    painter.setPen(stroke(markColour(), 2.8));
     painter.drawLine(QPointF(7, 7), QPointF(15, 15));
     painter.drawLine(QPointF(15, 7), QPointF(7, 15));
 }
 
 void drawFault(QPainter& painter) {
-    painter.setPen(stroke(kFaultFill, 2));
-    painter.setBrush(kFaultFill);
+    painter.setPen(stroke(look::light(kFaultFill), 2));
+    painter.setBrush(look::light(kFaultFill));
     painter.drawPolygon(QPolygonF{{11, 2}, {20.5, 19.5}, {1.5, 19.5}});
-    painter.setPen(stroke(kFaultMark, 2.4));
+    painter.setPen(stroke(faultMark(), 2.4));
     painter.drawLine(QPointF(11, 8), QPointF(11, 12.8));
     painter.setPen(Qt::NoPen);
-    painter.setBrush(kFaultMark);
+    painter.setBrush(faultMark());
     painter.drawEllipse(QPointF(11, 16.8), 1.5, 1.5);
 }
 
