@@ -30,7 +30,8 @@ GraphPoint pointOf(const CurrentReadings& readings) {
             .direction = readings.WindDirection,
             .spread = readings.StationTemperature - readings.DewPointValue,
             .humidity = readings.HumidityValue,
-            .temperature = readings.StationTemperature};
+            .temperature = readings.StationTemperature,
+            .valid = readings.StationValid};
 }
 
 // Makes room on the ring for one more point, the newest.

@@ -14,6 +14,7 @@ struct GraphPoint {
     double spread = 0;    // temperature minus dew point
     double humidity = 0;  // percent
     double temperature = 0;
+    bool valid = true; // read from the station then, not what was left of an earlier reading
 };
 
 struct GraphHistory {

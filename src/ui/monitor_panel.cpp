@@ -2,7 +2,9 @@
 
 #include "core/alarms.h"
 #include "core/session.h"
+#include "ui/age_text.h"
 #include "ui/bind.h"
+#include "ui/copy_text.h"
 #include "ui/kiv_legend.h"
 #include "ui/look.h"
 #include "ui/open_editor.h"
@@ -23,7 +25,6 @@ namespace {
 
 constexpr int kVerdictHeight = 136;
 constexpr int kStopAlarmWidth = 118;
-const QColor kStopAlarmGround(0xb3, 0x53, 0x00);
 
 // The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
 QColor verdictGround(Colour lamp) {
@@ -31,7 +32,7 @@ QColor verdictGround(Colour lamp) {
         return QColor(0xa1, 0x12, 0x1b);
     if (lamp == kGreen)
         return QColor(0x12, 0x6b, 0x35);
-    return look::kCard;
+    return {};
 }
 
 Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool bold = false) {
@@ -44,7 +45,7 @@ Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool b
 // A caption that stands fixed in the window.
 Readout* makeCaption(QWidget* parent, const QString& text) {
     Readout* caption = makeReadout(parent, {}, 13);
-    caption->setInk(look::kDimText);
+    caption->setTone(Tone::Dim);
     caption->setText(text);
     caption->reserve(text);
     return caption;
@@ -70,8 +71,11 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     layout->setContentsMargins(look::kMargin, look::kMargin, look::kMargin, look::kGap);
     layout->setSpacing(look::kGap);
     layout->addLayout(top);
-    layout->addWidget(makeTiles(core.records.display, core.records.units));
-    layout->addWidget(makeSources(core.records.display, core.records.session));
+    layout->addWidget(makeTiles(core.records));
+    layout->addWidget(makeSources(core));
+    // Blinks at the end of every read cycle.
+    follow(this, core.records.display.LEDRead.first.FillColor,
+           [this, &core](Colour) { showTrends(core.records); });
 }
 
 QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions, SessionControls& session) {
@@ -83,15 +87,18 @@ QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions, SessionControl
     verdict->setFixedHeight(88);
     bind(verdict, conditions.LblStatus);
     Readout* note = makeReadout(card, u"LblVerdictNote"_s, 15);
-    note->setInk(look::kDimText);
+    note->setTone(Tone::Dim);
     note->setFixedHeight(24);
 
     // The last verdict stays after a session has ended, but must not look like a judgement of now.
     const auto refresh = [=, &conditions, &session] {
         const bool idle = session.ButtStart.Visible;
         const bool none = conditions.LblStatus.Caption.value().isEmpty();
-        card->setFill(idle ? look::kCard : verdictGround(conditions.LEDUnsafe.FillColor));
-        verdict->setInk(idle ? look::kDisabledText : Qt::white);
+        const QColor ground = idle ? QColor() : verdictGround(conditions.LEDUnsafe.FillColor);
+        card->setFill(ground);
+        verdict->setGround(ground);
+        verdict->setTone(idle ? Tone::Disabled : Tone::Text);
+        verdict->setInk(ground.isValid() ? Qt::white : QColor());
         const QString idleNote =
             none ? u"Not monitoring"_s : u"Not monitoring: this was the last verdict"_s;
         note->setText(idle ? idleNote : none ? u"No verdict yet"_s : QString());
@@ -137,7 +144,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
             words = u"Start begins a monitoring session."_s;
         else if (none && !idle && lamp == kGreen)
             words = u"No condition counts as unsafe."_s;
-        cause->setInk(none || idle ? look::kDimText : look::kText);
+        cause->setTone(none || idle ? Tone::Dim : Tone::Text);
         cause->setText(words);
     };
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
@@ -157,7 +164,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     bind(automatic, records.session.Frame3);
 
     Readout* control = makeReadout(card, u"LblControl"_s, 15, true);
-    control->setInk(look::kAccent);
+    control->setTone(Tone::Accent);
     bind(control, records.session.LblControl);
     auto* alarms = new QHBoxLayout;
     alarms->setSpacing(look::kGap);
@@ -200,10 +207,12 @@ QPushButton* MonitorPanel::makeStopAlarm(MonitoringCore& core, QWidget* card) {
     font.setPixelSize(14);
     font.setBold(true);
     button->setFont(font);
-    QPalette loud = button->palette();
-    loud.setColor(QPalette::Button, kStopAlarmGround);
-    loud.setColor(QPalette::ButtonText, Qt::white);
-    button->setPalette(loud);
+    followLook(button, [button] {
+        QPalette loud;
+        loud.setColor(QPalette::Button, look::kLoud);
+        loud.setColor(QPalette::ButtonText, look::inkOn(look::kLoud));
+        button->setPalette(loud);
+    });
     bind(button, core.records.alarms.ButtStopAlarm);
     connect(button, &QPushButton::clicked, card, [&core] { AlarmStop(core); });
     return button;
@@ -232,9 +241,12 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
         return button;
     };
     QPushButton* start = makeButton(u"ButtStart"_s, u"&Start"_s, session.ButtStart);
-    QPalette primary = start->palette();
-    primary.setColor(QPalette::Button, look::kPrimary);
-    start->setPalette(primary);
+    followLook(start, [start] {
+        QPalette primary;
+        if (lookInForce() != Look::Desktop)
+            primary.setColor(QPalette::Button, look::kPrimary);
+        start->setPalette(primary);
+    });
     QPushButton* stop = makeButton(u"ButtStop"_s, u"S&top"_s, session.ButtStop);
     connect(start, &QPushButton::clicked, card, [&core] { StartSession(core); });
     connect(stop, &QPushButton::clicked, card, [&core] { StopSession(core); });
@@ -250,7 +262,7 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     return card;
 }
 
-QWidget* MonitorPanel::makeTiles(ReadingDisplay& display, UnitControls& units) {
+QWidget* MonitorPanel::makeTiles(Records& records) {
     struct Tile {
         Header header;
         const char* headerName;
@@ -260,10 +272,17 @@ QWidget* MonitorPanel::makeTiles(ReadingDisplay& display, UnitControls& units) {
         const char* conditionName;
         Label* unit;
         const char* fixedUnit;
+        double (*trend)(const GraphPoint&) = nullptr;
+        TrendScale scale = {};
     };
-    Label* const temperature = &units.TemperatureUnitText;
-    Label* const speed = &units.SpeedUnitText;
-    ReadingDisplay& d = display;
+    Label* const temperature = &records.units.TemperatureUnitText;
+    Label* const speed = &records.units.SpeedUnitText;
+    ReadingDisplay& d = records.display;
+    // What one would call calm or steady does not fill its strip.
+    constexpr TrendScale anySpeed{.leastSpan = 10, .lowest = 0};
+    constexpr TrendScale degrees{.leastSpan = 4};
+    constexpr TrendScale percent{.leastSpan = 10, .lowest = 0, .highest = 100};
+    constexpr TrendScale compass{.lowest = 0, .highest = 360, .circular = true};
     const std::array<Tile, 9> tiles{{
         {Header::Cloud, "Label00", d.LValCloud, "LValCloud", &d.LCondCloud, "LCondCloud",
          temperature, ""},
@@ -271,16 +290,18 @@ QWidget* MonitorPanel::makeTiles(ReadingDisplay& display, UnitControls& units) {
         {Header::Brightness, "Label07", d.LValBrightness, "LValBrightness", &d.LCondBrightness,
          "LCondBrightness", nullptr, ""},
         {Header::Temperature, "Label08", d.LValTemperature, "LValTemperature", &d.LCondTemp,
-         "LCondTemp", temperature, ""},
+         "LCondTemp", temperature, "", [](const GraphPoint& p) { return p.temperature; }, degrees},
         {Header::Wind, "Label02", d.LValWindSpeed, "LValWindSpeed", &d.LCondWind, "LCondWind",
-         speed, ""},
+         speed, "", [](const GraphPoint& p) { return p.wind; }, anySpeed},
         {Header::Gust, "Label03", d.LValWindGust, "LValWindGust", &d.LCondGust, "LCondGust", speed,
-         ""},
-        {Header::Direction, "Label04", d.LValWindDir, "LValWindDir", nullptr, "", nullptr, "°"},
+         "", [](const GraphPoint& p) { return p.gust; }, anySpeed},
+        {Header::Direction, "Label04", d.LValWindDir, "LValWindDir", nullptr, "", nullptr, "°",
+         [](const GraphPoint& p) { return p.direction; }, compass},
         {Header::DewPoint, "Label05", d.LValDewPoint, "LValDewPoint", &d.LCondDewPoint,
-         "LCondDewPoint", temperature, ""},
+         "LCondDewPoint", temperature, "",
+         [](const GraphPoint& p) { return p.temperature - p.spread; }, degrees},
         {Header::Humidity, "Label06", d.LValHumidity, "LValHumidity", &d.LCondHumidity,
-         "LCondHumidity", nullptr, "%"},
+         "LCondHumidity", nullptr, "%", [](const GraphPoint& p) { return p.humidity; }, percent},
     }};
 
     auto* row = new QWidget(this);
@@ -288,21 +309,37 @@ QWidget* MonitorPanel::makeTiles(ReadingDisplay& display, UnitControls& units) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
     for (const Tile& tile : tiles) {
-        auto* card =
-            new ReadingTile(display.header(tile.header), QString::fromLatin1(tile.headerName),
-                            tile.value, QString::fromLatin1(tile.valueName), row);
+        auto* card = new ReadingTile(d.header(tile.header), QString::fromLatin1(tile.headerName),
+                                     tile.value, QString::fromLatin1(tile.valueName), row);
         if (tile.condition)
             card->showCondition(*tile.condition, QString::fromLatin1(tile.conditionName));
         if (tile.unit)
             card->showUnit(*tile.unit);
         else
             card->showUnit(QString::fromUtf8(tile.fixedUnit));
+        if (tile.trend)
+            trends_.push_back({card, tile.trend, tile.scale});
         layout->addWidget(card, 1);
     }
     return row;
 }
 
-QWidget* MonitorPanel::makeSources(ReadingDisplay& display, SessionControls& session) {
+// Only when the history has another newest point, or has been cleared.
+void MonitorPanel::showTrends(const Records& records) {
+    const GraphHistory& history = records.history;
+    const std::pair newest(history.count(),
+                           history.count() > 0 ? history.point(history.LastElem).date : 0.0);
+    if (newest == shownNewest_)
+        return;
+    shownNewest_ = newest;
+    const double step = history.SampleEvery * records.session.RefreshRead.chosenSeconds();
+    for (const TileTrend& shown : trends_)
+        shown.tile->showTrend(lastHour(history, shown.value, step), shown.scale);
+}
+
+QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
+    ReadingDisplay& display = core.records.display;
+    SessionControls& session = core.records.session;
     auto* row = new QWidget(this);
     row->setFixedHeight(24);
     auto* layout = new QHBoxLayout(row);
@@ -322,14 +359,34 @@ QWidget* MonitorPanel::makeSources(ReadingDisplay& display, SessionControls& ses
         time->reserve(u"00/00 00:00:00"_s);
         bind(time, record);
         layout->addWidget(time);
-        layout->addSpacing(look::kGap);
+        Readout* age = makeReadout(row, name + u"Age"_s, 14);
+        age->setTone(Tone::Dim);
+        age->reserve(u"00 days ahead"_s);
+        layout->addWidget(age);
+        return age;
     };
     layout->addWidget(makeCaption(row, u"Reading"_s));
     addPair(layout, u"LEDRead"_s, display.LEDRead);
     layout->addSpacing(look::kGap);
-    addTime(u"Cloud sensor"_s, u"Label30"_s, display.Label3Sensor);
-    addTime(u"Weather station"_s, u"Label32"_s, display.Label3Station);
+    Readout* sensorAge = addTime(u"Cloud sensor"_s, u"Label30"_s, display.Label3Sensor);
+    Readout* stationAge = addTime(u"Weather station"_s, u"Label32"_s, display.Label3Station);
     layout->addStretch();
+    const auto showAges = [&core, sensorAge, stationAge] {
+        const CurrentReadings& readings = core.records.readings;
+        const SessionControls& session = core.records.session;
+        const bool running = session.Running && !session.ButtStart.Visible;
+        const QDateTime now = core.clock.now();
+        const int interval = session.RefreshRead.chosenSeconds();
+        const auto show = [&](Readout* age, const QDateTime& read, bool known) {
+            age->setText(running && known ? ageText(read, now, interval) : QString());
+        };
+        // At its start a session has no reading yet, and the time of its start stands for it.
+        show(sensorAge, readings.LastReading,
+             !readings.SensorError || readings.LastReading != readings.ReadingStart);
+        show(stationAge, readings.StationDateTime, true);
+    };
+    follow(row, display.LEDRead.first.FillColor, [showAges](Colour) { showAges(); });
+    follow(row, session.ButtStart.Visible, [showAges](bool) { showAges(); });
 
     auto* activity = new QWidget(row);
     activity->setObjectName(u"FrameCOM"_s);
@@ -363,8 +420,11 @@ StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     setFixedHeight(30);
     Readout* status = makeReadout(this, u"Statusbar1"_s, 15);
     Readout* codes = makeReadout(this, u"Statusbar2"_s, 15, true);
-    for (Readout* line : {status, codes})
-        line->setInk(look::kStripText);
+    for (Readout* line : {status, codes}) {
+        line->setTone(Tone::Strip);
+        line->setGround(look::kStrip);
+        allowCopying(line);
+    }
     codes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     codes->setToolTip(u"Status codes; right-click for their meanings"_s);
     bind(status, session.Statusbar1);

@@ -5,13 +5,19 @@
 
 #include "core/monitoring_core.h"
 
+#include "ui/trend_line.h"
+
 #include <QWidget>
+
+#include <utility>
+#include <vector>
 
 class QPushButton;
 
 namespace skyhold {
 
 class Card;
+class ReadingTile;
 
 class MonitorPanel : public QWidget {
     Q_OBJECT
@@ -24,8 +30,17 @@ class MonitorPanel : public QWidget {
     QWidget* makeMessages(MonitoringCore& core);
     QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card);
     QWidget* makeSwitchAndSession(MonitoringCore& core);
-    QWidget* makeTiles(ReadingDisplay& display, UnitControls& units);
-    QWidget* makeSources(ReadingDisplay& display, SessionControls& session);
+    QWidget* makeTiles(Records& records);
+    QWidget* makeSources(MonitoringCore& core);
+    void showTrends(const Records& records);
+
+    struct TileTrend {
+        ReadingTile* tile;
+        double (*value)(const GraphPoint&);
+        TrendScale scale;
+    };
+    std::vector<TileTrend> trends_;
+    std::pair<std::int32_t, double> shownNewest_{0, 0}; // number of points, date of the newest
 };
 
 // The two status lines on their light strip. A right click on the codes opens their legend.

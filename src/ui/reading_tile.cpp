@@ -3,7 +3,18 @@
 #include "ui/bind.h"
 #include "ui/look.h"
 
+#include <QPaintEvent>
+#include <QPainter>
+
 namespace skyhold {
+
+namespace {
+
+constexpr int kHeight = 118;
+constexpr int kStripTop = 94;
+constexpr int kStripHeight = 16;
+
+} // namespace
 
 ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
                          const QString& valueName, QWidget* parent)
@@ -14,9 +25,9 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
     , condition_(new Readout(this)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     header_->setObjectName(headerName);
-    header_->setInk(look::kDimText);
+    header_->setTone(Tone::Dim);
     value_->setObjectName(valueName);
-    unit_->setInk(look::kDimText);
+    unit_->setTone(Tone::Dim);
     unit_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     bind(header_, header);
     bind(value_, value);
@@ -37,12 +48,34 @@ void ReadingTile::showUnit(Label& unit) {
     follow(unit_, unit.Caption, [this](const QString& text) { showUnit(text); });
 }
 
+void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
+    trend_ = std::move(trend);
+    scale_ = scale;
+    update(strip());
+}
+
 QSize ReadingTile::sizeHint() const {
-    return {128, 100};
+    return {128, kHeight};
 }
 
 QSize ReadingTile::minimumSizeHint() const {
-    return {96, 100};
+    return {96, kHeight};
+}
+
+QRect ReadingTile::strip() const {
+    return {8, kStripTop, width() - 16, kStripHeight};
+}
+
+void ReadingTile::paintEvent(QPaintEvent* event) {
+    Card::paintEvent(event);
+    // A new value above it leaves the strip as it is.
+    if (trend_.runs.empty() || !event->rect().intersects(strip()))
+        return;
+    QPainter painter(this);
+    painter.fillRect(QRect(strip().left(), strip().bottom() + 2, strip().width(), 1), look::kEdge);
+    constexpr int kLineMargin = 1;
+    drawTrend(painter, QRectF(strip()).adjusted(0, kLineMargin, -kLineMargin, -kLineMargin), trend_,
+              scale_, look::kDimText);
 }
 
 void ReadingTile::resizeEvent(QResizeEvent*) {

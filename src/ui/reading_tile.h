@@ -1,8 +1,10 @@
-// One quantity: its header, value, unit and condition on a card.
+// One quantity: its header, value, unit and condition on a card, and how it went over the last
+// hour.
 #pragma once
 
 #include "records/controls.h"
 #include "ui/readout.h"
+#include "ui/trend_line.h"
 
 namespace skyhold {
 
@@ -18,20 +20,26 @@ class ReadingTile : public Card {
     // The unit shows while there is a value.
     void showUnit(const QString& unit);
     void showUnit(Label& unit);
+    // Drawn below the condition; nothing as long as there are no points.
+    void showTrend(Trend trend, const TrendScale& scale);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
   protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
     void place();
+    QRect strip() const;
 
     Readout* header_;
     Readout* value_;
     Readout* unit_;
     Readout* condition_;
+    Trend trend_;
+    TrendScale scale_;
 };
 
 } // namespace skyhold
