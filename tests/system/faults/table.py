@@ -146,7 +146,7 @@ class Watch:
             self.late = max(0.0, time.monotonic() - begun - 0.1)
 
     def take_longest(self):
-        """The longest silence in seconds since this was last asked, one that still lasts with it."""
+        """The longest silence in seconds since this was last asked, also one that still lasts."""
         begun = self.asked_at
         lasting = 0.0 if begun is None else time.monotonic() - begun - self.late
         longest, self.longest = max(self.longest, lasting), 0.0
