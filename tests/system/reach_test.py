@@ -2,6 +2,7 @@
 programs are started by their own paths alone, a station file stays data, no planted link is
 followed."""
 
+import contextlib
 import os
 import pathlib
 import re
@@ -69,9 +70,8 @@ def listening_sockets(process):
     """Lines of the tables of the network that are sockets of this process and wait for anybody."""
     mine = set()
     for descriptor in (process / "fd").iterdir():
-        found = re.match(r"socket:\[(\d+)\]", os.readlink(descriptor))
-        if found:
-            mine.add(found[1])
+        with contextlib.suppress(FileNotFoundError):  # closed meanwhile
+            mine |= set(re.findall(r"^socket:\[(\d+)\]", os.readlink(descriptor)))
     for table in ["tcp", "tcp6", "udp", "udp6", "raw", "raw6"]:
         for line in (process / "net" / table).read_text().splitlines()[1:]:
             fields = line.split()

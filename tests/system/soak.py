@@ -7,6 +7,7 @@ verdict are printed, and the exit status is the verdict.
 
     soak.py [CYCLES]        in fast motion (100,000 cycles)
     soak.py --real SECONDS  at the pace of the clock
+    soak.py --window ...    with the window
 """
 
 import argparse
@@ -40,6 +41,8 @@ def parse_arguments():
                         help="so many seconds at the pace of the clock instead")
     parser.add_argument("--speed", type=float, default=500, metavar="N",
                         help="how many times as fast as the clock (500)")
+    parser.add_argument("--window", action="store_true",
+                        help="with the window, drawn without a display")
     options = parser.parse_args()
     if options.cycles <= SETTLED and not options.real:
         parser.error(f"CYCLES must be more than {SETTLED}")
@@ -178,7 +181,7 @@ def main():
     speed = 1 if options.real else options.speed
     with SoundServer(ear=False) as sounds:
         monitored = Monitored(["--start", "--record"], weather="night", speed=speed,
-                              read_seconds=5, images=True)
+                              read_seconds=5, images=True, window=options.window)
         add_settings(monitored, readings_a_point=1 if options.real else 20)
         monitored.run.variables["PULSE_SERVER"] = sounds.variables["PULSE_SERVER"]
         print(f"Folder of this run: {monitored.folder}", flush=True)
