@@ -6,40 +6,25 @@
 namespace skyhold {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-
 // Rain, station and sensor program have alarms with the sounds "rain", "station" and "sensor".
 class CoreAlarms : public CoreFixture {
   protected:
     CoreAlarms() {
-        give(records().alarms.AlarmRain[2], u"rain"_s);
-        give(records().alarms.AlarmWS, u"station"_s);
-        give(records().alarms.AlarmNB, u"sensor"_s);
+        AlarmControls& alarms = records().alarms;
+        for (const auto& [box, name] : {std::pair{&alarms.AlarmRain[2], u"rain"_s},
+                                        {&alarms.AlarmWS, u"station"_s},
+                                        {&alarms.AlarmNB, u"sensor"_s}}) {
+            box->Tag = sound(name);
+            box->set(1);
+        }
     }
+    QString sound(const QString& name) { return folder_->write(name + u".wav"_s); }
 
-    void give(CheckBox& box, const QString& name) {
-        box.Tag = sound(name);
-        box.set(1);
+    // What was heard since it was asked last, and the alarm that owns the sound.
+    void expect(const QString& heard, const QString& id) {
+        EXPECT_EQ(media_.heard(), heard);
+        EXPECT_EQ(records().readings.AlarmSoundId, id);
     }
-
-    QString sound(const QString& name) {
-        QFile file(folder_->filePath(name + u".wav"_s));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        return file.fileName();
-    }
-
-    void rainCycle(int level) {
-        sensor_.values[u"Condition_Rain"_s] = level;
-        cycle();
-    }
-
-    // A cycle without a new station file.
-    void cycleWithoutStation(int seconds = 10) {
-        clock_.advanceSeconds(seconds);
-        RunReadCycle(*core_);
-    }
-
-    QString id() { return records().readings.AlarmSoundId; }
     bool stopOffered() { return records().alarms.ButtStopAlarm.Visible; }
 };
 
@@ -47,8 +32,7 @@ TEST_F(CoreAlarms, soundsWithTheVerdictAndEndsWithIt) {
     StartSession(*core_);
     media_.heard();
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), u"rain"_s);
-    EXPECT_EQ(id(), u"R2"_s);
+    expect(u"rain"_s, u"R2"_s);
     EXPECT_TRUE(stopOffered());
     EXPECT_TRUE(core_->TimerPlayer.enabled());
     core_->TimerPlayer.Tick();
@@ -57,46 +41,30 @@ TEST_F(CoreAlarms, soundsWithTheVerdictAndEndsWithIt) {
     core_->TimerPlayer.Tick();
     EXPECT_FALSE(stopOffered());
     EXPECT_FALSE(core_->TimerPlayer.enabled());
-
     media_.heard();
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), QString());
+    expect({}, u"R2"_s);
     rainCycle(1);
-    EXPECT_EQ(media_.heard(), u"-"_s);
-    EXPECT_EQ(id(), QString());
+    expect(u"-"_s, {});
 }
 
 TEST_F(CoreAlarms, endOfSessionAndLocalControlSilenceAndRelease) {
-    const struct {
-        const char* what;
-        std::function<void()> act;
-    } cases[] = {
-        {"stop",
-         [this] {
-             StopSession(*core_);
-         }},
-        {"local control",
-         [this] {
-             HasControl(*core_, true, u"dome script"_s);
-         }},
-    };
-    for (const auto& [what, act] : cases) {
-        SCOPED_TRACE(what);
+    for (const bool local : {false, true}) {
+        SCOPED_TRACE(local);
         StartSession(*core_);
         rainCycle(3);
-        EXPECT_EQ(media_.heard(), u"rain"_s);
-        act();
-        EXPECT_EQ(media_.heard(), u"-"_s);
-        EXPECT_EQ(id(), QString());
+        expect(u"rain"_s, u"R2"_s);
+        local ? HasControl(*core_, true, u"dome script"_s) : StopSession(*core_);
+        expect(u"-"_s, {});
         EXPECT_FALSE(stopOffered());
         EXPECT_FALSE(core_->TimerPlayer.enabled());
     }
     // Another program decides: no condition alarm.
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), QString());
+    expect({}, {});
     HasControl(*core_, false, {});
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), u"rain"_s);
+    expect(u"rain"_s, u"R2"_s);
 }
 
 TEST_F(CoreAlarms, stopButtonSilencesAndSuspensionIsAClickRule) {
@@ -105,23 +73,22 @@ TEST_F(CoreAlarms, stopButtonSilencesAndSuspensionIsAClickRule) {
     AlarmStop(*core_);
     media_.heard();
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), QString());
+    expect({}, u"R2"_s);
     records().alarms.SuspendSoundAlarm.set(1);
-    EXPECT_EQ(media_.heard(), u"-"_s);
+    expect(u"-"_s, u"R2"_s);
     records().alarms.SuspendSoundAlarm.set(0);
-    EXPECT_EQ(id(), QString());
+    expect({}, {});
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), u"rain"_s);
+    expect(u"rain"_s, u"R2"_s);
 }
 
 TEST_F(CoreAlarms, automationSoundsWithoutASessionAndWithoutAnOwner) {
     AlarmStart(*core_, sound(u"called"_s) + u"|repeat"_s);
     EXPECT_TRUE(media_.commands.last().endsWith(u" repeat"_s));
-    EXPECT_EQ(media_.heard(), u"called"_s);
+    expect(u"called"_s, {});
     EXPECT_TRUE(stopOffered());
-    EXPECT_EQ(id(), QString());
     AlarmStop(*core_);
-    EXPECT_EQ(media_.heard(), u"-"_s);
+    expect(u"-"_s, {});
     EXPECT_FALSE(stopOffered());
 }
 
@@ -134,50 +101,40 @@ TEST_F(CoreAlarms, sensorFailureSilencesTheSensorProgramAndSoundsWhileItLasts) {
     const QStringList calls = sensor_.takeCalls();
     EXPECT_EQ(calls.count(u"Kiv_AlarmStop"_s), 1);
     EXPECT_EQ(calls.indexOf(u"Kiv_AlarmStop"_s), calls.indexOf(u"Kiv_XFERFileErr"_s) + 1);
-    EXPECT_EQ(media_.heard(), u"sensor"_s);
-    EXPECT_EQ(id(), u"20"_s);
+    expect(u"sensor"_s, u"20"_s);
     EXPECT_EQ(codes(), u"a31"_s);
 
     // Its own condition alarms wait, and nothing is started twice.
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), QString());
+    expect({}, u"20"_s);
     EXPECT_EQ(sensor_.takeCalls().count(u"Kiv_AlarmStop"_s), 0);
 
     // With the sensor program back the rain is heard.
     sensor_.values[u"DeviceIsRunning"_s] = true;
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), u"rain"_s);
+    expect(u"rain"_s, u"R2"_s);
     EXPECT_EQ(codes(), QString());
-}
 
-TEST_F(CoreAlarms, aSensorProgramThatDoesNotAnswerSoundsToo) {
-    StartSession(*core_);
-    media_.heard();
+    // One that does not answer sounds too.
     sensor_.answering = false;
-    cycle();
-    EXPECT_EQ(media_.heard(), u"sensor"_s);
-    EXPECT_EQ(id(), u"20"_s);
+    rainCycle(1);
+    expect(u"sensor"_s, u"20"_s);
     sensor_.answering = true;
     cycle();
-    EXPECT_EQ(media_.heard(), u"-"_s);
-    EXPECT_EQ(id(), QString());
-    EXPECT_EQ(codes(), QString());
+    expect(u"-"_s, {});
 }
 
 TEST_F(CoreAlarms, stationDataThatCannotBeUsedSoundsUntilItIsFresh) {
     StartSession(*core_);
-    const auto letItAge = [this] {
-        clock_.advanceSeconds(600);
-    };
     const struct {
         const char* what;
         std::function<void()> fail;
         QString code;
         bool sensorStopped;
     } cases[] = {
-        {"not rewritten", letItAge, u"a41"_s, true},
+        {"not rewritten", [this] { clock_.advanceSeconds(600); }, u"a41"_s, true},
         {"deleted", [this] { QFile::remove(stationPath()); }, u"a42"_s, false},
-        {"rewritten with rubbish", [this] { writeStationBytes("rubbish"); }, u"a41"_s, true},
+        {"rubbish", [this] { writeStationBytes("rubbish"); }, u"a41"_s, true},
     };
     for (const auto& [what, fail, code, sensorStopped] : cases) {
         SCOPED_TRACE(what);
@@ -185,9 +142,8 @@ TEST_F(CoreAlarms, stationDataThatCannotBeUsedSoundsUntilItIsFresh) {
         media_.heard();
         sensor_.takeCalls();
         cycleWithoutStation();
-        EXPECT_EQ(media_.heard(), u"station"_s);
+        expect(u"station"_s, u"10"_s);
         EXPECT_EQ(sensor_.takeCalls().contains(u"Kiv_AlarmStop"_s), sensorStopped);
-        EXPECT_EQ(id(), u"10"_s);
         EXPECT_EQ(codes(), code);
 
         // Acknowledged, and it stays so, even when the same trouble is written again.
@@ -195,24 +151,17 @@ TEST_F(CoreAlarms, stationDataThatCannotBeUsedSoundsUntilItIsFresh) {
         fail();
         media_.heard();
         cycleWithoutStation();
-        EXPECT_EQ(media_.heard(), QString());
-
+        expect({}, u"10"_s);
         cycle();
-        EXPECT_EQ(media_.heard(), u"-"_s);
-        EXPECT_EQ(id(), QString());
+        expect(u"-"_s, {});
         EXPECT_EQ(codes(), QString());
     }
-}
-
-TEST_F(CoreAlarms, aStationFileThatIsRewrittenLetsTheConditionSoundAgain) {
-    StartSession(*core_);
+    // A file that is rewritten lets the condition sound again.
     rainCycle(3);
-    clock_.advanceSeconds(600);
-    cycleWithoutStation();
-    EXPECT_EQ(media_.heard(), u"station"_s);
+    cycleWithoutStation(600);
+    expect(u"station"_s, u"10"_s);
     rainCycle(3);
-    EXPECT_EQ(media_.heard(), u"rain"_s);
-    EXPECT_EQ(id(), u"R2"_s);
+    expect(u"rain"_s, u"R2"_s);
 }
 
 } // namespace

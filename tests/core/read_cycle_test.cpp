@@ -3,9 +3,7 @@
 namespace skyhold {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-
-class ReadCycle : public CoreFixture {};
+using ReadCycle = CoreFixture;
 
 TEST_F(ReadCycle, sensorProgramSeesItsCallsInOrder) {
     StartSession(*core_);
@@ -82,12 +80,11 @@ TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
         EXPECT_EQ(label.Caption.value(), text);
         EXPECT_EQ(label.ForeColor.value(), colour) << qPrintable(text);
     }
-    EXPECT_EQ(show.LblCause.Caption.value(), u"All conditions safe"_s);
+    EXPECT_EQ(cause(), u"All conditions safe"_s);
 
-    sensor_.values[u"Condition_Rain"_s] = 3;
-    cycle();
+    rainCycle(3);
     EXPECT_TRUE(unsafe());
-    EXPECT_EQ(show.LblCause.Caption.value(), u"Rain: Rain"_s);
+    EXPECT_EQ(cause(), u"Rain: Rain"_s);
     EXPECT_EQ(show.LCondRain.ForeColor.value(), kOrange);
     EXPECT_EQ(show.LValSwitch.Caption.value(), u"Closed"_s);
     EXPECT_EQ(show.LValSwitch.ForeColor.value(), kRed);
@@ -97,53 +94,44 @@ TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
 
 TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
     StartSession(*core_);
-    const struct {
-        const char* what;
-        std::function<void()> fail;
-        std::function<void()> mend;
-    } cases[] = {
-        {"not running", [&] { sensor_.values[u"DeviceIsRunning"_s] = false; },
+    const ScriptedSensor well = sensor_;
+    const auto answers = [this](const QString& name, const QVariant& value) {
+        return std::function([this, name, value] { sensor_.values[name] = value; });
+    };
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"not running", answers(u"DeviceIsRunning"_s, false)},
+        {"transfer file error", answers(u"Kiv_XFERFileErr"_s, true)},
+        {"no answers",
          [&] {
-             sensor_.values[u"DeviceIsRunning"_s] = true;
+             sensor_.answering = false;
          }},
-        {"transfer file error", [&] { sensor_.values[u"Kiv_XFERFileErr"_s] = true; },
+        {"no number", answers(u"SkyTemperature"_s, qQNaN())},
+        {"wrong type", answers(u"Condition_Rain"_s, u"perhaps"_s)},
+        {"gone",
          [&] {
-             sensor_.values[u"Kiv_XFERFileErr"_s] = false;
-         }},
-        {"no answers", [&] { sensor_.answering = false; },
-         [&] {
-             sensor_.answering = true;
-         }},
-        {"no number", [&] { sensor_.values[u"SkyTemperature"_s] = qQNaN(); },
-         [&] {
-             sensor_.values[u"SkyTemperature"_s] = -25.25;
-         }},
-        {"wrong type", [&] { sensor_.values[u"Condition_Rain"_s] = u"perhaps"_s; },
-         [&] {
-             sensor_.values[u"Condition_Rain"_s] = 1;
-         }},
-        {"gone", [&] { sensor_.alive = sensor_.present = false; },
-         [&] {
-             sensor_.alive = sensor_.present = true;
+             sensor_.alive = sensor_.present = false;
          }},
     };
-    for (const auto& [what, fail, mend] : cases) {
+    const ReadingDisplay& show = records().display;
+    for (const auto& [what, fail] : cases) {
+        SCOPED_TRACE(what);
         fail();
         cycle();
-        EXPECT_TRUE(unsafe()) << what;
-        EXPECT_EQ(codes(), u"a31"_s) << what;
-        EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s) << what;
-        EXPECT_EQ(records().display.SensorStatus.Caption.value(), u"NB error"_s);
-        EXPECT_EQ(records().display.LValCloud.Caption.value(), QString());
+        EXPECT_TRUE(unsafe());
+        EXPECT_EQ(codes(), u"a31"_s);
+        EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);
+        EXPECT_EQ(show.SensorStatus.Caption.value(), u"NB error"_s);
+        EXPECT_EQ(show.LValCloud.Caption.value(), QString());
         EXPECT_EQ(records().display.header(Header::Cloud).ForeColor.value(), kRed);
         EXPECT_EQ(records().readings.ReadLedColour, kYellow);
         EXPECT_EQ(SecondsSinceGoodData(records().readings), 1000);
 
-        mend();
+        sensor_.values = well.values;
+        sensor_.answering = sensor_.alive = sensor_.present = true;
         cycle();
-        EXPECT_FALSE(unsafe()) << what;
-        EXPECT_EQ(codes(), QString()) << what;
-        EXPECT_EQ(records().display.LCondRain.Caption.value(), u"Dry"_s) << what;
+        EXPECT_FALSE(unsafe());
+        EXPECT_EQ(codes(), QString());
+        EXPECT_EQ(show.LCondRain.Caption.value(), u"Dry"_s);
         EXPECT_EQ(SecondsSinceGoodData(records().readings), 3);
     }
     EXPECT_EQ(sensor_.created, 2); // the one that had gone was taken up again
@@ -151,60 +139,40 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
 
 TEST_F(ReadCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {
     StartSession(*core_);
-    const QByteArray page = [&] {
-        QFile file(stationPath());
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    }();
+    const QByteArray page = stationBytes({});
+    const auto holds = [this](const QByteArray& bytes) {
+        return std::function([this, bytes] { writeStationBytes(bytes); });
+    };
     const struct {
         const char* what;
-        std::function<void()> break_;
-        QString status;
-        QString codes;
+        std::function<void()> spoil;
+        QString status, codes;
     } cases[] = {
-        {"missing", [&] { QFile::remove(stationPath()); },
-         u"Weather Station Data - file not available"_s, u"a42"_s},
-        {"empty", [&] { writeStationBytes({}); }, u"Weather Station Data - no readings in file"_s,
-         u"a41"_s},
-        {"torn", [&] { writeStationBytes(page.first(page.size() / 2)); },
-         u"Weather Station Data - no readings in file"_s, u"a41"_s},
-        {"binary", [&] { writeStationBytes(QByteArray(5000, '\0') + page); },
-         u"Weather Station Data - not a text file"_s, u"a41"_s},
-        {"huge",
-         [&] {
-             writeStationBytes(page);
-             QFile::resize(stationPath(), kStationFileLimit + 1);
-         },
-         u"Weather Station Data - file too large (over 16 MB)"_s, u"a41"_s},
+        {"missing", [&] { QFile::remove(stationPath()); }, u"- file not available"_s, u"a42"_s},
+        {"empty", holds({}), u"- no readings in file"_s, u"a41"_s},
+        {"torn", holds(page.first(page.size() / 2)), u"- no readings in file"_s, u"a41"_s},
+        {"binary", holds(QByteArray(5000, '\0') + page), u"- not a text file"_s, u"a41"_s},
+        {"huge", holds(page + QByteArray(kStationFileLimit, ' ')),
+         u"- file too large (over 16 MB)"_s, u"a41"_s},
+        {"not rewritten", [&] { clock_.advanceSeconds(171); }, u"too old - 181s old"_s, u"a41"_s},
     };
-    for (const auto& [what, break_, text, code] : cases) {
-        break_();
-        clock_.advanceSeconds(10);
-        RunReadCycle(*core_);
-        EXPECT_EQ(status(), text) << what;
-        EXPECT_EQ(codes(), code) << what;
-        EXPECT_TRUE(unsafe()) << what;
-        EXPECT_FALSE(records().readings.StationValid) << what;
-        EXPECT_EQ(records().display.LValWindSpeed.Caption.value(), QString()) << what;
-        EXPECT_EQ(records().readings.WindSpeed, 5) << what;
+    for (const auto& [what, spoil, text, code] : cases) {
+        SCOPED_TRACE(what);
+        spoil();
+        cycleWithoutStation();
+        EXPECT_EQ(status(), u"Weather Station Data "_s + text);
+        EXPECT_EQ(codes(), code);
+        EXPECT_TRUE(unsafe());
+        EXPECT_FALSE(records().readings.StationValid);
+        EXPECT_EQ(records().display.LValWindSpeed.Caption.value(), QString());
+        EXPECT_EQ(records().readings.WindSpeed, 5);
         cycle();
-        EXPECT_FALSE(unsafe()) << what;
-        EXPECT_EQ(codes(), QString()) << what;
+        EXPECT_FALSE(unsafe());
+        EXPECT_EQ(codes(), QString());
     }
-}
-
-TEST_F(ReadCycle, stationThatStopsRewritingGrowsOld) {
-    StartSession(*core_);
-    clock_.advanceSeconds(180);
-    RunReadCycle(*core_);
+    cycleWithoutStation(180); // at the limit
     EXPECT_EQ(status(), u"Weather Station Data - 180s old"_s);
     EXPECT_FALSE(unsafe());
-    clock_.advanceSeconds(1);
-    RunReadCycle(*core_);
-    EXPECT_EQ(status(), u"Weather Station Data too old - 181s old"_s);
-    EXPECT_EQ(codes(), u"a41"_s);
-    EXPECT_TRUE(unsafe());
-    EXPECT_EQ(records().display.WSAlarmMsg.Caption.value(), u"WS data too old"_s);
 }
 
 TEST_F(ReadCycle, fileLeftFromAnotherDayIsNotTakenForNew) {
@@ -236,8 +204,7 @@ TEST_F(ReadCycle, displayFollowsTheStationsUnits) {
 TEST_F(ReadCycle, safeIsHeldBackByTheDelay) {
     records().conditions.SafeDelayVal.Value = 25;
     StartSession(*core_);
-    sensor_.values[u"Condition_Rain"_s] = 2;
-    cycle();
+    rainCycle(2);
     EXPECT_TRUE(unsafe());
     sensor_.values[u"Condition_Rain"_s] = 1;
     for (const int left : {25, 15, 5}) {
@@ -253,6 +220,23 @@ TEST_F(ReadCycle, safeIsHeldBackByTheDelay) {
     cycle();
     EXPECT_FALSE(unsafe());
     EXPECT_EQ(records().conditions.SafeDelayMsg.Caption.value(), QString());
+
+    rainCycle(2);
+    rainCycle(1);
+    EXPECT_TRUE(unsafe());
+    StopSession(*core_);
+    StartSession(*core_);
+    EXPECT_FALSE(unsafe()) << "a new session forgets the wait";
+}
+
+TEST_F(ReadCycle, strongWindCountsAMinuteAfterTheSessionBegan) {
+    StationPage page;
+    page.wind = u"15"_s;
+    StartSession(*core_);
+    for (const bool expected : {false, false, false, false, false, true}) {
+        cycle(page);
+        EXPECT_EQ(unsafe(), expected);
+    }
 }
 
 TEST_F(ReadCycle, weatherFileFollowsAndItsFailureIsTold) {

@@ -2,17 +2,10 @@
 
 #include "support/core_fixture.h"
 
-#include <QDir>
-
-#include <string>
-#include <vector>
-
 namespace skyhold {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-
-// What the cycles leave behind: the user data file and the graph history.
+// What the cycles leave behind: the user data file, the graph history and the graphs.
 class Recording : public CoreFixture {
   protected:
     Recording() {
@@ -23,13 +16,12 @@ class Recording : public CoreFixture {
     void showColumn(std::size_t slot) { records().dataFile.Columns[slot - 1].Prt = true; }
 
     std::vector<std::string> lines() const {
-        QFile file(folder_->filePath(u"Skyhold.csv"_s));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        QByteArray text = folder_->read(u"Skyhold.csv"_s);
+        EXPECT_TRUE(text.endsWith("\r\n"));
+        text.chop(2);
         std::vector<std::string> found;
-        for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
-            EXPECT_TRUE(line.endsWith("\r\n"));
-            found.push_back(line.chopped(2).toStdString());
-        }
+        for (const QByteArray& line : text.replace("\r\n", "\n").split('\n'))
+            found.push_back(line.toStdString());
         return found;
     }
 };
@@ -155,6 +147,40 @@ TEST_F(Recording, historyFollowsTheCyclesTheBoxesAndTheUnits) {
     EXPECT_EQ(history.point(3).temperature, 54);
     records().graphs.GraphNoPoints.set(21);
     EXPECT_EQ(history.count(), 0);
+}
+
+TEST_F(Recording, CyclesDrawAndSaveTheHistory) {
+    const QString wind = folder_->filePath(u"Kiv_ImageWindCondition.png"_s);
+    StartSession(*core_);
+    EXPECT_EQ(records().pictures[0].Drawings, 1);
+    EXPECT_EQ(QImage(wind).size(), QSize(600, 200));
+
+    // The next five readings are no points: the same picture is saved again.
+    ASSERT_TRUE(QFile::remove(wind));
+    for (int i = 0; i < 5; ++i)
+        cycle();
+    EXPECT_EQ(records().pictures[0].Drawings, 1);
+    EXPECT_EQ(QImage(wind).size(), QSize(600, 200));
+    cycle();
+    EXPECT_EQ(records().pictures[0].Drawings, 2);
+    EXPECT_EQ(codes(), QString());
+
+    records().graphs.GraphImagePath.Caption = folder_->filePath(u"none"_s);
+    cycle();
+    EXPECT_EQ(codes(), u"i23"_s);
+}
+
+TEST_F(Recording, ImageTypeNamesItselfAndShowsTheQuality) {
+    GraphControls& graphs = records().graphs;
+    const auto expect = [&graphs](bool png) {
+        EXPECT_EQ(graphs.ImageType.Caption.value(), png ? u"Image PNG"_s : u"Image JPEG"_s);
+        EXPECT_EQ(graphs.ImageQuality.Visible, !png);
+    };
+    expect(true); // the default, as loaded
+    for (const bool png : {false, true}) {
+        graphs.ImageType.set(png ? 1 : 0);
+        expect(png);
+    }
 }
 
 } // namespace

@@ -1,47 +1,38 @@
 #include "core/clients.h"
 #include "support/core_fixture.h"
 
-#include <QDir>
-
 namespace skyhold {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-
-class Session : public CoreFixture {};
+using Session = CoreFixture;
 
 TEST_F(Session, startAndStopLockAndUnlock) {
-    EXPECT_FALSE(core_->TimerRead.enabled());
-    StartSession(*core_);
     SessionControls& session = records().session;
-    EXPECT_TRUE(session.Running);
-    EXPECT_TRUE(core_->TimerRead.enabled());
-    EXPECT_EQ(core_->TimerRead.interval(), 10'000);
-    for (const bool enabled :
-         {session.RefreshRead.Enabled.value(), records().stationFile.TimeoutREAD.Enabled.value(),
-          session.NBTimeout.Enabled.value(), records().units.UnitsTemp.Enabled.value(),
-          records().graphs.GraphImage[5].Enabled.value()})
-        EXPECT_FALSE(enabled);
-    EXPECT_FALSE(session.ButtStart.Visible);
-    EXPECT_TRUE(session.ButtStop.Visible);
-    EXPECT_FALSE(records().window.mnuStart.Visible);
-    EXPECT_TRUE(records().window.mnuStop.Visible);
-
+    const auto expect = [&](bool started) {
+        EXPECT_EQ(running(), started);
+        EXPECT_EQ(core_->TimerRead.enabled(), started);
+        for (const bool enabled :
+             {session.RefreshRead.Enabled.value(), session.NBTimeout.Enabled.value(),
+              records().stationFile.TimeoutREAD.Enabled.value(),
+              records().units.UnitsTemp.Enabled.value(),
+              records().graphs.GraphImage[5].Enabled.value()})
+            EXPECT_EQ(enabled, !started);
+        EXPECT_EQ(session.ButtStart.Visible, !started);
+        EXPECT_EQ(session.ButtStop.Visible, started);
+        EXPECT_EQ(records().window.mnuStart.Visible, !started);
+        EXPECT_EQ(records().window.mnuStop.Visible, started);
+        EXPECT_EQ(records().readings.SensorDataReady, started);
+    };
+    StartSession(*core_);
+    expect(true);
     StartSession(*core_); // already running
     EXPECT_EQ(sensor_.created, 1);
-
     StopSession(*core_);
-    EXPECT_FALSE(session.Running);
-    EXPECT_FALSE(core_->TimerRead.enabled());
-    EXPECT_TRUE(session.NBTimeout.Enabled);
-    EXPECT_TRUE(session.RefreshRead.Enabled);
-    EXPECT_TRUE(session.ButtStart.Visible);
-    EXPECT_FALSE(records().readings.SensorDataReady);
-}
+    expect(false);
 
-TEST_F(Session, intervalIsTheEntrysFirstTwoCharacters) {
+    // The interval is the entry's first two characters.
     for (const auto& [entry, ms] : {std::pair{0, 5000}, {1, 10'000}, {2, 30'000}, {3, 60'000}}) {
-        records().session.RefreshRead.choose(entry);
+        session.RefreshRead.choose(entry);
         StartSession(*core_);
         EXPECT_EQ(core_->TimerRead.interval(), ms);
         StopSession(*core_);
@@ -49,8 +40,7 @@ TEST_F(Session, intervalIsTheEntrysFirstTwoCharacters) {
 }
 
 TEST_F(Session, foldersAreMadeOrReported) {
-    const QString file = folder_->filePath(u"a file"_s);
-    ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly));
+    const QString file = folder_->write(u"a file"_s);
     const auto below = [&](const char* name) {
         return folder_->filePath(QLatin1String(name));
     };
@@ -72,7 +62,7 @@ TEST_F(Session, foldersAreMadeOrReported) {
         records().dataFile.LblPathName.Caption = data;
         StartSession(*core_);
         EXPECT_EQ(seen, expected);
-        EXPECT_TRUE(records().session.Running);
+        EXPECT_TRUE(running());
         StopSession(*core_);
     }
     EXPECT_TRUE(QDir(below("data/deep/er")).exists());
@@ -88,30 +78,34 @@ TEST_F(Session, foldersAreMadeOrReported) {
 TEST_F(Session, failedStartsEndIdleWithTheirMessages) {
     const QString tooOld = u"Version of Kiv_Nubilo must be equal or greater than 5.2x"_s;
     const QString cannot = u"Cannot read Kiv_Nubilo"_s;
+    const auto answers = [this](const char* name, const QVariant& value) {
+        return std::function([this, name, value] { sensor_.values[QLatin1String(name)] = value; });
+    };
     const struct {
         const char* what;
         std::function<void()> prepare;
         QStringList messages;
     } cases[] = {
         {"absent", [&] { sensor_.present = false; }, {cannot}},
-        {"too old", [&] { sensor_.values[u"Version"_s] = u"5.10.0001"_s; }, {tooOld, cannot}},
-        {"no version", [&] { sensor_.values[u"Version"_s] = u"5.2"_s; }, {cannot}},
-        {"never ready", [&] { sensor_.values[u"DataReady"_s] = false; }, {cannot}},
+        {"too old", answers("Version", u"5.10.0001"_s), {tooOld, cannot}},
+        {"no version", answers("Version", u"5.2"_s), {cannot}},
+        {"never ready", answers("DataReady", false), {cannot}},
         {"silent", [&] { sensor_.answering = false; }, {cannot}},
     };
+    const ScriptedSensor well = sensor_;
     for (const auto& [what, prepare, expected] : cases) {
+        SCOPED_TRACE(what);
+        sensor_.values = well.values;
         sensor_.present = sensor_.answering = true;
-        sensor_.values[u"Version"_s] = u"5.20.0001"_s;
-        sensor_.values[u"DataReady"_s] = true;
         messages_.clear();
         prepare();
         StartSession(*core_);
-        EXPECT_EQ(messages_, expected) << what;
-        EXPECT_EQ(status(), u"Problem with Kiv_Nubilo"_s) << what;
-        EXPECT_FALSE(records().session.Running) << what;
-        EXPECT_FALSE(core_->TimerRead.enabled()) << what;
-        EXPECT_TRUE(records().session.ButtStart.Visible) << what;
-        EXPECT_FALSE(core_->sensor.connected()) << what;
+        EXPECT_EQ(messages_, expected);
+        EXPECT_EQ(status(), u"Problem with Kiv_Nubilo"_s);
+        EXPECT_FALSE(running());
+        EXPECT_FALSE(core_->TimerRead.enabled());
+        EXPECT_TRUE(records().session.ButtStart.Visible);
+        EXPECT_FALSE(core_->sensor.connected());
     }
 }
 
@@ -130,7 +124,7 @@ TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
     };
     StartSession(*core_);
     EXPECT_EQ(waits, 3);
-    EXPECT_TRUE(records().session.Running);
+    EXPECT_TRUE(running());
     StopSession(*core_);
 
     sensor_.values[u"DataReady"_s] = false;
@@ -140,13 +134,13 @@ TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
     };
     StartSession(*core_);
     EXPECT_EQ(waits, 4); // at 0, 1, 2 and 3 s: the limit and up to one second more
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(running());
 
     records().session.NBTimeout.Value = 0;
     waits = 0;
     StartSession(*core_);
     EXPECT_EQ(waits, 0);
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(running());
 }
 
 TEST_F(Session, stopAndCloseEndAWaitingStart) {
@@ -159,7 +153,7 @@ TEST_F(Session, stopAndCloseEndAWaitingStart) {
         StopSession(*core_);
     };
     StartSession(*core_);
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(running());
     EXPECT_TRUE(messages_.isEmpty());
 
     clock_.onWait = [&] {
@@ -173,10 +167,10 @@ TEST_F(Session, stopAndCloseEndAWaitingStart) {
 TEST_F(Session, nothingToDoStopsAtOnceAndUploadAloneReadsNothing) {
     records().session.flgReadStation.set(0);
     StartSession(*core_);
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(running());
     records().session.flgUpload.set(1);
     StartSession(*core_);
-    EXPECT_TRUE(records().session.Running);
+    EXPECT_TRUE(running());
     EXPECT_EQ(sensor_.created, 0);
     EXPECT_FALSE(core_->TimerRead.enabled());
     EXPECT_EQ(core_->TimerUpload.interval(), 60'000);
@@ -185,27 +179,32 @@ TEST_F(Session, nothingToDoStopsAtOnceAndUploadAloneReadsNothing) {
 }
 
 TEST_F(Session, clientsWithholdStopAndClose) {
-    RegisterUsers(records(), clock_, +1);
-    RegisterUsers(records(), clock_, +1);
+    const auto register_ = [this](int delta) {
+        RegisterUsers(records(), clock_, delta);
+    };
+    const auto expectFree = [this](bool free) {
+        EXPECT_EQ(records().session.ButtStop.Visible, free);
+        EXPECT_EQ(records().session.FrameCOM.Visible, !free);
+        EXPECT_EQ(records().window.CloseItemEnabled, free);
+        EXPECT_EQ(records().window.MnuExit.Enabled, free);
+    };
+    register_(+1);
+    register_(+1);
     EXPECT_EQ(records().session.LblUsers.Caption.value(), u"Attached Users: 2"_s);
-    EXPECT_FALSE(records().session.ButtStop.Visible);
-    EXPECT_TRUE(records().session.FrameCOM.Visible);
-    EXPECT_FALSE(records().window.CloseItemEnabled);
-    EXPECT_FALSE(records().window.MnuExit.Enabled);
+    expectFree(false);
     EXPECT_FALSE(records().window.mnuStart.Visible);
     EXPECT_FALSE(RequestClose(*core_));
     EXPECT_EQ(messages_, QStringList{u"There are other users present - cannot UNLOAD"_s});
 
     Device_Start(*core_);
-    EXPECT_TRUE(records().session.Running);
-    EXPECT_FALSE(records().session.ButtStop.Visible);
-    RegisterUsers(records(), clock_, -1);
-    RegisterUsers(records(), clock_, -1);
-    EXPECT_TRUE(records().session.ButtStop.Visible);
-    EXPECT_TRUE(records().window.CloseItemEnabled);
+    EXPECT_TRUE(running());
+    register_(-1);
+    expectFree(false);
+    register_(-1);
+    expectFree(true);
     EXPECT_TRUE(records().window.mnuStop.Visible);
     EXPECT_TRUE(RequestClose(*core_));
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(running());
 }
 
 TEST_F(Session, callCounterTurnsOverAndPeriodIsTimed) {
@@ -226,10 +225,9 @@ TEST_F(Session, localControlFreezesTheVerdict) {
     StartSession(*core_);
     HasControl(*core_, true, u"dome script"_s);
     EXPECT_FALSE(records().session.Frame3.Visible);
-    sensor_.values[u"Condition_Rain"_s] = 3;
-    cycle();
+    rainCycle(3);
     EXPECT_FALSE(unsafe());
-    EXPECT_EQ(records().display.LblCause.Caption.value(), u"Decided by dome script"_s);
+    EXPECT_EQ(cause(), u"Decided by dome script"_s);
     HasControl(*core_, false, {});
     cycle();
     EXPECT_TRUE(unsafe());
@@ -237,18 +235,18 @@ TEST_F(Session, localControlFreezesTheVerdict) {
 }
 
 TEST_F(Session, switchValueIsPassedOnOnlyWhenThisProgramDoesNotDriveIt) {
-    const QString call = u"Kiv_SetSwitch(i 1)"_s;
-    SetSwitch(core_->sensor, records().session, 1);
-    EXPECT_FALSE(sensor_.calls.contains(call));
+    const auto passedOn = [this] {
+        sensor_.takeCalls();
+        SetSwitch(core_->sensor, records().session, 1);
+        return sensor_.calls.contains(u"Kiv_SetSwitch(i 1)"_s);
+    };
+    EXPECT_FALSE(passedOn()) << "no session";
     StartSession(*core_);
-    SetSwitch(core_->sensor, records().session, 1);
-    EXPECT_FALSE(sensor_.calls.contains(call));
+    EXPECT_FALSE(passedOn()) << "driven here";
     records().session.SWRole.choose(1);
-    SetSwitch(core_->sensor, records().session, 1);
-    EXPECT_TRUE(sensor_.takeCalls().contains(call));
+    EXPECT_TRUE(passedOn());
     sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
-    SetSwitch(core_->sensor, records().session, 1);
-    EXPECT_FALSE(sensor_.calls.contains(call));
+    EXPECT_FALSE(passedOn());
 }
 
 } // namespace

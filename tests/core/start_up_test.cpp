@@ -1,11 +1,7 @@
 #include "support/core_fixture.h"
 
-#include <QDir>
-
 namespace skyhold {
 namespace {
-
-using namespace Qt::Literals::StringLiterals;
 
 TEST(Version, titleTipAndText) {
     const ProgramVersion version{2, 30, 4};
@@ -15,43 +11,35 @@ TEST(Version, titleTipAndText) {
 }
 
 TEST(UpdaterSwap, downloadedUpdaterReplacesTheInstalledOne) {
-    const struct {
-        QMap<QString, QByteArray> before, after;
-    } cases[] = {
-        {{{u"Kiv_Updater.exe"_s, "old"}}, {{u"Kiv_Updater.exe"_s, "old"}}},
-        {{{u"Kiv_Updater_net.exe"_s, "new"}, {u"Kiv_Updater_exe.old"_s, "older"}},
-         {{u"Kiv_Updater.exe"_s, "new"}, {u"Kiv_Updater_exe.old"_s, "older"}}},
-        {{{u"KIV_UPDATER_NET.EXE"_s, "new"},
-          {u"Kiv_Updater.exe"_s, "old"},
-          {u"Kiv_Updater_exe.old"_s, "older"}},
-         {{u"Kiv_Updater.exe"_s, "new"}, {u"Kiv_Updater_exe.old"_s, "old"}}},
+    using Files = QMap<QString, QByteArray>;
+    const QString updater = u"Kiv_Updater.exe"_s;
+    const QString old = u"Kiv_Updater_exe.old"_s;
+    const std::pair<Files, Files> cases[] = {
+        {{{updater, "old"}}, {{updater, "old"}}},
+        {{{u"Kiv_Updater_net.exe"_s, "new"}, {old, "older"}}, {{updater, "new"}, {old, "older"}}},
+        {{{u"KIV_UPDATER_NET.EXE"_s, "new"}, {updater, "old"}, {old, "older"}},
+         {{updater, "new"}, {old, "old"}}},
     };
     for (const auto& [before, after] : cases) {
-        const QTemporaryDir folder;
-        for (const QString& name : before.keys()) {
-            QFile file(folder.filePath(name));
-            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-            file.write(before[name]);
-        }
+        const TestFolder folder;
+        for (auto file = before.begin(); file != before.end(); ++file)
+            folder.write(file.key(), file.value());
         swapUpdater(folder.path());
-        QMap<QString, QByteArray> found;
-        for (const QString& name : QDir(folder.path()).entryList(QDir::Files)) {
-            QFile file(folder.filePath(name));
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            found[name] = file.readAll();
-        }
+        Files found;
+        for (const QString& name : folder.names())
+            found[name] = folder.read(name);
         EXPECT_EQ(found, after);
     }
 }
 
-class StartUp : public CoreFixture {};
+using StartUp = CoreFixture;
 
 TEST_F(StartUp, firstStartIsKnownByTheMissingMarker) {
     EXPECT_TRUE(isFirstStart(settings_));
     records().session.EmulatorFlag.set(0);
     EXPECT_FALSE(isFirstStart(settings_));
     EXPECT_EQ(settings_.GetSetting(u"Setup"_s, u"Emulator"_s, u"9"_s), u"0"_s);
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(running());
 }
 
 TEST_F(StartUp, newsAndUpdateStatusAreShownOnce) {

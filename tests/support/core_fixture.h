@@ -8,33 +8,27 @@
 #include "support/manual_clock.h"
 #include "support/scripted_media.h"
 #include "support/scripted_sensor.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "support/test_folder.h"
 
 namespace skyhold {
 
+using namespace Qt::Literals::StringLiterals;
+
 // One row a quantity; what a test does not name is calm, dry and warm.
 struct StationPage {
-    QString wind = QStringLiteral("5");
-    QString gust = QStringLiteral("8");
-    QString direction = QStringLiteral("N");
-    QString temperature = QStringLiteral("12.0");
-    QString dewPoint = QStringLiteral("4.0");
-    QString humidity = QStringLiteral("58 %");
-    QString temperatureUnit = QStringLiteral("C");
-    QString speedUnit = QStringLiteral("km/h");
+    QString wind = u"5"_s;
+    QString gust = u"8"_s;
+    QString direction = u"N"_s;
+    QString temperature = u"12.0"_s;
+    QString dewPoint = u"4.0"_s;
+    QString humidity = u"58 %"_s;
+    QString temperatureUnit = u"C"_s;
+    QString speedUnit = u"km/h"_s;
 };
 
 class CoreFixture : public testing::Test {
   protected:
-    CoreFixture()
-        : folder_(makeFolder())
-        , settings_(QStringLiteral("Kiv_Skyhold")) {
-        core_ = std::make_unique<MonitoringCore>(clock_, settings_, sensor_.creator(), media_,
-                                                 ProgramVersion{2, 30, 4});
+    CoreFixture() {
         core_->showMessage = [this](const Message& message) {
             messages_.append(message.text);
             return answer_;
@@ -44,44 +38,44 @@ class CoreFixture : public testing::Test {
         records().ccdap.LblPathNameCCDAP4.Caption = folder_->path();
         records().dataFile.LblPathName.Caption = folder_->path();
         records().graphs.GraphImagePath.Caption = folder_->path();
-        core_->handOff.program = folder_->filePath(QStringLiteral("no uploader"));
+        core_->handOff.program = folder_->filePath(u"no uploader"_s);
         writeStation({});
     }
 
     Records& records() { return core_->records; }
-    QString stationPath() const { return folder_->filePath(QStringLiteral("station.htm")); }
+    QString stationPath() const { return folder_->filePath(u"station.htm"_s); }
     QString status() { return records().session.Statusbar1.Caption; }
     QString codes() { return records().session.Statusbar2.Caption; }
+    QString cause() { return records().display.LblCause.Caption; }
     bool unsafe() { return records().readings.UnsafeFlag; }
+    bool running() { return records().session.Running; }
 
-    void writeStation(const StationPage& page) {
+    QByteArray stationBytes(const StationPage& page) const {
         const QDateTime now = clock_.now();
-        const QList<std::array<QString, 3>> rows{
-            {QStringLiteral("Date"), {}, now.toString(QStringLiteral("dd/MM/yyyy"))},
-            {QStringLiteral("Time"), {}, now.toString(QStringLiteral("hh:mm:ss"))},
-            {QStringLiteral("OutTemp"), page.temperatureUnit, page.temperature},
-            {QStringLiteral("WindSpeed"), page.speedUnit, page.wind},
-            {QStringLiteral("Gust"), page.speedUnit, page.gust},
-            {QStringLiteral("WindDirection"), {}, page.direction},
-            {QStringLiteral("RainDayMin"), QStringLiteral("mm"), QStringLiteral("0")},
-            {QStringLiteral("RainDayMax"), QStringLiteral("mm"), QStringLiteral("1")},
-            {QStringLiteral("OutHumidity"), QStringLiteral("%"), page.humidity},
-            {QStringLiteral("DewPoint"), page.temperatureUnit, page.dewPoint},
-            {QStringLiteral("Barometer"), QStringLiteral("hPa"), QStringLiteral("1012.5")}};
-        QString text = QStringLiteral("<html><table>\n");
+        const std::array<QString, 3> rows[] = {
+            {u"Date"_s, {}, now.toString(u"dd/MM/yyyy"_s)},
+            {u"Time"_s, {}, now.toString(u"hh:mm:ss"_s)},
+            {u"OutTemp"_s, page.temperatureUnit, page.temperature},
+            {u"WindSpeed"_s, page.speedUnit, page.wind},
+            {u"Gust"_s, page.speedUnit, page.gust},
+            {u"WindDirection"_s, {}, page.direction},
+            {u"RainDayMin"_s, u"mm"_s, u"0"_s},
+            {u"RainDayMax"_s, u"mm"_s, u"1"_s},
+            {u"OutHumidity"_s, u"%"_s, page.humidity},
+            {u"DewPoint"_s, page.temperatureUnit, page.dewPoint},
+            {u"Barometer"_s, u"hPa"_s, u"1012.5"_s}};
+        QString text = u"<html><table>\n"_s;
         for (const auto& [name, unit, value] : rows)
-            text += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td></tr>\n")
-                        .arg(name, unit, value);
-        writeStationBytes((text + QStringLiteral("</table></html>\n")).toUtf8());
+            text += u"<tr><td>%1</td><td>%2</td><td>%3</td></tr>\n"_s.arg(name, unit, value);
+        return (text + u"</table></html>\n"_s).toUtf8();
     }
+    void writeStation(const StationPage& page) { writeStationBytes(stationBytes(page)); }
 
     // Every write is given a modification time of its own, a second after the last.
     void writeStationBytes(const QByteArray& bytes) {
-        QFile file(stationPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes);
-        file.flush();
+        QFile file(folder_->write(u"station.htm"_s, bytes));
         modified_ = std::max(modified_.addSecs(1), clock_.now());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(modified_, QFileDevice::FileModificationTime));
     }
 
@@ -91,23 +85,26 @@ class CoreFixture : public testing::Test {
         writeStation(page);
         RunReadCycle(*core_);
     }
+    // The same with the station file as it is.
+    void cycleWithoutStation(int seconds = 10) {
+        clock_.advanceSeconds(seconds);
+        RunReadCycle(*core_);
+    }
+    void rainCycle(int level) {
+        sensor_.values[u"Condition_Rain"_s] = level;
+        cycle();
+    }
 
+    const std::unique_ptr<SettingsFolder> folder_ = std::make_unique<SettingsFolder>();
     QStringList messages_;
     MessageAnswer answer_ = MessageAnswer::Ok;
     ManualClock clock_;
     ScriptedSensor sensor_;
     ScriptedMedia media_;
-    std::unique_ptr<QTemporaryDir> folder_;
-    SettingsStore settings_;
-    std::unique_ptr<MonitoringCore> core_;
+    SettingsStore settings_{u"Kiv_Skyhold"_s};
+    std::unique_ptr<MonitoringCore> core_ = std::make_unique<MonitoringCore>(
+        clock_, settings_, sensor_.creator(), media_, ProgramVersion{2, 30, 4});
     QDateTime modified_ = clock_.now();
-
-  private:
-    static std::unique_ptr<QTemporaryDir> makeFolder() {
-        auto folder = std::make_unique<QTemporaryDir>();
-        qputenv("XDG_CONFIG_HOME", folder->path().toLocal8Bit());
-        return folder;
-    }
 };
 
 } // namespace skyhold

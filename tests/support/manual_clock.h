@@ -18,7 +18,7 @@ class ManualClock : public Clock {
     QDateTime now() const override { return now_; }
     std::int64_t MsClock() const override { return stamp_; }
     void waitServingEvents(int ms) override {
-        if (onWait)
+        if (onWait && ms > 0)
             onWait();
         QCoreApplication::processEvents();
         advanceMs(ms);
@@ -32,7 +32,8 @@ class ManualClock : public Clock {
     // Sets the time of day alone, as an administrator or a time server does.
     void setTimeOfDay(const QDateTime& time) { now_ = time; }
 
-    std::function<void()> onWait; // called once for every wait, before its time passes
+    // Called once for every wait, before its time passes; not when events alone are served.
+    std::function<void()> onWait;
 
   private:
     QDateTime now_;
