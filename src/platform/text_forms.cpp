@@ -39,27 +39,30 @@ void appendNumber(TextBuffer& text, double value, QStringView pattern, const Num
 
     // 1.005 is stored a hair below its decimal text; one step outwards lets the half that the
     // user sees round away from zero.
+    constexpr double kExactInteger = 9007199254740992.0; // 2^53
+    const double size = std::min(std::abs(value), std::numeric_limits<double>::max());
+    // Larger numbers have no decimals, and the largest no room to be scaled by any.
+    const std::size_t scaledDecimals = size < kExactInteger ? decimals : 0;
     double scale = 1;
-    for (std::size_t i = 0; i < decimals; ++i)
+    for (std::size_t i = 0; i < scaledDecimals; ++i)
         scale *= 10;
-    const double scaled = std::min(std::abs(value) * scale, std::numeric_limits<double>::max());
-    const double outwards = std::nextafter(scaled, std::numeric_limits<double>::max());
-    const double rounded = std::floor(outwards + 0.5);
+    const double outwards = std::nextafter(size * scale, std::numeric_limits<double>::max());
+    const double rounded = size < kExactInteger ? std::floor(outwards + 0.5) : size;
 
     // All digits without the point; the largest number has 309.
     std::array<char, 320> buffer;
-    constexpr double kExactInteger = 9007199254740992.0; // 2^53
     const auto end =
         rounded < kExactInteger
             ? std::to_chars(buffer.begin(), buffer.end(), static_cast<std::uint64_t>(rounded))
             : std::to_chars(buffer.begin(), buffer.end(), rounded, std::chars_format::fixed, 0);
     const std::string_view digits(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
-    std::string_view whole =
-        digits.size() > decimals ? digits.substr(0, digits.size() - decimals) : std::string_view();
+    std::string_view whole = digits.size() > scaledDecimals
+                                 ? digits.substr(0, digits.size() - scaledDecimals)
+                                 : std::string_view();
     if (whole == "0")
         whole = {}; // only the pattern's zeros stand there
     const std::string_view fraction =
-        digits.substr(digits.size() - std::min(digits.size(), decimals));
+        digits.substr(digits.size() - std::min(digits.size(), scaledDecimals));
 
     const auto addPadded = [&text](std::string_view part, std::size_t width) {
         for (std::size_t i = part.size(); i < width; ++i)
