@@ -102,8 +102,11 @@ QString textOfNumber(double value, const QString& displayFormat, const NumberEnt
     QString text = displayFormat.trimmed().isEmpty()
                        ? numberText(value, entry.forms)
                        : formatNumber(value, displayFormat, entry.forms);
+    // "1.5e-07" would be read as 1.5.
+    if (text.contains(u'e'))
+        text = formatNumber(value, u"0.0000000000", entry.forms);
     const qsizetype separator = text.indexOf(entry.forms.decimal);
-    if (separator >= 0 && !text.contains(u'e'))
+    if (separator >= 0)
         text.truncate(entry.DigitsDecimal > 0
                           ? separator + entry.forms.decimal.size() + entry.DigitsDecimal
                           : separator);

@@ -142,7 +142,8 @@ TEST(NumberText, ANumberIsShownPlainOrFormattedAndNeverAsAnother) {
         {kSigned, -5, {}, u"-5"_s},
         {kSigned, 4.7, {}, u"4"_s},
         {kDefault, 12345, {}, u"12345"_s},
-        {oneDecimal, 1.5e-7, {}, u"1.5e-07"_s},
+        {oneDecimal, 1.5e-7, {}, u"0.0"_s},
+        {oneDecimal, 1.5e16, {}, u"15000000000000000.0"_s},
     };
     for (const Case& c : cases)
         EXPECT_EQ(textOfNumber(c.value, c.format, c.entry), c.text) << c.value;
