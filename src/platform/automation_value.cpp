@@ -98,9 +98,18 @@ QVariant fromBus(const QVariant& value) {
         const QVariantList list = value.toList();
         return list.isEmpty() ? QVariant() : QVariant(fromBus(list));
     }
-    default:
+    case QMetaType::Int:
+    case QMetaType::Double:
+    case QMetaType::Bool:
+    case QMetaType::QString:
         return value;
+    default:
+        break;
     }
+    const bool known = value.metaType() == QMetaType::fromType<QDBusObjectPath>() ||
+                       value.metaType() == QMetaType::fromType<AutomationDate>() ||
+                       value.metaType() == QMetaType::fromType<TwoDimensions>();
+    return known ? value : QVariant();
 }
 
 QVariantList fromBus(const QVariantList& values) {
