@@ -241,7 +241,11 @@ void addWindow(MemberList& list) {
             name, {I4, edge + u" edge of the main window, in screen units"_s, Activity::None},
             answering([field](Core& core) { return (core.records.window.*field).value(); }),
             [field](Core& core, QVariantList& arguments) {
-                core.records.window.*field = arguments[0].toInt();
+                // The settings hold no other, and the next start would forget it.
+                const int position = arguments[0].toInt();
+                if (position != static_cast<std::int16_t>(position))
+                    return failed(u"a position is -32768 to 32767"_s);
+                core.records.window.*field = position;
                 core.records.window.Placed = true;
                 return answered();
             });

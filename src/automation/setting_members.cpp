@@ -134,7 +134,10 @@ void addColours(MemberList& list) {
         list.property(latin(swatch.colour), {I4, u"colour of the level, 0x00BBGGRR"_s},
                       answering([colour](Core& core) { return colour(core).value(); }),
                       [colour](Core& core, QVariantList& arguments) {
-                          colour(core) = arguments[0].toInt();
+                          const int value = arguments[0].toInt();
+                          if (value < 0 || value > 0xFFFFFF)
+                              return failed(u"a colour is 0 to 0xFFFFFF"_s);
+                          colour(core) = value;
                           return answered();
                       });
     }
