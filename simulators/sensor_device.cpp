@@ -60,7 +60,8 @@ bool SensorDevice::transferFailed() const {
 }
 
 QDateTime SensorDevice::firstReading() const {
-    return started_.addMSecs(static_cast<qint64>(options_.readyAfter * 1000));
+    // In local time, so that what is counted from it follows summer time.
+    return started_.toLocalTime().addMSecs(static_cast<qint64>(options_.readyAfter * 1000));
 }
 
 QDateTime SensorDevice::lastReading() const {

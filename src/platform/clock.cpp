@@ -71,9 +71,14 @@ double daySerial(const QDateTime& time) {
 QDateTime fromDaySerial(double days) {
     if (!(std::abs(days) < 3'000'000)) // year 10000 and beyond, and what is no number
         return {};
-    const double whole = std::floor(days);
-    const auto ms = std::llround((days - whole) * static_cast<double>(kMsPerDay));
-    return QDateTime(kSerialEpoch.addDays(static_cast<qint64>(whole)), QTime(0, 0)).addMSecs(ms);
+    // The fraction is the time of day, not the time since midnight: the two differ by an hour on a
+    // day on which summer time begins or ends.
+    const auto stamp = std::llround(days * static_cast<double>(kMsPerDay));
+    const auto ms = (stamp % kMsPerDay + kMsPerDay) % kMsPerDay;
+    const QDate date = kSerialEpoch.addDays((stamp - ms) / kMsPerDay);
+    const QDateTime time(date, QTime::fromMSecsSinceStartOfDay(static_cast<int>(ms)));
+    // The hour that summer time leaves out, told by a program that does not follow it.
+    return time.isValid() ? time : QDateTime(date, QTime(0, 0)).addMSecs(ms);
 }
 
 } // namespace skyhold
