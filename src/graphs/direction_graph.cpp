@@ -60,7 +60,12 @@ void drawLabels(GraphPaper& paper) {
     QColor plate = kGround;
     plate.setAlpha(kPlateAlpha);
     paper.setFont(kLabelPoints);
-    for (int border = 0; border <= kParts; ++border) {
+    // In a low picture only every second or fourth line has a label.
+    const int room = paper.textSize(QStringLiteral("000°")).height() * 3 / 2; // the edges move some
+    int step = 1;
+    while (step < kParts && paper.bottom() * step < room * kParts)
+        step *= 2;
+    for (int border = 0; border <= kParts; border += step) {
         const QString label =
             QString::number(border * kDegreesPerPart).rightJustified(3, u'0') + u'°';
         const QSize size = paper.textSize(label);

@@ -4,12 +4,10 @@
 
 namespace skyhold {
 
-Trend lastHour(const GraphHistory& history, double (*value)(const GraphPoint&),
+Trend lastHour(const GraphHistory& history, double (*value)(const GraphPoint&), double now,
                double stepSeconds) {
     Trend trend;
-    if (history.count() == 0)
-        return trend;
-    trend.end = history.point(history.LastElem).date;
+    trend.end = now;
     const double longest = 2.5 * stepSeconds / 86400;
     bool joined = false; // to the point before
     std::int32_t elem = history.FirstElem;

@@ -12,15 +12,16 @@ struct Trend {
     // Unbroken stretches from the oldest to the newest. A point whose station data could not be
     // read is left out, and time without readings separates: nothing is drawn across either.
     std::vector<std::vector<TimedValue>> runs;
-    double end = 0; // time of the newest point of the history, local days since 30 December 1899
+    double end = 0; // of the hour, local days since 30 December 1899
     double lowest = 0;
     double highest = 0;
 };
 
 inline constexpr double kTrendDays = 1.0 / 24;
 
-// `value` takes the quantity from a point. Points that follow each other within two and a half
-// times `stepSeconds`, the usual time between them, belong together.
-Trend lastHour(const GraphHistory& history, double (*value)(const GraphPoint&), double stepSeconds);
+// The hour before `now`. `value` takes the quantity from a point. Points that follow each other
+// within two and a half times `stepSeconds`, the usual time between them, belong together.
+Trend lastHour(const GraphHistory& history, double (*value)(const GraphPoint&), double now,
+               double stepSeconds);
 
 } // namespace skyhold

@@ -42,8 +42,8 @@ void CompassDiagram::paintEvent(QPaintEvent*) {
     painter.drawEllipse(circle);
 
     // Pies run counterclockwise from three o'clock in sixteenths of a degree.
-    painter.setBrush(QColor(0xd6, 0x3a, 0x3a, 150));
-    painter.setPen(QPen(QColor(0xff, 0x6b, 0x6b), 1.5));
+    painter.setBrush(look::ground(QColor(0xd6, 0x3a, 0x3a, 150)));
+    painter.setPen(QPen(look::light(QColor(0xff, 0x6b, 0x6b)), 1.5));
     painter.drawPie(circle, (90 - to_) * 16, (to_ - from_) * 16);
 
     painter.setPen(QPen(look::kDimText, 1));

@@ -3,6 +3,7 @@
 #include "ui/look.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -48,6 +49,14 @@ void drawField(const QStyleOption& option, QPainter& painter) {
     const bool focused = option.state & QStyle::State_HasFocus;
     const QColor fill = enabled ? option.palette.color(QPalette::Base) : look::kWindow;
     drawBox(option.rect, focused ? look::kAccent : look::kEdge, fill, painter);
+}
+
+void drawCaret(const QLineEdit* box, QPainter& painter) {
+    if (!box || !box->hasFocus() || box->isReadOnly())
+        return;
+    // The box reserves as much on either side of its caret, 5 to the left.
+    const QRect caret = box->inputMethodQuery(Qt::ImCursorRectangle).toRect();
+    painter.fillRect(QRect(caret.left() + 5, caret.top(), 2, caret.height()), look::kAccent);
 }
 
 QColor indicatorEdge(const QStyleOption& option) {
@@ -170,6 +179,8 @@ void FlatStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         return;
     case PE_PanelLineEdit:
         drawField(*option, *painter);
+        if (lookInForce() == Look::Night)
+            drawCaret(qobject_cast<const QLineEdit*>(widget), *painter);
         return;
     case PE_Frame:
         drawBox(option->rect, look::kEdge, Qt::NoBrush, *painter);
@@ -204,6 +215,14 @@ void FlatStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
 
 void FlatStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                             const QWidget* widget) const {
+    if (element == CE_HeaderSection) {
+        painter->fillRect(option->rect, look::kButton);
+        painter->fillRect(QRect(option->rect.topRight(), QSize(1, option->rect.height())),
+                          look::kEdge);
+        return;
+    }
+    if (element == CE_SizeGrip || element == CE_Splitter)
+        return; // the cursor tells
     if (element == CE_TabBarTabShape) {
         drawTab(*option, *painter);
         return;
@@ -262,6 +281,11 @@ void FlatStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
 int FlatStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
                            const QWidget* widget) const {
     switch (metric) {
+    case PM_TextCursorWidth:
+        // The usual one is the ground inverted: white on black.
+        if (lookInForce() == Look::Night)
+            return 0;
+        break;
     case PM_TabBarTabHSpace:
         return 28;
     case PM_TabBarTabVSpace:
@@ -279,8 +303,9 @@ int FlatStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_ButtonShiftVertical:
         return 0;
     default:
-        return QProxyStyle::pixelMetric(metric, option, widget);
+        break;
     }
+    return QProxyStyle::pixelMetric(metric, option, widget);
 }
 
 QRect FlatStyle::subElementRect(SubElement element, const QStyleOption* option,
@@ -295,6 +320,12 @@ QSize FlatStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     const bool tight = type == CT_LineEdit || type == CT_ComboBox || type == CT_ItemViewItem;
     return tight ? size + kRoomier : size;
+}
+
+QPixmap FlatStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
+                                       const QStyleOption* option) const {
+    const QPixmap made = QProxyStyle::generatedIconPixmap(mode, pixmap, option);
+    return lookInForce() == Look::Night ? QPixmap::fromImage(look::picture(made.toImage())) : made;
 }
 
 QIcon FlatStyle::standardIcon(StandardPixmap which, const QStyleOption* option,

@@ -23,7 +23,7 @@ namespace skyhold {
 
 namespace {
 
-constexpr int kVerdictHeight = 136;
+constexpr int kVerdictHeight = 128;
 constexpr int kStopAlarmWidth = 118;
 
 // The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
@@ -75,7 +75,7 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     layout->addWidget(makeSources(core));
     // Blinks at the end of every read cycle.
     follow(this, core.records.display.LEDRead.first.FillColor,
-           [this, &core](Colour) { showTrends(core.records); });
+           [this, &core](Colour) { showTrends(core.records, core.clock.now()); });
 }
 
 QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions, SessionControls& session) {
@@ -166,6 +166,8 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     Readout* control = makeReadout(card, u"LblControl"_s, 15, true);
     control->setTone(Tone::Accent);
     bind(control, records.session.LblControl);
+    follow(control, records.session.LblControl.Caption,
+           [control](const QString& holder) { control->setHidden(holder.isEmpty()); });
     auto* alarms = new QHBoxLayout;
     alarms->setSpacing(look::kGap);
     int alarmLineHeight = 0;
@@ -324,17 +326,16 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
     return row;
 }
 
-// Only when the history has another newest point, or has been cleared.
-void MonitorPanel::showTrends(const Records& records) {
+// Only when the history has a new point, or has been cleared.
+void MonitorPanel::showTrends(const Records& records, const QDateTime& now) {
     const GraphHistory& history = records.history;
-    const std::pair newest(history.count(),
-                           history.count() > 0 ? history.point(history.LastElem).date : 0.0);
-    if (newest == shownNewest_)
+    const std::pair points(history.count(), history.LastElem);
+    if (points == shownPoints_)
         return;
-    shownNewest_ = newest;
+    shownPoints_ = points;
     const double step = history.SampleEvery * records.session.RefreshRead.chosenSeconds();
     for (const TileTrend& shown : trends_)
-        shown.tile->showTrend(lastHour(history, shown.value, step), shown.scale);
+        shown.tile->showTrend(lastHour(history, shown.value, daySerial(now), step), shown.scale);
 }
 
 QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
@@ -355,21 +356,21 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     };
     const auto addTime = [&](const QString& caption, const QString& name, Label& record) {
         layout->addWidget(makeCaption(row, caption));
-        Readout* time = makeReadout(row, name, 14);
+        Readout* time = makeReadout(row, name, 13);
         time->reserve(u"00/00 00:00:00"_s);
         bind(time, record);
         layout->addWidget(time);
-        Readout* age = makeReadout(row, name + u"Age"_s, 14);
+        Readout* age = makeReadout(row, name + u"Age"_s, 13);
         age->setTone(Tone::Dim);
-        age->reserve(u"00 days ahead"_s);
+        age->reserve(u"90 min ago"_s);
         layout->addWidget(age);
         return age;
     };
     layout->addWidget(makeCaption(row, u"Reading"_s));
     addPair(layout, u"LEDRead"_s, display.LEDRead);
     layout->addSpacing(look::kGap);
-    Readout* sensorAge = addTime(u"Cloud sensor"_s, u"Label30"_s, display.Label3Sensor);
-    Readout* stationAge = addTime(u"Weather station"_s, u"Label32"_s, display.Label3Station);
+    Readout* sensorAge = addTime(u"Sensor"_s, u"Label30"_s, display.Label3Sensor);
+    Readout* stationAge = addTime(u"Station"_s, u"Label32"_s, display.Label3Station);
     layout->addStretch();
     const auto showAges = [&core, sensorAge, stationAge] {
         const CurrentReadings& readings = core.records.readings;

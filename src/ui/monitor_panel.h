@@ -32,7 +32,7 @@ class MonitorPanel : public QWidget {
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(Records& records);
     QWidget* makeSources(MonitoringCore& core);
-    void showTrends(const Records& records);
+    void showTrends(const Records& records, const QDateTime& now);
 
     struct TileTrend {
         ReadingTile* tile;
@@ -40,7 +40,7 @@ class MonitorPanel : public QWidget {
         TrendScale scale;
     };
     std::vector<TileTrend> trends_;
-    std::pair<std::int32_t, double> shownNewest_{0, 0}; // number of points, date of the newest
+    std::pair<std::int32_t, std::int32_t> shownPoints_{0, 0}; // how many, and the newest
 };
 
 // The two status lines on their light strip. A right click on the codes opens their legend.

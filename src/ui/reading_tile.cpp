@@ -10,9 +10,9 @@ namespace skyhold {
 
 namespace {
 
-constexpr int kHeight = 118;
-constexpr int kStripTop = 94;
-constexpr int kStripHeight = 16;
+constexpr int kHeight = 112;
+constexpr int kStripTop = 92;
+constexpr int kStripHeight = 13;
 
 } // namespace
 

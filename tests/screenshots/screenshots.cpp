@@ -1,0 +1,233 @@
+// Pictures of every page, dialog and look of the window, made without a person or a display.
+//
+// usage: screenshots FOLDER [SIZE...]      a size of the window as "1280x800"
+//
+// QT_SCALE_FACTOR=2 makes them for a screen of twice the resolution. Fails when a picture could not
+// be written or would show a password.
+#include "core/clients.h"
+#include "platform/files.h"
+#include "screenshots/simulated_monitor.h"
+#include "ui/help_window.h"
+#include "ui/kiv_cardinal_points.h"
+#include "ui/kiv_color.h"
+#include "ui/kiv_error.h"
+#include "ui/kiv_file_struct_form.h"
+#include "ui/kiv_legend.h"
+#include "ui/kiv_setup_form.h"
+#include "ui/kiv_sound_form.h"
+#include "ui/kiv_unit_symbols.h"
+#include "ui/kiv_wind_pars.h"
+#include "ui/look.h"
+#include "ui/main_window.h"
+#include "ui/news_window.h"
+#include "ui/settings_pages.h"
+#include "ui/simulators.h"
+#include "ui/update_window.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+
+#include <cstdio>
+
+using namespace skyhold;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr std::array kLooks{"panel", "night", "desktop"};
+
+class Album {
+  public:
+    explicit Album(const QString& folder)
+        : folder_(folder) {}
+
+    int failures() const { return failures_; }
+
+    void choose(std::size_t look, WindowControls& window) {
+        look_ = QString::fromLatin1(kLooks[look]);
+        window.Look = static_cast<int>(look);
+    }
+
+    // "FOLDER/LOOK-NAME-WIDTHxHEIGHT.png", the size in pixels.
+    void take(QWidget& widget, const QString& name, bool withSize = true) {
+        QCoreApplication::processEvents();
+        if (showsPassword(widget)) {
+            std::fprintf(stderr, "%s would show a password\n", qPrintable(name));
+            ++failures_;
+            return;
+        }
+        const QPixmap picture = widget.grab();
+        const QString size =
+            withSize ? u"-%1x%2"_s.arg(picture.width()).arg(picture.height()) : QString();
+        const QString scale = picture.devicePixelRatio() > 1 ? u"@2x"_s : QString();
+        const QString file = joinPath(folder_, look_ + u'-' + name + size + scale + u".png"_s);
+        if (!picture.save(file)) {
+            std::fprintf(stderr, "%s cannot be written\n", qPrintable(file));
+            ++failures_;
+        }
+    }
+
+    void takeDialog(QDialog& dialog, const QString& name) {
+        dialog.show();
+        take(dialog, u"dialog-"_s + name, false);
+        dialog.hide();
+    }
+
+  private:
+    static bool showsPassword(const QWidget& widget) {
+        const auto* box = widget.findChild<QLineEdit*>(u"PassWord"_s);
+        return box && box->echoMode() == QLineEdit::Normal;
+    }
+
+    QString folder_;
+    QString look_;
+    int failures_ = 0;
+};
+
+void takePages(Album& album, KivSHMainform& window) {
+    auto* pages = window.findChild<SettingsPages*>();
+    constexpr std::array names{"sources",   "limits", "unsafe", "graphs",
+                               "data-file", "ccdap",  "images", "upload"};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        pages->open(static_cast<Page>(i));
+        album.take(window, QString::fromLatin1(names[i]));
+    }
+    pages->open(Page::Sources);
+}
+
+void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window) {
+    Records& r = monitor.records();
+    const auto take = [&album](QDialog&& dialog, const char* name) {
+        album.takeDialog(dialog, QString::fromLatin1(name));
+    };
+    take(KivColor(r.conditions.ColorWind[1], &r.conditions.CondWind[1], &window), "level");
+    take(KivColor(r.graphs.GraphColor[0][1], nullptr, &window), "colour");
+    take(KivWindPars(r.conditions.DirectionWind[2], &window), "sector");
+    take(KivCardinalPoints(r.units.Cardinal, &window), "cardinal");
+    take(KivUnitSymbols(r.units, &window), "units");
+    take(KivFileStructForm(r.dataFile.Columns, &window), "columns");
+    take(KivSoundForm(r.alarms.AlarmRain[2], r.alarms.LastMusicDir, monitor.core().media, &window),
+         "sound");
+    take(KivLegend(&window), "codes");
+    take(KivError({u"Safe delay 5 minutes: a return to safe is told five minutes late. Is that "
+                   u"what you want?"_s,
+                   MessageStyle::YesNoCancel,
+                   {}},
+                  window.windowTitle(), &window),
+         "question");
+    take(KivError({monitor.core().version.title() +
+                       u"\n\nA monitor of sky and weather conditions for an observatory."_s,
+                   MessageStyle::Ok, u"About"_s},
+                  window.windowTitle(), &window),
+         "about");
+    take(NewsWindow(u"Version 2.30.005\n\nA new look for the night.\nAges of all readings."_s,
+                    &window),
+         "news");
+    UpdateControls update;
+    update.Label1.Caption = monitor.core().version.text();
+    take(UpdateWindow(update, monitor.core(), QDir::tempPath(), &window), "update");
+    take(HelpWindow(QString::fromLocal8Bit(SKYHOLD_SOURCES) + u"/README.md"_s, &window), "help");
+
+    KivSetupForm setup(monitor.settings(), Simulators::of(&window), window.windowTitle());
+    for (int step = 1;; ++step) {
+        album.takeDialog(setup, u"setup-%1"_s.arg(step));
+        auto* next = setup.findChild<QPushButton*>(u"ButtNext"_s);
+        if (!next || !next->isEnabled() || next->isHidden() || step == 5)
+            break;
+        setup.show();
+        next->click();
+    }
+
+    QFileDialog folder(&window, u"Folder"_s, QString::fromLocal8Bit(SKYHOLD_SOURCES));
+    album.takeDialog(folder, u"file"_s);
+
+    for (const QAction* entry : window.menuBar()->actions()) {
+        QMenu* menu = entry->menu();
+        menu->popup({0, 0});
+        album.take(*menu, u"menu-"_s + menu->title().remove(u'&').toLower(), false);
+        menu->hide();
+    }
+}
+
+// A moment that matters, and how the monitor comes to it.
+struct Moment {
+    const char* name;
+    void (*reach)(SimulatedMonitor& monitor);
+};
+
+constexpr Moment kMoments[]{
+    {"idle",
+     [](SimulatedMonitor&) {
+     }},
+    {"safe",
+     [](SimulatedMonitor& monitor) {
+         monitor.runUntil({20, 40});
+     }},
+    {"rain",
+     [](SimulatedMonitor& monitor) {
+         monitor.runUntil({0, 20});
+     }},
+    {"client",
+     [](SimulatedMonitor& monitor) {
+         RegisterUsers(monitor.records(), monitor.core().clock, 1);
+         HasControl(monitor.core(), true, u"Roof controller"_s);
+     }},
+    {"failed",
+     [](SimulatedMonitor& monitor) {
+         HasControl(monitor.core(), false, {});
+         RegisterUsers(monitor.records(), monitor.core().clock, -1);
+         monitor.sensorFails = true;
+         monitor.stationStands = true;
+         for (int i = 0; i < 30; ++i)
+             monitor.cycle();
+     }},
+};
+constexpr std::string_view kSettingsMoment = "safe"; // at which pages and dialogs are shown
+
+std::vector<QSize> sizesFrom(const QStringList& texts) {
+    std::vector<QSize> sizes;
+    for (const QString& text : texts)
+        sizes.emplace_back(text.section(u'x', 0, 0).toInt(), text.section(u'x', 1).toInt());
+    return sizes;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const QStringList arguments = application.arguments();
+    if (arguments.size() < 2) {
+        std::fprintf(stderr, "usage: screenshots FOLDER [SIZE...]\n");
+        return 2;
+    }
+    QDir().mkpath(arguments[1]);
+    const std::vector<QSize> sizes =
+        sizesFrom(arguments.size() > 2 ? arguments.mid(2) : QStringList{u"1280x800"_s});
+
+    applyLook(application);
+    SimulatedMonitor monitor(QDateTime(QDate(2026, 11, 16), QTime(19, 20)));
+    KivSHMainform window(monitor.core());
+    window.show();
+    Album album(arguments[1]);
+    for (const Moment& moment : kMoments) {
+        moment.reach(monitor);
+        for (std::size_t look = 0; look < kLooks.size(); ++look) {
+            album.choose(look, monitor.records().window);
+            for (const QSize& size : sizes) {
+                window.resize(size);
+                album.take(window, u"now-"_s + QString::fromLatin1(moment.name));
+                if (moment.name == kSettingsMoment)
+                    takePages(album, window);
+            }
+            if (moment.name == kSettingsMoment)
+                takeDialogs(album, monitor, window);
+        }
+    }
+    return album.failures() == 0 ? 0 : 1;
+}

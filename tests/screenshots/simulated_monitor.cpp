@@ -1,0 +1,107 @@
+#include "screenshots/simulated_monitor.h"
+
+#include "core/read_cycle.h"
+#include "core/session.h"
+#include "core/start_up.h"
+#include "graphs/history.h"
+#include "simulators/station_text.h"
+
+#include <QFile>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kReadSeconds = 10;
+
+SettingsStore settingsIn(const QTemporaryDir& folder) {
+    qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+    return SettingsStore(u"Kiv_Skyhold"_s);
+}
+
+} // namespace
+
+SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
+    : clock_(start)
+    , start_(start)
+    , settings_(settingsIn(folder_)) {
+    core_ = std::make_unique<MonitoringCore>(clock_, settings_, sensor_.creator(), media_,
+                                             ProgramVersion{2, 30, 4});
+    core_->showMessage = [](const Message&) {
+        return MessageAnswer::Ok;
+    };
+    LoadMainWindow(*core_);
+    core_->handOff.program = folder_.filePath(u"none"_s);
+
+    Records& r = records();
+    r.stationFile.HTMFile.Caption = folder_.filePath(u"station.htm"_s);
+    r.ccdap.LblPathNameCCDAP4.Caption = folder_.path();
+    r.dataFile.LblPathName.Caption = folder_.path();
+    r.graphs.GraphImagePath.Caption = folder_.path();
+    for (CheckBox& image : r.graphs.GraphImage)
+        image.set(0);
+    r.conditions.SafeDelayVal.Value = 5;
+    r.graphs.GraphFreq.Value = 3;
+    SetSampleEvery(r.history, r.graphs, r.session.RefreshRead);
+    r.graphs.GraphNoPoints.Value = 720;
+    SetCapacity(r.history, r.graphs, r.session.RefreshRead);
+    // Rain is told by a sound.
+    r.alarms.AlarmRain[2].Tag = u"/sounds/Rain.wav|repeat"_s;
+    r.alarms.AlarmRain[2].set(1);
+    r.upload.ServerAddress.Text = u"ftp.example.org"_s;
+    r.upload.ServerPath.Text = u"weather"_s;
+    r.upload.UserName.Text = u"observer"_s;
+    r.upload.PassWord.Text = u"never to be read"_s;
+}
+
+void SimulatedMonitor::runUntil(QTime time) {
+    if (!records().session.Running) {
+        showWeather();
+        StartSession(core());
+    }
+    QDateTime end(start_.date(), time);
+    if (end < start_)
+        end = end.addDays(1);
+    while (clock_.now() < end)
+        cycle();
+}
+
+void SimulatedMonitor::cycle() {
+    clock_.advanceSeconds(kReadSeconds);
+    showWeather();
+    RunReadCycle(core());
+}
+
+void SimulatedMonitor::showWeather() {
+    const Weather weather = weatherAt(Scenario::Night, start_, clock_.now());
+    if (!stationStands)
+        writeStation(weather);
+    sensor_.answering = !sensorFails;
+    const auto tell = [this](const char* name, const QVariant& value) {
+        sensor_.values[QString::fromLatin1(name)] = value;
+    };
+    tell("Condition_Cloud", weather.cloudCondition);
+    tell("Condition_Rain", weather.rainCondition);
+    tell("Condition_Brightness", weather.brightnessCondition);
+    tell("SkyTemperature", weather.skyTemperature);
+    tell("RainValue", weather.rainValue);
+    tell("BrightnessValue", weather.brightnessValue);
+    tell("SkySensorTemperature", weather.sensorTemperature);
+    tell("AmbientTemperature", weather.temperature);
+    tell("LastReading", QVariant::fromValue(AutomationDate{daySerial(clock_.now().addSecs(-2))}));
+}
+
+// The file is a minute old at most, as that of a real station.
+void SimulatedMonitor::writeStation(const Weather& weather) {
+    const QDateTime written = clock_.now().addSecs(-clock_.now().time().second());
+    QFile file(records().stationFile.HTMFile.Caption);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        qFatal("the station's file cannot be written");
+    file.write(stationText(cellsOf(weather, {}), written, {}));
+    file.flush();
+    file.setFileTime(clock_.now(), QFileDevice::FileModificationTime);
+}
+
+} // namespace skyhold

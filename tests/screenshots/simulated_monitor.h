@@ -1,0 +1,44 @@
+// A whole monitor over simulated weather: its clock is moved, its sensor program and its weather
+// station show the same sky, and its files stay in a folder of their own.
+#pragma once
+
+#include "core/monitoring_core.h"
+#include "simulators/scenario.h"
+#include "support/manual_clock.h"
+#include "support/scripted_media.h"
+#include "support/scripted_sensor.h"
+
+#include <QTemporaryDir>
+
+namespace skyhold {
+
+class SimulatedMonitor {
+  public:
+    // Set up for an observatory; no session runs yet.
+    explicit SimulatedMonitor(const QDateTime& start);
+
+    // Read cycles up to a time of the simulated night. The first one begins a session.
+    void runUntil(QTime time);
+    void cycle();
+    // What fails from the next cycle on.
+    bool sensorFails = false;
+    bool stationStands = false; // its file is not written any more
+
+    MonitoringCore& core() { return *core_; }
+    Records& records() { return core_->records; }
+    SettingsStore& settings() { return settings_; }
+
+  private:
+    void showWeather();
+    void writeStation(const Weather& weather);
+
+    QTemporaryDir folder_;
+    ManualClock clock_;
+    QDateTime start_;
+    ScriptedSensor sensor_;
+    ScriptedMedia media_;
+    SettingsStore settings_;
+    std::unique_ptr<MonitoringCore> core_;
+};
+
+} // namespace skyhold
