@@ -1,0 +1,28 @@
+// A fuzzer of the target SKYHOLD_FUZZ_TARGET.
+#include "target.h"
+
+#include <QGuiApplication>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace skyhold::fuzz {
+
+void broken(const char* rule) {
+    std::fprintf(stderr, "BROKEN RULE: %s\n", rule);
+    std::abort();
+}
+
+} // namespace skyhold::fuzz
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // graphs are drawn, but not shown
+    static QGuiApplication application(*argc, *argv);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    skyhold::fuzz::SKYHOLD_FUZZ_TARGET.run(
+        {reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)});
+    return 0;
+}
