@@ -105,7 +105,8 @@ void breakHungLock(const QString& path) {
 // Removes what a program that was killed while it saved has left. Whoever saves holds the lock.
 void removeLeftovers(const QString& path) {
     const QFileInfo file(path);
-    const QStringList left = unfinishedFiles(file.path(), file.fileName() + u'.');
+    QStringList left = unfinishedFiles(file.path(), file.fileName() + u'.');
+    left += unfinishedFiles(file.path(), file.fileName() + QStringLiteral(".whole."));
     QLockFile saving(path + QStringLiteral(".lock"));
     if (left.isEmpty() || !saving.tryLock(0))
         return;

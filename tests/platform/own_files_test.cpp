@@ -91,6 +91,7 @@ TEST_F(OwnFiles, settingsAreTakenFromEverybodyElse) {
     EXPECT_EQ(notes(), QString());
 
     write(u"Kiv/Test.ini.abcXYZ"_s, "half"); // by a program that was killed while it saved
+    write(u"Kiv/Test.ini.whole.abcXYZ"_s, "half");
     write(u"Kiv/Test.ini.backup1"_s, "mine");
     EXPECT_EQ(notes(), QString());
     EXPECT_EQ(names(u"Kiv"_s), (QStringList{u"Test.ini"_s, u"Test.ini.backup1"_s}));
