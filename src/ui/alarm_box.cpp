@@ -5,6 +5,7 @@
 #include "ui/bind.h"
 #include "ui/icons.h"
 #include "ui/look.h"
+#include "ui/open_editor.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -76,7 +77,7 @@ void AlarmBox::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void AlarmBox::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Menu)
+    if (asksForMenu(*event))
         Q_EMIT editWanted();
     else
         QAbstractButton::keyPressEvent(event);
@@ -99,7 +100,9 @@ void SoundName::showSound(const QString& tag) {
     const SoundSpec sound = parseSound(tag);
     repeat_ = sound.repeat;
     setText(nativePath(sound.file).section(u'/', -1).section(u'.', 0, -2));
-    setToolTip(tag.isEmpty() ? u"Choose a sound for this alarm"_s : sound.file);
+    const QString hint = u"Choose the sound of this alarm: click, right-click, or press the menu "
+                         u"key or Shift+F10"_s;
+    setToolTip(tag.isEmpty() ? hint : sound.file + u'\n' + hint);
     update();
 }
 

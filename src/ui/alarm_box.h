@@ -19,7 +19,7 @@ class AlarmBox : public QAbstractButton {
   Q_SIGNALS:
     // Any button of the mouse was released over the box, after the box has been clicked.
     void mouseReleased(Qt::MouseButton button);
-    // The menu key.
+    // The context-menu key or Shift+F10.
     void editWanted();
 
   protected:

@@ -2,8 +2,10 @@
 
 #include "ui/look.h"
 
+#include <QButtonGroup>
 #include <QDialog>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -25,11 +27,32 @@ void moveInside(QDialog* dialog, QPoint corner, const QRect& screen) {
 } // namespace
 
 QVBoxLayout* dialogColumn(QDialog* dialog) {
+    // A dialog is answered or closed; to minimise or maximise it would only lose it.
+    dialog->setWindowFlags((dialog->windowFlags() | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                            Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint) &
+                           ~(Qt::WindowMinMaxButtonsHint | Qt::WindowContextHelpButtonHint));
     auto* column = new QVBoxLayout(dialog);
     column->setContentsMargins(20, 18, 20, 16);
     column->setSpacing(look::kMargin);
     column->setSizeConstraint(QLayout::SetFixedSize);
     return column;
+}
+
+QLabel* makeDimmed(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setTextFormat(Qt::PlainText);
+    followLook(label, [label] {
+        QPalette palette;
+        palette.setColor(QPalette::WindowText, look::kDimText);
+        label->setPalette(palette);
+    });
+    return label;
+}
+
+void tabToChosen(const QButtonGroup& group) {
+    const QAbstractButton* chosen = group.checkedButton();
+    for (QAbstractButton* button : group.buttons())
+        button->setFocusPolicy(!chosen || button == chosen ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 OkAndCancel addOkAndCancel(QDialog* dialog, QVBoxLayout* column) {

@@ -1,16 +1,25 @@
-// What all dialogs share: their margins, the row of OK and Cancel, and where they open.
+// What all dialogs share: their margins, dim texts, the row of OK and Cancel, and where they open.
 #pragma once
 
+class QButtonGroup;
 class QDialog;
-class QLayout;
+class QLabel;
 class QPushButton;
+class QString;
 class QVBoxLayout;
 class QWidget;
 
 namespace skyhold {
 
-// A column with the margins of a dialog, which keeps its contents' size.
+// A column with the margins of a dialog, which keeps its contents' size. Its title bar offers to
+// close it and nothing else.
 QVBoxLayout* dialogColumn(QDialog* dialog);
+
+// A plain text in the dimmer text colour.
+QLabel* makeDimmed(const QString& text, QWidget* parent);
+
+// Tab goes to the chosen button of an exclusive group, the arrow keys to the others.
+void tabToChosen(const QButtonGroup& group);
 
 struct OkAndCancel {
     QPushButton* ok;     // object name "ButtOK", accepts the dialog

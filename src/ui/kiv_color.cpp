@@ -44,7 +44,7 @@ class ColourButton : public QAbstractButton {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setBrush(screenColour(colour_));
+        painter.setBrush(look::light(screenColour(colour_)));
         painter.setPen(QPen(look::kEdge, 1));
         painter.drawRoundedRect(QRectF(rect()).adjusted(3.5, 3.5, -3.5, -3.5), 3, 3);
         if (!isChecked() && !hasFocus())
@@ -99,6 +99,7 @@ QWidget* KivColor::makePalette() {
         connect(button, &QAbstractButton::clicked, this,
                 [this, button] { chosen_ = button->colour(); });
     }
+    tabToChosen(*group);
     return holder;
 }
 

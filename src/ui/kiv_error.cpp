@@ -43,11 +43,11 @@ KivError::KivError(const Message& message, const QString& caption, QWidget* pare
         addButtons({{"OK", MessageAnswer::Ok}}, column);
         break;
     case MessageStyle::YesNo:
-        addButtons({{"Yes", MessageAnswer::Yes}, {"No", MessageAnswer::No}}, column);
+        addButtons({{"&Yes", MessageAnswer::Yes}, {"&No", MessageAnswer::No}}, column);
         break;
     case MessageStyle::YesNoCancel:
-        addButtons({{"Yes", MessageAnswer::Yes},
-                    {"No", MessageAnswer::No},
+        addButtons({{"&Yes", MessageAnswer::Yes},
+                    {"&No", MessageAnswer::No},
                     {"Cancel", MessageAnswer::Cancel}},
                    column);
         break;

@@ -3,6 +3,7 @@
 #include "datafiles/upload_list.h"
 #include "ui/bind.h"
 #include "ui/choose_path.h"
+#include "ui/open_editor.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -19,6 +20,7 @@ KivFileList::KivFileList(UploadControls& upload, QWidget* parent)
     setObjectName(u"KivFileList"_s);
     setTextElideMode(Qt::ElideMiddle);
     setMinimumSize(240, 100);
+    setToolTip(u"Right-click, or press the menu key or Shift+F10, for what can be done"_s);
     makeMenu();
     follow(this, upload.FileLines, [this](const QStringList& lines) { showLines(lines); });
     follow(this, upload.ListIndex, [this](int index) { showSelection(index); });
@@ -66,7 +68,7 @@ void KivFileList::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void KivFileList::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Menu)
+    if (asksForMenu(*event))
         openMenu(viewport()->mapToGlobal(visualItemRect(currentItem()).bottomLeft()));
     else
         QListWidget::keyPressEvent(event);

@@ -89,7 +89,7 @@ QWidget* KivSoundForm::makeLists() {
             [this](int index) { goTo(places_[static_cast<std::size_t>(index)].folder); });
     path_->setObjectName(u"LblFolder"_s);
     path_->setPixelSize(13);
-    path_->setInk(look::kDimText);
+    path_->setTone(Tone::Dim);
     path_->cutInMiddle();
 
     folders_->setObjectName(u"FolderList"_s);
@@ -150,6 +150,10 @@ QWidget* KivSoundForm::makeSoundRow() {
         makeButton(u"ButtPlay"_s, u"&Play"_s, [this] { previewSound(media_, chooser_); }), 1, 2);
     grid->addWidget(makeButton(u"ButtStop"_s, u"&Stop"_s, [this] { stopSound(media_); }), 1, 3);
     grid->setColumnStretch(1, 1);
+    const auto buttons = holder->findChildren<QPushButton*>(); // Clear, Play, Stop
+    setTabOrder(fileName_, buttons[0]);
+    setTabOrder(buttons[0], repeat_);
+    setTabOrder(repeat_, buttons[1]);
     return holder;
 }
 

@@ -74,7 +74,7 @@ void SettingsPages::addPages() {
              [this](QWidget* parent) { return makeSourcesPage(core_, parent); });
 
     QTabWidget* conditions = addStrip(u"SSTab2"_s, u"&Conditions"_s);
-    addSheet(conditions, u"&Limits"_s, [this, &records](QWidget* parent) {
+    addSheet(conditions, u"Li&mits"_s, [this, &records](QWidget* parent) {
         return makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
     });
     addSheet(conditions, u"&Unsafe and alarms"_s, [this, &records](QWidget* parent) {
@@ -84,12 +84,12 @@ void SettingsPages::addPages() {
 
     addSheet(this, u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
 
-    QTabWidget* files = addStrip(u"SSTab3"_s, u"F&iles"_s);
+    QTabWidget* files = addStrip(u"SSTab3"_s, u"Fi&les"_s);
     addSheet(files, u"&Data file"_s,
              [&records](QWidget* parent) { return makeDataFilePage(records.dataFile, parent); });
     addSheet(files, u"CCDAuto&pilot file"_s,
              [&records](QWidget* parent) { return makeCcdapPage(records.ccdap, parent); });
-    addSheet(files, u"I&mages"_s,
+    addSheet(files, u"&Images"_s,
              [&records](QWidget* parent) { return makeImagesPage(records.graphs, parent); });
     addSheet(files, u"&Upload"_s, [&records](QWidget* parent) {
         return makeUploadPage(records.upload, records.session.flgUpload, parent);

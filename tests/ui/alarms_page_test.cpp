@@ -67,28 +67,6 @@ TEST_F(AlarmsPage, ABoxWithoutASoundCannotBeChecked) {
     EXPECT_EQ(child<SoundName>(*window_, "SoundAlarmRain2")->text(), u"Bell"_s);
 }
 
-TEST_F(AlarmsPage, ChooserOpensByRightButtonNameAndMenuKey) {
-    QWidget* alarm = child<QWidget>(*window_, "AlarmWS");
-    QTest::mousePress(alarm, Qt::RightButton);
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-    const std::function<void()> ways[]{
-        [&] { QTest::mouseRelease(alarm, Qt::RightButton); },
-        [&] { click(*window_, "SoundAlarmWS"); },
-        [&] { QTest::keyClick(alarm, Qt::Key_Menu); },
-    };
-    for (const auto& open : ways) {
-        records().readings.AlarmSoundId = u"10"_s;
-        EXPECT_TRUE(duringDialog(open, [](QDialog& dialog) {
-            EXPECT_EQ(dialog.objectName(), u"KivSoundForm"_s);
-            EXPECT_EQ(dialog.windowTitle(), u"Sound Alarm Selection"_s);
-            dialog.reject();
-        }));
-        EXPECT_EQ(records().readings.AlarmSoundId, QString());
-    }
-    EXPECT_FALSE(duringDialog([&] { click(*window_, "AlarmWS"); },
-                              [](QDialog& dialog) { dialog.reject(); }));
-}
-
 TEST_F(AlarmsPage, ChooserWritesOnOkOnly) {
     EXPECT_TRUE(choose([this](QDialog& dialog) {
         EXPECT_EQ(texts(dialog, "FileList"), QStringList{u"Bell.wav"_s});
@@ -200,12 +178,15 @@ TEST_F(AlarmsPage, SensorAlarmIsHiddenBesideAMaster) {
     click(*window_, "ButtStart");
     for (const char* name : {"AlarmNB", "SoundAlarmNB", "NBDataOldUnsafe"})
         EXPECT_FALSE(visible(name)) << name;
+    EXPECT_EQ(shown("LblMaster"), u"Master: its failure is unsafe"_s); // the row is not empty
+    EXPECT_TRUE(visible("LblMaster"));
     EXPECT_FALSE(child<QWidget>(*window_, "SoundAlarmWS")->isEnabled());
     click(*window_, "ButtStop");
     sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
     click(*window_, "ButtStart");
     for (const char* name : {"AlarmNB", "SoundAlarmNB", "NBDataOldUnsafe"})
         EXPECT_TRUE(visible(name)) << name;
+    EXPECT_FALSE(visible("LblMaster"));
 }
 
 } // namespace

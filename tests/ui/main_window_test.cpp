@@ -60,28 +60,6 @@ TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
     EXPECT_EQ(records().conditions.CondDew[2].Value, 1 - before);
 }
 
-TEST_F(MainWindow, EditorsOpenOnTheReleaseOfTheRightButton) {
-    openPage(Page::Limits);
-    const auto release = [this](const char* name) {
-        QWidget* item = child<QWidget>(*window_, name);
-        QTest::mousePress(item, Qt::RightButton);
-        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-        QTest::mouseRelease(item, Qt::RightButton);
-    };
-    for (const auto& [item, editor] : {std::pair{"ColorGust1", "KivColor"},
-                                       {"DirectionWind2", "KivWindPars"},
-                                       {"DirectionGust0", "KivWindPars"}}) {
-        EXPECT_TRUE(duringDialog([&, name = item] { release(name); },
-                                 [name = editor](QDialog& dialog) {
-                                     EXPECT_EQ(dialog.objectName(), QLatin1String(name));
-                                     dialog.reject();
-                                 }))
-            << item;
-    }
-    EXPECT_FALSE(duringDialog([&] { click(*window_, "ColorGust1"); },
-                              [](QDialog& dialog) { dialog.reject(); }));
-}
-
 TEST_F(MainWindow, LegendOpensFromTheStatusCodesAndItsOkClosesIt) {
     QWidget* codes = child<QWidget>(*window_, "Statusbar2");
     for (int i = 0; i < 2; ++i)

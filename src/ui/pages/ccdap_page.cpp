@@ -2,7 +2,6 @@
 
 #include "ui/look.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

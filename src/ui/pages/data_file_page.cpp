@@ -5,8 +5,8 @@
 #include "ui/kiv_file_struct_form.h"
 #include "ui/kiv_get_number.h"
 #include "ui/look.h"
+#include "ui/open_editor.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -37,7 +37,7 @@ class FileNameValidator : public QValidator {
 QWidget* makeRecording(DataFileControls& dataFile, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"Recording"_s);
     addOptions(column, "RecOption", {u"&Record"_s, u"Stop"_s}, dataFile.RecOption);
-    addNumberRow(column, u"A line e&very"_s, u"SaveFreq"_s, dataFile.SaveFreq, u"read cycles"_s);
+    addNumberRow(column, u"A line ever&y"_s, u"SaveFreq"_s, dataFile.SaveFreq, u"read cycles"_s);
     column->addStretch();
     return column->parentWidget();
 }
@@ -60,8 +60,9 @@ QWidget* makeFile(DataFileControls& dataFile, QWidget* page) {
     auto* structure = new QPushButton(u"Colu&mns…"_s, group);
     structure->setObjectName(u"ButtFileStructure"_s);
     bind(structure, dataFile.ButtFileStructure);
-    QObject::connect(structure, &QPushButton::clicked, group,
-                     [&dataFile, group] { KivFileStructForm(dataFile.Columns, group).exec(); });
+    structure->setToolTip(u"Choose and order the values of a line"_s);
+    openEditorFrom(structure,
+                   [&dataFile, group] { KivFileStructForm(dataFile.Columns, group).exec(); });
 
     grid->addWidget(choice.button, 0, 0);
     grid->addWidget(choice.folder, 0, 1, 1, 2);

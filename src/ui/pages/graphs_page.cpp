@@ -33,11 +33,10 @@ void addSwatch(QHBoxLayout* row, const QString& name, const QString& painted, La
     swatch->setPixelSize(11);
     swatch->setFixedHeight(20);
     swatch->setText(painted);
-    swatch->reserve(painted + u"    "_s);
-    swatch->setToolTip(u"Right-click to change this colour"_s);
+    swatch->reserve(painted + u"  "_s);
     follow(swatch, colour.BackColor,
            [swatch](Colour fill) { swatch->setFill(screenColour(fill)); });
-    openEditorOn(swatch, [swatch, &colour, redraw] {
+    makeEditable(swatch, u"Change this colour"_s, [swatch, &colour, redraw] {
         KivColor(colour, nullptr, swatch).exec();
         redraw();
     });
@@ -66,9 +65,11 @@ QLayout* makeGraph(std::size_t index, const GraphPlace& place, MonitoringCore& c
     QCheckBox* title =
         makeCheck(page, QString::fromLatin1("GraphGenerate" + suffix), place.title, generate);
     // A title is to be read while the box is disabled, too.
-    QPalette readable = title->palette();
-    readable.setColor(QPalette::Disabled, QPalette::WindowText, look::kDimText);
-    title->setPalette(readable);
+    followLook(title, [title] {
+        QPalette readable;
+        readable.setColor(QPalette::Disabled, QPalette::WindowText, look::kDimText);
+        title->setPalette(readable);
+    });
     row->addWidget(title);
     row->addStretch();
     auto* view = new GraphView(records.pictures[index], redraw, page);

@@ -3,13 +3,13 @@
 #include "ui/bind.h"
 #include "ui/look.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 

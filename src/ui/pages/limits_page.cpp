@@ -53,13 +53,14 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     auto* swatch = new Swatch(group);
     swatch->setObjectName(indexed("Color" + suffix, i));
     swatch->setPixelSize(13);
-    swatch->setToolTip(u"Right-click to change the name and colour of this level"_s);
     bind(swatch, level);
-    openEditorOn(swatch, [swatch, &level, &unsafe] { KivColor(level, &unsafe, swatch).exec(); });
+    makeEditable(swatch, u"Change the name and colour of this level"_s,
+                 [swatch, &level, &unsafe] { KivColor(level, &unsafe, swatch).exec(); });
 
     KivGetNumber* limit =
         makeNumber(group, indexed("Limit" + suffix, i), conditions.limits(made.quantity)[i]);
     limit->setToolTip(u"Upper limit of this level"_s);
+    limit->setFixedWidth(52); // leaves room for the level's name
     holdFocusWhile(
         limit,
         [limit, i, &conditions, quantity = made.quantity] {
@@ -80,9 +81,9 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     auto* label = new Readout(group);
     label->setObjectName(indexed("Direction" + suffix, i));
     label->setPixelSize(13);
-    label->setToolTip(u"From and to in degrees, and minutes; right-click to change"_s);
     bind(label, sector);
-    openEditorOn(label, [label, &sector] { KivWindPars(sector, label).exec(); });
+    makeEditable(label, u"Change the sector: from and to in degrees, then minutes"_s,
+                 [label, &sector] { KivWindPars(sector, label).exec(); });
     label->reserve(u"-000 0000  00"_s);
     auto* caption = new QLabel(u"Sector"_s, group);
     auto* line = new QHBoxLayout;
@@ -125,8 +126,9 @@ QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
     }};
     auto* page = new QWidget(parent);
     QVBoxLayout* column = pageColumn(page);
-    addHint(column, u"A value up to and including a limit belongs to that level. Right-click a "
-                    u"level to change its name and colour, a sector to change it."_s);
+    addHint(column, u"A value up to and including a limit belongs to that level. A pencil, a "
+                    u"right-click or the menu key changes a level's name and colour, or a "
+                    u"sector."_s);
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kMargin);
     for (const LimitGroup& made : groups)

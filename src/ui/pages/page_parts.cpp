@@ -2,9 +2,9 @@
 
 #include "ui/bind.h"
 #include "ui/choose_path.h"
+#include "ui/dialog_parts.h"
 #include "ui/kiv_get_number.h"
 #include "ui/look.h"
-#include "ui/readout.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -60,11 +60,8 @@ QVBoxLayout* addGroup(QWidget* page, const QString& title) {
 }
 
 QLabel* addHint(QBoxLayout* into, const QString& text) {
-    auto* hint = new QLabel(text, into->parentWidget());
+    QLabel* hint = makeDimmed(text, into->parentWidget());
     hint->setWordWrap(true);
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, look::kDimText);
-    hint->setPalette(palette);
     into->addWidget(hint);
     return hint;
 }
@@ -118,17 +115,25 @@ void onLeaving(QLineEdit* box, std::function<void()> rule) {
     new EventRule(box, QEvent::FocusOut, std::move(rule));
 }
 
+QLineEdit* makePath(QWidget* parent, const QString& name, Label& record) {
+    auto* box = new QLineEdit(parent);
+    box->setObjectName(name);
+    box->setReadOnly(true);
+    follow(box, record.Caption, [box](const QString& path) {
+        box->setText(path);
+        box->setToolTip(path);
+    });
+    followVisible(box, record.Visible);
+    return box;
+}
+
 FolderChoice makeFolderChoice(QWidget* parent, const QString& buttonName, Button& button,
                               const QString& folderName, Label& folder,
                               const QString& dialogTitle) {
-    const FolderChoice made{new QPushButton(QStringLiteral("Fol&der…"), parent),
-                            new Readout(parent)};
+    const FolderChoice made{new QPushButton(QStringLiteral("Fold&er…"), parent),
+                            makePath(parent, folderName, folder)};
     made.button->setObjectName(buttonName);
     bind(made.button, button);
-    made.folder->setObjectName(folderName);
-    made.folder->setPixelSize(14);
-    made.folder->cutInMiddle();
-    bind(made.folder, folder);
     QObject::connect(made.button, &QPushButton::clicked, parent, [&folder, parent, dialogTitle] {
         const QString chosen = chooseFolder(parent, dialogTitle, folder.Caption);
         if (!chosen.isEmpty())

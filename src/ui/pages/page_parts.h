@@ -19,7 +19,6 @@ class QWidget;
 namespace skyhold {
 
 class KivGetNumber;
-class Readout;
 
 // A page with the margins of the window.
 QVBoxLayout* pageColumn(QWidget* page);
@@ -40,10 +39,12 @@ KivGetNumber* addNumberRow(QBoxLayout* into, const QString& caption, const QStri
 QLineEdit* makeText(QWidget* parent, const QString& name, TextBox& record);
 // Calls `rule` whenever the focus leaves the box.
 void onLeaving(QLineEdit* box, std::function<void()> rule);
+// A path that is chosen, not typed: its text can be selected and copied. A long one shows its end.
+QLineEdit* makePath(QWidget* parent, const QString& name, Label& record);
 // A button that lets the user choose a folder, and the folder that is chosen.
 struct FolderChoice {
     QPushButton* button;
-    Readout* folder;
+    QLineEdit* folder;
 };
 FolderChoice makeFolderChoice(QWidget* parent, const QString& buttonName, Button& button,
                               const QString& folderName, Label& folder, const QString& dialogTitle);

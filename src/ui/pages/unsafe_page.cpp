@@ -3,9 +3,11 @@
 #include "conditions/alarms.h"
 #include "ui/alarm_box.h"
 #include "ui/bind.h"
+#include "ui/dialog_parts.h"
 #include "ui/kiv_get_number.h"
 #include "ui/kiv_sound_form.h"
 #include "ui/look.h"
+#include "ui/open_editor.h"
 #include "ui/pages/page_parts.h"
 #include "ui/readout.h"
 
@@ -36,14 +38,6 @@ constexpr int kTitle = 1;
 constexpr int kPerLevel = 4; // the fourth keeps the levels apart
 constexpr int columnOf(int level) {
     return kTitle + 1 + level * kPerLevel;
-}
-
-QLabel* makeDimmed(const QString& text, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    QPalette palette;
-    palette.setColor(QPalette::WindowText, look::kDimText);
-    label->setPalette(palette);
-    return label;
 }
 
 class AlarmTable {
@@ -118,7 +112,8 @@ class AlarmTable {
         auto* box = new AlarmBox(alarm, parent_);
         box->setObjectName(alarmName);
         box->setAccessibleName(u"Alarm: "_s + what);
-        box->setToolTip(u"Alarm while this lasts; right-click to choose its sound"_s);
+        box->setToolTip(u"Alarm while this lasts. Right-click, or press the menu key or Shift+F10, "
+                        u"to choose its sound"_s);
         auto* sound = new SoundName(alarm, parent_);
         sound->setObjectName(u"Sound"_s + alarmName);
         sound->setAccessibleName(u"Sound: "_s + what);
@@ -134,7 +129,7 @@ class AlarmTable {
         };
         QObject::connect(box, &AlarmBox::mouseReleased, box, released);
         QObject::connect(box, &AlarmBox::editWanted, box, edit);
-        QObject::connect(sound, &SoundName::clicked, box, edit);
+        openEditorFrom(sound, edit);
         int column = columnOf(level);
         for (QWidget* widget : {static_cast<QWidget*>(unsafe), static_cast<QWidget*>(box),
                                 static_cast<QWidget*>(sound)})
@@ -148,6 +143,20 @@ class AlarmTable {
     QGridLayout* grid_;
     int row_ = 0; // the header
 };
+
+// A sensor program that is the master hides its alarm and its box; the box holds all the same.
+QWidget* makeMasterNote(CheckBox& unsafe, QWidget* parent) {
+    auto* note = new Readout(parent);
+    note->setObjectName(u"LblMaster"_s);
+    note->setPixelSize(13);
+    note->setTone(Tone::Dim);
+    follow(note, unsafe.Value, [note](int failureIsUnsafe) {
+        note->setText(failureIsUnsafe == 1 ? u"Master: its failure is unsafe"_s
+                                           : u"Master: its failure is not unsafe"_s);
+    });
+    follow(note, unsafe.Visible, [note](bool boxShown) { note->setHidden(boxShown); });
+    return note;
+}
 
 void addQuantities(AlarmTable& table, ConditionControls& conditions) {
     const std::array<QString, 3> none;
@@ -181,7 +190,7 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
                         CurrentReadings& readings, MediaControl& media, QWidget* parent) {
     auto* page = new QWidget(parent);
     auto* card = new Card(page);
-    card->setFill(look::kGroup);
+    card->standForGroup();
     card->setMaximumHeight(400); // a taller window does not pull the rows apart
     AlarmTable table(alarms, readings, media, card);
     addQuantities(table, conditions);
@@ -195,10 +204,11 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
     table.addSource(u"Cloud sensor"_s, 9,
                     makeCheck(card, u"NBDataOldUnsafe"_s, {}, conditions.NBDataOldUnsafe),
                     u"AlarmNB"_s, alarms.AlarmNB);
+    table.addBeside(0, makeMasterNote(conditions.NBDataOldUnsafe, card));
     auto* timeout = new Readout(card);
     timeout->setObjectName(u"Label120"_s);
     timeout->setPixelSize(13);
-    timeout->setInk(look::kDimText);
+    timeout->setTone(Tone::Dim);
     bind(timeout, alarms.TimeoutAlarmCaption);
     table.addBeside(1, timeout);
     addNumberRow(table.addBeside(2), u"&Delay Period"_s, u"SafeDelayVal"_s, conditions.SafeDelayVal,

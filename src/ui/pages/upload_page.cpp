@@ -26,7 +26,7 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
     QWidget* group = column->parentWidget();
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kGap);
-    row->addWidget(makeCheck(group, u"flgUpload"_s, u"Upload files &in a session"_s, flgUpload));
+    row->addWidget(makeCheck(group, u"flgUpload"_s, u"Upload files i&n a session"_s, flgUpload));
     row->addStretch();
     std::array<LampWidget*, 2> lamps{};
     for (std::size_t i = 0; i < lamps.size(); ++i) {
@@ -62,16 +62,16 @@ QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) 
         addRow(caption, box);
         return box;
     };
-    onLeaving(addText(u"Addr&ess"_s, u"ServerAddress"_s, upload.ServerAddress),
+    onLeaving(addText(u"Add&ress"_s, u"ServerAddress"_s, upload.ServerAddress),
               [&upload] { ServerAddress_LostFocus(upload.ServerAddress); });
-    onLeaving(addText(u"&Path"_s, u"ServerPath"_s, upload.ServerPath),
+    onLeaving(addText(u"Path"_s, u"ServerPath"_s, upload.ServerPath),
               [&upload] { ServerPath_LostFocus(upload.ServerPath); });
-    addText(u"User &name"_s, u"UserName"_s, upload.UserName);
+    addText(u"User na&me"_s, u"UserName"_s, upload.UserName);
     addText(u"Pass&word"_s, u"PassWord"_s, upload.PassWord)->setEchoMode(QLineEdit::Password);
     auto* cycle = new QComboBox(group);
     cycle->setObjectName(u"RefreshUpload"_s);
     bind(cycle, upload.RefreshUpload);
-    addRow(u"Check c&ycle"_s, cycle, Qt::AlignLeft);
+    addRow(u"Chec&k cycle"_s, cycle, Qt::AlignLeft);
     addRow(u"Timeout(sec)"_s, makeNumber(group, u"TimeoutUPLOAD"_s, upload.TimeoutUPLOAD),
            Qt::AlignLeft);
     addRow(u"Upload second"_s, makeNumber(group, u"UploadOnSec"_s, upload.UploadOnSec),
@@ -97,7 +97,7 @@ QWidget* makeFiles(UploadControls& upload, QWidget* page) {
         row->addWidget(button);
     };
     addButton(u"ButtFileADD"_s, u"&Add…"_s, upload.ButtFileADD, [list] { list->addFiles(); });
-    addButton(u"ButtFileDEL"_s, u"&Delete"_s, upload.ButtFileDEL,
+    addButton(u"ButtFileDEL"_s, u"D&elete"_s, upload.ButtFileDEL,
               [&upload] { DeleteSelectedFile(upload); });
     row->addStretch();
     row->addWidget(makeCheck(group, u"UploadOnce"_s, u"Upload once"_s, upload.UploadOnce));
