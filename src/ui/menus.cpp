@@ -2,12 +2,11 @@
 
 #include "core/session.h"
 #include "ui/bind.h"
+#include "ui/help_window.h"
 #include "ui/main_window.h"
 
-#include <QDesktopServices>
+#include <QActionGroup>
 #include <QMenuBar>
-#include <QStandardPaths>
-#include <QUrl>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -37,26 +36,34 @@ QAction* addSeparator(QMenu* menu, const QString& name) {
     return action;
 }
 
-// The help file beside the program, else the page of an installed package.
-QString helpPage(const WindowControls& window) {
-    return !window.HelpFile.isEmpty() ? window.HelpFile
-                                      : QStandardPaths::locate(QStandardPaths::GenericDataLocation,
-                                                               u"doc/kiv-skyhold/README.md"_s);
-}
-
-void showHelp(MonitoringCore& core) {
-    const QString page = helpPage(core.records.window);
-    if (!page.isEmpty() && QDesktopServices::openUrl(QUrl::fromLocalFile(page)))
-        return;
-    core.showMessage(
-        {page.isEmpty() ? u"No help is installed."_s : u"There is no program to show "_s + page,
-         MessageStyle::Ok, u"Help"_s});
-}
-
 void showAbout(MonitoringCore& core) {
     core.showMessage({core.version.title() +
                           u"\n\nA monitor of sky and weather conditions for an observatory."_s,
                       MessageStyle::Ok, u"About"_s});
+}
+
+void addLooks(QMenu* view, WindowControls& controls) {
+    struct Entry {
+        const char* name;
+        const char* text;
+        Qt::Key key;
+    };
+    constexpr std::array<Entry, 3> entries{{{"mnuLook0", "&Dark panel", Qt::Key_1},
+                                            {"mnuLook1", "&Night vision", Qt::Key_2},
+                                            {"mnuLook2", "As the des&ktop", Qt::Key_3}}};
+    auto* group = new QActionGroup(view);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const Entry& entry = entries[i];
+        const int look = static_cast<int>(i);
+        QAction* action =
+            addEntry(view, QString::fromLatin1(entry.name), QString::fromLatin1(entry.text),
+                     [&controls, look] { controls.Look = look; });
+        action->setCheckable(true);
+        action->setShortcut(QKeyCombination(Qt::ControlModifier | Qt::AltModifier, entry.key));
+        group->addAction(action);
+        follow(action, controls.Look,
+               [action, look](int chosen) { action->setChecked(chosen == look); });
+    }
 }
 
 } // namespace
@@ -70,10 +77,14 @@ void makeMenuBar(KivSHMainform& window, MonitoringCore& core) {
     bind(addSeparator(file, u"mSep0"_s), controls.mSep0);
     addEntry(file, u"MnuExit"_s, u"E&xit"_s, controls.MnuExit, [&window] { window.close(); });
 
+    QMenu* view = window.menuBar()->addMenu(u"&View"_s);
+    view->setObjectName(u"mView"_s);
+    addLooks(view, controls);
+
     QMenu* help = window.menuBar()->addMenu(u"&Help"_s);
     help->setObjectName(u"mHelp"_s);
-    addEntry(help, u"mnuHelp1"_s, u"&Contents"_s, [&core] {
-        showHelp(core);
+    addEntry(help, u"mnuHelp1"_s, u"&Contents"_s, [&window, &core] {
+        showHelp(core, &window, helpFolders());
     })->setShortcut(QKeySequence::HelpContents);
     addSeparator(help, u"mSpe0"_s);
     QAction* update = addEntry(help, u"mnuUpdate"_s, u"Check &update"_s, controls.mnuUpdate,

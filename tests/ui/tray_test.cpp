@@ -155,12 +155,7 @@ TEST_F(TrayedWindow, MenusOfferWhatCanBeDone) {
     expectMenus(true, false, true);
 }
 
-TEST_F(TrayedWindow, HelpAndUpdateAreOfferedAsFarAsTheyAreThere) {
-    qputenv("XDG_DATA_DIRS", folder_->path().toLocal8Bit());
-    window_->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
-    QTest::keyClick(window_.get(), Qt::Key_F1);
-    EXPECT_EQ(messages_, QStringList{u"No help is installed."_s});
+TEST_F(TrayedWindow, UpdateIsOfferedWhereThereIsOne) {
     entry("mnuAbout")->trigger();
     EXPECT_TRUE(messages_.last().startsWith(u"Kiv_Skyhold (v2.30.004)"_s));
 
