@@ -17,6 +17,7 @@
 #include "ui/look.h"
 #include "ui/main_window.h"
 #include "ui/news_window.h"
+#include "ui/simulators.h"
 #include "ui/tray.h"
 #include "ui/update_window.h"
 
@@ -181,7 +182,7 @@ int main(int argc, char** argv) {
         if (headless)
             std::fprintf(stderr, "Not set up yet: the monitor runs with its defaults and "
                                  "without a weather station file.\n");
-        else if (!runSetupForm(settings))
+        else if (!runSetupForm(settings, Simulators::of(&application)))
             return 0;
     }
     swapUpdater(programFolder());

@@ -1,4 +1,5 @@
-// The first start: where the station's file is, where files go, and the units.
+// The first start: an assistant that asks where the station's file is, where files go, and for the
+// units, one subject a step, and says of each what it is and what a wrong answer does.
 #pragma once
 
 #include "platform/settings_store.h"
@@ -8,29 +9,57 @@
 #include <functional>
 
 class QButtonGroup;
-class QFormLayout;
+class QLabel;
 class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QStackedWidget;
+class QVBoxLayout;
 
 namespace skyhold {
+
+class Simulators;
 
 class KivSetupForm : public QDialog {
     Q_OBJECT
 
   public:
     // Works on the stored settings alone, before anything is loaded. `title` is the program's.
-    KivSetupForm(SettingsStore& settings, const QString& title);
+    // Whoever has no hardware may have the simulators instead.
+    KivSetupForm(SettingsStore& settings, Simulators& simulators, const QString& title);
 
-    // Saves and closes, or tells what is missing and saves nothing.
+    // Saves and closes, or tells what is missing and saves nothing. The simulators, when they were
+    // chosen, run then.
     void accept() override;
 
   private:
-    QLineEdit* addPath(QFormLayout* form, const QString& caption, const QString& name,
+    QVBoxLayout* addStep(const QString& heading, const QString& introduction);
+    void addStationStep();
+    void addUnitsStep();
+    void addFilesStep();
+    void addTryOut(QVBoxLayout* step);
+    void addButtons(QVBoxLayout* column);
+    QLineEdit* addPath(QVBoxLayout* step, const QString& caption, const QString& name,
                        std::function<QString(const QString&)> choose);
-    QButtonGroup* addChoice(QFormLayout* form, const QString& caption, const char* control,
+    QButtonGroup* addChoice(QVBoxLayout* step, const QString& caption, const char* control,
                             const QStringList& options);
+    void addExplanation(QVBoxLayout* step, const QString& text);
+    void showStep(int step);
+    void chooseStation();
+    bool prepareStation();
+    void save(const QString& station);
     void saveOptions(const QString& key, const QButtonGroup& group);
+    void tell(const QString& text);
 
     SettingsStore& settings_;
+    Simulators& simulators_;
+    QLabel* progress_;
+    QStackedWidget* steps_;
+    QPushButton* back_ = nullptr;
+    QPushButton* next_ = nullptr;
+    QPushButton* ok_ = nullptr;
+    QRadioButton* tryOut_ = nullptr;
+    QWidget* ownStation_ = nullptr;
     QLineEdit* stationFile_ = nullptr;
     QLineEdit* dataFolder_ = nullptr;
     QLineEdit* ccdapFolder_ = nullptr;
@@ -40,7 +69,7 @@ class KivSetupForm : public QDialog {
     QButtonGroup* dateFormat_ = nullptr;
 };
 
-// Shows the setup form of the first start; the setup-done flag.
-bool runSetupForm(SettingsStore& settings);
+// Shows the assistant of the first start; the setup-done flag.
+bool runSetupForm(SettingsStore& settings, Simulators& simulators);
 
 } // namespace skyhold

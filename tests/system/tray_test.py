@@ -1,22 +1,50 @@
-"""The window and its tray icon on a real display, with a window manager and a panel."""
+"""The first start, the window and its tray icon on a real display, with a window manager and a
+panel, by real keys and clicks."""
 
 import os
 import subprocess
 import time
 import unittest
 
-from monitored import Monitored
+from monitored import METHOD, Client, Monitored, run
 
 MAIN_WINDOW = r"^Kiv_Skyhold \("
 POPUP_CLASS = "^Kiv_Skyhold$"
 
 
 class Desktop(Monitored):
-    """A monitor on a display of its own."""
+    """A monitor on a display of its own that has never been set up: the assistant of the first
+    start is answered by keys, with simulators in the place of a sensor and a station."""
 
     def __init__(self):
         super().__init__(window=True)
         self.run.variables["QT_QPA_PLATFORM"] = "xcb"
+        self.settings = self.folder / "user" / "config" / "Kiv" / "Kiv_Skyhold.ini"
+        self.settings.unlink()
+
+    def start_sensor(self):
+        """The assistant does it."""
+
+    def start_station(self):
+        """The assistant does it."""
+
+    def start_monitor(self):
+        self.launch_monitor()
+        self.wait_until("the assistant", self.shown)
+        self.assistant = self.main_window()
+        self.wait_until("its focus", lambda: self.has_keys(self.assistant))
+        self.keys("Down", "Return")                           # no hardware; next step
+        self.keys("Tab", "Right", "Right", "Return")          # wind in m/s; next step
+        self.keys("Return")                                   # the folders as they are
+        self.run.wait_for_name("Kiv_Skyhold.Nubilo", self.monitor)
+
+    def has_keys(self, window):
+        return (self.xdotool("getactivewindow") == window and
+                self.xdotool("getwindowfocus") == window)
+
+    def keys(self, *pressed):
+        """To the window that has the focus, in this order."""
+        self.xdotool("key", "--delay", 40, *pressed)
 
     def __enter__(self):
         try:
@@ -46,6 +74,14 @@ class Desktop(Monitored):
                                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
                                 check=False)
         return answer.stdout.strip()
+
+    def session_runs(self):
+        client = Client(self)
+        try:
+            return bool(client.invoke("DeviceIsRunning", METHOD))
+        finally:
+            client.release()
+            client.close()
 
     def windows(self, *search):
         return set(self.xdotool("search", "--onlyvisible", *search).split())
@@ -105,10 +141,21 @@ class Desktop(Monitored):
 
 
 class TrayTest(unittest.TestCase):
-    def test_the_monitor_lives_in_the_tray(self):
+    def test_from_the_first_start_to_a_life_in_the_tray(self):
         with Desktop() as desktop:
-            desktop.wait_until("the window", desktop.shown)
+            desktop.wait_until("the window", lambda: desktop.windows("--name", MAIN_WINDOW) -
+                               {desktop.assistant})
             desktop.wait_until("the icon", desktop.icon)
+            kept = desktop.settings.read_text(encoding="utf-8")
+            for line in ["UnitsSpeed2=True", "UnitsSpeed0=False", "ImageWind=0", "FileNameCCDAP4="]:
+                self.assertIn(line, kept.splitlines())
+            self.assertIn("simulated/station.htm", kept)
+
+            window = desktop.main_window()
+            desktop.wait_until("its focus", lambda: desktop.has_keys(window))
+            desktop.keys("alt+f", "s")
+            desktop.next_cycle("a session", lambda c: c.verdict in ("SAFE", "UNSAFE") and
+                               "not available" not in c.status)
 
             desktop.xdotool("windowminimize", desktop.main_window())
             desktop.wait_until("a hidden window", lambda: not desktop.shown())
@@ -117,6 +164,8 @@ class TrayTest(unittest.TestCase):
                                desktop.main_window())
             desktop.double_click_until("a hidden window", lambda: not desktop.shown())
 
+            desktop.choose("t")
+            desktop.wait_until("the end of the session", lambda: not desktop.session_runs())
             desktop.choose("s")
             desktop.next_cycle("a session", lambda c: c.verdict in ("SAFE", "UNSAFE"))
             self.assertFalse(desktop.shown())
@@ -141,6 +190,8 @@ class TrayTest(unittest.TestCase):
             desktop.choose("e")
             self.assertEqual(desktop.monitor.wait(10), 0)
             desktop.wait_until("an empty tray", lambda: not desktop.icon())
+            self.assertFalse(desktop.bus.name_has_owner(run.SENSOR_NAME))  # ended with it
+            self.assertIn("Emulator=1", desktop.settings.read_text(encoding="utf-8").splitlines())
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@
 #include "ui/kiv_setup_form.h"
 #include "ui/kiv_unit_symbols.h"
 #include "ui/kiv_wind_pars.h"
+#include "ui/simulators.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -32,11 +33,11 @@ TEST(KivErrorDialog, AnswersItsButtonsAndTheSafestWhenClosedOtherwise) {
     const Case cases[]{
         {MessageStyle::Ok, {u"OK"_s}, {MessageAnswer::Ok}, MessageAnswer::Ok},
         {MessageStyle::YesNo,
-         {u"Yes"_s, u"No"_s},
+         {u"&Yes"_s, u"&No"_s},
          {MessageAnswer::Yes, MessageAnswer::No},
          MessageAnswer::No},
         {MessageStyle::YesNoCancel,
-         {u"Yes"_s, u"No"_s, u"Cancel"_s},
+         {u"&Yes"_s, u"&No"_s, u"Cancel"_s},
          {MessageAnswer::Yes, MessageAnswer::No, MessageAnswer::Cancel},
          MessageAnswer::Cancel},
     };
@@ -212,8 +213,10 @@ class SetupForm : public testing::Test {
 
     bool runWith(const std::function<void(QDialog&)>& act) {
         SettingsStore settings(u"Kiv_Skyhold"_s);
+        QObject owner;
+        Simulators& simulators = Simulators::of(&owner);
         bool done = false;
-        EXPECT_TRUE(duringDialog([&] { done = runSetupForm(settings); }, act));
+        EXPECT_TRUE(duringDialog([&] { done = runSetupForm(settings, simulators); }, act));
         return done;
     }
     // What a later start finds on the disk.
@@ -226,6 +229,10 @@ class SetupForm : public testing::Test {
 
 TEST_F(SetupForm, SavesNothingWithoutAStationFile) {
     EXPECT_FALSE(runWith([](QDialog& dialog) {
+        dialog.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        click(dialog, "ButtNext");
+        EXPECT_FALSE(child(dialog, "HTMFile")->isVisible());
         EXPECT_TRUE(duringDialog([&] { click(dialog, "ButtOK"); },
                                  [](QDialog& message) {
                                      EXPECT_EQ(
@@ -234,6 +241,7 @@ TEST_F(SetupForm, SavesNothingWithoutAStationFile) {
                                      click(message, "Butt0");
                                  }));
         EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(dialog.focusWidget(), child(dialog, "HTMFile")); // back to what is missing
         click(dialog, "Command1");
     }));
     EXPECT_EQ(stored(u"Setup"_s, u"HTMFile"_s), u"absent"_s);
@@ -243,9 +251,11 @@ TEST_F(SetupForm, SavesNothingWithoutAStationFile) {
 TEST_F(SetupForm, SavesItsChoicesAndSwitchesOffWhatHasNoFolder) {
     EXPECT_TRUE(runWith([](QDialog& dialog) {
         QTest::keyClicks(child(dialog, "HTMFile"), u"/data/station.htm"_s);
-        QTest::keyClicks(child(dialog, "GraphImagePath"), u"/data/images"_s);
-        child<QRadioButton>(dialog, "UnitsSpeed2")->click();
         child<QRadioButton>(dialog, "DateFormat1")->click();
+        click(dialog, "ButtNext");
+        child<QRadioButton>(dialog, "UnitsSpeed2")->click();
+        click(dialog, "ButtNext");
+        QTest::keyClicks(child(dialog, "GraphImagePath"), u"/data/images"_s);
         click(dialog, "ButtOK");
     }));
     const QList<std::array<QString, 3>> expected{

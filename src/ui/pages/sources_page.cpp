@@ -9,12 +9,15 @@
 #include "ui/open_editor.h"
 #include "ui/pages/page_parts.h"
 #include "ui/readout.h"
+#include "ui/simulators.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -36,19 +39,17 @@ void chooseFile(StationFileControls& file, SettingsStore& settings, QWidget* par
 
 void addFileRow(QVBoxLayout* column, StationFileControls& file, SettingsStore& settings) {
     QWidget* group = column->parentWidget();
-    auto* path = new Readout(group);
-    path->setObjectName(u"HTMFile"_s);
-    path->setPixelSize(14);
-    path->cutInMiddle();
-    bind(path, file.HTMFile);
     auto* button = new QPushButton(u"Data fil&e…"_s, group);
     button->setObjectName(u"ButtHTMPath"_s);
+    button->setToolTip(u"Choose the file that the weather station's program writes"_s);
     bind(button, file.ButtHTMPath);
+    QLineEdit* path = makePath(group, u"HTMFile"_s, file.HTMFile);
     const auto choose = [&file, &settings, group] {
         chooseFile(file, settings, group);
     };
-    QObject::connect(button, &QPushButton::clicked, group, choose);
+    openEditorFrom(button, choose);
     openEditorOn(path, choose);
+    path->setFocusPolicy(Qt::StrongFocus); // its text can be selected
 
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kMargin);
@@ -71,6 +72,36 @@ void addIntervalRow(QVBoxLayout* column, ComboBox& interval) {
     column->addLayout(row);
 }
 
+// Only while the station's file is the simulators'.
+void addSimulatorsRow(QVBoxLayout* column, Label& stationFile) {
+    auto* holder = new QWidget(column->parentWidget());
+    auto* row = new QHBoxLayout(holder);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(look::kMargin);
+    auto* start = new QPushButton(u"Start sim&ulators"_s, holder);
+    start->setObjectName(u"ButtSimulators"_s);
+    auto* note = new QLabel(holder);
+    note->setObjectName(u"LblSimulators"_s);
+    note->setWordWrap(true);
+    row->addWidget(start);
+    row->addWidget(note, 1);
+    column->addWidget(holder);
+
+    Simulators& simulators = Simulators::of(qApp);
+    const auto show = [&simulators, start, note](const QString& fault = {}) {
+        start->setEnabled(!simulators.running());
+        note->setText(fault.isEmpty() ? u"This weather is made up: simulators write the file."_s
+                                      : fault);
+    };
+    show();
+    QObject::connect(&simulators, &Simulators::changed, holder, [show] { show(); });
+    QObject::connect(start, &QPushButton::clicked, holder,
+                     [&simulators, show] { show(simulators.start()); });
+    follow(holder, stationFile.Caption, [holder](const QString& path) {
+        holder->setVisible(path == Simulators::stationFile());
+    });
+}
+
 QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
     Records& records = core.records;
     QVBoxLayout* column = addGroup(page, u"Weather station"_s);
@@ -79,6 +110,7 @@ QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
                                 u"Read the &weather station and the cloud sensor"_s,
                                 records.session.flgReadStation));
     addFileRow(column, records.stationFile, core.settings);
+    addSimulatorsRow(column, records.stationFile.HTMFile);
     addIntervalRow(column, records.session.RefreshRead);
     addNumberRow(column, u"Data too old &after"_s, u"TimeoutREAD"_s,
                  records.stationFile.TimeoutREAD, u"min"_s);
@@ -97,16 +129,19 @@ QWidget* makeUnitsGroup(UnitControls& units, QWidget* page) {
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kGap);
     const auto addButton = [&](const QString& name, const QString& text, Button& record,
-                               auto open) {
+                               const QString& what, auto open) {
         auto* button = new QPushButton(text, group);
         button->setObjectName(name);
+        button->setToolTip(what);
         bind(button, record);
-        QObject::connect(button, &QPushButton::clicked, group, open);
+        openEditorFrom(button, open);
         row->addWidget(button);
     };
     addButton(u"ButtUnits"_s, u"U&nit symbols…"_s, units.ButtUnits,
+              u"Change the texts by which units are recognised in the station's file"_s,
               [&units, group] { KivUnitSymbols(units, group).exec(); });
     addButton(u"ButtCardinal"_s, u"Cardinal &points…"_s, units.ButtCardinal,
+              u"Change the compass labels that the station's file uses"_s,
               [&units, group] { KivCardinalPoints(units.Cardinal, group).exec(); });
     row->addStretch();
     column->addLayout(row);
@@ -136,7 +171,7 @@ QWidget* makeStationValues(ReadingDisplay& display, QWidget* page) {
     for (std::size_t i = 0; i < display.LblWSValue.size(); ++i) {
         auto* description = new Readout(group);
         description->setObjectName(indexed("LblWSDesc", i));
-        description->setInk(look::kDimText);
+        description->setTone(Tone::Dim);
         auto* value = new Readout(group);
         value->setObjectName(indexed("LblWSValue", i));
         for (Readout* cell : {description, value})
