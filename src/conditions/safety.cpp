@@ -15,27 +15,9 @@ namespace {
 
 constexpr double kLongestDelay = 2'147'483'647; // seconds
 
-QString quantityName(Quantity quantity) {
-    switch (quantity) {
-    case Quantity::Cloud:
-        return u"Cloud"_s;
-    case Quantity::Rain:
-        return u"Rain"_s;
-    case Quantity::Brightness:
-        return u"Brightness"_s;
-    case Quantity::Wind:
-        return u"Wind"_s;
-    case Quantity::Gust:
-        return u"Gust"_s;
-    case Quantity::Temperature:
-        return u"Temperature"_s;
-    case Quantity::Dew:
-        return u"Dew point"_s;
-    case Quantity::Humidity:
-        break;
-    }
-    return u"Humidity"_s;
-}
+// By Quantity.
+constexpr std::array kQuantityNames{u"Cloud", u"Rain",        u"Brightness", u"Wind",
+                                    u"Gust",  u"Temperature", u"Dew point",  u"Humidity"};
 
 SafetyDecision rawDecision(const CurrentReadings& readings, const ConditionControls& controls,
                            SafetyState& safety, SectorState& sectors, std::int64_t nowMs) {
@@ -139,7 +121,8 @@ QString verdictCauses(const SafetyDecision& decision, const ConditionControls& c
         QString description = LevelDescription(quantity, level, controls, sensorDescription);
         if (description.trimmed().isEmpty())
             description = u"level %1"_s.arg(level);
-        causes += quantityName(quantity) + u": "_s + description;
+        const char16_t* name = kQuantityNames[static_cast<std::size_t>(quantity)];
+        causes += QString::fromUtf16(name) + u": "_s + description;
     }
     if (decision.stationDataOld)
         causes += u"Weather station: data old or missing"_s;
