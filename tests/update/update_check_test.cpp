@@ -1,16 +1,9 @@
 #include "update/update_check.h"
 
-#include "platform/files.h"
 #include "platform/remote_file.h"
+#include "support/eventually.h"
+#include "support/test_folder.h"
 #include "support/web_server.h"
-
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QThread>
-
-#include <gtest/gtest.h>
 
 namespace skyhold {
 namespace {
@@ -24,8 +17,6 @@ const QByteArray kFirstLine = "\"Title\",\"Kiv_Skyhold\",-7,120,\"Kiv_Skyhold.ex
 class Update : public testing::Test {
   protected:
     Update() {
-        qputenv("XDG_CONFIG_HOME", folder_.path().toLocal8Bit());
-        settings_ = std::make_unique<SettingsStore>(u"Kiv_Skyhold"_s);
         window_.UpdateBaseAddress = server_.address() + u"/base"_s;
         update_.Left = -7;
         update_.Top = 120;
@@ -49,30 +40,21 @@ class Update : public testing::Test {
             .runningVersion = u"2.30.004"_s,
             .instructionFolder = folder_.path(),
         };
-        CheckForUpdate(update_, window_, *settings_, source, [this](const QString& news) {
+        CheckForUpdate(update_, window_, settings_, source, [this](const QString& news) {
             EXPECT_TRUE(update_.CheckButton.Enabled);
             EXPECT_TRUE(update_.DownloadFrame.Visible);
             shown_ += news;
         });
         EXPECT_TRUE(update_.CheckButton.Enabled);
     }
-    QByteArray written(const QString& name = u"Kiv_Updater.txt"_s) {
-        return readFile(folder_.filePath(name), 1 << 20).bytes;
-    }
-    void put(const QString& name, const QByteArray& bytes) {
-        QFile file(folder_.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                            QFileDevice::ExeOwner);
-    }
+    QByteArray written(const QString& name = u"Kiv_Updater.txt"_s) { return folder_.read(name); }
     // As another run of the program finds it.
     QString storedNews() {
         return SettingsStore(u"Kiv_Skyhold"_s).GetSetting(u"Window"_s, u"Kiv_News"_s, u"none"_s);
     }
 
-    QTemporaryDir folder_;
-    std::unique_ptr<SettingsStore> settings_;
+    const SettingsFolder folder_; // before the store, which is made in it
+    SettingsStore settings_{u"Kiv_Skyhold"_s};
     WebServer server_;
     RemoteFile file_;
     UpdateControls update_;
@@ -95,7 +77,7 @@ TEST_F(Update, NewsVersionAndInstructionsAreFetchedAndKept) {
     EXPECT_EQ(window_.Kiv_News, u"Neu: f\u00fcr Sie"_s);
     EXPECT_EQ(storedNews(), u"Neu: f\u00fcr Sie"_s);
 
-    DiscardNews(window_, *settings_);
+    DiscardNews(window_, settings_);
     EXPECT_EQ(window_.Kiv_News, QString());
     EXPECT_EQ(storedNews(), QString());
 }
@@ -112,8 +94,8 @@ TEST_F(Update, ShortNewsAreKeptButNotShown) {
 }
 
 TEST_F(Update, AfterAFailureNothingHasChanged) {
-    put(u"Kiv_Updater.txt"_s, "before");
-    settings_->saveNow(u"Window"_s, u"Kiv_News"_s, u"old news"_s);
+    folder_.write(u"Kiv_Updater.txt"_s, "before");
+    settings_.saveNow(u"Window"_s, u"Kiv_News"_s, u"old news"_s);
     window_.Kiv_News = u"old news"_s;
     const QString base = window_.UpdateBaseAddress;
     const auto failsWith = [&](const QString& status) {
@@ -161,20 +143,22 @@ TEST_F(Update, InstructionsThatCannotBeWrittenAreSaidAndNotOffered) {
     EXPECT_FALSE(update_.DownloadFrame.Visible);
     EXPECT_EQ(storedNews(), u"none"_s);
     // Nothing half-written stays behind.
-    EXPECT_EQ(QDir(folder_.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_EQ(folder_.names(), (QStringList{u"Kiv"_s, u"Kiv_Updater.txt"_s}));
 }
 
 TEST_F(Update, OnlyTheSameVersionIsAskedAbout) {
+    const QString question =
+        u"The lattest version already installed.\r\n Do you wish to download?"_s;
     const struct {
         QString newest;
         MessageAnswer answer;
-        bool asked;
+        QStringList asked;
         bool chosen;
     } cases[]{
-        {u"2.30.004"_s, MessageAnswer::Yes, true, true},
-        {u"2.30.004"_s, MessageAnswer::No, true, false},
-        {u"2.31.000"_s, MessageAnswer::No, false, true},
-        {u"2.29.000"_s, MessageAnswer::No, false, true},
+        {u"2.30.004"_s, MessageAnswer::Yes, {question}, true},
+        {u"2.30.004"_s, MessageAnswer::No, {question}, false},
+        {u"2.31.000"_s, MessageAnswer::No, {}, true},
+        {u"2.29.000"_s, MessageAnswer::No, {}, true},
     };
     for (const auto& tried : cases) {
         UpdateControls update;
@@ -187,9 +171,7 @@ TEST_F(Update, OnlyTheSameVersionIsAskedAbout) {
             asked += message.text;
             return tried.answer;
         });
-        const QString question =
-            u"The lattest version already installed.\r\n Do you wish to download?"_s;
-        EXPECT_EQ(asked, tried.asked ? QStringList{question} : QStringList());
+        EXPECT_EQ(asked, tried.asked);
         EXPECT_EQ(update.DownloadFlag, tried.chosen) << qPrintable(tried.newest);
         EXPECT_FALSE(update.DownloadFrame.Visible);
     }
@@ -201,20 +183,17 @@ TEST_F(Update, TheUpdaterRunsOnlyWhenChosen) {
         update_.DownloadFlag = chosen;
         RunUpdaterIfChosen(update_, folder_.path(), folder_.path(), [&] { ++closed; });
     };
-    put(u"Kiv_Updater.exe"_s, "#!/bin/sh\nmv Kiv_Updater.txt taken\n");
-    put(u"Kiv_Updater.txt"_s, "instructions");
+    folder_.writeProgram(u"Kiv_Updater.exe"_s, "mv Kiv_Updater.txt taken\n");
+    folder_.write(u"Kiv_Updater.txt"_s, "instructions");
     run(false);
     EXPECT_FALSE(QFile::exists(folder_.filePath(u"Kiv_Updater.txt"_s)));
     run(false); // nothing to delete
     EXPECT_EQ(closed, 0);
 
-    put(u"Kiv_Updater.txt"_s, "instructions");
+    folder_.write(u"Kiv_Updater.txt"_s, "instructions");
     run(true);
     EXPECT_EQ(closed, 1);
-    const QDeadlineTimer patience(10'000);
-    while (written(u"taken"_s) != "instructions" && !patience.hasExpired())
-        QThread::msleep(5);
-    EXPECT_EQ(written(u"taken"_s), "instructions"_ba);
+    EXPECT_TRUE(eventually([&] { return written(u"taken"_s) == "instructions"; }));
 
     ASSERT_TRUE(QFile::remove(folder_.filePath(u"Kiv_Updater.exe"_s)));
     run(true); // not checked
