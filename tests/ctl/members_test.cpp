@@ -92,18 +92,15 @@ TEST(Members, areFoundByNameAndPattern) {
 
 TEST(Members, theNearestNameIsALikelySlip) {
     const QStringList names{u"Safe"_s, u"SafeRain"_s, u"SafeDry"_s, u"RainValue"_s, u"Name"_s};
-    const struct {
-        QString name;
-        std::optional<QString> nearest;
-    } cases[] = {
-        {u"saef"_s, u"Safe"_s},
-        {u"SafeRian"_s, u"SafeRain"_s},
-        {u"SafeDr"_s, u"SafeDry"_s},
-        {u"RainVlaues"_s, u"RainValue"_s},
+    const std::pair<QString, std::optional<QString>> cases[] = {
+        {u"saef"_s, names[0]},
+        {u"SafeRian"_s, names[1]},
+        {u"SafeDr"_s, names[2]},
+        {u"RainVlaues"_s, names[3]},
+        {u"Nmae"_s, names[4]},
         {u"Frobnicate"_s, {}},
         {u"S"_s, {}},
         {u""_s, {}},
-        {u"Nmae"_s, u"Name"_s},
     };
     for (const auto& [name, nearest] : cases)
         EXPECT_EQ(nearestName(name, names), nearest) << qPrintable(name);
