@@ -124,6 +124,16 @@ void drawScrollBar(const QStyleOptionSlider& option, const QRect& slider, QPaint
     painter.restore();
 }
 
+void drawSlider(const QStyleOptionSlider& option, const QRect& handle, QPainter& painter) {
+    const bool upright = option.orientation == Qt::Vertical;
+    const QPoint middle = option.rect.center();
+    const QRect line = upright ? QRect(middle.x() - 1, option.rect.top(), 3, option.rect.height())
+                               : QRect(option.rect.left(), middle.y() - 1, option.rect.width(), 3);
+    painter.fillRect(line, look::kEdge);
+    const bool focused = option.state & QStyle::State_HasFocus;
+    drawBox(handle, focused ? look::kAccent : look::kDimText, look::kButton, painter);
+}
+
 QRect scrollBarPart(const QStyleOptionSlider& option, QStyle::SubControl part) {
     constexpr int kShortest = 28;
     const QRect& groove = option.rect;
@@ -262,6 +272,10 @@ void FlatStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
     if (control == CC_ScrollBar && slider) {
         drawScrollBar(*slider, subControlRect(control, option, SC_ScrollBarSlider, widget),
                       *painter);
+        return;
+    }
+    if (control == CC_Slider && slider) {
+        drawSlider(*slider, subControlRect(control, option, SC_SliderHandle, widget), *painter);
         return;
     }
     if (control == CC_ComboBox && combo && !combo->editable) {

@@ -378,13 +378,15 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
         const bool running = session.Running && !session.ButtStart.Visible;
         const QDateTime now = core.clock.now();
         const int interval = session.RefreshRead.chosenSeconds();
-        const auto show = [&](Readout* age, const QDateTime& read, bool known) {
+        const auto show = [&](Readout* age, const QDateTime& read, bool known, bool failed) {
+            age->setInk(failed ? screenColour(kOrange) : QColor());
             age->setText(running && known ? ageText(read, now, interval) : QString());
         };
         // At its start a session has no reading yet, and the time of its start stands for it.
         show(sensorAge, readings.LastReading,
-             !readings.SensorError || readings.LastReading != readings.ReadingStart);
-        show(stationAge, readings.StationDateTime, true);
+             !readings.SensorError || readings.LastReading != readings.ReadingStart,
+             readings.SensorError);
+        show(stationAge, readings.StationDateTime, true, !readings.StationValid);
     };
     follow(row, display.LEDRead.first.FillColor, [showAges](Colour) { showAges(); });
     follow(row, session.ButtStart.Visible, [showAges](bool) { showAges(); });

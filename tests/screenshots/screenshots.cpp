@@ -170,7 +170,14 @@ constexpr Moment kMoments[]{
      }},
     {"rain",
      [](SimulatedMonitor& monitor) {
-         monitor.runUntil({0, 20});
+         monitor.runUntil({0, 50});
+     }},
+    {"waiting",
+     [](SimulatedMonitor& monitor) {
+         const Label& left = monitor.records().conditions.SafeDelayMsg;
+         for (int i = 0; i < 1000 && left.Caption.value().isEmpty(); ++i)
+             monitor.cycle();
+         monitor.cycle();
      }},
     {"client",
      [](SimulatedMonitor& monitor) {

@@ -42,10 +42,10 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     r.graphs.GraphImagePath.Caption = folder_.path();
     for (CheckBox& image : r.graphs.GraphImage)
         image.set(0);
-    r.conditions.SafeDelayVal.Value = 5;
+    r.conditions.SafeDelayVal.Value = 180; // seconds
     r.graphs.GraphFreq.Value = 3;
     SetSampleEvery(r.history, r.graphs, r.session.RefreshRead);
-    r.graphs.GraphNoPoints.Value = 720;
+    r.graphs.GraphNoPoints.Value = 240; // two hours
     SetCapacity(r.history, r.graphs, r.session.RefreshRead);
     // Rain is told by a sound.
     r.alarms.AlarmRain[2].Tag = u"/sounds/Rain.wav|repeat"_s;
