@@ -14,6 +14,7 @@ import configparser
 import pathlib
 import random
 import re
+import shutil
 import struct
 import subprocess
 import sys
@@ -115,6 +116,7 @@ class KillRun:
             self.end_whole()
             self.look("whole")
         self.seen["kills"] = killed
+        shutil.rmtree(self.folder)  # a run that failed leaves it to be looked at
         return self.seen
 
     def wait_for_cycle(self):

@@ -13,6 +13,7 @@ verdict are printed, and the exit status is the verdict.
 import argparse
 import os
 import pathlib
+import shutil
 import statistics
 import sys
 import time
@@ -26,6 +27,7 @@ SETTLED = 5_000      # cycles after which nothing may grow any more
 ROW = 1_000          # cycles between two rows of the table
 REAL_SETTLED = 0.25  # part of a run at the pace of the clock; the graphs are full by then
 REAL_ROWS = 24
+REAL_LEAST = 600     # seconds; in less an alarm could sound all through a row
 GROWTH = 0.02        # of resident memory, at most
 LOOK_SECONDS = 0.1
 VISIT_SECONDS = 0.5  # between two clients
@@ -46,6 +48,8 @@ def parse_arguments():
     options = parser.parse_args()
     if options.cycles <= SETTLED and not options.real:
         parser.error(f"CYCLES must be more than {SETTLED}")
+    if options.real and options.real < REAL_LEAST:
+        parser.error(f"SECONDS must be at least {REAL_LEAST}")
     return options
 
 
@@ -200,6 +204,8 @@ def main():
     if status != 0:
         print(f"the monitor ended with status {status}")
         fine = False
+    if fine:
+        shutil.rmtree(monitored.folder)
     print("PASSED" if fine else "FAILED")
     return 0 if fine else 1
 
