@@ -30,93 +30,80 @@ ValueGraph steadyGraph(double value) {
 }
 
 TEST(VerticalPosition, EveryBandHasAThird) {
+    using Places = std::vector<std::pair<double, int>>;
     const struct {
         std::array<double, 3> thresholds;
         int bottom;
-        double value;
-        int y;
+        Places places; // of values
     } cases[] = {
-        {{10, 20, 99}, 180, -3, 1},
-        {{10, 20, 99}, 180, 0, 1},
-        {{10, 20, 99}, 180, 5, 30},
-        {{10, 20, 99}, 180, 10, 60},
-        {{10, 20, 99}, 180, 15, 90},
-        {{10, 20, 99}, 180, 20, 120},
-        {{10, 20, 99}, 180, 59.5, 150},
-        {{10, 20, 99}, 180, 99, 179},
-        {{10, 20, 99}, 180, 1e9, 179},
-        {{10, 20, 99}, 190, 10, 63},
-        {{10, 20, 99}, 190, 15, 95},
-        {{10, 20, 99}, 190, 20, 127},
-        {{-5, 50, 99}, 180, -40, 1},
-        {{-5, 50, 99}, 180, -10, 1},
-        {{-5, 50, 99}, 180, -7.5, 30},
-        {{-5, 50, 99}, 180, -5, 60},
-        {{-5, 50, 99}, 180, 22.5, 90},
-        {{-5, 50, 99}, 180, 50, 120},
-        {{0, 10, 20}, 180, 0, 1},
-        {{0, 10, 20}, 180, 5, 90},
-        {{10, 10, 10}, 180, 5, 30},
-        {{10, 10, 10}, 180, 10, 179},
-        {{10, 10, 20}, 180, 15, 150},
-        {{20, 10, 5}, 180, 15, 45}, // limits out of order: the first band that holds the value
-        {{20, 10, 5}, 180, 25, 179},
+        {{10, 20, 99}, 180, {{-3, 1}, {0, 1}, {5, 30}, {10, 60}, {15, 90}, {20, 120}}},
+        {{10, 20, 99}, 180, {{59.5, 150}, {99, 179}, {1e9, 179}}},
+        {{10, 20, 99}, 190, {{10, 63}, {15, 95}, {20, 127}}},
+        {{-5, 50, 99}, 180, {{-40, 1}, {-10, 1}, {-7.5, 30}, {-5, 60}, {22.5, 90}, {50, 120}}},
+        {{0, 10, 20}, 180, {{0, 1}, {5, 90}}},
+        {{10, 10, 10}, 180, {{5, 30}, {10, 179}}},
+        {{10, 10, 20}, 180, {{15, 150}}},
+        {{20, 10, 5}, 180, {{15, 45}, {25, 179}}}, // out of order: the first band that holds it
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(verticalPosition(c.value, c.thresholds, c.bottom), c.y)
-            << c.thresholds[0] << "," << c.thresholds[1] << "," << c.thresholds[2] << ": "
-            << c.value << " of " << c.bottom;
+    for (const auto& c : cases) {
+        for (const auto& [value, y] : c.places)
+            EXPECT_EQ(verticalPosition(value, c.thresholds, c.bottom), y)
+                << c.thresholds[0] << "," << c.thresholds[1] << ": " << value;
+    }
 }
+
+// One of them drawn.
+struct Drawn {
+    explicit Drawn(const ValueGraph& graph, const QSize& size = {600, 200})
+        : bottom(plotBottom(size)) {
+        picture.Size = size;
+        DrawValueGraph(graph, picture);
+    }
+    QRgb at(int x, int y) const { return pixel(picture, x, y); }
+    int inkIn(const QRect& rectangle, QRgb ground) const { return ink(picture, rectangle, ground); }
+
+    Picture picture;
+    const int bottom;
+    const int calm = verticalPosition(10, {10, 20, 99}, bottom);
+    const int windy = verticalPosition(20, {10, 20, 99}, bottom);
+};
 
 TEST(ValueGraphPicture, LineOfAThresholdRunsAlongTheBandBorder) {
     // Heights of every remainder by three: border and line are rounded alike.
     for (const int height : {200, 201, 202, 400}) {
-        const int bottom = plotBottom({600, height});
-        const struct {
-            double value;
-            Colour above, below;
-        } cases[] = {{10, kTop, kMiddle}, {20, kMiddle, kLow}};
-        for (const auto& c : cases) {
-            Picture picture;
-            picture.Size = {600, height};
-            const ValueGraph graph = steadyGraph(c.value);
-            DrawValueGraph(graph, picture);
-            const int y = verticalPosition(c.value, graph.thresholds, bottom);
+        for (const double value : {10, 20}) {
+            const Drawn drawn(steadyGraph(value), {600, height});
+            const int y = value == 10 ? drawn.calm : drawn.windy;
             for (const int x : {0, 300, 598}) {
-                EXPECT_EQ(pixel(picture, x, y - 2), rgb(c.above)) << height;
-                EXPECT_EQ(pixel(picture, x, y - 1), rgb(kLine)) << height;
-                EXPECT_EQ(pixel(picture, x, y), rgb(kLine)) << height;
-                EXPECT_EQ(pixel(picture, x, y + 1), rgb(c.below)) << height;
+                EXPECT_EQ(drawn.at(x, y - 2), rgb(value == 10 ? kTop : kMiddle)) << height;
+                EXPECT_EQ(drawn.at(x, y - 1), rgb(kLine)) << height;
+                EXPECT_EQ(drawn.at(x, y), rgb(kLine)) << height;
+                EXPECT_EQ(drawn.at(x, y + 1), rgb(value == 10 ? kMiddle : kLow)) << height;
             }
         }
     }
 }
 
 TEST(ValueGraphPicture, ValuesBeyondTheScaleLieOneUnitInside) {
-    const int bottom = plotBottom({600, 200});
-    Picture picture;
-    DrawValueGraph(steadyGraph(99), picture);
-    EXPECT_EQ(pixel(picture, 20, bottom - 1), rgb(kLine));
-    EXPECT_EQ(pixel(picture, 20, bottom - 3), rgb(kLow));
-    EXPECT_EQ(pixel(picture, 20, bottom), kWhite);
-    DrawValueGraph(steadyGraph(-2), picture);
-    EXPECT_EQ(pixel(picture, 20, 1), rgb(kLine));
-    EXPECT_EQ(pixel(picture, 20, 3), rgb(kTop));
+    const Drawn high(steadyGraph(99));
+    EXPECT_EQ(high.at(20, high.bottom - 1), rgb(kLine));
+    EXPECT_EQ(high.at(20, high.bottom - 3), rgb(kLow));
+    EXPECT_EQ(high.at(20, high.bottom), kWhite);
+    const Drawn low(steadyGraph(-2));
+    EXPECT_EQ(low.at(20, 1), rgb(kLine));
+    EXPECT_EQ(low.at(20, 3), rgb(kTop));
 }
 
 TEST(ValueGraphPicture, FillsFromTheLeftThroughEveryPoint) {
     ValueGraph graph = steadyGraph(10);
     graph.series = steady(10, 31, 60, 7200);
     graph.series.points[10].value = 20; // at 600 s: x 50
-    Picture picture;
-    DrawValueGraph(graph, picture);
-    const int bottom = plotBottom(picture.Size);
-    const int calm = verticalPosition(10, graph.thresholds, bottom);
-    const int windy = verticalPosition(20, graph.thresholds, bottom);
-    EXPECT_EQ(pixel(picture, 0, calm), rgb(kLine));
-    EXPECT_EQ(pixel(picture, 50, windy - 1), rgb(kLine));
-    EXPECT_EQ(pixel(picture, 149, calm), rgb(kLine));
-    EXPECT_EQ(ink(picture, {152, calm + 1, 448, windy - calm - 2}, rgb(kMiddle)), 0);
+    const Drawn drawn(graph);
+    EXPECT_EQ(drawn.at(0, drawn.calm), rgb(kLine));
+    EXPECT_EQ(drawn.at(50, drawn.windy - 1), rgb(kLine));
+    EXPECT_EQ(drawn.at(149, drawn.calm), rgb(kLine));
+    EXPECT_EQ(drawn.inkIn({152, drawn.calm + 1, 448, drawn.windy - drawn.calm - 2}, rgb(kMiddle)),
+              0);
 }
 
 TEST(ValueGraphPicture, ManyPointsOfAColumnAreAllShown) {
@@ -124,40 +111,28 @@ TEST(ValueGraphPicture, ManyPointsOfAColumnAreAllShown) {
     graph.series = steady(10, 2000, 10, 20'000);
     for (std::size_t i = 1; i < 2000; i += 5)
         graph.series.points[i].value = 20; // in two columns of three
-    Picture picture;
-    DrawValueGraph(graph, picture);
-    const int bottom = plotBottom(picture.Size);
-    const int calm = verticalPosition(10, graph.thresholds, bottom);
-    const int windy = verticalPosition(20, graph.thresholds, bottom);
+    const Drawn drawn(graph);
     const TimeAxis axis = timeAxis(graph.series, 600);
     for (const TimedValue& point : graph.series.points) {
         const int x = axis.position(point.time);
-        EXPECT_EQ(pixel(picture, x, point.value > 15 ? windy : calm), rgb(kLine)) << x;
+        EXPECT_EQ(drawn.at(x, point.value > 15 ? drawn.windy : drawn.calm), rgb(kLine)) << x;
     }
     // No gap on the way from the one to the other.
-    for (int y = calm; y < windy; ++y)
-        EXPECT_GT(ink(picture, {0, y, 600, 1}, rgb(kMiddle)), 500) << y;
+    for (int y = drawn.calm; y < drawn.windy; ++y)
+        EXPECT_GT(drawn.inkIn({0, y, 600, 1}, rgb(kMiddle)), 500) << y;
 }
 
-TEST(ValueGraphPicture, WithoutPointsShowsTheBandsAlone) {
-    ValueGraph graph = steadyGraph(10);
-    graph.series.points.clear();
-    Picture picture;
-    DrawValueGraph(graph, picture);
-    const int bottom = plotBottom(picture.Size);
-    EXPECT_EQ(ink(picture, {0, 0, 500, bottom / 3}, rgb(kTop)), 0);
-    EXPECT_EQ(ink(picture, {0, bottom, 600, 200 - bottom}, kWhite), 0);
-}
-
-TEST(ValueGraphPicture, CaptionsAreCentredInThirdsOfThePicture) {
+TEST(ValueGraphPicture, WithoutPointsShowsTheBandsAndTheirCentredCaptions) {
     ValueGraph graph = steadyGraph(10);
     graph.series.points.clear();
     graph.bands[1].caption = u"Windy"_s;
-    Picture picture;
-    DrawValueGraph(graph, picture);
-    const int bottom = plotBottom(picture.Size);
+    const Drawn drawn(graph);
+    const int bottom = drawn.bottom;
+    EXPECT_EQ(drawn.inkIn({0, 0, 500, bottom / 3}, rgb(kTop)), 0);
+    EXPECT_EQ(drawn.inkIn({0, bottom, 600, 200 - bottom}, kWhite), 0);
+    // In the thirds of the picture.
     const QRect band(0, (bottom + 2) / 3 + 1, 600, bottom / 3 - 2);
-    const QRect caption = inkBounds(picture, band, rgb(kMiddle));
+    const QRect caption = inkBounds(drawn.picture, band, rgb(kMiddle));
     EXPECT_NEAR(caption.center().x(), 300, 3);
     EXPECT_NEAR(caption.center().y(), 100, 4);
     EXPECT_GE(caption.height(), 13); // 14 points: capitals of some 14 pixels
@@ -168,17 +143,15 @@ TEST(ValueGraphPicture, CaptionsAreCentredInThirdsOfThePicture) {
 QString labelled(int width, double spanSeconds) {
     ValueGraph graph = steadyGraph(10);
     graph.series = steady(10, 2, 60, spanSeconds);
-    Picture picture;
-    picture.Size = {width, 200};
-    DrawValueGraph(graph, picture);
-    const int bottom = plotBottom(picture.Size);
+    const Drawn drawn(graph, {width, 200});
+    const int bottom = drawn.bottom;
     QString found;
     for (const TimeTick& tick : timeTicks(timeAxis(graph.series, width))) {
-        EXPECT_EQ(pixel(picture, tick.x, bottom - 4), qRgb(0, 0, 0));
-        EXPECT_EQ(pixel(picture, tick.x, bottom - 1), qRgb(0, 0, 0));
-        EXPECT_EQ(pixel(picture, tick.x, bottom - 5), rgb(kLow));
+        EXPECT_EQ(drawn.at(tick.x, bottom - 4), qRgb(0, 0, 0));
+        EXPECT_EQ(drawn.at(tick.x, bottom - 1), qRgb(0, 0, 0));
+        EXPECT_EQ(drawn.at(tick.x, bottom - 5), rgb(kLow));
         // The middle of a label is its colon or a digit beside it.
-        const bool text = ink(picture, {tick.x - 4, bottom, 9, 200 - bottom}, kWhite) > 0;
+        const bool text = drawn.inkIn({tick.x - 4, bottom, 9, 200 - bottom}, kWhite) > 0;
         found += text ? u'x' : u'.';
     }
     return found;
@@ -191,10 +164,8 @@ TEST(ValueGraphPicture, LabelsKeepADistance) {
 }
 
 TEST(ValueGraphPicture, MarkerStandsInTheUpperRightCorner) {
-    Picture picture;
-    ValueGraph graph = steadyGraph(99);
-    DrawValueGraph(graph, picture);
-    const QRect marker = inkBounds(picture, {300, 0, 300, 40}, rgb(kTop));
+    const Drawn drawn(steadyGraph(99));
+    const QRect marker = inkBounds(drawn.picture, {300, 0, 300, 40}, rgb(kTop));
     EXPECT_GT(marker.left(), 500);
     EXPECT_LT(marker.bottom(), 20);
     EXPECT_GE(marker.top(), 1);

@@ -2,38 +2,15 @@
 
 #include "graphs/graph_paper.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include "support/full_disk.h"
+#include "support/test_folder.h"
 
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <sys/resource.h>
+#include <QFileInfo>
 
 namespace skyhold {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-// While it lives, no file of this process grows beyond `bytes`: a disk that is full.
-class FullDisk {
-  public:
-    explicit FullDisk(rlim_t bytes)
-        : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 class Export : public testing::Test {
   protected:
@@ -49,16 +26,10 @@ class Export : public testing::Test {
     bool save(ImageFormat format = ImageFormat::Png, int flags = 0) {
         return SavePicture(picture, path, format, flags, library, saved);
     }
-    QByteArray bytes() const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    QStringList names() const {
-        return QDir(folder.path())
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    }
+    QByteArray bytes() const { return folder.read(u"picture.img"_s); }
+    QImage image(const char* format = "PNG") const { return QImage(path, format); }
 
-    QTemporaryDir folder;
+    TestFolder folder;
     const QString path = folder.filePath(u"picture.img"_s);
     Picture picture;
     ImageLibrary library;
@@ -68,8 +39,7 @@ class Export : public testing::Test {
 TEST(ImageOptions, SaveFlags) {
     const struct {
         bool png;
-        int quality;
-        int flags;
+        int quality, flags;
     } cases[] = {{true, 0, 0},      {true, 2, 0},      {false, 0, 0x80},
                  {false, 1, 0x100}, {false, 2, 0x200}, {false, -1, 0}};
     for (const auto& c : cases) {
@@ -85,12 +55,11 @@ TEST_F(Export, PngHoldsEveryPixel) {
         picture.PixelRatio = ratio;
         draw(kOrange);
         ASSERT_TRUE(save());
-        const QImage read(path, "PNG");
-        ASSERT_EQ(read.size(), picture.Image.size());
-        EXPECT_FALSE(read.hasAlphaChannel());
-        EXPECT_TRUE(read.convertToFormat(QImage::Format_RGB32) == picture.Image) << ratio;
+        ASSERT_EQ(image().size(), picture.Image.size());
+        EXPECT_FALSE(image().hasAlphaChannel());
+        EXPECT_TRUE(image().convertToFormat(QImage::Format_RGB32) == picture.Image) << ratio;
     }
-    EXPECT_EQ(names(), QStringList{u"picture.img"_s});
+    EXPECT_EQ(folder.names(), QStringList{u"picture.img"_s});
     EXPECT_TRUE(QFile::permissions(path).testFlag(QFileDevice::ReadOther));
 }
 
@@ -98,9 +67,8 @@ TEST_F(Export, JpegGrowsWithItsQuality) {
     qint64 last = 0;
     for (const int flags : {0x200, 0x100, 0x80}) {
         ASSERT_TRUE(save(ImageFormat::Jpeg, flags));
-        const QImage read(path, "JPEG");
-        ASSERT_EQ(read.size(), picture.Image.size());
-        const QColor ground = read.pixelColor(20, 20);
+        ASSERT_EQ(image("JPEG").size(), picture.Image.size());
+        const QColor ground = image("JPEG").pixelColor(20, 20);
         EXPECT_NEAR(ground.red(), 0, 8);
         EXPECT_NEAR(ground.green(), 255, 8);
         EXPECT_NEAR(ground.blue(), 0, 8);
@@ -117,25 +85,18 @@ TEST_F(Export, EverySaveWritesTheDrawingOfNow) {
     EXPECT_EQ(bytes(), first);
     draw(kRed);
     ASSERT_TRUE(save());
-    EXPECT_NE(bytes(), first);
-    EXPECT_EQ(QImage(path, "PNG").pixel(5, 5), paintColour(kRed).rgb());
+    EXPECT_EQ(image().pixel(5, 5), paintColour(kRed).rgb());
 }
 
 TEST_F(Export, PlantedLinkIsReplacedAndNotFollowed) {
-    const QString victim = folder.filePath(u"victim"_s);
-    QFile file(victim);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("precious");
-    file.close();
+    const QString victim = folder.write(u"victim"_s, "precious");
     for (int i = 0; i < 2; ++i) { // encoded, and written again
         QFile::remove(path);
         ASSERT_TRUE(QFile::link(victim, path));
         ASSERT_TRUE(save());
         EXPECT_FALSE(QFileInfo(path).isSymLink());
-        EXPECT_EQ(QImage(path, "PNG").size(), picture.Image.size());
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), "precious");
-        file.close();
+        EXPECT_EQ(image().size(), picture.Image.size());
+        EXPECT_EQ(folder.read(u"victim"_s), "precious");
     }
 }
 
@@ -150,31 +111,29 @@ TEST_F(Export, FullDiskLeavesTheOldFile) {
         EXPECT_FALSE(save(ImageFormat::Jpeg, 0x80)) << room;
     }
     EXPECT_EQ(bytes(), old);
-    EXPECT_EQ(names(), QStringList{u"picture.img"_s});
+    EXPECT_EQ(folder.names(), QStringList{u"picture.img"_s});
 
     ASSERT_TRUE(save());
     {
         const FullDisk full(1000);
         EXPECT_FALSE(save()) << "the same drawing again";
     }
-    EXPECT_EQ(QImage(path, "PNG").pixel(5, 5), paintColour(kRed).rgb());
+    EXPECT_EQ(image().pixel(5, 5), paintColour(kRed).rgb());
 }
 
 TEST_F(Export, WhatCannotBeWrittenIsRefused) {
-    Picture never;
-    EXPECT_FALSE(SavePicture(never, path, ImageFormat::Png, 0, library, saved));
-    EXPECT_FALSE(SavePicture(picture, folder.filePath(u"none/picture.png"_s), ImageFormat::Png, 0,
-                             library, saved));
+    const auto savedTo = [this](const Picture& drawn, const QString& file, ImageLibrary& with) {
+        return SavePicture(drawn, file, ImageFormat::Png, 0, with, saved);
+    };
+    ImageLibrary missing(u"no_such_image_library"_s);
+    EXPECT_FALSE(savedTo(picture, path, missing));
+    EXPECT_FALSE(missing.loaded());
+    EXPECT_FALSE(savedTo(Picture(), path, library)) << "never drawn";
+    EXPECT_FALSE(savedTo(picture, folder.filePath(u"none/picture.png"_s), library));
+    EXPECT_EQ(folder.names(), QStringList());
     ASSERT_TRUE(QDir(folder.path()).mkdir(u"picture.img"_s));
     EXPECT_FALSE(save()) << "a folder of that name";
-    EXPECT_EQ(names(), QStringList{u"picture.img"_s});
-}
-
-TEST_F(Export, MissingLibrary) {
-    ImageLibrary missing(u"no_such_image_library"_s);
-    EXPECT_FALSE(SavePicture(picture, path, ImageFormat::Png, 0, missing, saved));
-    EXPECT_FALSE(missing.loaded());
-    EXPECT_TRUE(names().isEmpty());
+    EXPECT_EQ(folder.names(), QStringList{u"picture.img"_s});
 }
 
 } // namespace

@@ -1,14 +1,7 @@
 #include "graphs/render.h"
 
 #include "pictures.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-#include <functional>
+#include "support/test_folder.h"
 
 namespace skyhold {
 namespace {
@@ -52,17 +45,19 @@ class Render : public testing::Test {
         RenderGraphs({history, conditions, graphs}, pictures, rendered, library, statusbar2);
     }
     QString codes() const { return statusbar2.Caption; }
-    QStringList files() const {
-        return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-    }
-    static QStringList sorted(QStringList names, const QString& extension) {
-        for (QString& name : names)
-            name += extension;
+    // The pictures of these graphs, in the order of a folder.
+    static QStringList files(const QString& graphs, const QString& extension) {
+        QStringList names;
+        for (const QChar graph : graphs)
+            names += kNames[graph.digitValue()] + extension;
         names.sort();
         return names;
     }
+    QImage saved(std::size_t graph, const QString& extension = u".png"_s) const {
+        return QImage(folder.filePath(kNames[static_cast<qsizetype>(graph)] + extension));
+    }
 
-    QTemporaryDir folder;
+    TestFolder folder;
     GraphHistory history;
     ConditionControls conditions;
     GraphControls graphs;
@@ -80,19 +75,15 @@ TEST_F(Render, EveryGraphShowsItsOwnQuantity) {
         const int y = i == 2 ? directionPosition(30, bottom)
                              : verticalPosition(values[i], {10, 20, 99}, bottom);
         EXPECT_EQ(pixel(pictures[i], 0, y), rgb(lineColour(i))) << i;
-        const QImage file(folder.filePath(kNames[static_cast<qsizetype>(i)] + u".png"_s), "PNG");
-        EXPECT_EQ(file.pixel(0, y), rgb(lineColour(i))) << i;
+        EXPECT_EQ(saved(i).pixel(0, y), rgb(lineColour(i))) << i;
     }
-    EXPECT_EQ(files(), sorted(kNames, u".png"_s));
+    EXPECT_EQ(folder.names(), files(u"012345"_s, u".png"_s));
     EXPECT_EQ(codes(), QString());
 }
 
 TEST_F(Render, DrawsAgainOnlyWhatHasChanged) {
-    const auto drawn = [this] {
-        std::array<int, 6> counts{};
-        for (std::size_t i = 0; i < 6; ++i)
-            counts[i] = pictures[i].Drawings;
-        return counts;
+    const auto set = [](auto& field, auto value) {
+        return std::function([&field, value] { field = value; });
     };
     const struct {
         const char* what;
@@ -105,38 +96,33 @@ TEST_F(Render, DrawsAgainOnlyWhatHasChanged) {
              history.point(++history.LastElem) = {kNight + 0.1, 3, 7};
          },
          "xxxxxx"},
-        {"a converted history", [this] { history.point(2).wind = 1; }, "x....."},
-        {"a limit", [this] { conditions.LimitDew[1].Value = 30; }, "...x.."},
-        {"a description", [this] { conditions.ColorHum[2].Caption = u"Wet"_s; }, "....x."},
-        {"a level's colour", [this] { conditions.ColorTemp[0].BackColor = kRed; }, ".....x"},
-        {"a graph's colour", [this] { graphs.GraphColor[2][2].BackColor = kRed; }, "..x..."},
-        {"the time span", [this] { graphs.GraphSpan.Caption = u"9000"_s; }, "xxxxxx"},
-        {"a size",
-         [this] {
-             pictures[1].Size = {700, 240};
-         },
-         ".x...."},
-        {"a pixel ratio", [this] { pictures[0].PixelRatio = 1.5; }, "x....."},
+        {"a converted history", set(history.point(2).wind, 1), "x....."},
+        {"a limit", set(conditions.LimitDew[1].Value, 30), "...x.."},
+        {"a description", set(conditions.ColorHum[2].Caption, u"Wet"_s), "....x."},
+        {"a level's colour", set(conditions.ColorTemp[0].BackColor, kRed), ".....x"},
+        {"a graph's colour", set(graphs.GraphColor[2][2].BackColor, kRed), "..x..."},
+        {"the time span", set(graphs.GraphSpan.Caption, u"9000"_s), "xxxxxx"},
+        {"a size", set(pictures[1].Size, QSize(700, 240)), ".x...."},
+        {"a pixel ratio", set(pictures[0].PixelRatio, 1.5), "x....."},
         {"nothing any more", [] {}, "......"},
     };
     render();
     for (const auto& c : cases) {
-        const std::array<int, 6> before = drawn();
+        SCOPED_TRACE(c.what);
+        std::array<int, 6> before{};
+        std::ranges::transform(pictures, before.begin(),
+                               [](const Picture& picture) { return picture.Drawings.value(); });
         c.change();
-        for (const QString& file : files())
+        for (const QString& file : folder.names())
             QFile::remove(folder.filePath(file));
         render();
         std::string again;
-        for (std::size_t i = 0; i < 6; ++i)
-            again += drawn()[i] == before[i] ? '.' : 'x';
-        EXPECT_EQ(again, c.again) << c.what;
-        // The files are written every time, and show what the pictures show.
         for (std::size_t i = 0; i < 6; ++i) {
-            const QString name = kNames[static_cast<qsizetype>(i)] + u".png"_s;
-            const QImage file(folder.filePath(name), "PNG");
-            EXPECT_TRUE(file.convertToFormat(QImage::Format_RGB32) == pictures[i].Image)
-                << c.what << i;
+            again += pictures[i].Drawings == before[i] ? '.' : 'x';
+            // The files are written every time, and show what the pictures show.
+            EXPECT_TRUE(saved(i).convertToFormat(QImage::Format_RGB32) == pictures[i].Image) << i;
         }
+        EXPECT_EQ(again, c.again);
     }
 }
 
@@ -146,11 +132,8 @@ TEST_F(Render, BoxesChooseWhatIsDrawnAndSaved) {
     graphs.GraphGenerate[0].Value = 0; // saved, not drawn
     graphs.GraphImage[1].Value = 0;    // drawn, not saved
     render();
-    QStringList names = kNames;
-    names.removeAt(1);
-    EXPECT_EQ(files(), sorted(names, u".jpg"_s));
-    EXPECT_EQ(QImage(folder.filePath(kNames[0] + u".jpg"_s), "JPEG").pixelColor(300, 100),
-              QColor(Qt::white));
+    EXPECT_EQ(folder.names(), files(u"02345"_s, u".jpg"_s));
+    EXPECT_EQ(saved(0, u".jpg"_s).pixelColor(300, 100), QColor(Qt::white));
     EXPECT_EQ(pictures[1].Drawings, 1);
 
     // A graph that is no longer drawn keeps its last drawing.
@@ -172,7 +155,7 @@ TEST_F(Render, WithoutAFolderNothingIsSaved) {
     // Blanks around a folder and a separator at its end do not count.
     graphs.GraphImagePath.Caption = u" "_s + folder.path() + u"\\ "_s;
     render();
-    EXPECT_EQ(files(), sorted(kNames, u".png"_s));
+    EXPECT_EQ(folder.names(), files(u"012345"_s, u".png"_s));
 }
 
 TEST_F(Render, FailuresAreReportedAndTriedAgain) {
