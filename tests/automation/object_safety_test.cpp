@@ -15,17 +15,16 @@ TEST(ObjectSafety, optionsPerInterface) {
                                   u"{37D84F60-42CB-11CE-8135-00AA004BB851}"_s};
     const ObjectSafety on{true, true};
     const ObjectSafety off;
-    const auto enabled = [](const ObjectSafety& safety, const QString& id) {
-        const auto options = GetInterfaceSafetyOptions(safety, id);
-        EXPECT_EQ(options.value_or(SafetyOptions{}).supported, 3U);
-        return options.value_or(SafetyOptions{}).enabled;
+    const auto expectEnabled = [&](const QString& id, std::uint32_t whenOn) {
+        for (const ObjectSafety& safety : {on, off}) {
+            const auto options = GetInterfaceSafetyOptions(safety, id).value_or(SafetyOptions{});
+            EXPECT_EQ(options.supported, 3U);
+            EXPECT_EQ(options.enabled, safety.forScripting ? whenOn : 0U);
+        }
     };
-    EXPECT_EQ(enabled(on, dispatch), 1U);
-    EXPECT_EQ(enabled(off, dispatch), 0U);
-    for (const QString& id : persistence) {
-        EXPECT_EQ(enabled(on, id), 2U);
-        EXPECT_EQ(enabled(off, id), 0U);
-    }
+    expectEnabled(dispatch, 1);
+    for (const QString& id : persistence)
+        expectEnabled(id, 2);
     EXPECT_FALSE(GetInterfaceSafetyOptions(on, unknown));
 
     const struct {

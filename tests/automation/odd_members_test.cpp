@@ -5,21 +5,17 @@
 namespace skyhold {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-
-class OddMembers : public NubiloFixture {};
+using OddMembers = NubiloFixture;
 
 TEST_F(OddMembers, readCycleSelectsAnEntry) {
-    const struct {
-        int written, read;
-    } cases[] = {{-3, 5},  {0, 5},   {5, 5},   {6, 10},  {10, 10}, {11, 30},
-                 {30, 30}, {31, 60}, {60, 60}, {61, 10}, {90, 10}};
     int spans = 0;
     const auto click = records().session.RefreshRead.Click;
     records().session.RefreshRead.Click = [&] {
         ++spans;
         click();
     };
+    const std::pair<int, int> cases[] = {{-3, 5},  {0, 5},   {5, 5},   {6, 10},  {10, 10}, {11, 30},
+                                         {30, 30}, {31, 60}, {60, 60}, {61, 10}, {90, 10}};
     for (const auto& [written, expected] : cases) {
         let(u"ReadCycle"_s, written);
         EXPECT_EQ(read(u"ReadCycle"_s), expected) << written;
@@ -30,43 +26,41 @@ TEST_F(OddMembers, readCycleSelectsAnEntry) {
 
 TEST_F(OddMembers, unitsAreChosenByTheirExactLetter) {
     records().conditions.LimitWind[0].Value = 36;
+    const QString speed = u"Kiv_SpeedUnits"_s;
+    const QString temperature = u"Kiv_TemperatureUnits"_s;
     const struct {
-        QString written, read;
-    } speeds[] = {{u"K"_s, u"K"_s}, {u"KM"_s, u"K"_s}, {u""_s, u"K"_s},  {u"m"_s, u"m"_s},
-                  {u"M"_s, u"M"_s}, {u"k"_s, u"k"_s},  {u"C"_s, u"k"_s}, {u"K"_s, u"K"_s}};
-    for (const auto& [written, expected] : speeds) {
-        let(u"Kiv_SpeedUnits"_s, written);
-        EXPECT_EQ(read(u"Kiv_SpeedUnits"_s), expected) << qPrintable(written);
+        QString member, written, read;
+    } cases[] = {
+        {speed, u"K"_s, u"K"_s},       {speed, u"KM"_s, u"K"_s},      {speed, u""_s, u"K"_s},
+        {speed, u"m"_s, u"m"_s},       {speed, u"M"_s, u"M"_s},       {speed, u"k"_s, u"k"_s},
+        {speed, u"C"_s, u"k"_s},       {speed, u"K"_s, u"K"_s},       {speed, u"m"_s, u"m"_s},
+        {temperature, u"c"_s, u"C"_s}, {temperature, u"F"_s, u"F"_s},
+    };
+    for (const auto& [member, written, expected] : cases) {
+        let(member, written);
+        EXPECT_EQ(read(member), expected) << qPrintable(written);
     }
-    let(u"Kiv_SpeedUnits"_s, u"m"_s);
     EXPECT_NEAR(read(u"ThreshWindCalm"_s).toDouble(), 10, 1e-9); // 36 km/h
-
-    let(u"Kiv_TemperatureUnits"_s, u"c"_s);
-    EXPECT_EQ(read(u"Kiv_TemperatureUnits"_s), u"C"_s);
-    let(u"Kiv_TemperatureUnits"_s, u"F"_s);
-    EXPECT_EQ(read(u"Kiv_TemperatureUnits"_s), u"F"_s);
     records().units.UnitsTemp.Index = -1;
-    EXPECT_EQ(read(u"Kiv_TemperatureUnits"_s), QString());
+    EXPECT_EQ(read(temperature), QString());
 }
 
 TEST_F(OddMembers, switchControlReadsInverted) {
-    SessionControls& session = records().session;
-    session.SWRole.choose(0);
-    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), false); // not connected
+    const QString member = u"Kiv_DeviceSwitchCtrl"_s;
+    records().session.SWRole.choose(0);
+    EXPECT_EQ(read(member), false); // not connected
     connectSensor();
-    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), true);
-    let(u"Kiv_DeviceSwitchCtrl"_s, true);
-    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), false);
-    EXPECT_FALSE(session.SwitchControl);
-    EXPECT_FALSE(records().display.LblSwitch.Visible);
-    let(u"Kiv_DeviceSwitchCtrl"_s, false);
-    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), true);
-    EXPECT_TRUE(session.SwitchControl);
-
+    EXPECT_EQ(read(member), true);
+    for (const bool given : {true, false}) {
+        let(member, given);
+        EXPECT_EQ(read(member), !given);
+        EXPECT_EQ(records().session.SwitchControl, !given);
+        EXPECT_EQ(records().display.LblSwitch.Visible, !given);
+    }
     sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
-    let(u"Kiv_DeviceSwitchCtrl"_s, true);
-    EXPECT_EQ(read(u"Kiv_DeviceSwitchCtrl"_s), true);
-    EXPECT_TRUE(session.SwitchControl);
+    let(member, true);
+    EXPECT_EQ(read(member), true);
+    EXPECT_TRUE(records().session.SwitchControl);
 }
 
 TEST_F(OddMembers, verdictIsSetUnderLocalControlOnly) {
@@ -93,22 +87,22 @@ TEST_F(OddMembers, verdictIsSetUnderLocalControlOnly) {
 }
 
 TEST_F(OddMembers, alarmBoxesNeedASound) {
-    CheckBox& box = records().alarms.AlarmDay[2];
+    const CheckBox& box = records().alarms.AlarmDay[2];
+    const auto expect = [&](int on, bool icons) {
+        EXPECT_EQ(read(u"AlarmVLight"_s), on);
+        EXPECT_EQ(box.HasIcons, icons);
+    };
     let(u"AlarmVLight"_s, 1);
-    EXPECT_EQ(read(u"AlarmVLight"_s), 0);
-    EXPECT_FALSE(box.HasIcons);
-
+    expect(0, false);
     let(u"SoundVLight"_s, u"/sounds/dawn.wav|repeat"_s);
-    EXPECT_TRUE(box.HasIcons);
     EXPECT_EQ(read(u"SoundVLight"_s), u"/sounds/dawn.wav|repeat"_s);
-    EXPECT_EQ(read(u"AlarmVLight"_s), 0); // a sound does not switch the alarm on
+    expect(0, true); // a sound does not switch the alarm on
     let(u"AlarmVLight"_s, 1);
-    EXPECT_EQ(read(u"AlarmVLight"_s), 1);
+    expect(1, true);
     let(u"SoundVLight"_s, u"/sounds/other.wav"_s);
-    EXPECT_EQ(read(u"AlarmVLight"_s), 1);
+    expect(1, true);
     let(u"SoundVLight"_s, QString());
-    EXPECT_EQ(read(u"AlarmVLight"_s), 0);
-    EXPECT_FALSE(box.HasIcons);
+    expect(0, false);
     EXPECT_EQ(read(u"AlarmLight"_s), 0);
 }
 
@@ -174,12 +168,12 @@ TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
             EXPECT_EQ(read(u"Desc"_s + level), text);
         }
     }
-    for (std::size_t i = 0; i < 3; ++i) {
-        const QString level = QStringList{u"Calm"_s, u"Windy"_s, u"VWindy"_s}[static_cast<int>(i)];
-        controls.DirectionWind[i].Caption = u"wind from %1"_s.arg(i);
-        controls.DirectionGust[i].Caption = u"gust from %1"_s.arg(i);
-        EXPECT_EQ(read(u"DescDirWind"_s + level), u"wind from %1"_s.arg(i));
-        EXPECT_EQ(read(u"DescDirGust"_s + level), u"gust from %1"_s.arg(i));
+    std::size_t i = 0;
+    for (const QString& level : {u"Calm"_s, u"Windy"_s, u"VWindy"_s}) {
+        controls.DirectionWind[i].Caption = u"wind "_s + level;
+        controls.DirectionGust[i++].Caption = u"gust "_s + level;
+        EXPECT_EQ(read(u"DescDirWind"_s + level), u"wind "_s + level);
+        EXPECT_EQ(read(u"DescDirGust"_s + level), u"gust "_s + level);
     }
 }
 
@@ -192,23 +186,24 @@ TEST_F(OddMembers, dataDisplayed) {
     display.LValHumidity.Caption = u"58"_s;
     display.LValBrightness.Caption = u"61"_s;
     display.LValRain.Caption = u"2850"_s;
+    const QString color = u"color"_s, desc = u"desc"_s, value = u"value"_s, none = u"n/a"_s;
     const struct {
         QString info, ref, shown;
     } cases[] = {
-        {u"color"_s, u"CLOUD"_s, u"#FF0000"_s},
-        {u"color"_s, u"humididty"_s, u"#0A0000"_s},
-        {u"color"_s, u"humidity"_s, u"#80FFFF"_s},
-        {u"Color"_s, u"cloud"_s, QString()},
-        {u""_s, u"cloud"_s, QString()},
-        {u"desc"_s, u"Cloud"_s, u"Overcast"_s},
-        {u"desc"_s, u"clouds"_s, u"n/a"_s},
-        {u"value"_s, u"cloud"_s, u"-21.5 °C"_s},
-        {u"value"_s, u"gust"_s, u"12 km/hr"_s},
-        {u"value"_s, u"rain"_s, u"2850 cycles"_s},
-        {u"value"_s, u"humididty"_s, u"58 %"_s},
-        {u"value"_s, u"humidity"_s, u"n/a"_s},
-        {u"value"_s, u"brightnesss"_s, u"61 K"_s},
-        {u"value"_s, u"brightness"_s, u"n/a"_s},
+        {color, u"CLOUD"_s, u"#FF0000"_s},
+        {color, u"humididty"_s, u"#0A0000"_s},
+        {color, u"humidity"_s, u"#80FFFF"_s},
+        {u"Color"_s, u"cloud"_s, {}},
+        {{}, u"cloud"_s, {}},
+        {desc, u"Cloud"_s, u"Overcast"_s},
+        {desc, u"clouds"_s, none},
+        {value, u"cloud"_s, u"-21.5 °C"_s},
+        {value, u"gust"_s, u"12 km/hr"_s},
+        {value, u"rain"_s, u"2850 cycles"_s},
+        {value, u"humididty"_s, u"58 %"_s},
+        {value, u"humidity"_s, none},
+        {value, u"brightnesss"_s, u"61 K"_s},
+        {value, u"brightness"_s, none},
     };
     for (const auto& [info, ref, shown] : cases)
         EXPECT_EQ(read(u"Kiv_DataDisplayed"_s, {info, ref}), shown)
