@@ -15,6 +15,11 @@ void broken(const char* rule) {
 
 } // namespace skyhold::fuzz
 
+// What the font library keeps is not given back.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen"); // graphs are drawn, but not shown
     static QGuiApplication application(*argc, *argv);
