@@ -17,32 +17,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 
-namespace {
-
-constexpr QSize kUsualSize(860, 660);
-
-// Pictures are made narrower where they would not fit.
-class HelpText : public QTextBrowser {
-  public:
-    explicit HelpText(QWidget* parent)
-        : QTextBrowser(parent) {
-        document()->setDocumentMargin(look::kMargin);
-    }
-
-    QVariant loadResource(int type, const QUrl& name) override {
-        QVariant loaded = QTextBrowser::loadResource(type, name);
-        if (type != QTextDocument::ImageResource)
-            return loaded;
-        const QImage image = loaded.canConvert<QImage>() ? loaded.value<QImage>()
-                                                         : QImage::fromData(loaded.toByteArray());
-        constexpr int kWidest = kUsualSize.width() - 100;
-        return image.width() > kWidest ? image.scaledToWidth(kWidest, Qt::SmoothTransformation)
-                                       : image;
-    }
-};
-
-} // namespace
-
 QString findHelpPage(const QStringList& dataFolders) {
     for (const QString& folder : dataFolders) {
         QString page = joinPath(folder, u"doc/kiv-skyhold/README.md"_s);
@@ -128,7 +102,8 @@ HelpWindow::HelpWindow(const QString& page, QWidget* parent)
     column->addLayout(row);
     for (QPushButton* button : {back, close})
         button->setMinimumSize(96, 32);
-    resize(kUsualSize.boundedTo(parent->screen()->availableSize() - QSize(40, 60)));
+    constexpr QSize kUsual(860, 660);
+    resize(kUsual.boundedTo(parent->screen()->availableSize() - QSize(40, 60)));
 }
 
 } // namespace skyhold
