@@ -111,7 +111,7 @@ QSize SoundName::sizeHint() const {
 }
 
 QSize SoundName::minimumSizeHint() const {
-    return {76, kHeight};
+    return {68, kHeight};
 }
 
 void SoundName::paintEvent(QPaintEvent*) {
@@ -125,7 +125,7 @@ void SoundName::paintEvent(QPaintEvent*) {
     const QRect name = inner.adjusted(0, 0, -metrics.horizontalAdvance(opens) - 4, 0);
     painter.setPen(isEnabled() ? look::kDimText : look::kDisabledText);
     painter.drawText(inner, Qt::AlignRight | Qt::AlignVCenter, opens);
-    QString shown = u"No sound"_s;
+    QString shown = u"None"_s;
     if (!text().isEmpty()) {
         painter.setPen(isEnabled() ? look::kText : look::kDisabledText);
         shown = repeat_ ? u"⟳ "_s + text() : text();

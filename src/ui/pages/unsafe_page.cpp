@@ -1,6 +1,7 @@
 #include "ui/pages/unsafe_page.h"
 
 #include "conditions/alarms.h"
+#include "platform/text_forms.h"
 #include "ui/alarm_box.h"
 #include "ui/bind.h"
 #include "ui/dialog_parts.h"
@@ -33,11 +34,35 @@ struct QuantityRow {
     std::array<QString, 3> levels;
 };
 
-// Columns: the quantity, then for each level its unsafe box, its alarm box and its sound.
+// Columns: the quantity, then for each level its unsafe box, its limit on its colour, its alarm box
+// and its sound.
 constexpr int kTitle = 1;
-constexpr int kPerLevel = 4; // the fourth keeps the levels apart
+constexpr int kPerLevel = 5; // the fifth keeps the levels apart
+constexpr int kTwoColumns = 2;
 constexpr int columnOf(int level) {
     return kTitle + 1 + level * kPerLevel;
+}
+
+// The sensor program knows the limits of its own quantities.
+bool hasLimits(Quantity quantity) {
+    return quantity != Quantity::Cloud && quantity != Quantity::Rain &&
+           quantity != Quantity::Brightness;
+}
+
+// The limit of a level on the level's colour.
+Swatch* makeLimit(NumberBox& limit, Label& level, const QString& name, QWidget* parent) {
+    auto* chip = new Swatch(parent);
+    chip->setObjectName(name);
+    chip->setPixelSize(12);
+    chip->setFixedSize(42, 20);
+    chip->setToolTip(u"Its upper limit and its colour, as the page Limits has them"_s);
+    follow(chip, limit.Value, [chip](double value) {
+        const bool whole = value == roundHalfEven(value);
+        chip->setText(u"\u2264 "_s +
+                      formatNumber(value, whole ? u"0" : u"0.0", localeNumberForms()));
+    });
+    follow(chip, level.BackColor, [chip](Colour colour) { chip->setFill(screenColour(colour)); });
+    return chip;
 }
 
 class AlarmTable {
@@ -50,28 +75,35 @@ class AlarmTable {
         , parent_(parent)
         , grid_(new QGridLayout(parent)) {
         grid_->setContentsMargins(10, 6, 12, 8);
-        grid_->setHorizontalSpacing(6);
+        grid_->setHorizontalSpacing(4);
         grid_->setVerticalSpacing(2);
         for (int level = 0; level < 3; ++level) {
             const int column = columnOf(level);
             grid_->addWidget(makeDimmed(u"Unsafe"_s, parent), 0, column);
-            grid_->addWidget(makeDimmed(u"Alarm"_s, parent), 0, column + 1);
-            grid_->addWidget(makeDimmed(u"Sound"_s, parent), 0, column + 2);
+            grid_->addWidget(makeDimmed(u"Limit"_s, parent), 0, column + 1);
+            grid_->addWidget(makeDimmed(u"Alarm"_s, parent), 0, column + 2);
+            grid_->addWidget(makeDimmed(u"Sound"_s, parent), 0, column + 3);
             grid_->setColumnStretch(column, 2);
-            grid_->setColumnStretch(column + 2, 3);
+            grid_->setColumnStretch(column + 3, 3);
             if (level > 0)
-                grid_->setColumnMinimumWidth(column - 1, 10);
+                grid_->setColumnMinimumWidth(column - 1, 6);
         }
     }
 
     void addQuantity(const QuantityRow& made, ConditionControls& conditions) {
         beginRow(made.title, made.indicator);
         for (std::size_t i = 0; i < 3; ++i) {
+            if (hasLimits(made.quantity))
+                grid_->addWidget(makeLimit(conditions.limits(made.quantity)[i],
+                                           conditions.swatches(made.quantity)[i],
+                                           indexed(QByteArray("Limit") + made.unsafe, i), parent_),
+                                 row_, columnOf(static_cast<int>(i)) + 1, Qt::AlignVCenter);
             CheckBox& record = conditions.unsafe(made.quantity)[i];
             addLevel(static_cast<int>(i),
                      makeCheck(parent_, indexed(made.unsafe, i), made.levels[i], record),
                      indexed(made.alarm, i), alarms_.alarms(made.quantity)[i],
-                     u"%1, level %2"_s.arg(made.title).arg(i + 1));
+                     u"%1, level %2"_s.arg(made.title).arg(i + 1),
+                     hasLimits(made.quantity) ? 1 : kTwoColumns);
         }
     }
 
@@ -79,16 +111,16 @@ class AlarmTable {
     void addSource(const QString& title, std::size_t indicator, QCheckBox* unsafe,
                    const QString& alarmName, CheckBox& alarm) {
         beginRow(title, indicator);
-        addLevel(0, unsafe, alarmName, alarm, title);
+        addLevel(0, unsafe, alarmName, alarm, title, kTwoColumns);
     }
 
     // Fills the place of a level in the last row.
     void addBeside(int level, QWidget* widget) {
-        grid_->addWidget(widget, row_, columnOf(level), 1, 3, Qt::AlignVCenter);
+        grid_->addWidget(widget, row_, columnOf(level), 1, 4, Qt::AlignVCenter);
     }
     QHBoxLayout* addBeside(int level) {
         auto* line = new QHBoxLayout;
-        grid_->addLayout(line, row_, columnOf(level), 1, 3, Qt::AlignVCenter);
+        grid_->addLayout(line, row_, columnOf(level), 1, 4, Qt::AlignVCenter);
         return line;
     }
 
@@ -106,9 +138,10 @@ class AlarmTable {
         grid_->addWidget(label, row_, kTitle, Qt::AlignVCenter);
     }
 
-    // `what` says in words what the alarm is for.
+    // `what` says in words what the alarm is for. Without limit the unsafe box takes its column,
+    // too.
     void addLevel(int level, QCheckBox* unsafe, const QString& alarmName, CheckBox& alarm,
-                  const QString& what) {
+                  const QString& what, int unsafeColumns) {
         auto* box = new AlarmBox(alarm, parent_);
         box->setObjectName(alarmName);
         box->setAccessibleName(u"Alarm: "_s + what);
@@ -130,10 +163,10 @@ class AlarmTable {
         QObject::connect(box, &AlarmBox::mouseReleased, box, released);
         QObject::connect(box, &AlarmBox::editWanted, box, edit);
         openEditorFrom(sound, edit);
-        int column = columnOf(level);
-        for (QWidget* widget : {static_cast<QWidget*>(unsafe), static_cast<QWidget*>(box),
-                                static_cast<QWidget*>(sound)})
-            grid_->addWidget(widget, row_, column++, Qt::AlignVCenter);
+        const int column = columnOf(level);
+        grid_->addWidget(unsafe, row_, column, 1, unsafeColumns, Qt::AlignVCenter);
+        grid_->addWidget(box, row_, column + 2, Qt::AlignVCenter);
+        grid_->addWidget(sound, row_, column + 3, Qt::AlignVCenter);
     }
 
     AlarmControls& alarms_;
