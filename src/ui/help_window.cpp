@@ -50,7 +50,7 @@ void showHelp(MonitoringCore& core, QWidget* parent, const QStringList& dataFold
 
 namespace {
 
-// Its pictures are no wider than the text, and shown as the look in force shows graphs.
+// Its pictures are no wider than the text, and in the look in force.
 class HelpText : public QTextBrowser {
   public:
     using QTextBrowser::QTextBrowser;
@@ -60,10 +60,10 @@ class HelpText : public QTextBrowser {
         QImage image;
         if (type != QTextDocument::ImageResource || !image.loadFromData(loaded.toByteArray()))
             return loaded;
-        constexpr int kWidest = 780;
+        constexpr int kWidest = 680;
         if (image.width() > kWidest)
             image = image.scaledToWidth(kWidest, Qt::SmoothTransformation);
-        return look::picture(image);
+        return look::photo(image);
     }
 };
 

@@ -148,6 +148,10 @@ QImage picture(const QImage& graph) {
     return inForce == Look::Night ? nightPicture(graph) : graph;
 }
 
+QImage photo(const QImage& picture) {
+    return inForce == Look::Night ? nightPhoto(picture) : picture;
+}
+
 } // namespace look
 
 void applyLook(QApplication& application, Look look) {

@@ -72,6 +72,7 @@ QColor light(const QColor& stated);                     // of a lamp
 QColor ground(const QColor& stated);                    // of a field with letters on it
 QColor inkOn(const QColor& ground);                     // of such letters
 QImage picture(const QImage& graph);
+QImage photo(const QImage& picture); // of anything else
 
 constexpr int kMargin = 12; // around a window's contents
 constexpr int kGap = 8;     // between neighbours

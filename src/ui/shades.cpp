@@ -56,6 +56,24 @@ QRgb nightPixel(QRgb pixel) {
                  qAlpha(pixel));
 }
 
+QImage recoloured(const QImage& picture, QRgb (*shade)(QRgb)) {
+    QImage shown = picture.convertToFormat(picture.hasAlphaChannel() ? QImage::Format_ARGB32
+                                                                     : QImage::Format_RGB32);
+    QRgb last = 0;
+    QRgb lastShown = shade(last);
+    for (int y = 0; y < shown.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(shown.scanLine(y));
+        for (int x = 0; x < shown.width(); ++x) {
+            if (line[x] != last) { // neighbours are mostly alike
+                last = line[x];
+                lastShown = shade(last);
+            }
+            line[x] = lastShown;
+        }
+    }
+    return shown;
+}
+
 } // namespace
 
 double contrast(const QColor& one, const QColor& other) {
@@ -90,21 +108,12 @@ QColor nightGround(const QColor& colour) {
 }
 
 QImage nightPicture(const QImage& picture) {
-    QImage shown = picture.convertToFormat(picture.hasAlphaChannel() ? QImage::Format_ARGB32
-                                                                     : QImage::Format_RGB32);
-    QRgb last = 0;
-    QRgb lastShown = nightPixel(last);
-    for (int y = 0; y < shown.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(shown.scanLine(y));
-        for (int x = 0; x < shown.width(); ++x) {
-            if (line[x] != last) { // neighbours are mostly alike
-                last = line[x];
-                lastShown = nightPixel(last);
-            }
-            line[x] = lastShown;
-        }
-    }
-    return shown;
+    return recoloured(picture, nightPixel);
+}
+
+QImage nightPhoto(const QImage& picture) {
+    return recoloured(picture,
+                      [](QRgb pixel) { return qRgba(qGray(pixel) * 3 / 4, 0, 0, qAlpha(pixel)); });
 }
 
 } // namespace skyhold
