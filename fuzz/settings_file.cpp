@@ -91,7 +91,7 @@ void settingsFile(QByteArrayView bytes) {
         LoadSettings(second, SettingsStore(application), forms);
         require(textsOf(second, forms) == texts, "settings that are saved and loaded are the same");
     }
-    QFile::remove(path);
+    QDir(QFileInfo(path).path()).removeRecursively(); // with what the store keeps beside it
 }
 
 } // namespace
