@@ -210,8 +210,8 @@ TEST_F(UploadList, PopupTogglesUploadOnceAndDeletes) {
     ASSERT_TRUE(popUp(0));
     pick("mPopup1Del");
     EXPECT_EQ(lines(), QStringList{u"     b.png"_s});
-    for (const auto& [key, modifier] : {std::pair{Qt::Key_Menu, Qt::NoModifier},
-                                        {Qt::Key_F10, Qt::ShiftModifier}}) {
+    for (const auto& [key, modifier] :
+         {std::pair{Qt::Key_Menu, Qt::NoModifier}, {Qt::Key_F10, Qt::ShiftModifier}}) {
         QTest::keyClick(list_, key, modifier);
         EXPECT_TRUE(menu_->isVisible());
         menu_->close();
