@@ -29,8 +29,9 @@ void Record_Stop(UserDataRecorder& recorder, DataFileControls& controls);
 // Ends recording with the program; the controls stay as they are.
 void CloseUserDataFile(UserDataRecorder& recorder);
 
-// Once per read cycle: writes a line when one is due. A line that cannot be written is lost (false),
-// and recording goes on. A file that has been deleted meanwhile is made anew, with a header.
+// Once per read cycle: writes a line when one is due. A line that cannot be written is lost
+// (false), and recording goes on. A file that has been deleted meanwhile is made anew, with a
+// header.
 bool WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& controls,
                        const DataItemSource& source);
 

@@ -46,8 +46,8 @@ struct WindowControls {
     bool Placed = false;
     QProperty<int> SSTab1{0}, SSTab2{1}, SSTab3{0};
     QProperty<int> VScrollPos0{0}, VScrollPos1{0}, VScrollPos3{15}, HScrollPos2{15};
-    QProperty<int> Look{0}; // 0 dark panel, 1 night vision, 2 as the desktop
-    QString HelpFile;       // empty: none installed
+    QProperty<int> Look{0};   // 0 dark panel, 1 night vision, 2 as the desktop
+    QString HelpFile;         // empty: none installed
     bool HasTrayIcon = false; // a minimised window may be hidden
     QString LastUpdateMsg;
     QString Kiv_News;
