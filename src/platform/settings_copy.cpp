@@ -78,7 +78,9 @@ QByteArray completed(QByteArray text, const QList<KeyLine>& copied) {
     return text;
 }
 
-bool replace(const QString& path, const QByteArray& bytes) {
+} // namespace
+
+bool replaceSettings(const QString& path, const QByteArray& bytes) {
     // A password lies in it: the owner's alone from its first byte.
     const mode_t before = ::umask(S_IRWXG | S_IRWXO);
     QSaveFile file(path);
@@ -88,11 +90,9 @@ bool replace(const QString& path, const QByteArray& bytes) {
     return replaced;
 }
 
-} // namespace
-
 bool keepWholeCopy(const QString& path) {
     const FileContents found = readFile(path, kMostBytes);
-    return found.result == ReadResult::Ok && replace(copyOf(path), found.bytes);
+    return found.result == ReadResult::Ok && replaceSettings(copyOf(path), found.bytes);
 }
 
 bool completeCutSettings(const QString& path) {
@@ -106,7 +106,7 @@ bool completeCutSettings(const QString& path) {
     const QByteArray whole = wholeLines(found.bytes, copied);
     const bool hasLast = std::ranges::any_of(
         keyLines(whole), [&](const KeyLine& key) { return key.name() == copied.last().name(); });
-    return (whole != found.bytes || !hasLast) && replace(path, completed(whole, copied));
+    return (whole != found.bytes || !hasLast) && replaceSettings(path, completed(whole, copied));
 }
 
 } // namespace skyhold

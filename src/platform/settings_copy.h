@@ -3,9 +3,14 @@
 // load as half of the user's limits and half defaults, and its last number may be a piece of one.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 namespace skyhold {
+
+// Puts a file with these bytes in the place of the one at `path`, in one step and for its owner
+// alone. False when that failed; what stood there stays.
+bool replaceSettings(const QString& path, const QByteArray& bytes);
 
 // Copies the file, which has just been saved whole, to beside it. False when that failed; the copy
 // is then the one before.

@@ -1,6 +1,7 @@
 #include "platform/settings_store.h"
 
 #include "platform/files.h"
+#include "platform/settings_binary.h"
 #include "platform/settings_copy.h"
 
 #include <QDir>
@@ -124,6 +125,8 @@ SettingsStore::SettingsStore(const QString& application) {
     removeUntrusted(folder, application, wasPrivate);
     makeFilePrivate(path_);
     removeLeftovers(path_);
+    if (removeBinaryValues(path_))
+        tell(path_, "held values that are no text; they are removed");
     completed_ = completeCutSettings(path_);
     if (completed_)
         tell(path_, "was cut short; what it lacked has been taken from its last whole copy");
