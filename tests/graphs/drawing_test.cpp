@@ -63,9 +63,10 @@ struct Drawn {
     int inkIn(const QRect& rectangle, QRgb ground) const { return ink(picture, rectangle, ground); }
 
     Picture picture;
+    static constexpr std::array<double, 3> thresholds{10, 20, 99};
     const int bottom;
-    const int calm = verticalPosition(10, {10, 20, 99}, bottom);
-    const int windy = verticalPosition(20, {10, 20, 99}, bottom);
+    const int calm = verticalPosition(10, thresholds, bottom);
+    const int windy = verticalPosition(20, thresholds, bottom);
 };
 
 TEST(ValueGraphPicture, LineOfAThresholdRunsAlongTheBandBorder) {
