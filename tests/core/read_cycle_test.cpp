@@ -175,6 +175,24 @@ TEST_F(ReadCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {
     EXPECT_FALSE(unsafe());
 }
 
+TEST_F(ReadCycle, aSessionRemembersNothingOfTheOneBefore) {
+    records().conditions.unsafe(Quantity::Cloud)[1].Value = 1;
+    StartSession(*core_);
+    cycle();
+    EXPECT_FALSE(unsafe());
+    StopSession(*core_);
+
+    // A station without a gust sensor from now on, under a sky that is cloudy already.
+    clock_.advanceSeconds(10);
+    QByteArray page = stationBytes({});
+    page.replace("<td>Gust</td>", "<td>Soil</td>");
+    writeStationBytes(page);
+    sensor_.values[u"Condition_Cloud"_s] = 2;
+    StartSession(*core_);
+    EXPECT_EQ(codes(), QString()) << status().toStdString();
+    EXPECT_TRUE(unsafe()) << "clouds of before the session are not waited for";
+}
+
 TEST_F(ReadCycle, fileLeftFromAnotherDayIsNotTakenForNew) {
     clock_.advanceSeconds(24 * 3600);
     StartSession(*core_);
