@@ -32,7 +32,7 @@ enum class TransferState {
 QString transferStateText(TransferState state);
 
 struct TransferLimits {
-    qint64 bytes = 256 * 1024; // a longer file is an error
+    qint64 bytes = 262'144;    // a longer file is an error
     int milliseconds = 30'000; // for the whole transfer
 };
 

@@ -10,8 +10,6 @@ namespace skyhold {
 
 namespace {
 
-constexpr std::int64_t kLargestFile = 16 * 1024 * 1024;
-
 // The digits of an escape in a base of 8 or 16 from `at` on, which is moved past them.
 int escapedCharacter(QByteArrayView bytes, qsizetype& at, int base) {
     int code = 0;
@@ -85,7 +83,7 @@ QByteArray linesWithout(const QByteArray& bytes, Unwanted unwanted) {
 } // namespace
 
 bool removeBinaryValues(const QString& path) {
-    const FileContents file = readFile(path, kLargestFile);
+    const FileContents file = readFile(path, kMostSettingsBytes);
     if (file.result != ReadResult::Ok || !holdsBinaryValue(file.bytes))
         return false;
     QByteArray kept = linesWithout(file.bytes, holdsBinaryValue);

@@ -13,8 +13,6 @@ namespace skyhold {
 
 namespace {
 
-constexpr std::int64_t kMostBytes = 16'000'000;
-
 // Six letters after the last point would make it a leftover of an unfinished save.
 QString copyOf(const QString& path) {
     return path + QStringLiteral(".whole");
@@ -91,13 +89,13 @@ bool replaceSettings(const QString& path, const QByteArray& bytes) {
 }
 
 bool keepWholeCopy(const QString& path) {
-    const FileContents found = readFile(path, kMostBytes);
+    const FileContents found = readFile(path, kMostSettingsBytes);
     return found.result == ReadResult::Ok && replaceSettings(copyOf(path), found.bytes);
 }
 
 bool completeCutSettings(const QString& path) {
-    const FileContents found = readFile(path, kMostBytes);
-    const FileContents copy = readFile(copyOf(path), kMostBytes);
+    const FileContents found = readFile(path, kMostSettingsBytes);
+    const FileContents copy = readFile(copyOf(path), kMostSettingsBytes);
     if (found.result != ReadResult::Ok || copy.result != ReadResult::Ok)
         return false;
     const QList<KeyLine> copied = keyLines(copy.bytes);

@@ -6,7 +6,12 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cstdint>
+
 namespace skyhold {
+
+// A longer file is not taken for settings.
+constexpr std::int64_t kMostSettingsBytes = 16'000'000;
 
 // Puts a file with these bytes in the place of the one at `path`, in one step and for its owner
 // alone. False when that failed; what stood there stays.
