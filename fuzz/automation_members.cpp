@@ -15,7 +15,6 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -49,23 +48,6 @@ struct Monitor {
     MonitoringCore core;
     std::shared_ptr<const MemberTable> members;
 };
-
-bool hasType(const QVariant& value, AutomationType type) {
-    switch (type) {
-    case AutomationType::I4:
-        return value.typeId() == QMetaType::Int;
-    case AutomationType::R8:
-        return value.typeId() == QMetaType::Double && std::isfinite(value.toDouble());
-    case AutomationType::Bool:
-        return value.typeId() == QMetaType::Bool;
-    case AutomationType::Text:
-        return value.typeId() == QMetaType::QString;
-    case AutomationType::Empty:
-        return !value.isValid();
-    default:
-        return true;
-    }
-}
 
 void requireSoundSettings(Records& records) {
     const NumberForms forms{u"."_s, u","_s};

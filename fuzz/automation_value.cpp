@@ -23,26 +23,6 @@ constexpr AutomationType kTypes[]{
 const QString kProgram = u"Kiv_Skyhold.Fuzz"_s;
 const QString kTyped = u"Kiv_Skyhold._Fuzz"_s;
 
-bool hasType(AutomationType type, const QVariant& value) {
-    switch (type) {
-    case AutomationType::I4:
-        return value.typeId() == QMetaType::Int;
-    case AutomationType::R8:
-        return value.typeId() == QMetaType::Double && std::isfinite(value.toDouble());
-    case AutomationType::Bool:
-        return value.typeId() == QMetaType::Bool;
-    case AutomationType::Text:
-        return value.typeId() == QMetaType::QString;
-    case AutomationType::Date:
-        return value.metaType() == QMetaType::fromType<AutomationDate>() &&
-               std::isfinite(value.value<AutomationDate>().days);
-    case AutomationType::Object:
-        return value.metaType() == QMetaType::fromType<QDBusObjectPath>();
-    default:
-        return true;
-    }
-}
-
 // One of the forms that a value may have, all the way down.
 bool isPlain(const QVariant& value) {
     if (value.metaType() == QMetaType::fromType<QList<QVariantList>>()) {
@@ -67,7 +47,7 @@ void requireSoundConversions(const QVariant& value) {
         const std::optional<QVariant> converted = convertTo(type, value);
         if (!converted)
             continue;
-        require(hasType(type, *converted), "what converts has the type");
+        require(hasType(*converted, type), "what converts has the type");
         require(type == AutomationType::Variant || convertTo(type, *converted) == converted,
                 "what has the type stays as it is");
     }
@@ -88,7 +68,7 @@ std::shared_ptr<const MemberTable> members() {
     for (const AutomationType type : kTypes) {
         const auto echo = [type](QVariantList& arguments) {
             for (const QVariant& argument : std::as_const(arguments)) {
-                require(hasType(type, argument), "an argument has its parameter's type");
+                require(hasType(argument, type), "an argument has its parameter's type");
                 requireSoundConversions(argument);
             }
             return AutomationReply{arguments.value(0), AutomationError::None, {}};

@@ -1,10 +1,12 @@
 #include "variants.h"
 
 #include "platform/automation_value.h"
-
+#include <QDBusObjectPath>
 #include <QDBusSignature>
 #include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
+
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -154,6 +156,28 @@ QVariant arrivedValue(Input& input, int depth) {
     for (int count = depth > 0 ? input.byte() % 4 : 0; count > 0; --count)
         values.append(arrivedValue(input, depth - 1));
     return values.isEmpty() ? QVariant() : QVariant(values);
+}
+
+bool hasType(const QVariant& value, AutomationType type) {
+    switch (type) {
+    case AutomationType::I4:
+        return value.typeId() == QMetaType::Int;
+    case AutomationType::R8:
+        return value.typeId() == QMetaType::Double && std::isfinite(value.toDouble());
+    case AutomationType::Bool:
+        return value.typeId() == QMetaType::Bool;
+    case AutomationType::Text:
+        return value.typeId() == QMetaType::QString;
+    case AutomationType::Date:
+        return value.metaType() == QMetaType::fromType<AutomationDate>() &&
+               std::isfinite(value.value<AutomationDate>().days);
+    case AutomationType::Object:
+        return value.metaType() == QMetaType::fromType<QDBusObjectPath>();
+    case AutomationType::Empty:
+        return !value.isValid();
+    default:
+        return true;
+    }
 }
 
 } // namespace skyhold::fuzz

@@ -3,6 +3,8 @@
 
 #include "target.h"
 
+#include "platform/automation_value.h"
+
 #include <QVariant>
 
 namespace skyhold::fuzz {
@@ -13,5 +15,8 @@ QVariant sentValue(Input& input, int depth = 6);
 
 // As they have arrived: one of the forms of platform/automation_value.h.
 QVariant arrivedValue(Input& input, int depth = 2);
+
+// Whether a value is of the kind that the table of members names; a number is finite.
+bool hasType(const QVariant& value, AutomationType type);
 
 } // namespace skyhold::fuzz
