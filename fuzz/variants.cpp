@@ -1,6 +1,5 @@
 #include "variants.h"
 
-#include "platform/automation_value.h"
 #include <QDBusObjectPath>
 #include <QDBusSignature>
 #include <QDBusUnixFileDescriptor>
