@@ -158,8 +158,8 @@ TEST_F(Updates, FreshNewsAreShownOverTheUpdateWindow) {
     run([&](QDialog& dialog) {
         QTimer watch;
         QObject::connect(&watch, &QTimer::timeout, &dialog, [&] {
-            auto* news = dialog.findChild<NewsWindow*>();
-            if (!news || !news->isVisible())
+            auto* news = qobject_cast<NewsWindow*>(QApplication::activeModalWidget());
+            if (!news)
                 return;
             watch.stop();
             shown = child<QLabel>(*news, "LblNews")->text();
