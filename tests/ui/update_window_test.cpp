@@ -162,6 +162,7 @@ TEST_F(Updates, FreshNewsAreShownOverTheUpdateWindow) {
             if (!news)
                 return;
             watch.stop();
+            EXPECT_EQ(news->parentWidget(), &dialog);
             shown = child<QLabel>(*news, "LblNews")->text();
             news->close();
         });

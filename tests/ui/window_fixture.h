@@ -16,6 +16,7 @@ class WindowFixture : public CoreFixture {
   protected:
     WindowFixture()
         : window_(std::make_unique<KivSHMainform>(*core_)) {
+        core_->Timer6.Tick(); // what comes once after loading must not come amid a test
         window_->show();
         QCoreApplication::processEvents();
     }
