@@ -77,10 +77,12 @@ class Desktop(Monitored):
                                     "--widthtype", "request", stderr=subprocess.DEVNULL)
 
     def xdotool(self, *command):
-        answer = subprocess.run(["xdotool", *map(str, command)], env=self.run.variables,
-                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
-                                check=False)
-        return answer.stdout.strip()
+        """A search gives up when a window goes while it looks at it: that is no answer."""
+        while True:
+            answer = subprocess.run(["xdotool", *map(str, command)], env=self.run.variables,
+                                    capture_output=True, text=True, check=False)
+            if command[0] != "search" or "X Error" not in answer.stderr:
+                return answer.stdout.strip()
 
     def session_runs(self):
         client = Client(self)
