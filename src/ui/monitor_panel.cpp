@@ -130,7 +130,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
 
     auto* automatic = new QWidget(card);
     automatic->setObjectName(u"Frame3"_s);
-    Readout* cause = makeReadout(automatic, u"LblCause"_s, 17);
+    Readout* cause = makeReadout(automatic, u"LblCause"_s, 26);
     cause->setWrap(true);
     cause->setFixedHeight(62);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -150,7 +150,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
     follow(cause, records.conditions.LEDUnsafe.FillColor, [=](Colour) { showCause(); });
     follow(cause, records.session.ButtStart.Visible, [=](bool) { showCause(); });
-    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 16, true);
+    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
     delay->setInk(screenColour(kYellow));
     bind(delay, records.conditions.SafeDelayMsg);
     auto* automaticLayout = new QVBoxLayout(automatic);
@@ -163,11 +163,23 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     automaticLayout->addLayout(delayRow);
     bind(automatic, records.session.Frame3);
 
-    Readout* control = makeReadout(card, u"LblControl"_s, 15, true);
+    // While a client decides, the rules have no cause to tell.
+    Readout* decides = makeReadout(card, {}, 15);
+    decides->setTone(Tone::Dim);
+    Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
     control->setTone(Tone::Accent);
     bind(control, records.session.LblControl);
-    follow(control, records.session.LblControl.Caption,
-           [control](const QString& holder) { control->setHidden(holder.isEmpty()); });
+    const auto showControl = [=, &records] {
+        const bool byClient = !records.session.Frame3.Visible;
+        const bool named = !control->text().isEmpty();
+        decides->setText(named ? u"Safe or unsafe is decided by"_s
+                               : u"Safe or unsafe is decided by a client program"_s);
+        decides->setVisible(byClient);
+        control->setPixelSize(byClient ? 26 : 15, true);
+        control->setVisible(named);
+    };
+    follow(control, records.session.LblControl.Caption, [=](const QString&) { showControl(); });
+    follow(control, records.session.Frame3.Visible, [=](bool) { showControl(); });
     auto* alarms = new QHBoxLayout;
     alarms->setSpacing(look::kGap);
     int alarmLineHeight = 0;
@@ -186,6 +198,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     auto* lines = new QVBoxLayout;
     lines->setSpacing(2);
     lines->addWidget(automatic);
+    lines->addWidget(decides);
     lines->addWidget(control);
     lines->addStretch();
     lines->addLayout(alarms);

@@ -11,8 +11,8 @@ namespace skyhold {
 namespace {
 
 constexpr int kHeight = 112;
-constexpr int kStripTop = 92;
-constexpr int kStripHeight = 13;
+constexpr int kStripTop = 84;
+constexpr int kStripHeight = 21;
 
 } // namespace
 
@@ -94,10 +94,10 @@ void ReadingTile::place() {
 
     const int inner = width() - 2 * inset;
     const int unitWidth = unit_->fontMetrics().horizontalAdvance(unit_->text()) + 2;
-    header_->setGeometry(inset, 8, inner - unitWidth - 2, 20);
-    unit_->setGeometry(inset + inner - unitWidth, 8, unitWidth, 20);
-    value_->setGeometry(inset, 30, inner, 38);
-    condition_->setGeometry(inset, 70, inner, 22);
+    header_->setGeometry(inset, 6, inner - unitWidth - 2, 20);
+    unit_->setGeometry(inset + inner - unitWidth, 6, unitWidth, 20);
+    value_->setGeometry(inset, 26, inner, 36);
+    condition_->setGeometry(inset, 62, inner, 20);
 }
 
 } // namespace skyhold

@@ -189,7 +189,7 @@ TEST_F(Looks, TilesDrawTheLastHourWithItsGaps) {
         for (int twelfth = 0; twelfth < 12; ++twelfth) {
             bool any = false; // in the middle of the twelfth
             const int x = 8 + (2 * twelfth + 1) * wide / 24;
-            for (int y = 92; y < 105; ++y)
+            for (int y = 84; y < 105; ++y)
                 any = any || shown.pixelColor(x, y) != look::kCard;
             twelfths += any ? u'-' : u'.';
         }
