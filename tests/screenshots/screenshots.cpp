@@ -146,8 +146,10 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     QFileDialog folder(&window, u"Folder"_s, QString::fromLocal8Bit(SKYHOLD_SOURCES));
     album.takeDialog(folder, u"file"_s);
 
-    for (const QAction* entry : window.menuBar()->actions()) {
-        QMenu* menu = entry->menu();
+    QList<QMenu*> menus{window.findChild<QMenu*>(u"mPopup1"_s)};
+    for (const QAction* entry : window.menuBar()->actions())
+        menus += entry->menu();
+    for (QMenu* menu : menus) {
         menu->popup({0, 0});
         album.take(*menu, u"menu-"_s + menu->title().remove(u'&').toLower(), false);
         menu->hide();

@@ -3,6 +3,7 @@
 #include "core/read_cycle.h"
 #include "core/session.h"
 #include "core/start_up.h"
+#include "datafiles/upload_list.h"
 #include "graphs/history.h"
 #include "simulators/station_text.h"
 
@@ -54,6 +55,12 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     r.upload.ServerPath.Text = u"weather"_s;
     r.upload.UserName.Text = u"observer"_s;
     r.upload.PassWord.Text = u"never to be read"_s;
+    Add(r.upload, u"Skyhold.csv"_s, u"/home/observer/weather"_s, true);
+    for (const char* graph : {"Wind", "Gust", "Temp"})
+        Add(r.upload, u"Kiv_Image%1Condition.png"_s.arg(QLatin1String(graph)),
+            u"/home/observer/weather"_s, false);
+    RefreshFileList(r.upload);
+    SelectFile(r.upload, 1);
 }
 
 void SimulatedMonitor::runUntil(QTime time) {
