@@ -1,7 +1,6 @@
 #include "ui/kiv_wind_pars.h"
 
 #include "platform/text_forms.h"
-#include "ui/bind.h"
 #include "ui/compass_diagram.h"
 #include "ui/dialog_parts.h"
 #include "ui/kiv_get_number.h"
@@ -22,13 +21,10 @@ KivWindPars::KivWindPars(Label& direction, const QWidget* item)
     , sector_(sectorForEditing(direction.Caption))
     , sliderFrom_(new QSlider(Qt::Vertical, this))
     , sliderTo_(new QSlider(Qt::Vertical, this))
-    , diagram_(new CompassDiagram(this)) {
+    , diagram_(new CompassDiagram(this))
+    , duration_(new KivGetNumber(this)) {
     setObjectName(u"KivWindPars"_s);
     setWindowTitle(u"Wind sector"_s);
-    duration_.DigitsMostSignificant = 2;
-    duration_.DigitsDecimal = 0;
-    duration_.Value = sector_.minutes;
-
     sliderFrom_->setObjectName(u"SliderFrom"_s);
     sliderFrom_->setRange(-359, 359);
     sliderTo_->setObjectName(u"SliderTo"_s);
@@ -52,20 +48,22 @@ KivWindPars::KivWindPars(Label& direction, const QWidget* item)
     row->addWidget(makeBound(u"&To"_s, toText_, sliderTo_));
     column->addLayout(row);
     auto* hint = new QLabel(u"The shaded sector is the unsafe one. Drag up or down on the compass:"
-                            u" left button turns its start, right button its end."_s,
+                            u" left button turns its start, right button its end. The sliders do"
+                            u" the same by keys: the arrows, and Page Up and Page Down."_s,
                             this);
     hint->setWordWrap(true);
     column->addWidget(hint);
 
     auto* caption = new QLabel(u"&Duration for UNSAFE (min)"_s, this);
-    auto* duration = new KivGetNumber(this);
-    duration->setObjectName(u"Duration"_s);
-    duration->setFixedWidth(64);
-    caption->setBuddy(duration);
-    bind(duration, duration_);
+    duration_->setObjectName(u"Duration"_s);
+    duration_->setFixedWidth(64);
+    duration_->setDigitsMostSignificant(2);
+    duration_->setDigitsDecimal(0);
+    duration_->setValue(sector_.minutes);
+    caption->setBuddy(duration_);
     auto* durationRow = new QHBoxLayout;
     durationRow->addWidget(caption);
-    durationRow->addWidget(duration);
+    durationRow->addWidget(duration_);
     durationRow->addStretch();
     column->addLayout(durationRow);
     addOkAndCancel(this, column);
@@ -110,7 +108,7 @@ void KivWindPars::showSector() {
 }
 
 void KivWindPars::accept() {
-    sector_.minutes = static_cast<int>(roundHalfEven(duration_.Value));
+    sector_.minutes = static_cast<int>(roundHalfEven(duration_->value()));
     direction_.Caption = editedSectorText(sector_);
     QDialog::accept();
 }

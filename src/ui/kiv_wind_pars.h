@@ -11,6 +11,7 @@ class QSlider;
 namespace skyhold {
 
 class CompassDiagram;
+class KivGetNumber;
 
 class KivWindPars : public QDialog {
     Q_OBJECT
@@ -29,12 +30,12 @@ class KivWindPars : public QDialog {
 
     Label& direction_;
     Sector sector_;
-    NumberBox duration_; // minutes
     QSlider* sliderFrom_;
     QSlider* sliderTo_; // holds the negative of "to": it runs the other way
     QLabel* fromText_ = nullptr;
     QLabel* toText_ = nullptr;
     CompassDiagram* diagram_;
+    KivGetNumber* duration_; // minutes
 };
 
 } // namespace skyhold

@@ -141,7 +141,13 @@ TEST_F(Editors, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
         return [=](QDialog& dialog) {
             auto* box = child<QLineEdit>(dialog, "Duration");
             box->selectAll();
+            QTest::keyClick(box, Qt::Key_Backspace);
             QTest::keyClicks(box, typed);
+        };
+    };
+    const auto press = [](const char* slider, Qt::Key key) {
+        return [=](QDialog& dialog) {
+            QTest::keyClick(child(dialog, slider), key);
         };
     };
     const Case cases[]{
@@ -153,7 +159,11 @@ TEST_F(Editors, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
         {u"-030 045  05"_s, slide("SliderTo", -359), u"-030 329  05 "_s},
         {u"010  090  01"_s, drag(Qt::LeftButton, 15), u"025  090  01 "_s},
         {u"010  090  01"_s, drag(Qt::RightButton, -20), u"010  070  01 "_s},
+        {u"010  090  01"_s, press("SliderFrom", Qt::Key_Up), u"011  090  01 "_s},
+        {u"010  090  01"_s, press("SliderTo", Qt::Key_Up), u"010  091  01 "_s},
+        {u"010  090  01"_s, press("SliderTo", Qt::Key_PageDown), u"010  080  01 "_s},
         {u"010  090  01"_s, minutes(u"123"_s), u"010  090  12 "_s},
+        {u"010  090  01"_s, minutes({}), u"010  090  00 "_s},
     };
     for (const Case& tried : cases) {
         Label sector;
