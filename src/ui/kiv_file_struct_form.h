@@ -1,4 +1,4 @@
-// The editor of the user data file's columns: their order, and which are written.
+// The editor of the user data file's columns: their order, their headers, and which are written.
 #pragma once
 
 #include "datafiles/column_list.h"

@@ -4,6 +4,7 @@
 #include "ui/kiv_file_struct_form.h"
 
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -102,6 +103,7 @@ TEST_F(FilePages, ColumnsAreMovedAndSwitchedOnOkOnly) {
         EXPECT_EQ(list.count(), 25);
         EXPECT_EQ(list.item(1)->text(), u"(02) Clock"_s);
         click(dialog, "ButtArrDown"); // nothing is selected yet
+        click(dialog, "ButtHeader");
         select(list, 2);
         QTest::keyClick(&list, Qt::Key_Space);
         for (int i = 0; i < 3; ++i) // the third finds the end
@@ -110,11 +112,25 @@ TEST_F(FilePages, ColumnsAreMovedAndSwitchedOnOkOnly) {
         EXPECT_EQ(list.item(0)->checkState(), Qt::Unchecked);
         EXPECT_EQ(list.currentRow(), 0);
         select(list, 2);
+        click(dialog, "ButtHeader");
+        auto* header = list.viewport()->findChild<QLineEdit*>();
+        ASSERT_NE(header, nullptr);
+        EXPECT_EQ(header->text(), u"Clock"_s);
+        QTest::keyClicks(header, u"Clock (UT), local mean time"_s);
+        QTest::keyClick(header, Qt::Key_Return);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(list.item(2)->text(), u"(02) Clock (UT), local mean ti"_s);
         click(dialog, "ButtArrDown");
     };
     EXPECT_EQ(edit(change, "ButtCancel"), (QStringList{u"+1"_s, u"+2"_s, u"+3"_s, u"+4"_s}));
     EXPECT_EQ(edit(change, "ButtOK"), (QStringList{u"-3"_s, u"+1"_s, u"+4"_s, u"+2"_s}));
-    EXPECT_EQ(columns[3].Hdr, u"Clock"_s);
+    EXPECT_EQ(columns[3].Hdr, u"Clock (UT), local mean ti"_s);
+    const auto changeTooLate = [&](QDialog& dialog, QListWidget&) {
+        click(dialog, "ButtDefaults");
+        SetRecorderEditable(records().dataFile, false); // another program records
+    };
+    EXPECT_EQ(edit(changeTooLate, "ButtOK"), (QStringList{u"-3"_s, u"+1"_s, u"+4"_s, u"+2"_s}));
+    SetRecorderEditable(records().dataFile, true);
     const auto restore = [](QDialog& dialog, QListWidget& list) {
         click(dialog, "ButtDefaults");
         EXPECT_EQ(list.item(24)->text(), u"(25) Safe Condtition"_s);
@@ -139,7 +155,15 @@ TEST_F(FilePages, QualityIsOfferedForJpegAlone) {
 TEST_F(FilePages, ServerTextsAreCompletedWhenTheirBoxIsLeft) {
     openPage(Page::Upload);
     focus(text("ServerAddress"));
-    QTest::keyClicks(text("ServerAddress"), u"ftp.example.org"_s);
+    QTest::keyClicks(text("ServerAddress"), u"ftp.example"_s);
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, {},
+                           text("ServerAddress")->mapToGlobal(QPoint()));
+    QApplication::sendEvent(text("ServerAddress"), &menu);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    QApplication::activePopupWidget()->close();
+    window_->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    QTest::keyClicks(text("ServerAddress"), u".org"_s);
     EXPECT_EQ(records().upload.ServerAddress.Text.value(), u"ftp.example.org"_s);
     focus(text("ServerPath"));
     EXPECT_EQ(records().upload.ServerAddress.Text.value(), u"ftp.example.org/"_s);

@@ -61,8 +61,13 @@ QWidget* makeFile(DataFileControls& dataFile, QWidget* page) {
     structure->setObjectName(u"ButtFileStructure"_s);
     bind(structure, dataFile.ButtFileStructure);
     structure->setToolTip(u"Choose and order the values of a line"_s);
-    openEditorFrom(structure,
-                   [&dataFile, group] { KivFileStructForm(dataFile.Columns, group).exec(); });
+    openEditorFrom(structure, [&dataFile, group] {
+        DataColumns columns = dataFile.Columns;
+        KivFileStructForm(columns, group).exec();
+        // A recording that another program has begun meanwhile goes on as its header says.
+        if (dataFile.ButtFileStructure.Enabled)
+            dataFile.Columns = columns;
+    });
 
     grid->addWidget(choice.button, 0, 0);
     grid->addWidget(choice.folder, 0, 1, 1, 2);

@@ -8,7 +8,7 @@
 
 #include <QButtonGroup>
 #include <QCheckBox>
-#include <QEvent>
+#include <QFocusEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -22,6 +22,12 @@ namespace skyhold {
 
 namespace {
 
+// The box's own menu and another window are no leaving, and the way back from them is no coming.
+bool counts(const QEvent& event) {
+    const bool ofFocus = event.type() == QEvent::FocusIn || event.type() == QEvent::FocusOut;
+    return !ofFocus || leavesControl(static_cast<const QFocusEvent&>(event).reason());
+}
+
 // Calls `act` on every event of one type.
 class EventRule : public QObject {
   public:
@@ -33,7 +39,7 @@ class EventRule : public QObject {
     }
 
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == type_)
+        if (event->type() == type_ && counts(*event))
             act_();
         return false;
     }
@@ -112,7 +118,8 @@ QLineEdit* makeText(QWidget* parent, const QString& name, TextBox& record) {
 }
 
 void onLeaving(QLineEdit* box, std::function<void()> rule) {
-    new EventRule(box, QEvent::FocusOut, std::move(rule));
+    new EventRule(box, QEvent::FocusOut, rule);
+    new EventRule(box, QEvent::EnabledChange, std::move(rule)); // a session locks it
 }
 
 QLineEdit* makePath(QWidget* parent, const QString& name, Label& record) {
@@ -134,11 +141,12 @@ FolderChoice makeFolderChoice(QWidget* parent, const QString& buttonName, Button
                             makePath(parent, folderName, folder)};
     made.button->setObjectName(buttonName);
     bind(made.button, button);
-    QObject::connect(made.button, &QPushButton::clicked, parent, [&folder, parent, dialogTitle] {
-        const QString chosen = chooseFolder(parent, dialogTitle, folder.Caption);
-        if (!chosen.isEmpty())
-            folder.Caption = chosen;
-    });
+    QObject::connect(made.button, &QPushButton::clicked, parent,
+                     [&button, &folder, parent, dialogTitle] {
+                         const QString chosen = chooseFolder(parent, dialogTitle, folder.Caption);
+                         if (!chosen.isEmpty() && button.Enabled)
+                             folder.Caption = chosen;
+                     });
     return made;
 }
 

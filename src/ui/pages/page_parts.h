@@ -37,7 +37,7 @@ KivGetNumber* addNumberRow(QBoxLayout* into, const QString& caption, const QStri
                            NumberBox& record, const QString& unit);
 // A text box that selects its whole text on focus.
 QLineEdit* makeText(QWidget* parent, const QString& name, TextBox& record);
-// Calls `rule` whenever the focus leaves the box.
+// Calls `rule` whenever the focus leaves the box for another control, and when the box is locked.
 void onLeaving(QLineEdit* box, std::function<void()> rule);
 // A path that is chosen, not typed: its text can be selected and copied. A long one shows its end.
 QLineEdit* makePath(QWidget* parent, const QString& name, Label& record);

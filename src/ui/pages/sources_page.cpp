@@ -31,7 +31,7 @@ void chooseFile(StationFileControls& file, SettingsStore& settings, QWidget* par
     if (!file.ButtHTMPath.Enabled)
         return;
     const QString chosen = chooseStationFile(parent, file.HTMFile.Caption);
-    if (chosen.isEmpty())
+    if (chosen.isEmpty() || !file.ButtHTMPath.Enabled) // locked meanwhile
         return;
     file.HTMFile.Caption = chosen;
     settings.saveNow(u"Setup"_s, u"HTMFile"_s, chosen);
