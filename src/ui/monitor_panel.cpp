@@ -9,6 +9,7 @@
 #include "ui/look.h"
 #include "ui/open_editor.h"
 #include "ui/reading_tile.h"
+#include "ui/readout_selection.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -134,6 +135,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     cause->setWrap(true);
     cause->setFixedHeight(62);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    allowMouseSelection(cause);
     // Where no cause is to be told, that is told.
     const auto showCause = [cause, &records] {
         const Colour lamp = records.conditions.LEDUnsafe.FillColor;

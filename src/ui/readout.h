@@ -36,6 +36,8 @@ class Readout : public QWidget {
     void setWrap(bool wrap) { wrap_ = wrap; }
     // For paths: kept at its size and cut in the middle.
     void cutInMiddle() { cutInMiddle_ = true; }
+    // Of the letters as they are drawn.
+    QFont fittedFont() const;
     // Whether the text is shown without being cut.
     bool fitsWhole() const { return fits(fittedFont()); }
     // Asks for a fixed width in which `widest` fits.
@@ -53,7 +55,6 @@ class Readout : public QWidget {
   private:
     int textFlags() const;
     bool fits(const QFont& font) const;
-    QFont fittedFont() const;
 
     QString text_;
     QColor ink_;

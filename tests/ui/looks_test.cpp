@@ -12,6 +12,7 @@
 
 #include <QClipboard>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -240,7 +241,7 @@ TEST(AgeText, NeverSaysLessThanTheAgeAtItsNextRenewal) {
     EXPECT_EQ(ageText(QDateTime(), now, 10), u""_s);
 }
 
-TEST_F(Looks, AgesGoWithTheSessionAndTheStatusLineCanBeCopied) {
+TEST_F(Looks, AgesGoWithTheSessionAndWhatIsToldCanBeCopied) {
     EXPECT_EQ(shown("Label32Age"), u""_s);
     click(*window_, "ButtStart");
     cycle();
@@ -260,6 +261,19 @@ TEST_F(Looks, AgesGoWithTheSessionAndTheStatusLineCanBeCopied) {
     // It goes on telling the truth while it is selected.
     records().session.Statusbar1.Caption = u"Reading"_s;
     EXPECT_EQ(line->text(), u"Reading"_s);
+
+    auto* cause = child<Readout>(*window_, "LblCause");
+    const QString told = cause->text();
+    EXPECT_FALSE(told.isEmpty());
+    QTest::mouseClick(cause, Qt::LeftButton);
+    auto* words = qobject_cast<QLabel*>(QApplication::focusWidget());
+    ASSERT_TRUE(words && words->parentWidget() == cause);
+    QTest::keyClick(words, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), told);
+    records().display.LblCause.Caption = u"Rain: rain"_s;
+    QTest::keyClick(words, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"Rain: rain"_s);
+    EXPECT_FALSE((cause->focusPolicy() | words->focusPolicy()) & Qt::TabFocus);
 
     click(*window_, "ButtStop");
     EXPECT_EQ(shown("Label32Age"), u""_s);
