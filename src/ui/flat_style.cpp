@@ -328,6 +328,14 @@ QRect FlatStyle::subElementRect(SubElement element, const QStyleOption* option,
     return element == SE_LineEditContents ? rect.adjusted(3, 0, -3, 0) : rect;
 }
 
+// The buttons of the platform's dialogs look like all others: without icons.
+int FlatStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                         QStyleHintReturn* answer) const {
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
 QSize FlatStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
                                   const QSize& contents, const QWidget* widget) const {
     constexpr QSize kRoomier(0, 4);

@@ -21,6 +21,8 @@ class FlatStyle : public QProxyStyle {
                          const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* answer) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,
                            const QWidget* widget) const override;
     QPixmap generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,

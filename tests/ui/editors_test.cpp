@@ -132,7 +132,10 @@ TEST_F(ItemEditors, OpenByMousePencilAndKeysAndWriteOnOkOnly) {
              std::swap(columns[3], columns[4]);
          }},
         {Page::Sources, "HTMFile", "ButtHTMPath", "QFileDialog",
-         [&](QDialog& dialog) { child<QLineEdit>(dialog, "fileNameEdit")->setText(otherFile); },
+         [&](QDialog& dialog) {
+             EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+             QTest::keyClicks(child<QLineEdit>(dialog, "fileNameEdit"), otherFile);
+         },
          [&] { return stationFile.value(); },
          [&] {
              stationFile = stationPath();
