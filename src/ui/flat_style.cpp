@@ -352,7 +352,7 @@ QPixmap FlatStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
 
 QIcon FlatStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
                               const QWidget* widget) const {
-    const QIcon icon = QProxyStyle::standardIcon(which, option, widget);
+    QIcon icon = QProxyStyle::standardIcon(which, option, widget);
     if (lookInForce() != Look::Night)
         return icon;
     QIcon shown;

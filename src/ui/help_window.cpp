@@ -56,7 +56,7 @@ class HelpText : public QTextBrowser {
     using QTextBrowser::QTextBrowser;
 
     QVariant loadResource(int type, const QUrl& name) override {
-        const QVariant loaded = QTextBrowser::loadResource(type, name);
+        QVariant loaded = QTextBrowser::loadResource(type, name);
         QImage image;
         if (type != QTextDocument::ImageResource || !image.loadFromData(loaded.toByteArray()))
             return loaded;

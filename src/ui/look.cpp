@@ -8,6 +8,8 @@
 #include <QPalette>
 #include <QToolTip>
 
+#include <utility>
+
 namespace skyhold {
 
 namespace {
@@ -179,7 +181,7 @@ Look lookInForce() {
 }
 
 void followLook(QObject* owner, std::function<void()> apply) {
-    follow(owner, changes(), [apply](int) { apply(); });
+    follow(owner, changes(), [apply = std::move(apply)](int) { apply(); });
 }
 
 QColor screenColour(Colour colour) {
