@@ -23,10 +23,13 @@
 #include "ui/settings_pages.h"
 #include "ui/simulators.h"
 #include "ui/update_window.h"
+#include "ui/verdict_icon.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -145,6 +148,16 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
 
     QFileDialog folder(&window, u"Folder"_s, QString::fromLocal8Bit(SKYHOLD_SOURCES));
     album.takeDialog(folder, u"file"_s);
+
+    QWidget tray; // as large as a panel shows it
+    auto* icons = new QHBoxLayout(&tray);
+    for (const VerdictIcon verdict :
+         {VerdictIcon::None, VerdictIcon::Safe, VerdictIcon::Unsafe, VerdictIcon::Fault}) {
+        auto* icon = new QLabel(&tray);
+        icon->setPixmap(drawVerdictIcon(verdict).pixmap(22));
+        icons->addWidget(icon);
+    }
+    album.take(tray, u"tray-icons"_s, false);
 
     QList<QMenu*> menus{window.findChild<QMenu*>(u"mPopup1"_s)};
     for (const QAction* entry : window.menuBar()->actions())
