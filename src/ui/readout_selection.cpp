@@ -22,8 +22,8 @@ class SelectableText : public QLabel {
         setWordWrap(true);
         setAlignment(Qt::AlignLeft | Qt::AlignTop);
         setIndent(0);
-        setGeometry(readout->rect());
         setAutoFillBackground(true);
+        readout->installEventFilter(this);
         followLook(this, [this, readout] { lookLike(*readout); });
         connect(readout, &Readout::textChanged, this, [this, readout](const QString& changed) {
             const bool all = selectedText() == text();
@@ -37,6 +37,13 @@ class SelectableText : public QLabel {
         selectAll();
     }
 
+    // The readout takes another size with its window.
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Resize)
+            lookLike(*static_cast<const Readout*>(parentWidget()));
+        return false;
+    }
+
   protected:
     void focusOutEvent(QFocusEvent* event) override {
         QLabel::focusOutEvent(event);
@@ -46,6 +53,7 @@ class SelectableText : public QLabel {
 
   private:
     void lookLike(const Readout& readout) {
+        setGeometry(readout.rect());
         setFont(readout.fittedFont());
         QPalette palette;
         palette.setColor(QPalette::Window, look::kCard);
