@@ -62,10 +62,12 @@ void Tray::showVerdict() {
     window_.setWindowIcon(icon);
 }
 
-// A desktop's panel may have come or gone since the icon was added.
+// A desktop's panel may have come or gone since the icon was added, and a dialog that waits for its
+// answer takes the icon's clicks away.
 bool Tray::eventFilter(QObject*, QEvent* event) {
     if (event->type() == QEvent::WindowStateChange)
-        core_.records.window.HasTrayIcon = QSystemTrayIcon::isSystemTrayAvailable();
+        core_.records.window.HasTrayIcon =
+            QSystemTrayIcon::isSystemTrayAvailable() && !QApplication::activeModalWidget();
     return false;
 }
 

@@ -23,8 +23,7 @@ enum class TrayAction { None, ShowWindow, Restore, Minimise, OpenMenu };
 // the main window is the one that the user works in.
 TrayAction trayAction(double coordinate, double unitsPerPixel, WindowState state, bool active);
 
-// There from load to unload. It knows at every minimising whether there is a tray to find the
-// window in again.
+// There from load to unload. It knows at every minimising whether it leads back to the window.
 class Tray : public QObject {
     Q_OBJECT
 

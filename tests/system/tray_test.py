@@ -138,6 +138,12 @@ class Desktop(Monitored):
     def double_click_until(self, what, holds):
         self.click_until(what, holds, "--repeat", 2, "--delay", 40, 1)
 
+    def iconify_and_activate(self, window):
+        self.xdotool("windowminimize", window)
+        self.wait_until("an iconified window", lambda: not self.shown())
+        self.xdotool("windowactivate", window)
+        self.wait_until("the window", self.shown)
+
     def choose(self, access_key):
         """An entry of the icon's menu."""
         self.click_until("the menu", self.menu, 3)
@@ -185,14 +191,20 @@ class TrayTest(unittest.TestCase):
             desktop.choose("r")
             desktop.wait_until("the window", desktop.shown)
 
-            # Without a panel the window must not be lost.
+            # The window must not be lost where the icon does not lead back: while a dialog waits,
+            # and without a panel.
+            window = desktop.main_window()
+            desktop.give_keys(window)
+            desktop.keys("alt+h", "a")
+            desktop.wait_until("the dialog", lambda: desktop.windows("--name", "^About$"))
+            desktop.iconify_and_activate(window)
+            desktop.wait_until("the dialog", lambda: desktop.windows("--name", "^About$"))
+            desktop.give_keys(desktop.windows("--name", "^About$").pop())
+            desktop.keys("Return")
+            desktop.wait_until("its end", lambda: not desktop.windows("--name", "^About$"))
             desktop.panel.terminate()
             desktop.panel.wait(10)
-            window = desktop.main_window()
-            desktop.xdotool("windowminimize", window)
-            desktop.wait_until("an iconified window", lambda: not desktop.shown())
-            desktop.xdotool("windowactivate", window)
-            desktop.wait_until("the window", desktop.shown)
+            desktop.iconify_and_activate(window)
 
             desktop.start_panel()
             desktop.choose("e")
