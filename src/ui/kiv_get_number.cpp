@@ -42,10 +42,7 @@ KivGetNumber::KivGetNumber(QWidget* parent)
     setValidator(new TypedOnly(entry_, this));
     connect(this, &QLineEdit::textEdited, this, [this] { beingEdited_ = true; });
     connect(this, &QLineEdit::textChanged, this, [this] { followChange(); });
-    connect(this, &QLineEdit::returnPressed, this, [this] {
-        if (edited_ && holdsNumber())
-            Q_EMIT valueEntered(value());
-    });
+    connect(this, &QLineEdit::returnPressed, this, &KivGetNumber::enterNumber);
 }
 
 double KivGetNumber::value() const {
@@ -59,6 +56,11 @@ void KivGetNumber::setValue(double value) {
 
 bool KivGetNumber::holdsNumber() const {
     return beginsWithNumber(text(), entry_.forms);
+}
+
+void KivGetNumber::enterNumber() {
+    if (edited_ && holdsNumber())
+        Q_EMIT valueEntered(value());
 }
 
 // A number that others set is shown whole, whatever can be typed.

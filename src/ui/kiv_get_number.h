@@ -38,11 +38,13 @@ class KivGetNumber : public QLineEdit {
     double value() const;
     void setValue(double value);
     bool holdsNumber() const;
+    // Takes what was typed as entered, as Enter does. Nothing when it is no number.
+    void enterNumber();
 
   Q_SIGNALS:
     // The user changed the text, and it is a number.
     void valueEdited(double value);
-    // The user pressed Enter, or left the box, after changing the text.
+    // The user pressed Enter, left the box, or closed its window, after changing the text.
     void valueEntered(double value);
 
     void Change(); // before and after the change rule

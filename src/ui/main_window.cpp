@@ -3,6 +3,7 @@
 #include "core/session.h"
 #include "core/start_up.h"
 #include "ui/bind.h"
+#include "ui/kiv_get_number.h"
 #include "ui/look.h"
 #include "ui/menus.h"
 #include "ui/monitor_panel.h"
@@ -103,8 +104,12 @@ void KivSHMainform::minimise() {
 
 void KivSHMainform::closeEvent(QCloseEvent* event) {
     event->setAccepted(RequestClose(core_));
-    if (event->isAccepted())
-        Q_EMIT closed();
+    if (!event->isAccepted())
+        return;
+    // The window closes with the focus in the box that was typed into last.
+    if (auto* box = qobject_cast<KivGetNumber*>(focusWidget()))
+        box->enterNumber();
+    Q_EMIT closed();
 }
 
 void KivSHMainform::changeEvent(QEvent* event) {

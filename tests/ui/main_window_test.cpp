@@ -47,17 +47,27 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopNoLongerPassesItOffAsCurrent) {
 }
 
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
+    const auto type = [this](const char* name, const QString& number) {
+        QWidget* box = child(*window_, name);
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(box, number);
+    };
     openPage(Page::Limits);
-    auto* limit = child<QWidget>(*window_, "LimitWind0");
-    limit->setFocus();
-    QTest::keyClick(limit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(limit, u"7.5"_s);
+    type("LimitWind0", u"7.5"_s);
     EXPECT_EQ(records().conditions.LimitWind[0].Value, 7.5);
 
     openPage(Page::Unsafe);
     const int before = records().conditions.CondDew[2].Value;
     QTest::keyClick(child<QWidget>(*window_, "CondDew2"), Qt::Key_Space);
     EXPECT_EQ(records().conditions.CondDew[2].Value, 1 - before);
+
+    // What has a rule waits until it is entered, at the latest by closing the window.
+    openPage(Page::Graphs);
+    type("GraphNoPoints", u"200"_s);
+    EXPECT_EQ(records().graphs.GraphNoPoints.Value, 120);
+    window_->close();
+    EXPECT_EQ(records().graphs.GraphNoPoints.Value, 200);
 }
 
 TEST_F(MainWindow, LegendOpensFromTheStatusCodesAndItsOkClosesIt) {
