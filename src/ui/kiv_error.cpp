@@ -59,24 +59,24 @@ void KivError::addButtons(const std::vector<Choice>& choices, QVBoxLayout* colum
     row->setContentsMargins(0, 4, 0, 0);
     row->setSpacing(look::kGap);
     row->addStretch();
-    QPushButton* last = nullptr;
     for (std::size_t i = 0; i < choices.size(); ++i) {
         const Choice& choice = choices[i];
-        last = new QPushButton(QString::fromLatin1(choice.caption), this);
-        last->setObjectName(QStringLiteral("Butt%1").arg(i));
-        last->setMinimumSize(96, 32);
-        connect(last, &QPushButton::clicked, this, [this, answer = choice.answer] {
+        auto* button = new QPushButton(QString::fromLatin1(choice.caption), this);
+        button->setObjectName(QStringLiteral("Butt%1").arg(i));
+        button->setMinimumSize(96, 32);
+        connect(button, &QPushButton::clicked, this, [this, answer = choice.answer] {
             answer_ = answer;
             accept();
         });
-        row->addWidget(last);
+        row->addWidget(button);
+        if (&choice == &choices.back()) { // the safest
+            answer_ = choice.answer;
+            button->setDefault(true);
+            button->setFocus();
+        }
     }
     row->addStretch();
     column->addLayout(row);
-    // The safest choice stands last.
-    answer_ = choices.back().answer;
-    last->setDefault(true);
-    last->setFocus();
 }
 
 MessageAnswer KivError::ask() {
