@@ -13,7 +13,11 @@ namespace skyhold {
 
 namespace {
 
+// A session start that waits serves events meanwhile: a dialog in its midst would hold it until
+// somebody closes it, so the next tick asks again.
 void ShowNewsAtStart(MonitoringCore& core) {
+    if (core.records.session.Starting)
+        return;
     core.Timer6.disarm();
     WindowControls& window = core.records.window;
     if (isNews(window.Kiv_News))
