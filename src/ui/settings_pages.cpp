@@ -52,14 +52,20 @@ SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
     setObjectName(u"SSTab1"_s);
     setDocumentMode(true);
     addPages();
-    const auto pane = [this](int index) {
-        return static_cast<QScrollArea*>(widget(index));
+    const auto pane = [this](int index, const QString& name) {
+        auto* area = static_cast<QScrollArea*>(widget(index));
+        area->setObjectName(name);
+        return area;
+    };
+    const auto keep = [this](QScrollBar* bar, const QString& name, QProperty<int>& position) {
+        bar->setObjectName(name);
+        keepScroll(bar, position);
     };
     WindowControls& window = core_.records.window;
-    keepScroll(pane(0)->verticalScrollBar(), window.VScrollPos0);
-    keepScroll(pane(1)->verticalScrollBar(), window.VScrollPos1);
-    keepScroll(pane(2)->horizontalScrollBar(), window.HScrollPos2);
-    keepScroll(pane(3)->verticalScrollBar(), window.VScrollPos3);
+    keep(pane(0, u"PicFrame0"_s)->verticalScrollBar(), u"VScrol0"_s, window.VScrollPos0);
+    keep(pane(1, u"PicFrame1"_s)->verticalScrollBar(), u"VScrol1"_s, window.VScrollPos1);
+    keep(pane(2, u"PicFrame2"_s)->horizontalScrollBar(), u"HScrol2"_s, window.HScrollPos2);
+    keep(pane(3, u"Picture3"_s)->verticalScrollBar(), u"VScrol3"_s, window.VScrollPos3);
     connect(new QShortcut(QKeySequence::NextChild, this), &QShortcut::activated, this,
             [this] { step(1); });
     connect(new QShortcut(QKeySequence::PreviousChild, this), &QShortcut::activated, this,
