@@ -93,4 +93,9 @@ void holdFocusWhile(QWidget* box, std::function<QString()> fault,
     box->installEventFilter(new FocusHolder(box, std::move(fault), std::move(tell)));
 }
 
+bool leavesControl(Qt::FocusReason reason) {
+    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
+           reason != Qt::MenuBarFocusReason;
+}
+
 } // namespace skyhold

@@ -1,7 +1,8 @@
-// Keeps the focus in a box until what it holds is accepted.
+// When the focus leaves a control, and a box that it does not leave before its text is accepted.
 #pragma once
 
 #include <QString>
+#include <Qt>
 
 #include <functional>
 
@@ -14,5 +15,8 @@ namespace skyhold {
 // window or a menu is no leaving.
 void holdFocusWhile(QWidget* box, std::function<QString()> fault,
                     std::function<void(const QString&)> tell);
+
+// Whether the focus has gone to another control of the window, and not to another window or a menu.
+bool leavesControl(Qt::FocusReason reason);
 
 } // namespace skyhold

@@ -1,5 +1,7 @@
 #include "ui/kiv_get_number.h"
 
+#include "ui/hold_focus.h"
+
 #include <QFocusEvent>
 #include <QScopedValueRollback>
 #include <QValidator>
@@ -160,11 +162,6 @@ void KivGetNumber::mouseReleaseEvent(QMouseEvent* event) {
 void KivGetNumber::mouseDoubleClickEvent(QMouseEvent* event) {
     QLineEdit::mouseDoubleClickEvent(event);
     Q_EMIT DblClick();
-}
-
-bool leavesControl(Qt::FocusReason reason) {
-    return reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
-           reason != Qt::MenuBarFocusReason;
 }
 
 } // namespace skyhold

@@ -80,7 +80,4 @@ class KivGetNumber : public QLineEdit {
     bool pressSelects_ = false;
 };
 
-// Whether the focus has gone to another control of the window, and not to another window or a menu.
-bool leavesControl(Qt::FocusReason reason);
-
 } // namespace skyhold

@@ -1,6 +1,6 @@
 #include "ui/readout_selection.h"
 
-#include "ui/kiv_get_number.h"
+#include "ui/hold_focus.h"
 #include "ui/look.h"
 #include "ui/readout.h"
 

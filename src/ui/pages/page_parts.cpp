@@ -3,6 +3,7 @@
 #include "ui/bind.h"
 #include "ui/choose_path.h"
 #include "ui/dialog_parts.h"
+#include "ui/hold_focus.h"
 #include "ui/kiv_get_number.h"
 #include "ui/look.h"
 
