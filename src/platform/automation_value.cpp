@@ -15,6 +15,9 @@ namespace {
 
 using TwoDimensions = QList<QVariantList>;
 
+// Of numbers in texts, whatever the locale: programs write them, and "12,5" must not become 125.
+const NumberForms kPlainForms{QStringLiteral("."), {}};
+
 // Numbers and numeric text as a number; booleans count as -1 and 0.
 std::optional<double> numberOf(const QVariant& value) {
     switch (value.typeId()) {
@@ -26,7 +29,7 @@ std::optional<double> numberOf(const QVariant& value) {
         return std::isfinite(number) ? std::optional(number) : std::nullopt;
     }
     case QMetaType::QString:
-        return numberFromText(value.toString(), localeNumberForms());
+        return numberFromText(value.toString(), kPlainForms);
     default:
         break;
     }
@@ -183,7 +186,7 @@ std::optional<QString> toText(const QVariant& value) {
         return formatDate(fromDaySerial(value.value<AutomationDate>().days),
                           u"yyyy-mm-dd hh:mm:ss");
     const std::optional<double> number = numberOf(value);
-    return number ? std::optional(numberText(*number, localeNumberForms())) : std::nullopt;
+    return number ? std::optional(numberText(*number, kPlainForms)) : std::nullopt;
 }
 
 std::optional<QVariant> convertTo(AutomationType type, const QVariant& value) {

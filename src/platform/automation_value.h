@@ -40,7 +40,8 @@ QVariant toBus(const QVariant& value);
 QVariantList toBus(const QVariantList& values);
 
 // Conversions as a parameter's type needs them: between numbers, numeric text and booleans (true
-// is -1); to integers with halves to even; dates count as their day number. Nothing for what does
+// is -1); to integers with halves to even; dates count as their day number. A number in a text has
+// "." as its decimal sign and no thousands separators, whatever the locale. Nothing for what does
 // not convert, and nothing for a number that is not finite or does not fit.
 std::optional<std::int32_t> toInt32(const QVariant& value);
 std::optional<double> toReal(const QVariant& value);
