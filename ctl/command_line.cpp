@@ -32,6 +32,7 @@ constexpr CommandRow kCommands[] = {
     {u"start", u"", 0, 0, false, false},
     {u"stop", u"", 0, 0, false, false},
     {u"help", u"", 0, 0, false, false},
+    {u"version", u"", 0, 0, false, false},
 };
 
 const CommandRow* rowOf(const QString& name) {
@@ -90,6 +91,8 @@ std::optional<Command> parseCommandLine(const QStringList& arguments, QString& f
     fault.clear();
     if (arguments == QStringList{u"--help"_s} || arguments == QStringList{u"-h"_s})
         return Command{u"help"_s, {}};
+    if (arguments == QStringList{u"--version"_s} || arguments == QStringList{u"-v"_s})
+        return Command{u"version"_s, {}};
     const std::optional<Sorted> found = sorted(arguments, fault);
     if (!found)
         return std::nullopt;
@@ -130,6 +133,7 @@ Asks and commands Kiv_Skyhold, which must be running; only "start" starts it.
   start                starts monitoring, and the program when it does not run
   stop                 stops monitoring
   help                 this text
+  version              the version of skyholdctl; get Version answers the monitor's
 
   --json               answers as JSON (status, watch, get, call, list)
   --every S            watch asks every S seconds (1)

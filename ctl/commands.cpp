@@ -201,6 +201,13 @@ int runHelp(const Command&) {
     return 0;
 }
 
+int runVersion(const Command&) {
+    writeLine(u"skyholdctl %1.%2.%3"_s.arg(SKYHOLD_VERSION_MAJOR)
+                  .arg(SKYHOLD_VERSION_MINOR, 2, 10, QChar(u'0'))
+                  .arg(SKYHOLD_VERSION_REVISION, 3, 10, QChar(u'0')));
+    return 0;
+}
+
 } // namespace
 
 std::vector<Member> describedMembers(Attachment& monitor, QString& fault) {
@@ -228,9 +235,10 @@ int runCommand(const Command& command) {
     const struct {
         const char16_t* name;
         int (*run)(const Command&);
-    } commands[] = {{u"status", runStatus}, {u"watch", runWatch}, {u"get", runGet},
-                    {u"set", runSet},       {u"call", runCall},   {u"list", runList},
-                    {u"start", runStart},   {u"stop", runStop},   {u"help", runHelp}};
+    } commands[] = {{u"status", runStatus},  {u"watch", runWatch}, {u"get", runGet},
+                    {u"set", runSet},        {u"call", runCall},   {u"list", runList},
+                    {u"start", runStart},    {u"stop", runStop},   {u"help", runHelp},
+                    {u"version", runVersion}};
     for (const auto& row : commands) {
         if (command.name == row.name)
             return row.run(command);

@@ -14,7 +14,7 @@ _skyholdctl() {
     [[ ${COMP_WORDS[COMP_CWORD - 1]} != --every ]] || return 0
 
     case $command in
-    '') words='status watch get set call list start stop help' ;;
+    '') words='status watch get set call list start stop help version' ;;
     watch) options='--json --every' ;;
     status | get | call | list) options='--json' ;;
     esac

@@ -27,6 +27,7 @@ TEST(CommandLine, understoodLines) {
         {"list", {u"list"_s}},
         {"list Cond*", {u"list"_s, u"Cond*"_s}},
         {"--help", {u"help"_s}},
+        {"--version", {u"version"_s}},
     };
     for (const auto& [line, words, json, every] : cases) {
         QString fault = u"of an earlier line"_s;

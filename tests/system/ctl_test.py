@@ -115,7 +115,9 @@ class CtlTest(unittest.TestCase):
                 self.expect(monitored.ctl("status", stdout=full), UNKNOWN, error="cannot write")
             reader, writer = os.pipe()
             os.close(reader)
-            self.expect(monitored.ctl("status", stdout=writer), UNKNOWN, error="cannot write")
+            for arguments in [["status"], ["get", "Safe"], ["list", "--json"], ["--version"]]:
+                self.expect(monitored.ctl(*arguments, stdout=writer), UNKNOWN,
+                            error="cannot write")
             os.close(writer)
             for closed in [">&-", "<&- >&-"]:
                 shell = subprocess.run(["bash", "-c", f"'{CTL}' status {closed}"],
@@ -169,6 +171,7 @@ class CtlTest(unittest.TestCase):
 
             for arguments, output in [
                     (["get", "name"], "Kiv_Skyhold"),
+                    (["--version"], "skyholdctl " + monitored.read("get", "Version")),
                     (["get", "Condition_Rain"], "3"),
                     (["get", "Safe"], "false"),
                     (["get", "Safe", "--json"], '{"name":"Safe","value":false}'),
