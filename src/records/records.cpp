@@ -22,7 +22,7 @@ Records::Records() {
 
     session.RefreshRead.Entries = {QStringLiteral("5  secs"), QStringLiteral("10 secs"),
                                    QStringLiteral("30 secs"), QStringLiteral("60 secs")};
-    upload.RefreshUpload.Entries = {QStringLiteral(" 5 sec"), QStringLiteral("10 sec"),
+    upload.RefreshUpload.Entries = {QStringLiteral("5 sec"), QStringLiteral("10 sec"),
                                     QStringLiteral("30 sec"), QStringLiteral("60 sec")};
     session.EmulatorFlag.Caption = QStringLiteral("Connect to Kiv_Skyhold");
     alarms.SuspendSoundAlarm.Caption = QStringLiteral("Suspend sound alarms");
