@@ -204,6 +204,9 @@ int main(int argc, char** argv) {
     if (!headless) {
         window = std::make_unique<KivSHMainform>(core);
         core.showMessage = makeMessageDialog(*window);
+        const Notices notices = makeNotices(*window);
+        core.showNotice = notices.show;
+        core.closeNotices = notices.close;
         core.showNews = [&core, &window](const QString& text) {
             showNewsOver(*window, core, text);
         };

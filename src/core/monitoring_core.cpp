@@ -96,6 +96,11 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     showNews = [this](const QString& text) {
         showMessage({text, MessageStyle::Ok, QStringLiteral("News")});
     };
+    showNotice = [this](const Message& message) {
+        showMessage(message);
+    };
+    closeNotices = [] {
+    };
     alarmRules(*this);
     unitRules(records);
     prepareUpload(*this);

@@ -51,9 +51,12 @@ struct MonitoringCore {
 
     // Set by the face of the program.
     ShowMessage showMessage;
-    std::function<void(const QString&)> showNews; // unless set, a message like any other
-    std::function<void()> closeWindow;            // asks for the window to be closed
-    std::function<void()> cycleDone;              // after every read cycle
+    std::function<void(const QString&)> showNews;   // unless set, a message like any other
+    std::function<void(const Message&)> showNotice; // a message that nobody waits for; unless set,
+                                                    // one like any other
+    std::function<void()> closeNotices;             // those that are still shown
+    std::function<void()> closeWindow;              // asks for the window to be closed
+    std::function<void()> cycleDone;                // after every read cycle
 
     NumberForms forms; // the locale's separators, re-read by every cycle
     StationFileMemory stationMemory;

@@ -6,6 +6,8 @@
 #include "platform/files.h"
 #include "records/status_lines.h"
 
+#include <vector>
+
 namespace skyhold {
 
 namespace {
@@ -59,33 +61,39 @@ void checkFolders(Records& records) {
         SetErrorCodes(records.session.Statusbar2, codes, kRed);
 }
 
-// False when the session cannot go on; it has been stopped then.
-bool startReading(MonitoringCore& core) {
+// False when the session cannot go on; it has been stopped then, and `messages` say why.
+bool startReading(MonitoringCore& core, std::vector<Message>& messages) {
     Records& records = core.records;
     SessionControls& session = records.session;
     checkFolders(records);
     SetStatusText(session.Statusbar1, QStringLiteral("Waiting for Kiv_Nubilo"), kNavy);
     const SensorLinkRecords link{records.readings, session, records.alarms, records.conditions,
                                  records.display};
-    const bool open = core.sensor.OpenSensor(link, core.showMessage);
-    if (session.StartCancelled)
+    const bool open = core.sensor.OpenSensor(link, [&messages](const Message& message) {
+        messages.push_back(message);
+        return MessageAnswer::Ok;
+    });
+    if (session.StartCancelled) {
+        SetStatusText(session.Statusbar1, QString(), kNavy);
+        messages.clear();
         return false;
+    }
     if (!open) {
         SetStatusText(session.Statusbar1, QStringLiteral("Problem with Kiv_Nubilo"), kRed);
-        core.showMessage({QStringLiteral("Cannot read Kiv_Nubilo"), MessageStyle::Ok, {}});
-        if (!session.StartCancelled)
-            StopSession(core);
+        messages.push_back({QStringLiteral("Cannot read Kiv_Nubilo"), MessageStyle::Ok, {}});
+        StopSession(core);
+        records.display.LblCause.Caption = messages.front().text;
         return false;
     }
     StartReading(core);
     return true;
 }
 
-void start(MonitoringCore& core) {
+void start(MonitoringCore& core, std::vector<Message>& messages) {
     Records& records = core.records;
     SessionControls& session = records.session;
     resetForSession(core);
-    if (session.flgReadStation.checked() && !startReading(core))
+    if (session.flgReadStation.checked() && !startReading(core, messages))
         return;
     if (session.flgUpload.checked()) {
         StartUpload(core);
@@ -99,19 +107,36 @@ void start(MonitoringCore& core) {
     UpdateMenus(records);
 }
 
-} // namespace
+bool isBegun(const SessionControls& session) {
+    return session.Running || session.Starting;
+}
 
-void StartSession(MonitoringCore& core) {
+// What is to be said of a start that failed. It is over by then: Start is offered beside the
+// message, and a client's start never waits for somebody to read it.
+std::vector<Message> begin(MonitoringCore& core) {
     SessionControls& session = core.records.session;
-    if (session.Running || session.Starting)
-        return;
+    std::vector<Message> messages;
+    core.closeNotices(); // of the last start
     session.Starting = true;
     session.StartCancelled = false;
-    start(core);
+    start(core, messages);
     session.Starting = false;
     if (core.closeWanted && core.closeWindow) {
         core.closeWanted = false;
         core.closeWindow();
+    }
+    return messages;
+}
+
+} // namespace
+
+void StartSession(MonitoringCore& core) {
+    const SessionControls& session = core.records.session;
+    if (isBegun(session))
+        return;
+    for (const Message& message : begin(core)) {
+        if (!isBegun(session)) // a client may have started again while one was read
+            core.showMessage(message);
     }
 }
 
@@ -137,15 +162,19 @@ void StopSession(MonitoringCore& core) {
 
 void Device_Start(MonitoringCore& core) {
     SessionControls& session = core.records.session;
-    if (session.Running || session.Starting)
+    if (isBegun(session))
         return;
-    StartSession(core);
+    QStringList texts;
+    for (const Message& message : begin(core))
+        texts.append(message.text);
     session.ButtStop.Visible = false;
+    if (!texts.isEmpty())
+        core.showNotice({texts.join(u'\n'), MessageStyle::Ok, {}});
 }
 
 void Device_Stop(MonitoringCore& core) {
     SessionControls& session = core.records.session;
-    if (!session.Running)
+    if (!isBegun(session))
         return;
     StopSession(core);
     session.ButtStop.Visible = false;

@@ -7,6 +7,7 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -86,12 +87,35 @@ MessageAnswer KivError::ask() {
     return answer_;
 }
 
+void KivError::showBeside() {
+    setAttribute(Qt::WA_DeleteOnClose);
+    if (const QWidget* over = parentWidget())
+        centreOver(this, over->window());
+    show();
+}
+
 ShowMessage makeMessageDialog(KivSHMainform& window) {
     return [&window](const Message& message) {
         if (window.isMinimized())
             window.restore();
         return KivError(message, window.windowTitle(), &window).ask();
     };
+}
+
+Notices makeNotices(KivSHMainform& window) {
+    const auto shown = std::make_shared<QPointer<KivError>>();
+    const auto close = [shown] {
+        if (*shown)
+            (*shown)->close();
+    };
+    const auto show = [shown, close, &window](const Message& message) {
+        close();
+        if (window.isMinimized())
+            window.restore();
+        *shown = new KivError(message, window.windowTitle(), &window);
+        (*shown)->showBeside();
+    };
+    return {show, close};
 }
 
 } // namespace skyhold

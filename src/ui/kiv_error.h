@@ -24,6 +24,8 @@ class KivError : public QDialog {
 
     // Shows the message, centred over the parent's window, until it is answered.
     MessageAnswer ask();
+    // The same without waiting; the dialog is gone once it is closed.
+    void showBeside();
 
   private:
     struct Choice {
@@ -37,5 +39,12 @@ class KivError : public QDialog {
 
 // Shows messages over the main window; a minimised window is restored first.
 ShowMessage makeMessageDialog(KivSHMainform& window);
+
+// Messages that nobody waits for: the window stays usable beside them.
+struct Notices {
+    std::function<void(const Message&)> show;
+    std::function<void()> close; // the one that is still shown
+};
+Notices makeNotices(KivSHMainform& window);
 
 } // namespace skyhold

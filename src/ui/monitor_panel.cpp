@@ -146,7 +146,9 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
             words = u"Start begins a monitoring session."_s;
         else if (none && !idle && lamp == kGreen)
             words = u"No condition counts as unsafe."_s;
-        cause->setTone(none || idle ? Tone::Dim : Tone::Text);
+        // A last verdict is of the past; why a start failed is not.
+        const bool past = idle && lamp != kGrey;
+        cause->setTone(none || past ? Tone::Dim : Tone::Text);
         cause->setText(words);
     };
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
@@ -274,8 +276,12 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     layout->addWidget(caption);
     layout->addWidget(value);
     layout->addStretch();
-    layout->addWidget(start);
-    layout->addWidget(stop);
+    // Side by side: when the last client leaves an idle monitor, both are offered.
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(look::kGap);
+    buttons->addWidget(start);
+    buttons->addWidget(stop);
+    layout->addLayout(buttons);
     return card;
 }
 

@@ -92,6 +92,13 @@ TEST_F(Session, failedStartsEndIdleWithTheirMessages) {
         {"never ready", answers("DataReady", false), {cannot}},
         {"silent", [&] { sensor_.answering = false; }, {cannot}},
     };
+    QStringList notices;
+    core_->showNotice = [&](const Message& message) {
+        notices.append(message.text);
+    };
+    core_->closeNotices = [&] {
+        notices.clear();
+    };
     const ScriptedSensor well = sensor_;
     for (const auto& [what, prepare, expected] : cases) {
         SCOPED_TRACE(what);
@@ -99,14 +106,34 @@ TEST_F(Session, failedStartsEndIdleWithTheirMessages) {
         sensor_.present = sensor_.answering = true;
         messages_.clear();
         prepare();
-        StartSession(*core_);
-        EXPECT_EQ(messages_, expected);
-        EXPECT_EQ(status(), u"Problem with Kiv_Nubilo"_s);
-        EXPECT_FALSE(running());
-        EXPECT_FALSE(core_->TimerRead.enabled());
-        EXPECT_TRUE(records().session.ButtStart.Visible);
-        EXPECT_FALSE(core_->sensor.connected());
+        // What a client's start has to say waits for nobody, and goes with the next start.
+        for (const bool client : {true, false}) {
+            client ? Device_Start(*core_) : StartSession(*core_);
+            EXPECT_EQ(notices, client ? QStringList{expected.join(u'\n')} : QStringList());
+            EXPECT_EQ(messages_, client ? QStringList() : expected);
+            EXPECT_EQ(status(), u"Problem with Kiv_Nubilo"_s);
+            EXPECT_EQ(cause(), expected.first());
+            EXPECT_FALSE(running());
+            EXPECT_FALSE(core_->TimerRead.enabled());
+            EXPECT_TRUE(records().session.ButtStart.Visible);
+            EXPECT_FALSE(core_->sensor.connected());
+        }
     }
+    // A client may start again while the user has not read why the first start failed.
+    sensor_.values = well.values;
+    sensor_.values[u"Version"_s] = u"5.10.0001"_s;
+    sensor_.answering = true;
+    messages_.clear();
+    core_->showMessage = [&](const Message& message) {
+        messages_.append(message.text);
+        EXPECT_TRUE(records().session.ButtStart.Visible);
+        sensor_.values = well.values;
+        Device_Start(*core_);
+        return answer_;
+    };
+    StartSession(*core_);
+    EXPECT_EQ(messages_, QStringList{tooOld});
+    EXPECT_TRUE(running());
 }
 
 TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
@@ -149,12 +176,19 @@ TEST_F(Session, stopAndCloseEndAWaitingStart) {
     core_->closeWindow = [&] {
         closed = RequestClose(*core_);
     };
-    clock_.onWait = [&] {
-        StopSession(*core_);
-    };
-    StartSession(*core_);
-    EXPECT_FALSE(running());
-    EXPECT_TRUE(messages_.isEmpty());
+    for (const auto& [start, stop] :
+         {std::pair{&StartSession, &StopSession}, {&Device_Start, &Device_Stop}}) {
+        int waits = 0;
+        clock_.onWait = [&, stop = stop] {
+            ++waits;
+            stop(*core_);
+        };
+        start(*core_);
+        EXPECT_EQ(waits, 1);
+        EXPECT_FALSE(running());
+        EXPECT_TRUE(messages_.isEmpty());
+        EXPECT_EQ(status(), QString());
+    }
 
     clock_.onWait = [&] {
         EXPECT_FALSE(RequestClose(*core_));

@@ -162,6 +162,22 @@ def refused_start(arguments, messages):
     return walk
 
 
+@row(AREA, "absent when a client starts the session, with a window", short=True)
+def absent_for_a_client(seen):
+    with quiet_evening(arguments=[], window=True, sensor=None) as monitored:
+        client = Client(monitored)
+        for _ in range(2):
+            begun = time.monotonic()
+            client.invoke("Device_Start", METHOD)
+            assert time.monotonic() - begun < 5, "somebody had to close the message"
+            assert not client.invoke("DeviceIsRunning")
+        seen.say("the client has its answer, and nothing runs")
+        monitored.start_sensor()
+        client.invoke("Device_Start", METHOD)
+        seen.recovery(monitored, "a session with a good sensor program", is_safe)
+        client.close()
+
+
 NO_SENSOR = "Cannot read Kiv_Nubilo"
 OLD = "Version of Kiv_Nubilo must be equal or greater than 5.2x"
 for text, arguments, messages in [
