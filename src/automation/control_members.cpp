@@ -78,6 +78,7 @@ AutomationReply setUnsafe(Core& core, QVariantList& arguments) {
         return answered();
     const bool unsafe = arguments[0].toBool();
     records.readings.UnsafeFlag = unsafe;
+    core.decidedBy = core.caller;
     Disp_UnsafeFlag(records.readings, records.conditions);
     if (!core.sensor.connected())
         return answered();
@@ -171,7 +172,7 @@ void addSwitch(MemberList& list) {
     list.method(
         u"Kiv_LocalControl"_s, {{u"vData"_s, Bool, false}, {u"sLabel"_s, Text, false}},
         {Empty,
-         u"takes (true) or gives back control of the verdict; the label says who; ends with the client that took it"_s},
+         u"takes (true) or gives back the caller's control of the verdict; the label says who; the rules decide again when nobody has it; a caller that goes without giving it back leaves the verdict unsafe for the safe delay"_s},
         [](Core& core, QVariantList& arguments) {
             HasControl(core, arguments[0].toBool(), arguments[1].toString());
             return answered();

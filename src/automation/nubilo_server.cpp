@@ -9,6 +9,8 @@
 #include "core/observation.h"
 #include "platform/typed_interface.h"
 
+#include <utility>
+
 namespace skyhold {
 
 namespace {
@@ -31,23 +33,23 @@ class NubiloServer : public AutomationServer {
         core_.sensor.beginRequest();
         if (core_.TimerRead.overdue())
             distrustAfterGap(core_);
-        const bool controlled = core_.records.safety.LocalControl;
+        // A call that serves events while it waits may have others within it.
+        const QString client = message.service();
+        const QString outer = std::exchange(core_.caller, client);
         const bool handled = AutomationServer::handleMessage(message, connection);
-        if (!controlled && core_.records.safety.LocalControl)
-            controller_ = message.service();
+        core_.caller = outer;
+        // It need not have an instance: the main window's members take control as well.
+        if (hasControl(core_, client))
+            watch(client);
         return handled;
     }
 
   protected:
     // A verdict must not stay frozen behind a client that took control of it and has gone.
-    void clientLeft(const QString& client) override {
-        if (core_.records.safety.LocalControl && client == controller_)
-            HasControl(core_, false, QString());
-    }
+    void clientLeft(const QString& client) override { loseControl(core_, client); }
 
   private:
     MonitoringCore& core_;
-    QString controller_; // the client that took local control
 };
 
 } // namespace

@@ -10,9 +10,8 @@
 
 namespace skyhold {
 
-// The server over `core`; every instance counts as one attached client while it lives. Local
-// control ends when the client that took it goes, so that no verdict stays frozen behind a dead
-// one.
+// The server over `core`; every instance counts as one attached client while it lives. A client's
+// control of the verdict ends when it goes, so that no verdict stays frozen behind a dead one.
 std::unique_ptr<AutomationServer> makeNubiloServer(const QDBusConnection& bus,
                                                    MonitoringCore& core);
 

@@ -1,9 +1,38 @@
 #include "core/clients.h"
 
 #include "core/alarms.h"
+#include "core/observation.h"
 #include "core/session.h"
 
+#include <algorithm>
+
 namespace skyhold {
+
+namespace {
+
+auto isOf(const QString& client) {
+    return [&client](const ControlHolder& holder) {
+        return holder.client == client;
+    };
+}
+
+// `text` is shown when nobody has control.
+void showControl(MonitoringCore& core, const QString& text) {
+    const bool held = !core.controllers.empty();
+    core.records.safety.LocalControl = held;
+    core.records.session.LblControl.Caption = held ? core.controllers.back().label : text;
+    core.records.session.Frame3.Visible = !held;
+    if (!held)
+        core.decidedBy.clear();
+}
+
+// Without cycles nobody would decide again.
+void distrust(MonitoringCore& core, const QString& cause) {
+    if (core.TimerRead.enabled())
+        distrustVerdict(core.records, cause);
+}
+
+} // namespace
 
 void RegisterUsers(Records& records, const Clock& clock, int delta) {
     SessionControls& session = records.session;
@@ -44,12 +73,36 @@ void BlinkLEDCOM(SessionControls& session, const Clock& clock, Colour colour, bo
 }
 
 void HasControl(MonitoringCore& core, bool flag, const QString& text) {
-    Records& records = core.records;
-    records.safety.LocalControl = flag;
-    records.session.LblControl.Caption = text;
-    if (flag)
-        releaseAlarm(alarmPlayer(core), records.readings);
-    records.session.Frame3.Visible = !flag;
+    std::erase_if(core.controllers, isOf(core.caller));
+    if (flag) {
+        core.controllers.push_back({core.caller, text});
+        releaseAlarm(alarmPlayer(core), core.records.readings);
+    }
+    showControl(core, text);
+}
+
+bool hasControl(const MonitoringCore& core, const QString& client) {
+    return std::ranges::any_of(core.controllers, isOf(client));
+}
+
+void loseControl(MonitoringCore& core, const QString& client) {
+    const auto holder = std::ranges::find_if(core.controllers, isOf(client));
+    if (holder == core.controllers.end())
+        return;
+    const QString who = holder->label.isEmpty() ? QStringLiteral("A client") : holder->label;
+    core.controllers.erase(holder);
+    const bool decided = core.controllers.empty() || core.decidedBy == client;
+    showControl(core, QString());
+    if (decided)
+        distrust(core, who + QStringLiteral(" had control and has gone"));
+}
+
+void TakeBackControl(MonitoringCore& core) {
+    if (core.controllers.empty())
+        return;
+    core.controllers.clear();
+    showControl(core, QString());
+    distrust(core, QStringLiteral("Control has been taken back"));
 }
 
 } // namespace skyhold

@@ -14,7 +14,16 @@ void ShowAutomation(SessionControls& session, bool on);
 // Shows one automation call; with showPeriod also the seconds since the last such call.
 void BlinkLEDCOM(SessionControls& session, const Clock& clock, Colour colour, bool showPeriod);
 
-// A client takes (flag true) or gives back control of the verdict. `text` says who.
+// The calling client takes (flag true) or gives back control of the verdict. `text` says who.
+// Several may have it; the rules decide again when the last one has given it back.
 void HasControl(MonitoringCore& core, bool flag, const QString& text);
+bool hasControl(const MonitoringCore& core, const QString& client);
+
+// The client has gone without giving control back. What it said no longer counts as safe, and when
+// nobody else has control the way back to safe has to be earned from the start.
+void loseControl(MonitoringCore& core, const QString& client);
+
+// The user lets the rules decide again, whoever has control. The way back to safe has to be earned.
+void TakeBackControl(MonitoringCore& core);
 
 } // namespace skyhold

@@ -20,6 +20,7 @@
 #include "sensor/sensor_link.h"
 
 #include <functional>
+#include <vector>
 
 namespace skyhold {
 
@@ -30,6 +31,12 @@ struct ProgramVersion {
     QString text() const;    // "2.30.004"
     QString title() const;   // "Kiv_Skyhold (v2.30.004)", the main window's caption
     QString trayTip() const; // "Kiv Skyhold (v2.30.004)", at most 63 characters
+};
+
+// An automation client that has control of the verdict.
+struct ControlHolder {
+    QString client; // its name on the bus
+    QString label;  // who it says it is
 };
 
 struct MonitoringCore {
@@ -64,6 +71,10 @@ struct MonitoringCore {
     RenderedGraphs renderedGraphs;
     UploadHandOff handOff;
     bool closeWanted = false; // a close was asked for while a session start was waiting
+
+    QString caller; // the automation client whose call is at work; empty while none is
+    std::vector<ControlHolder> controllers; // the latest last; none: the rules decide
+    QString decidedBy;                      // the client that set the verdict last
 };
 
 } // namespace skyhold

@@ -11,10 +11,14 @@ void distrustAfterGap(MonitoringCore& core) {
     core.stationMemory.reset();
     if (records.safety.LocalControl)
         return;
+    distrustVerdict(records, QStringLiteral("Nothing has been read for a while"));
+}
+
+void distrustVerdict(Records& records, const QString& cause) {
     records.safety.SafeState = 1;
     records.readings.UnsafeFlag = true;
     Disp_UnsafeFlag(records.readings, records.conditions);
-    records.display.LblCause.Caption = QStringLiteral("Nothing has been read for a while");
+    records.display.LblCause.Caption = cause;
 }
 
 } // namespace skyhold

@@ -11,4 +11,7 @@ namespace skyhold {
 // control of the verdict keeps it.
 void distrustAfterGap(MonitoringCore& core);
 
+// The verdict is unsafe at once, and the way back to safe waits for its delay from the start.
+void distrustVerdict(Records& records, const QString& cause);
+
 } // namespace skyhold

@@ -152,7 +152,7 @@ void AutomationServer::stop() {
 }
 
 void AutomationServer::dropClients() {
-    const QStringList clients = instancesOfClient_.keys();
+    const QStringList clients = watcher_->watchedServices();
     for (const QString& client : clients)
         releaseAllOf(client);
 }
@@ -250,8 +250,7 @@ void AutomationServer::createInstance(const QDBusMessage& message) {
     const QString client = message.service();
     const std::uint32_t number = ++lastInstance_;
     instances_.insert(number, client);
-    if (!instancesOfClient_.contains(client))
-        watch(client);
+    watch(client);
     instancesOfClient_[client].insert(number);
     usersChanged_(+1);
     const QString path = rootPath_ + u'/' + QString::number(number);
@@ -259,6 +258,8 @@ void AutomationServer::createInstance(const QDBusMessage& message) {
 }
 
 void AutomationServer::watch(const QString& client) {
+    if (watcher_->watchedServices().contains(client))
+        return;
     watcher_->addWatchedService(client);
     // A client that died before the watch began would never be reported.
     QDBusMessage call = QDBusMessage::createMethodCall(
@@ -269,7 +270,7 @@ void AutomationServer::watch(const QString& client) {
     connect(asked, &QDBusPendingCallWatcher::finished, this,
             [this, client](QDBusPendingCallWatcher* answered) {
                 const QDBusPendingReply<bool> reply = *answered;
-                if (reply.isValid() && !reply.value())
+                if (reply.isValid() ? !reply.value() : !bus_.isConnected())
                     releaseAllOf(client);
                 answered->deleteLater();
             });

@@ -102,8 +102,11 @@ class AutomationServer : public QDBusVirtualObject {
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
   protected:
-    // A client's last instance has been released or has gone with it.
+    // A client's last instance has been released, or a client that is watched has gone.
     virtual void clientLeft(const QString& client);
+
+    // Has the end of the client's connection noticed, instances or not.
+    void watch(const QString& client);
 
     const QString& rootPath() const { return rootPath_; }
 
@@ -111,7 +114,6 @@ class AutomationServer : public QDBusVirtualObject {
     void createInstance(const QDBusMessage& message);
     void release(const QString& path);
     void releaseAllOf(const QString& client);
-    void watch(const QString& client);
     // The member table behind a path; nothing when there is no such object.
     const MemberTable* tableOf(const QString& path) const;
     std::optional<std::uint32_t> instanceOf(const QString& path) const;

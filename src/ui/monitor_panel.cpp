@@ -1,6 +1,7 @@
 #include "ui/monitor_panel.h"
 
 #include "core/alarms.h"
+#include "core/clients.h"
 #include "core/session.h"
 #include "ui/age_text.h"
 #include "ui/bind.h"
@@ -173,12 +174,18 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
     control->setTone(Tone::Accent);
     bind(control, records.session.LblControl);
+    auto* takeBack = new QPushButton(u"Take &back control"_s, card);
+    takeBack->setObjectName(u"ButtTakeBack"_s);
+    takeBack->setFixedHeight(28);
+    takeBack->setToolTip(u"The conditions decide again, unsafe until the safe delay has passed"_s);
+    connect(takeBack, &QPushButton::clicked, card, [&core] { TakeBackControl(core); });
     const auto showControl = [=, &records] {
         const bool byClient = !records.session.Frame3.Visible;
         const bool named = !control->text().isEmpty();
         decides->setText(named ? u"Safe or unsafe is decided by"_s
                                : u"Safe or unsafe is decided by a client program"_s);
         decides->setVisible(byClient);
+        takeBack->setVisible(byClient);
         control->setPixelSize(byClient ? 26 : 15, true);
         control->setVisible(named);
     };
@@ -202,7 +209,10 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     auto* lines = new QVBoxLayout;
     lines->setSpacing(2);
     lines->addWidget(automatic);
-    lines->addWidget(decides);
+    auto* decidesRow = new QHBoxLayout;
+    decidesRow->addWidget(decides, 1);
+    decidesRow->addWidget(takeBack);
+    lines->addLayout(decidesRow);
     lines->addWidget(control);
     lines->addStretch();
     lines->addLayout(alarms);

@@ -268,6 +268,49 @@ TEST_F(Session, localControlFreezesTheVerdict) {
     EXPECT_TRUE(records().session.Frame3.Visible);
 }
 
+TEST_F(Session, controlEndsWithItsLastHolderAndItsLossIsUnsafe) {
+    const auto take = [this](const char* client, bool flag = true) {
+        core_->caller = QLatin1String(client);
+        HasControl(*core_, flag, flag ? core_->caller : QString());
+    };
+    records().conditions.SafeDelayVal.Value = 60;
+    StartSession(*core_);
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        const char* controller; // empty: the rules
+        bool distrusted;
+    } steps[] = {
+        {"two take it", [&] { take("dome"), take("script"); }, "script", false},
+        {"one of them goes", [&] { loseControl(*core_, u"dome"_s); }, "script", false},
+        {"one that has none gives it back", [&] { take("guest", false); }, "script", false},
+        {"one that has none goes", [&] { loseControl(*core_, u"guest"_s); }, "script", false},
+        {"it is given back", [&] { take("script", false); }, "", false},
+        {"two take it", [&] { take("script"), take("dome"); }, "dome", false},
+        {"it says safe", [&] { core_->decidedBy = u"dome"_s; }, "dome", false},
+        {"and goes", [&] { loseControl(*core_, u"dome"_s); }, "script", true},
+        {"so does the last", [&] { loseControl(*core_, u"script"_s); }, "", true},
+        {"it is taken", [&] { take("script"); }, "script", false},
+        {"the user takes it back", [&] { TakeBackControl(*core_); }, "", true},
+    };
+    for (const auto& [what, act, controller, distrusted] : steps) {
+        SCOPED_TRACE(what);
+        act();
+        EXPECT_EQ(unsafe(), distrusted);
+        EXPECT_EQ(records().session.LblControl.Caption.value(), QLatin1String(controller));
+        EXPECT_EQ(records().session.Frame3.Visible, *controller == 0);
+        cycle();
+        EXPECT_EQ(unsafe(), distrusted);
+        if (*controller != 0) {
+            records().readings.UnsafeFlag = false;
+        } else if (distrusted) {
+            EXPECT_EQ(records().safety.SafeDelayRemaining, 60);
+            cycle({}, 60);
+            EXPECT_FALSE(unsafe());
+        }
+    }
+}
+
 TEST_F(Session, switchValueIsPassedOnOnlyWhenThisProgramDoesNotDriveIt) {
     const auto passedOn = [this] {
         sensor_.takeCalls();

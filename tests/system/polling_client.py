@@ -1,8 +1,7 @@
-"""A client process: `polling_client.py ADDRESS INSTANCES [hold]`.
+"""A client process: `polling_client.py ADDRESS INSTANCES`.
 
 Makes its instances, each over a bus connection of its own, and says "ready". Then it asks each in
-turn without a pause, until its standard input ends; the instances go with it. With "hold" it takes
-control of the verdict and asks nothing.
+turn without a pause, until its standard input ends; the instances go with it.
 """
 
 import select
@@ -29,12 +28,9 @@ def make_instance(address):
 
 def main():
     instances = [make_instance(sys.argv[1]) for _ in range(int(sys.argv[2]))]
-    hold = sys.argv[3:] == ["hold"]
-    if hold:
-        instances[0][1]("Kiv_LocalControl", 1, True, "holder")
     print("ready", flush=True)
     answers = 0
-    while not select.select([sys.stdin], [], [], None if hold else 0)[0]:
+    while not select.select([sys.stdin], [], [], 0)[0]:
         for _bus, invoke in instances:
             if not isinstance(invoke("Safe", 3), dbus.Boolean):
                 sys.exit("Safe is not a boolean")

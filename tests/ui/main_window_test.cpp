@@ -127,6 +127,47 @@ TEST_F(MainWindow, MessagesRestoreAMinimisedWindow) {
     EXPECT_EQ(records().window.State, WindowState::Normal);
 }
 
+TEST_F(MainWindow, AClientsFailedStartIsToldBesideAWindowThatCanBeUsed) {
+    const Notices notices = makeNotices(*window_);
+    core_->showNotice = notices.show;
+    core_->closeNotices = notices.close;
+    const auto notice = [this] {
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return window_->findChild<KivError*>();
+    };
+    sensor_.present = false;
+    Device_Start(*core_);
+    ASSERT_NE(notice(), nullptr);
+    EXPECT_TRUE(notice()->isVisible());
+    EXPECT_FALSE(notice()->isModal());
+    EXPECT_EQ(shown("LblCause"), u"Cannot read Kiv_Nubilo"_s);
+    sensor_.present = true;
+    click(*window_, "ButtStart");
+    EXPECT_EQ(notice(), nullptr);
+    EXPECT_TRUE(running());
+}
+
+TEST_F(MainWindow, ClientsLeaveStartAndStopApartAndControlToTheUser) {
+    records().display.LblSwitch.Visible = true;
+    records().display.LValSwitch.Visible = true;
+    for (const int delta : {+1, -1})
+        RegisterUsers(records(), clock_, delta);
+    QCoreApplication::processEvents();
+    const auto place = [this](const char* name) {
+        EXPECT_TRUE(visible(name));
+        return child(*window_, name)->geometry();
+    };
+    EXPECT_FALSE(place("ButtStart").intersects(place("ButtStop")));
+    EXPECT_FALSE(place("ButtStart").intersects(place("LValSwitch")));
+
+    HasControl(*core_, true, u"dome script"_s);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(place("ButtTakeBack").intersects(place("LblControl")));
+    click(*window_, "ButtTakeBack");
+    EXPECT_FALSE(records().safety.LocalControl);
+    EXPECT_FALSE(visible("ButtTakeBack"));
+}
+
 TEST_F(MainWindow, OpensWhereItWasLeftUnlessThatIsOffTheScreen) {
     window_->move(30, 40);
     QCoreApplication::processEvents();

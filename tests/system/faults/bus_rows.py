@@ -9,6 +9,7 @@ import time
 import dbus
 
 from monitored import METHOD, READ, Client, run
+from quiet import quiet_evening
 from table import Monitored, row
 
 INSTANCES = 10_000
@@ -134,6 +135,35 @@ def many_instances(seen):
         seen.say(f"{each:.0f} bytes of memory each, all counted off "
                  f"{(time.monotonic() - begun) * 1000:.0f} ms after the death")
         seen.recovery(monitored, "a safe sky", is_safe)
+
+
+@row("clients", "those that have control of the verdict die", short=True)
+def controllers_die(seen):
+    with quiet_evening(safe_delay=60) as monitored:
+        monitored.next_cycle("a safe sky", is_safe)
+        first, second = Client(monitored), Client(monitored)
+        bare = dbus.bus.BusConnection(monitored.run.variables["DBUS_SESSION_BUS_ADDRESS"])
+        for client in [first, second]:
+            client.invoke("Kiv_LocalControl", METHOD, [True, "script"])
+        first.close()
+        seen.expect("one user", lambda: second.invoke("Kiv_TotalNoUsers") == 1, 5)
+        second.invoke("SetUnSafe", METHOD, [True])
+        assert not second.invoke("Safe")
+        seen.say("the other one keeps it")
+        # It takes control through the main window, and has no instance that could be counted.
+        bare.call_blocking("Kiv_Skyhold.Nubilo", "/Kiv_Skyhold/Nubilo/MForm",
+                           "Kiv.Automation.Dispatch", "InvokeByName", "suav",
+                           ("HasControl", dbus.UInt32(METHOD), [True, "bare"]))
+        second.invoke("Kiv_LocalControl", METHOD, [False, ""])
+        monitored.next_cycle("its control", lambda c: c.cause == "Decided by bare")
+        begun = time.monotonic()
+        bare.close()
+        with seen.untrusted(monitored):
+            seen.cycle(monitored, "the whole delay", lambda c: "delayed by 60 s" in c.cause)
+        seen.recovery(monitored, "a safe sky", is_safe)
+        # The clock runs 30 times as fast.
+        assert time.monotonic() - begun > 60 / 30, "the delay was not waited for"
+        second.close()
 
 
 @row("clients", "floods of calls, wrong types, ends in mid-call")
