@@ -1,0 +1,62 @@
+// Recorded nights: whatever is made of the program inside, what it says, sounds and writes in the
+// course of a night stays the same.
+//
+// Written anew with SKYHOLD_NIGHTS_WRITE=1 nights_test, after which `git diff` shows what changed.
+// SKYHOLD_NIGHTS=FOLDER plays the nights of another folder, SKYHOLD_NIGHT_DUMP=FOLDER writes what
+// night_dump.h says to an empty folder.
+#include "night.h"
+
+namespace skyhold {
+namespace {
+
+QString folder() {
+    return qEnvironmentVariable("SKYHOLD_NIGHTS", QStringLiteral(SKYHOLD_NIGHTS_FOLDER));
+}
+
+std::vector<std::string> nights() {
+    std::vector<std::string> names;
+    for (const QString& file : QDir(folder()).entryList({u"*.night"_s}))
+        names.push_back(file.chopped(6).toStdString());
+    return names;
+}
+
+QByteArray contents(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+}
+
+using Nights = Night;
+
+TEST_P(Nights, comeOutAsRecorded) {
+    const QString name = QString::fromStdString(GetParam());
+    const QByteArray actual = play(contents(folder() + u'/' + name + u".night"_s)).toUtf8();
+    const QString expectedPath = folder() + u'/' + name + u".expected"_s;
+    if (qEnvironmentVariableIsSet("SKYHOLD_NIGHTS_WRITE"))
+        return write(expectedPath, actual);
+
+    const QString actualPath = QStringLiteral(SKYHOLD_NIGHTS_ACTUAL) + u'/' + name + u".actual"_s;
+    QFile::remove(actualPath);
+    const QByteArray expected = contents(expectedPath);
+    if (actual == expected)
+        return;
+    write(actualPath, actual);
+    const QList<QByteArray> is = actual.split('\n');
+    const QList<QByteArray> was = expected.split('\n');
+    qsizetype line = 0;
+    while (line < is.size() && line < was.size() && is[line] == was[line])
+        ++line;
+    FAIL() << qPrintable(actualPath) << ", line " << line + 1 << ":\n"
+           << is.value(line).toStdString() << "\nbut expected was\n"
+           << was.value(line).toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Recorded, Nights, testing::ValuesIn(nights()),
+                         [](const auto& night) { return night.param; });
+
+} // namespace
+} // namespace skyhold
