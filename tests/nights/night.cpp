@@ -137,10 +137,6 @@ void Night::use(const QString& word, const QString& rest) {
         records().session.SWRole.choose(rest.toInt());
     else if (word == u"record") // 0: the user starts to record, answering yes; 1: stops
         records().dataFile.RecOption.choose(rest.toInt());
-    else if (word == u"sector") // wind 2 FROM  TO  MINUTES
-        (rest.startsWith(u"wind") ? records().conditions.DirectionWind
-                                  : records().conditions.DirectionGust)[rest[5].digitValue() - 1U]
-            .Caption = rest.sliced(7);
     else if (word == u"counts") // station or sensor: whether its failure is unsafe, 0 or 1
         (rest.startsWith(u"station") ? records().conditions.WSDataOldUnsafe
                                      : records().conditions.NBDataOldUnsafe)

@@ -8,7 +8,7 @@
 //   N CELL... | WORD REST; WORD REST...
 //                          first the cells ("=" or none: as before), then what happens, in order;
 //                          then N read cycles, the station file written before each of them
-// The words are those of `Night::happen`.
+// The words are those of `Night::happen` and `Night::use`.
 #pragma once
 
 #include "automation/nubilo_members.h"
