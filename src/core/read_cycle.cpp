@@ -175,6 +175,14 @@ void classify(MonitoringCore& core) {
     const SensorDescription description = [&core](Quantity quantity, std::int32_t level) {
         return core.sensor.levelDescription(quantity, level);
     };
+    // A failed cycle shows no descriptions, and they are asked for all the same: without that, one
+    // that cannot be read would be a failure in every second cycle only.
+    if (readings.SensorError) {
+        for (const auto& [quantity, level] : {std::pair{Quantity::Cloud, readings.CloudCondition},
+                                              {Quantity::Rain, readings.RainCondition},
+                                              {Quantity::Brightness, readings.BrightnessCondition}})
+            core.sensor.levelDescription(quantity, level);
+    }
     const std::int64_t now = core.clock.MsClock();
     ClassifyCloud(display, readings, controls, core.records.safety, description, now);
     ClassifyRain(display, readings, controls, description);
@@ -183,6 +191,10 @@ void classify(MonitoringCore& core) {
     ClassifyHumidity(display, readings, controls);
     ClassifyWind(display, readings, controls, core.records.sectors, now);
     ClassifyGust(display, readings, controls, core.records.sectors, now);
+}
+
+SensorLink::Effect effectOf(bool unsafe) {
+    return unsafe ? SensorLink::Effect::Other : SensorLink::Effect::Opens;
 }
 
 void decide(MonitoringCore& core) {
@@ -196,9 +208,8 @@ void decide(MonitoringCore& core) {
         });
     Disp_UnsafeFlag(records.readings, records.conditions);
     records.display.LblCause.Caption = causeInWords(decision, records);
-    // A copy: what the sensor program makes of its argument must not reach the verdict.
-    QVariantList verdict{records.readings.UnsafeFlag};
-    core.sensor.callByReference(QStringLiteral("SetUnSafe"), verdict);
+    const bool unsafe = records.readings.UnsafeFlag;
+    core.sensor.command(QStringLiteral("SetUnSafe"), {unsafe}, effectOf(unsafe));
 }
 
 // Why the verdict is what it is. The sensor program's descriptions are taken from the display, so
@@ -223,8 +234,8 @@ void driveSwitch(SensorLink& sensor, Records& records) {
         return;
     }
     readings.SwitchValue = readings.UnsafeFlag ? 2 : 1;
-    QVariantList value{readings.SwitchValue};
-    sensor.callByReference(QStringLiteral("Kiv_SetSwitch"), value);
+    sensor.command(QStringLiteral("Kiv_SetSwitch"), {readings.SwitchValue},
+                   effectOf(readings.UnsafeFlag));
     const bool closed = readings.SwitchValue == 2;
     PaintLabel(records.display.LValSwitch, closed ? kRed : kGreen,
                closed ? QStringLiteral("Closed") : QStringLiteral("Opened"));

@@ -1,10 +1,12 @@
 #include "platform/automation_client.h"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QElapsedTimer>
+#include <QHash>
+#include <QThread>
 
 #include <algorithm>
 #include <limits>
@@ -43,6 +45,17 @@ bool isGone(const QDBusError& error) {
            error.name() == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
+bool isAnswered(const QDBusMessage& reply) {
+    return reply.type() == QDBusMessage::ReplyMessage;
+}
+
+QDBusMessage dispatchCall(const QString& owner, const QString& path, const QString& method) {
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        owner, path, QString::fromLatin1(kDispatchInterface), method);
+    call.setAutoStartService(false);
+    return call;
+}
+
 // What one instance and the objects that its members answered with share: the program behind them.
 // It is reached through the unique name of the connection that made the instance, so that a
 // program that takes over the well-known name is never mistaken for it.
@@ -51,13 +64,11 @@ class BusLink {
     BusLink(const QDBusConnection& bus, const QString& owner, const QString& instance)
         : bus_(bus)
         , owner_(owner)
-        , instance_(instance) {
-        spent_.start();
-    }
+        , instance_(instance) {}
 
     ~BusLink() {
         if (alive_)
-            bus_.send(message(instance_, QStringLiteral("Release")));
+            bus_.send(dispatchCall(owner_, instance_, QStringLiteral("Release")));
     }
 
     AutomationReply invoke(const QString& path, const QString& name, unsigned use,
@@ -66,36 +77,42 @@ class BusLink {
             return failure(QStringLiteral("the program has gone"));
         if (hung_)
             return failure(QStringLiteral("the program does not answer"));
-        const qint64 left = budgetMs_ - spent_.elapsed();
-        if (left <= 0) {
+        if (left_.calls <= 0) {
             giveUp();
             return failure(QStringLiteral("the program answers too slowly"));
         }
-        QDBusMessage call = message(path, QStringLiteral("InvokeByName"));
-        call << name << use << QVariant(toBus(arguments));
-        QElapsedTimer timer;
-        timer.start();
-        const int timeout = static_cast<int>(std::min<qint64>(kCallTimeoutMs, left));
-        const QDBusMessage reply = bus_.call(call, QDBus::Block, timeout);
-        if (reply.type() == QDBusMessage::ReplyMessage)
-            return answer(reply, arguments);
+        return waitedFor(path, invocation(path, name, use, arguments), arguments, left_.calls);
+    }
 
-        const QDBusError error(reply);
-        // The bus answers "no reply" as well when the program ends in mid-call, and at once; a
-        // time-out may come a twentieth early.
-        if (isTimeout(error.type()) && timer.elapsed() >= timeout * 9 / 10)
+    AutomationReply command(const QString& path, const QString& name, unsigned use,
+                            QVariantList& arguments) {
+        if (!alive_)
+            return failure(QStringLiteral("the program has gone"));
+        const QDBusMessage call = invocation(path, name, use, arguments);
+        const QVariantList asked = arguments;
+        if (!hung_ && left_.commands > 0) {
+            AutomationReply reply = waitedFor(path, call, arguments, left_.commands);
+            if (hung_)
+                unanswered_.insert(name, asked);
+            return reply;
+        }
+        if (!hung_)
             giveUp();
-        else if (isTimeout(error.type()) || (isGone(error) && !isOnlyUnknown(error, path)))
-            alive_ = false;
-        return {{}, errorNamed(reply.errorName()), reply.errorMessage()};
+        const auto before = unanswered_.constFind(name);
+        if (before == unanswered_.cend() || *before != asked) {
+            bus_.send(call);
+            unanswered_.insert(name, asked);
+        }
+        return failure(QStringLiteral("the program does not answer"));
     }
 
-    bool alive() const { return alive_; }
-
-    void beginCalls(int ms) {
-        budgetMs_ = ms;
-        spent_.start();
+    ObjectState state() const {
+        if (!alive_)
+            return ObjectState::Gone;
+        return hung_ ? ObjectState::Hanging : ObjectState::Ready;
     }
+
+    void beginCalls(const CallTime& time) { left_ = time; }
 
   private:
     // A further object that is not known says nothing about the instance.
@@ -103,11 +120,33 @@ class BusLink {
         return error.type() == QDBusError::UnknownObject && path != instance_;
     }
 
-    QDBusMessage message(const QString& path, const QString& method) const {
-        QDBusMessage call = QDBusMessage::createMethodCall(
-            owner_, path, QString::fromLatin1(kDispatchInterface), method);
-        call.setAutoStartService(false);
+    QDBusMessage invocation(const QString& path, const QString& name, unsigned use,
+                            const QVariantList& arguments) const {
+        QDBusMessage call = dispatchCall(owner_, path, QStringLiteral("InvokeByName"));
+        call << name << use << QVariant(toBus(arguments));
         return call;
+    }
+
+    // The time that it takes is taken from `left`.
+    AutomationReply waitedFor(const QString& path, const QDBusMessage& call,
+                              QVariantList& arguments, int& left) {
+        QElapsedTimer timer;
+        timer.start();
+        const int timeout = std::min(kCallTimeoutMs, left);
+        const QDBusMessage reply = bus_.call(call, QDBus::Block, timeout);
+        const qint64 took = timer.elapsed();
+        left -= static_cast<int>(took);
+        if (isAnswered(reply))
+            return answer(reply, arguments);
+
+        const QDBusError error(reply);
+        // The bus answers "no reply" as well when the program ends in mid-call, and at once; a
+        // time-out may come a twentieth early.
+        if (isTimeout(error.type()) && took >= timeout * 9 / 10)
+            giveUp();
+        else if (isTimeout(error.type()) || (isGone(error) && !isOnlyUnknown(error, path)))
+            alive_ = false;
+        return {{}, errorNamed(reply.errorName()), reply.errorMessage()};
     }
 
     static AutomationReply answer(const QDBusMessage& reply, QVariantList& arguments) {
@@ -122,17 +161,18 @@ class BusLink {
         return {fromBus(answered[0]), AutomationError::None, {}};
     }
 
-    // From now on calls fail at once; a probe without time limit asks the object, and its answer,
-    // whatever it is, ends that.
+    // From now on plain calls fail at once; a probe without time limit asks the object, and its
+    // answer, whatever it is, ends that.
     void giveUp() {
         hung_ = true;
-        QDBusMessage call = message(instance_, QStringLiteral("GetIDsOfNames"));
+        QDBusMessage call = dispatchCall(owner_, instance_, QStringLiteral("GetIDsOfNames"));
         call << QStringList{QStringLiteral("Version")};
         probe_ = std::make_unique<QDBusPendingCallWatcher>(
             bus_.asyncCall(call, std::numeric_limits<int>::max()));
         QObject::connect(probe_.get(), &QDBusPendingCallWatcher::finished, probe_.get(),
                          [this](QDBusPendingCallWatcher* watcher) {
                              hung_ = false;
+                             unanswered_.clear();
                              if (isGone(watcher->error()) || isTimeout(watcher->error().type()))
                                  alive_ = false;
                              probe_.release()->deleteLater();
@@ -144,8 +184,8 @@ class BusLink {
     QString instance_;
     bool alive_ = true;
     bool hung_ = false;
-    int budgetMs_ = std::numeric_limits<int>::max();
-    QElapsedTimer spent_;
+    CallTime left_{std::numeric_limits<int>::max(), std::numeric_limits<int>::max()};
+    QHash<QString, QVariantList> unanswered_; // the last of each command while it hangs
     std::unique_ptr<QDBusPendingCallWatcher> probe_;
 };
 
@@ -159,37 +199,104 @@ class BusObject : public DispatchObject {
     AutomationReply invoke(const QString& name, unsigned use, QVariantList& arguments) override {
         return link_->invoke(path_, name, use, arguments);
     }
+    AutomationReply command(const QString& name, unsigned use, QVariantList arguments) override {
+        return link_->command(path_, name, use, arguments);
+    }
     std::unique_ptr<DispatchObject> object(const QVariant& answer) override {
         const auto path = answer.value<QDBusObjectPath>();
         return path.path().isEmpty() ? nullptr : std::make_unique<BusObject>(link_, path.path());
     }
-    bool alive() const override { return link_->alive(); }
-    void beginCalls(int ms) override { link_->beginCalls(ms); }
+    ObjectState state() const override { return link_->state(); }
+    void beginCalls(const CallTime& time) override { link_->beginCalls(time); }
 
   private:
     std::shared_ptr<BusLink> link_; // ends the instance when the last object lets go
     QString path_;
 };
 
-// Stands for the object of a program that the bus starts.
-class StartingObject : public DispatchObject {
+// Stands for an object that is still to come.
+class AwaitedObject : public DispatchObject {
   public:
-    explicit StartingObject(std::shared_ptr<const QDBusPendingCallWatcher> start)
-        : start_(std::move(start)) {}
+    AwaitedObject(ObjectState state, std::function<bool()> over)
+        : state_(state)
+        , over_(std::move(over)) {}
 
     AutomationReply invoke(const QString&, unsigned, QVariantList&) override {
         return failure(QStringLiteral("the program is being started"));
     }
+    AutomationReply command(const QString&, unsigned, QVariantList) override {
+        return failure(QStringLiteral("the program is being started"));
+    }
     std::unique_ptr<DispatchObject> object(const QVariant&) override { return nullptr; }
-    bool alive() const override { return false; }
-    bool starting() const override { return !start_->isFinished(); }
-    void beginCalls(int) override {}
+    ObjectState state() const override { return over_() ? ObjectState::Gone : state_; }
+    void beginCalls(const CallTime&) override {}
 
   private:
-    std::shared_ptr<const QDBusPendingCallWatcher> start_;
+    ObjectState state_;
+    std::function<bool()> over_;
 };
 
-// Creates objects; a factory that has once not answered is waited for without holding anybody up.
+// An instance that a factory was asked for. One that nobody takes is released, also when it comes
+// only after this has gone.
+class Creation {
+  public:
+    Creation(const QDBusConnection& bus, const QString& programId)
+        : bus_(bus)
+        , call_(bus_.asyncCall(request(programId), std::numeric_limits<int>::max())) {}
+    ~Creation() {
+        if (taken_)
+            return;
+        auto* watcher = new QDBusPendingCallWatcher(call_, QCoreApplication::instance());
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+                         [bus = bus_](QDBusPendingCallWatcher* late) {
+                             linkTo(bus, late->reply()); // which is let go at once
+                             late->deleteLater();
+                         });
+    }
+    Creation(const Creation&) = delete;
+    Creation& operator=(const Creation&) = delete;
+
+    bool finished() const { return call_.isFinished(); }
+
+    // Waits for the answer without serving events.
+    void wait(int ms) const {
+        QElapsedTimer timer;
+        timer.start();
+        while (!finished() && timer.elapsed() < ms)
+            QThread::msleep(1);
+    }
+
+    // The instance that was made; nothing when there is none.
+    std::unique_ptr<DispatchObject> take() {
+        taken_ = true;
+        return linkTo(bus_, call_.reply());
+    }
+
+  private:
+    static QDBusMessage request(const QString& programId) {
+        QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
+                                                           QString::fromLatin1(kFactoryInterface),
+                                                           QStringLiteral("CreateInstance"));
+        call.setAutoStartService(false);
+        return call;
+    }
+
+    static std::unique_ptr<DispatchObject> linkTo(const QDBusConnection& bus,
+                                                  const QDBusMessage& reply) {
+        if (!isAnswered(reply) || reply.arguments().isEmpty())
+            return nullptr;
+        const QString path = reply.arguments().constFirst().value<QDBusObjectPath>().path();
+        if (path.isEmpty())
+            return nullptr;
+        return std::make_unique<BusObject>(std::make_shared<BusLink>(bus, reply.service(), path),
+                                           path);
+    }
+
+    QDBusConnection bus_;
+    QDBusPendingCall call_;
+    bool taken_ = false;
+};
+
 class BusCreator {
   public:
     explicit BusCreator(const QDBusConnection& bus)
@@ -198,26 +305,25 @@ class BusCreator {
     std::unique_ptr<DispatchObject> create(const QString& programId) {
         if (!bus_.isConnected())
             return nullptr;
-        if (late_) {
-            if (!late_->isFinished())
-                return nullptr;
-            const QDBusMessage reply = late_->reply();
-            late_.reset();
-            if (auto object = objectOf(reply))
+        std::shared_ptr<Creation> creation = creation_.lock();
+        if (creation && creation->finished()) {
+            creation_.reset();
+            if (auto object = creation->take())
                 return object;
+            creation.reset();
         }
-        if (!bus_.interface()->isServiceRegistered(programId))
-            return started(programId);
-        start_.reset();
-        QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
-                                                           QString::fromLatin1(kFactoryInterface),
-                                                           QStringLiteral("CreateInstance"));
-        call.setAutoStartService(false);
-        const QDBusMessage reply = bus_.call(call, QDBus::Block, kCallTimeoutMs);
-        if (isTimeout(QDBusError(reply).type()))
-            late_ = std::make_unique<QDBusPendingCallWatcher>(
-                bus_.asyncCall(call, std::numeric_limits<int>::max()));
-        return objectOf(reply);
+        if (!creation) {
+            if (!bus_.interface()->isServiceRegistered(programId))
+                return started(programId);
+            start_.reset();
+            creation = std::make_shared<Creation>(bus_, programId);
+            creation->wait(kCreationMs);
+            if (creation->finished())
+                return creation->take();
+            creation_ = creation;
+        }
+        return std::make_unique<AwaitedObject>(ObjectState::Creating,
+                                               [creation] { return creation->finished(); });
     }
 
   private:
@@ -235,21 +341,12 @@ class BusCreator {
             start_ = std::make_shared<QDBusPendingCallWatcher>(
                 bus_.asyncCall(call, kActivationTimeoutMs));
         }
-        return std::make_unique<StartingObject>(start_);
-    }
-
-    std::unique_ptr<DispatchObject> objectOf(const QDBusMessage& reply) const {
-        if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
-            return nullptr;
-        const auto path = reply.arguments().constFirst().value<QDBusObjectPath>();
-        if (path.path().isEmpty())
-            return nullptr;
-        return std::make_unique<BusObject>(
-            std::make_shared<BusLink>(bus_, reply.service(), path.path()), path.path());
+        return std::make_unique<AwaitedObject>(ObjectState::Starting,
+                                               [start = start_] { return start->isFinished(); });
     }
 
     QDBusConnection bus_;
-    std::unique_ptr<QDBusPendingCallWatcher> late_;
+    std::weak_ptr<Creation> creation_; // held by what stands for its object
     std::shared_ptr<QDBusPendingCallWatcher> start_;
 };
 

@@ -2,8 +2,7 @@
 
 #include "platform/text_forms.h"
 
-#include <QElapsedTimer>
-
+#include <algorithm>
 #include <utility>
 
 namespace skyhold {
@@ -13,9 +12,15 @@ namespace {
 const QString kProgramId = QStringLiteral("Kiv_Nubilo.Nubilo");
 constexpr double kMinimumVersion = 5.2;
 
-// All calls of one read cycle together; a sensor program that answers slowly must not hold the
-// window, and what it could not answer in this time counts as failed.
-constexpr int kCycleBudgetMs = 2500;
+// All calls of one read cycle together, creating the object included, take less than five seconds;
+// a sensor program that answers slowly must not hold the window, and what it could not answer in
+// this time counts as failed.
+constexpr CallTime kCycleTime{.calls = 2500, .commands = 1500};
+
+// A session start serves events between its calls: each has the full time of a call.
+constexpr CallTime kStartCallTime{.calls = kCallTimeoutMs, .commands = kCallTimeoutMs};
+constexpr int kHoldMs = 500;   // the longest that a start goes on without serving events
+constexpr int kTakeUpMs = 250; // between looks for a program that has yet to answer
 
 } // namespace
 
@@ -24,69 +29,150 @@ SensorLink::SensorLink(CreateObject createObject, Clock& clock)
     , clock_(clock) {}
 
 bool SensorLink::OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage) {
-    QElapsedTimer opening;
-    opening.start();
-    wanted_ = true;
-    dataAwaited_ = false;
-    const bool answered =
-        create(true) && prepare(records, showMessage) && waitForData(records.session.NBTimeout);
-    // A sensor program this slow has held the window, and will hold it again in the first cycle.
-    if (opening.elapsed() > kCycleBudgetMs)
-        clock_.waitServingEvents(0);
+    held_.start();
+    wanted_ = opening_ = true;
+    const bool answered = awaitTakeUp(records, showMessage) && waitForData(records, showMessage);
+    opening_ = dataAwaited_ = false;
+    if (!accepted_)
+        letGo();
+    // A sensor program that is slow holds the window again in the first cycle.
+    serveEvents();
     bool& ready = records.readings.SensorDataReady;
     ready = answered && object_;
     return ready;
 }
 
-// A program that the bus has to start first is waited for, while events are served, or left to a
-// later cycle.
-bool SensorLink::create(bool waitForStart) {
-    object_ = createObject_(kProgramId);
-    const bool wait = waitForStart && object_ && object_->starting();
-    while (wait && object_ && object_->starting())
-        clock_.waitServingEvents(100);
-    if (wait && object_)
-        object_ = createObject_(kProgramId);
-    if (object_ && object_->starting())
-        object_.reset();
-    return object_ != nullptr;
-}
-
-bool SensorLink::prepare(const SensorLinkRecords& records, const ShowMessage& showMessage) {
-    object_->beginCalls(kCycleBudgetMs);
-    if (!CheckSensorVersion(showMessage)) {
-        object_.reset();
-        return false;
+// A program that is not there ends the start at once. One that is has NBTimeout to answer, the
+// time of any call at least; when a start by the bus comes to nothing the bus says so.
+bool SensorLink::awaitTakeUp(const SensorLinkRecords& records, const ShowMessage& showMessage) {
+    const double limit =
+        std::max(records.session.NBTimeout.Value * 1000, kCallTimeoutMs * clock_.scale());
+    std::int64_t begun = clock_.MsClock();
+    bool there = false;
+    while (wanted_) {
+        const Progress progress = takeUp(records, showMessage);
+        if (progress == Progress::Done)
+            return wanted_;
+        if (progress == Progress::Refused || (progress == Progress::Absent && !there))
+            return false;
+        there = there || progress == Progress::Awaited;
+        if (progress == Progress::Starting)
+            begun = clock_.MsClock();
+        else if (static_cast<double>(clock_.MsClock() - begun) > limit)
+            return false;
+        clock_.waitServingEvents(kTakeUpMs);
+        held_.start();
     }
-    settleRole(records);
-    call(QStringLiteral("Kiv_LocalControl"), {true, QStringLiteral("Kiv_Skyhold has control")});
-    call(QStringLiteral("Device_Start"));
-    return true;
-}
-
-bool SensorLink::CheckSensorVersion(const ShowMessage& showMessage) {
-    const QString version = readText(QStringLiteral("Version")).value_or(QString());
-    if (version.size() < 4)
-        return false;
-    // The last four characters are the build.
-    if (leadingNumber(QStringView(version).chopped(4)) >= kMinimumVersion)
-        return true;
-    if (showMessage)
-        showMessage(
-            {QStringLiteral("Version of Kiv_Nubilo must be equal or greater than 5.2x"), {}, {}});
     return false;
 }
 
+// Makes up for what the link lacks.
+SensorLink::Progress SensorLink::takeUp(const SensorLinkRecords& records,
+                                        const ShowMessage& showMessage) {
+    if (object_ && object_->state() == ObjectState::Gone)
+        letGo();
+    if (!object_) {
+        const Progress progress = create();
+        if (progress != Progress::Done)
+            return progress;
+    }
+    if (!accepted_) {
+        if (!beginStartCall())
+            return Progress::Awaited;
+        const Progress progress = CheckSensorVersion(showMessage);
+        if (progress == Progress::Refused)
+            letGo();
+        if (progress != Progress::Done)
+            return progress;
+        prepare(records);
+    } else if (!roleSettled_ && beginStartCall()) {
+        const bool failed = callFailed_;
+        settleRole(records);
+        callFailed_ = failed; // a program without a role can be read all the same
+    }
+    return Progress::Done;
+}
+
+SensorLink::Progress SensorLink::create() {
+    if (!awaited_ || awaited_->state() == ObjectState::Gone)
+        awaited_ = createObject_(kProgramId);
+    if (!awaited_)
+        return Progress::Absent;
+    switch (awaited_->state()) {
+    case ObjectState::Starting:
+        return Progress::Starting;
+    case ObjectState::Creating:
+    case ObjectState::Gone:
+        return Progress::Awaited;
+    default:
+        object_ = std::move(awaited_);
+        if (!opening_)
+            object_->beginCalls(kCycleTime);
+        return Progress::Done;
+    }
+}
+
+void SensorLink::serveEvents() {
+    if (held_.elapsed() < kHoldMs)
+        return;
+    clock_.waitServingEvents(0);
+    held_.start();
+}
+
+// In a cycle no events are served, and all calls share its time. False when a stop has come.
+bool SensorLink::beginStartCall() {
+    if (opening_) {
+        serveEvents();
+        if (object_)
+            object_->beginCalls(kStartCallTime);
+    }
+    return object_ != nullptr;
+}
+
+void SensorLink::prepare(const SensorLinkRecords& records) {
+    dataAwaited_ = true;
+    if (!beginStartCall())
+        return;
+    settleRole(records);
+    if (!beginStartCall())
+        return;
+    sendCommand(QStringLiteral("Kiv_LocalControl"), kMethod,
+                {true, QStringLiteral("Kiv_Skyhold has control")});
+    if (!beginStartCall())
+        return;
+    sendCommand(QStringLiteral("Device_Start"), kMethod, {});
+}
+
+SensorLink::Progress SensorLink::CheckSensorVersion(const ShowMessage& showMessage) {
+    const std::optional<QString> version = readText(QStringLiteral("Version"));
+    if (!version && object_ && object_->state() != ObjectState::Ready)
+        return Progress::Awaited;
+    if (!version || version->size() < 4)
+        return Progress::Refused;
+    // The last four characters are the build.
+    accepted_ = leadingNumber(QStringView(*version).chopped(4)) >= kMinimumVersion;
+    if (accepted_)
+        return Progress::Done;
+    if (showMessage)
+        showMessage(
+            {QStringLiteral("Version of Kiv_Nubilo must be equal or greater than 5.2x"), {}, {}});
+    return Progress::Refused;
+}
+
+// A role that cannot be read is no master's: the switch is left alone until it can be. What the
+// user chose for a master stays chosen, for it may well be one.
 void SensorLink::settleRole(const SensorLinkRecords& records) {
     const std::optional<QString> role = readText(QStringLiteral("Kiv_DeviceRole"));
-    if (!role) // no answer settles nothing; the failure is reported by the cycle
-        return;
-    const bool master = *role == QStringLiteral("MASTER");
+    roleSettled_ = role.has_value();
+    const bool master = role == QStringLiteral("MASTER");
     if (master) {
-        write(QStringLiteral("Kiv_DeviceSwitchCtrl"), true);
+        if (!beginStartCall())
+            return;
+        sendCommand(QStringLiteral("Kiv_DeviceSwitchCtrl"), kPropertyPut, {true});
         Disp_SwitchLabels(records.session, records.display);
     } else {
-        records.session.SWRole.choose(1);
+        if (role)
+            records.session.SWRole.choose(1);
         records.display.LblSwitch.Visible = false;
         records.display.LValSwitch.Visible = false;
         records.session.SwitchControl = false;
@@ -98,45 +184,48 @@ void SensorLink::settleRole(const SensorLinkRecords& records) {
         master ? QString() : QStringLiteral("Timeout Alarm");
 }
 
-bool SensorLink::waitForData(const NumberBox& timeout) {
+bool SensorLink::waitForData(const SensorLinkRecords& records, const ShowMessage& showMessage) {
     const std::int64_t begun = clock_.MsClock();
-    const auto ready = [this] {
-        // Nothing once it was closed while waiting.
-        return object_ && readBoolean(QStringLiteral("DataReady")).value_or(false);
+    bool refused = false;
+    const auto ready = [&] {
+        const Progress progress = takeUp(records, showMessage);
+        refused = progress == Progress::Refused;
+        return progress == Progress::Done && beginStartCall() &&
+               readBoolean(QStringLiteral("DataReady")).value_or(false);
     };
-    while (object_) {
-        const double limit = timeout.Value * 1000;
+    while (wanted_ && !refused) {
+        const double limit = records.session.NBTimeout.Value * 1000;
         const bool inTime = static_cast<double>(clock_.MsClock() - begun) <= limit;
         if (!inTime || ready() || limit <= 0)
             break;
         clock_.waitServingEvents(1000);
-        if (object_)
-            object_->beginCalls(kCycleBudgetMs);
+        held_.start();
     }
-    return ready();
+    return wanted_ && !refused && ready();
 }
 
 void SensorLink::CloseSensor(CurrentReadings& readings) {
     wanted_ = false;
     dataAwaited_ = false;
     readings.SensorDataReady = false;
-    if (!object_)
-        return;
-    object_->beginCalls(kCycleBudgetMs);
-    call(QStringLiteral("Kiv_LocalControl"), {false, QString()});
+    if (object_) {
+        object_->beginCalls(kCycleTime);
+        sendCommand(QStringLiteral("Kiv_LocalControl"), kMethod, {false, QString()});
+    }
+    letGo();
+}
+
+void SensorLink::letGo() {
+    awaited_.reset();
     object_.reset();
+    accepted_ = false;
 }
 
 void SensorLink::beginCycle(const SensorLinkRecords& records) {
-    // What failed after the last cycle had reported a failure belongs to that failure.
-    if (records.readings.SensorError)
-        callFailed_ = false;
-    if (object_ && object_->alive()) {
-        object_->beginCalls(kCycleBudgetMs);
-    } else if (wanted_) {
-        dataAwaited_ = create(false) && prepare(records, nullptr);
-        callFailed_ = callFailed_ || !dataAwaited_;
-    }
+    if (object_)
+        object_->beginCalls(kCycleTime);
+    if (wanted_ && takeUp(records, nullptr) != Progress::Done)
+        callFailed_ = true;
     // Before its first data it reports levels that nobody measured.
     if (dataAwaited_) {
         dataAwaited_ = !readBoolean(QStringLiteral("DataReady")).value_or(false);
@@ -146,7 +235,7 @@ void SensorLink::beginCycle(const SensorLinkRecords& records) {
 
 void SensorLink::beginRequest() {
     if (object_)
-        object_->beginCalls(kCycleBudgetMs);
+        object_->beginCalls(kCycleTime);
 }
 
 bool SensorLink::takeCallFailure() {
@@ -230,14 +319,26 @@ bool SensorLink::write(const QString& name, const QVariant& value) {
     return ok;
 }
 
-bool SensorLink::callByReference(const QString& name, QVariantList& arguments) {
-    const bool ok = forward(name, kMethod, arguments).ok();
+bool SensorLink::call(const QString& name) {
+    QVariantList none;
+    const bool ok = forward(name, kMethod, none).ok();
     callFailed_ = callFailed_ || !ok;
     return ok;
 }
 
-bool SensorLink::call(const QString& name, QVariantList arguments) {
-    return callByReference(name, arguments);
+bool SensorLink::command(const QString& name, const QVariantList& arguments, Effect effect) {
+    if (effect == Effect::Opens && object_ && object_->state() == ObjectState::Hanging) {
+        callFailed_ = true;
+        return false;
+    }
+    return sendCommand(name, kMethod, arguments);
+}
+
+// Only to a program that was found to be the right one.
+bool SensorLink::sendCommand(const QString& name, unsigned use, const QVariantList& arguments) {
+    const bool ok = accepted_ && object_ && object_->command(name, use, arguments).ok();
+    callFailed_ = callFailed_ || !ok;
+    return ok;
 }
 
 QString SensorLink::levelDescription(Quantity quantity, std::int32_t level) {
@@ -266,8 +367,7 @@ void SetSwitch(SensorLink& sensor, const SessionControls& session, std::int32_t 
         return;
     if (sensor.readText(QStringLiteral("Kiv_DeviceRole")) != QStringLiteral("MASTER"))
         return;
-    QVariantList arguments{value};
-    sensor.callByReference(QStringLiteral("Kiv_SetSwitch"), arguments);
+    sensor.command(QStringLiteral("Kiv_SetSwitch"), {value});
 }
 
 } // namespace skyhold

@@ -10,6 +10,8 @@
 #include "records/reading_display.h"
 #include "records/session_controls.h"
 
+#include <QElapsedTimer>
+
 namespace skyhold {
 
 // The records that opening the link reads and settles.
@@ -26,23 +28,26 @@ class SensorLink {
     SensorLink(CreateObject createObject, Clock& clock);
 
     // Creates the object, checks its version, settles who drives the switch, claims control,
-    // starts its device and waits up to NBTimeout seconds for its first data while events are
-    // served. True when data is there. A second start must not begin meanwhile.
+    // starts its device and waits up to NBTimeout seconds for its first data. True when data is
+    // there. Events are served in every wait, and between calls that are slow; a program that
+    // hangs or has gone meanwhile is taken up as soon as it is back. A second start must not begin
+    // meanwhile.
     bool OpenSensor(const SensorLinkRecords& records, const ShowMessage& showMessage);
 
-    // Gives control back and lets the object go; its device is not stopped. Ends a wait for data.
+    // Gives control back and lets the object go; its device is not stopped. Ends a start's waits.
     void CloseSensor(CurrentReadings& readings);
 
     bool connected() const { return object_ != nullptr; }
 
     // Marks the beginning of a read cycle: its calls together take at most a bounded time, and a
     // sensor program that has come back is taken up again. Until it has its first data this counts
-    // as a call that failed.
+    // as a call that failed. A role that could not be read is asked for again.
     void beginCycle(const SensorLinkRecords& records);
     // Marks the beginning of an automation client's request outside of a cycle; its calls together
     // are bounded in the same way.
     void beginRequest();
-    // True when a call has failed since this was last asked.
+    // True when a call has failed since this was last asked. Asked once in each cycle, so that a
+    // failure lasts until as much as a whole cycle has passed without one.
     bool takeCallFailure();
 
     // Calls of members by name. Without a value when there is no object, the call failed, or the
@@ -54,9 +59,13 @@ class SensorLink {
     // Cloud, rain or brightness as a level 0..3; any other number is none.
     std::optional<std::int32_t> readLevel(const QString& name);
     bool write(const QString& name, const QVariant& value);
-    bool call(const QString& name, QVariantList arguments = {});
-    // The arguments come back as the sensor program left them.
-    bool callByReference(const QString& name, QVariantList& arguments);
+    bool call(const QString& name);
+
+    // A call that has consequences: it has time of its own, and a sensor program that hangs is sent
+    // it without waiting. What `Opens` the roof is not sent to one that hangs: nobody knows what
+    // the sky is like when it goes on. It is told with the first cycle that it answers.
+    enum class Effect { Opens, Other };
+    bool command(const QString& name, const QVariantList& arguments, Effect effect = Effect::Other);
 
     // As read, but with the error for a client that is to receive it.
     AutomationReply forward(const QString& name, unsigned use, QVariantList& arguments);
@@ -69,16 +78,34 @@ class SensorLink {
     QString levelDescription(Quantity quantity, std::int32_t level);
 
   private:
-    bool create(bool waitForStart);
-    bool prepare(const SensorLinkRecords& records, const ShowMessage& showMessage);
-    bool CheckSensorVersion(const ShowMessage& showMessage);
+    enum class Progress {
+        Done,
+        Absent,  // there is no such program
+        Refused, // too old, or it does not say its version
+        Starting,
+        Awaited, // it has yet to answer
+    };
+    Progress takeUp(const SensorLinkRecords& records, const ShowMessage& showMessage);
+    Progress create();
+    bool awaitTakeUp(const SensorLinkRecords& records, const ShowMessage& showMessage);
+    void serveEvents();
+    bool beginStartCall();
+    void prepare(const SensorLinkRecords& records);
+    Progress CheckSensorVersion(const ShowMessage& showMessage);
     void settleRole(const SensorLinkRecords& records);
-    bool waitForData(const NumberBox& timeout);
+    bool waitForData(const SensorLinkRecords& records, const ShowMessage& showMessage);
+    void letGo();
+    bool sendCommand(const QString& name, unsigned use, const QVariantList& arguments);
 
     CreateObject createObject_;
     Clock& clock_;
+    std::unique_ptr<DispatchObject> awaited_; // stands for the object that is still to come
     std::unique_ptr<DispatchObject> object_;
-    bool wanted_ = false; // between OpenSensor and CloseSensor
+    QElapsedTimer held_;      // since events were last served by a start
+    bool wanted_ = false;     // between OpenSensor and CloseSensor
+    bool opening_ = false;    // within OpenSensor
+    bool accepted_ = false;   // the object's version is good
+    bool roleSettled_ = true; // of the accepted object
     bool callFailed_ = false;
     bool dataAwaited_ = false; // of a sensor program that was taken up again
 };

@@ -52,6 +52,26 @@ TEST_F(ReadCycle, otherRoleIsAskedForItsSwitch) {
     EXPECT_EQ(records().alarms.TimeoutAlarmCaption.Caption.value(), u"Timeout Alarm"_s);
 }
 
+TEST_F(ReadCycle, switchIsLeftAloneUntilTheRoleCanBeRead) {
+    StartSession(*core_);
+    StopSession(*core_);
+    const auto drives = [this] {
+        return sensor_.takeCalls().contains(u"Kiv_SetSwitch(d 1)"_s);
+    };
+    EXPECT_TRUE(drives());
+    sensor_.failing = QStringList{u"Kiv_DeviceRole"_s};
+    StartSession(*core_);
+    cycle();
+    EXPECT_FALSE(drives());
+    EXPECT_FALSE(unsafe());
+    EXPECT_FALSE(records().display.LValSwitch.Visible);
+    EXPECT_EQ(records().session.SWRole.Index, 0) << "the user's choice for a master stays";
+    sensor_.failing.clear();
+    cycle();
+    EXPECT_TRUE(sensor_.calls.contains(u"Kiv_DeviceSwitchCtrl=(b true)"_s));
+    EXPECT_TRUE(drives());
+}
+
 TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
     StartSession(*core_);
     const ReadingDisplay& show = records().display;
@@ -98,7 +118,14 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
     const auto answers = [this](const QString& name, const QVariant& value) {
         return std::function([this, name, value] { sensor_.values[name] = value; });
     };
-    const std::pair<const char*, std::function<void()>> cases[] = {
+    const auto fails = [this](const QString& name) {
+        return std::function([this, name] { sensor_.failing = {name}; });
+    };
+    const struct {
+        const char* what;
+        std::function<void()> fail;
+        bool late = false; // after the cycle's test, so that the next cycle reports it
+    } cases[] = {
         {"not running", answers(u"DeviceIsRunning"_s, false)},
         {"transfer file error", answers(u"Kiv_XFERFileErr"_s, true)},
         {"no answers",
@@ -107,27 +134,57 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
          }},
         {"no number", answers(u"SkyTemperature"_s, qQNaN())},
         {"wrong type", answers(u"Condition_Rain"_s, u"perhaps"_s)},
+        {"hangs",
+         [&] {
+             sensor_.state = ObjectState::Hanging;
+         }},
         {"gone",
          [&] {
-             sensor_.alive = sensor_.present = false;
+             sensor_.state = ObjectState::Gone;
+             sensor_.present = false;
          }},
+        {"no verdict taken", fails(u"SetUnSafe"_s), true},
+        {"no switch driven", fails(u"Kiv_SetSwitch"_s), true},
+        {"no description", fails(u"DescriptionClear"_s), true},
+        {"no word of its data",
+         [&] {
+             sensor_.onCall = [this](const QString& name) {
+                 sensor_.answering = name != u"DataReady"_s;
+             };
+         },
+         true},
+        {"no position of the switch",
+         [&] {
+             sensor_.failing = QStringList{u"SwitchStatus"_s};
+             records().session.SwitchControl = false;
+         },
+         true},
     };
     const ReadingDisplay& show = records().display;
-    for (const auto& [what, fail] : cases) {
+    for (const auto& [what, fail, late] : cases) {
         SCOPED_TRACE(what);
         fail();
         cycle();
-        EXPECT_TRUE(unsafe());
-        EXPECT_EQ(codes(), u"a31"_s);
-        EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);
-        EXPECT_EQ(show.SensorStatus.Caption.value(), u"NB error"_s);
-        EXPECT_EQ(show.LValCloud.Caption.value(), QString());
-        EXPECT_EQ(records().display.header(Header::Cloud).ForeColor.value(), kRed);
-        EXPECT_EQ(records().readings.ReadLedColour, kYellow);
-        EXPECT_EQ(SecondsSinceGoodData(records().readings), 1000);
+        EXPECT_EQ(unsafe(), !late);
+        for (int again = 0; again < 3; ++again) {
+            if (again > 0 || late)
+                cycle();
+            EXPECT_TRUE(unsafe()) << again;
+            EXPECT_EQ(codes(), u"a31"_s);
+            EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);
+            EXPECT_EQ(show.SensorStatus.Caption.value(), u"NB error"_s);
+            EXPECT_EQ(show.LValCloud.Caption.value(), QString());
+            EXPECT_EQ(records().display.header(Header::Cloud).ForeColor.value(), kRed);
+            EXPECT_EQ(records().readings.ReadLedColour, kYellow);
+            EXPECT_EQ(SecondsSinceGoodData(records().readings), 1000);
+        }
 
         sensor_.values = well.values;
-        sensor_.answering = sensor_.alive = sensor_.present = true;
+        sensor_.failing.clear();
+        sensor_.onCall = nullptr;
+        sensor_.answering = sensor_.present = true;
+        sensor_.state = ObjectState::Ready;
+        cycle();
         cycle();
         EXPECT_FALSE(unsafe());
         EXPECT_EQ(codes(), QString());
@@ -135,6 +192,24 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
         EXPECT_EQ(SecondsSinceGoodData(records().readings), 3);
     }
     EXPECT_EQ(sensor_.created, 2); // the one that had gone was taken up again
+}
+
+// It may go on under another sky, so that only what closes the roof is left for it.
+TEST_F(ReadCycle, programThatHangsIsSentWhatClosesAlone) {
+    records().conditions.NBDataOldUnsafe.set(0);
+    StartSession(*core_);
+    sensor_.state = ObjectState::Hanging;
+    sensor_.takeCalls();
+    cycle();
+    EXPECT_FALSE(unsafe());
+    EXPECT_EQ(sensor_.takeCalls(), QStringList());
+    StationPage page;
+    page.humidity = u"95 %"_s;
+    cycle(page);
+    EXPECT_TRUE(unsafe());
+    EXPECT_EQ(sensor_.takeCalls(), (QStringList{u"SetUnSafe(b true)"_s, u"Kiv_SetSwitch(d 2)"_s}));
+    StopSession(*core_);
+    EXPECT_EQ(sensor_.takeCalls().value(0), u"Kiv_LocalControl(b false, s )"_s);
 }
 
 TEST_F(ReadCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {

@@ -198,6 +198,65 @@ TEST_F(Session, stopAndCloseEndAWaitingStart) {
     EXPECT_FALSE(core_->sensor.connected());
 }
 
+TEST_F(Session, aStartTakesUpWhatIsSlowOrReturns) {
+    int waits = 0;
+    std::function<void()> first, second;
+    const struct {
+        const char* what;
+        std::function<void()> begin, atFirstWait, atSecondWait;
+        int created;
+    } cases[] = {
+        {"instance comes late", [&] { sensor_.creating = true; }, nullptr,
+         [&] { sensor_.creating = false; }, 1},
+        {"hangs, and goes on", [&] { sensor_.state = ObjectState::Hanging; }, nullptr,
+         [&] { sensor_.state = ObjectState::Ready; }, 1},
+        {"ends before it has data, and comes back", [&] { sensor_.values[u"DataReady"_s] = false; },
+         [&] {
+             sensor_.state = ObjectState::Gone;
+             sensor_.present = false;
+         },
+         [&] {
+             sensor_.values[u"DataReady"_s] = sensor_.present = true;
+             sensor_.state = ObjectState::Ready;
+         },
+         2},
+    };
+    clock_.onWait = [&] {
+        ++waits;
+        const auto& now = waits == 1 ? first : second;
+        if (waits <= 2 && now)
+            now();
+    };
+    for (const auto& [what, begin, atFirstWait, atSecondWait, created] : cases) {
+        SCOPED_TRACE(what);
+        waits = sensor_.created = 0;
+        first = atFirstWait;
+        second = atSecondWait;
+        begin();
+        StartSession(*core_);
+        EXPECT_EQ(waits, 2);
+        EXPECT_TRUE(running());
+        EXPECT_EQ(sensor_.created, created);
+        EXPECT_TRUE(sensor_.takeCalls().contains(u"Device_Start"_s));
+        StopSession(*core_);
+    }
+
+    // What never comes ends the start after NBTimeout, and a stop at once; nothing is kept.
+    for (const bool stopped : {false, true}) {
+        sensor_.creating = true;
+        sensor_.takeCalls();
+        clock_.onWait = [&] {
+            if (stopped)
+                StopSession(*core_);
+        };
+        const std::int64_t begun = clock_.MsClock();
+        StartSession(*core_);
+        EXPECT_FALSE(running());
+        EXPECT_EQ(clock_.MsClock() - begun, stopped ? 250 : 10'250);
+        EXPECT_EQ(sensor_.takeCalls(), QStringList{u"released"_s});
+    }
+}
+
 TEST_F(Session, nothingToDoStopsAtOnceAndUploadAloneReadsNothing) {
     records().session.flgReadStation.set(0);
     StartSession(*core_);

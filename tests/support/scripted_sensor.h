@@ -44,7 +44,9 @@ struct ScriptedSensor {
     QStringList calls;     // "Name", "Name(i 2)", "Name=(b true)"
     bool present = true;   // a new object can be created
     bool answering = true; // calls succeed
-    bool alive = true;
+    QStringList failing;   // but for these
+    ObjectState state = ObjectState::Ready;
+    bool creating = false; // a new object is still to come
     int created = 0;
     std::function<void(const QString& name)> onCall;
 
@@ -67,18 +69,25 @@ inline QString argumentText(const QVariant& value) {
     }
 }
 
-// An instance, or, with the path of its members ("MForm.RainLimit."), an object of one.
+// An instance, or, with the path of its members ("MForm.RainLimit."), an object of one, or what
+// stands for an instance that is still to come.
 class ScriptedObject : public DispatchObject {
   public:
-    explicit ScriptedObject(ScriptedSensor& sensor, const QString& path = {})
+    explicit ScriptedObject(ScriptedSensor& sensor, const QString& path = {}, bool awaited = false)
         : sensor_(sensor)
-        , path_(path) {}
+        , path_(path)
+        , awaited_(awaited) {}
     ~ScriptedObject() override {
-        if (path_.isEmpty())
+        if (path_.isEmpty() && (!awaited_ || sensor_.creating))
             sensor_.calls.append(QStringLiteral("released"));
     }
 
     AutomationReply invoke(const QString& member, unsigned use, QVariantList& arguments) override {
+        if (sensor_.state == ObjectState::Hanging)
+            return {{}, AutomationError::Fail, {}};
+        return command(member, use, arguments);
+    }
+    AutomationReply command(const QString& member, unsigned use, QVariantList arguments) override {
         QStringList texts;
         for (const QVariant& argument : arguments)
             texts.append(argumentText(argument));
@@ -91,7 +100,8 @@ class ScriptedObject : public DispatchObject {
         sensor_.calls.append(call);
         if (sensor_.onCall)
             sensor_.onCall(name);
-        if (!sensor_.answering)
+        if (!sensor_.answering || sensor_.state != ObjectState::Ready ||
+            sensor_.failing.contains(name))
             return {{}, AutomationError::Fail, {}};
         if (use == kPropertyPut)
             sensor_.values[name] = arguments.constLast();
@@ -104,18 +114,25 @@ class ScriptedObject : public DispatchObject {
         path = path.mid(1).replace(u'/', u'.') + u'.';
         return std::make_unique<ScriptedObject>(sensor_, path);
     }
-    bool alive() const override { return sensor_.alive; }
-    void beginCalls(int) override {}
+    ObjectState state() const override {
+        if (awaited_)
+            return sensor_.creating ? ObjectState::Creating : ObjectState::Gone;
+        return sensor_.state;
+    }
+    void beginCalls(const CallTime&) override {}
 
   private:
     ScriptedSensor& sensor_;
     QString path_;
+    bool awaited_;
 };
 
 inline CreateObject ScriptedSensor::creator() {
     return [this](const QString&) -> std::unique_ptr<DispatchObject> {
         if (!present)
             return nullptr;
+        if (creating)
+            return std::make_unique<ScriptedObject>(*this, QString(), true);
         ++created;
         return std::make_unique<ScriptedObject>(*this);
     };
