@@ -28,6 +28,8 @@ Faults (--fault may be given several times; the member Sim_Fault of every object
   not-running           the device does not run
   xfer-error            the transfer file failed
   late=MS               every answer so many real milliseconds later
+  slow-member=MEMBER    every answer of that member three real seconds later
+  failing-member=MEMBER every call of that member fails
   silent                no answer at all
   die[=MEMBER]          the process ends inside the next call, or the next call of that member
   nan, inf              every value is no number, or infinite
@@ -79,8 +81,9 @@ int main(int argc, char** argv) {
     options.version = parser.value(u"sensor-version"_s);
 
     Faults faults({u"slow-ready"_s, u"old-version"_s, u"role"_s, u"not-running"_s, u"xfer-error"_s,
-                   u"late"_s, u"silent"_s, u"die"_s, u"nan"_s, u"wrong-types"_s, u"inf"_s,
-                   u"empty"_s, u"megabyte"_s, u"level"_s, u"nameless"_s});
+                   u"late"_s, u"slow-member"_s, u"failing-member"_s, u"silent"_s, u"die"_s,
+                   u"nan"_s, u"wrong-types"_s, u"inf"_s, u"empty"_s, u"megabyte"_s, u"level"_s,
+                   u"nameless"_s});
     const auto begin = [&faults, wanted = parser.values(u"fault"_s)] {
         return std::find_if_not(wanted.cbegin(), wanted.cend(), [&faults](const QString& fault) {
                    return faults.set(fault);

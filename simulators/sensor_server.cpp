@@ -12,6 +12,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr std::size_t kMaxLoggedCalls = 10'000;
+constexpr int kSlowMemberMs = 3000;
 
 QString useName(unsigned use) {
     switch (use) {
@@ -120,7 +121,8 @@ bool SensorServer::handleMessage(const QDBusMessage& message, const QDBusConnect
         interface != QLatin1String(kFactoryInterface))
         return AutomationServer::handleMessage(message, connection);
 
-    if (const std::optional<Call> call = callOf(message)) {
+    const std::optional<Call> call = callOf(message);
+    if (call) {
         if (call->member.startsWith(u"Sim_")) {
             answerSimulatorCall(*call, message, connection);
             return true;
@@ -129,6 +131,11 @@ bool SensorServer::handleMessage(const QDBusMessage& message, const QDBusConnect
             call->object.isEmpty() ? call->member : call->object + u'.' + call->member;
         log(logLine(name, call->use, call->arguments));
         dieWhenTold(call->member);
+        if (faults_.has(u"failing-member"_s) &&
+            faults_.value(u"failing-member"_s) == call->member) {
+            connection.send(automationErrorReply(message, AutomationError::Exception, name));
+            return true;
+        }
     } else {
         log(message.member() + u"()"_s);
     }
@@ -137,12 +144,17 @@ bool SensorServer::handleMessage(const QDBusMessage& message, const QDBusConnect
         keptBack_.append(message);
         return true;
     }
-    if (const int ms = faults_.number(u"late"_s, 0); ms > 0) {
+    if (const int ms = lateness(call ? call->member : QString()); ms > 0) {
         QTimer::singleShot(ms, Qt::PreciseTimer, this,
                            [this, message, connection] { answer(message, connection); });
         return true;
     }
     return AutomationServer::handleMessage(message, connection);
+}
+
+int SensorServer::lateness(const QString& member) const {
+    const bool slow = faults_.has(u"slow-member"_s) && faults_.value(u"slow-member"_s) == member;
+    return slow ? kSlowMemberMs : faults_.number(u"late"_s, 0);
 }
 
 // The bus waits no longer for whether the message was understood, so a refusal is sent from here.

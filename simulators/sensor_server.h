@@ -36,6 +36,7 @@ class SensorServer : public AutomationServer {
     void answerSimulatorCall(const Call& call, const QDBusMessage& message,
                              const QDBusConnection& connection);
     void log(const QString& line);
+    int lateness(const QString& member) const; // milliseconds
     void answer(const QDBusMessage& message, const QDBusConnection& connection);
     void dieWhenTold(const QString& member) const;
 

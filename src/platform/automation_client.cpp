@@ -256,7 +256,7 @@ class Creation {
     Creation(const Creation&) = delete;
     Creation& operator=(const Creation&) = delete;
 
-    bool finished() const { return call_.isFinished(); }
+    bool finished() const { return call_.isFinished() || !bus_.isConnected(); }
 
     // Waits for the answer without serving events.
     void wait(int ms) const {

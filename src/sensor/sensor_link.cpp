@@ -222,6 +222,7 @@ void SensorLink::letGo() {
 }
 
 void SensorLink::beginCycle(const SensorLinkRecords& records) {
+    descriptions_ = {};
     if (object_)
         object_->beginCalls(kCycleTime);
     if (wanted_ && takeUp(records, nullptr) != Progress::Done)
@@ -352,7 +353,11 @@ QString SensorLink::levelDescription(Quantity quantity, std::int32_t level) {
     const auto row = static_cast<std::size_t>(quantity);
     if (row >= names.size() || level < 1 || level > 3)
         return {};
-    return readText(names[row][static_cast<std::size_t>(level - 1)]).value_or(QString());
+    Description& description = descriptions_[row];
+    if (description.level != level)
+        description = {
+            level, readText(names[row][static_cast<std::size_t>(level - 1)]).value_or(QString())};
+    return description.text;
 }
 
 void Disp_SwitchLabels(SessionControls& session, ReadingDisplay& display) {

@@ -12,6 +12,8 @@
 
 #include <QElapsedTimer>
 
+#include <array>
+
 namespace skyhold {
 
 // The records that opening the link reads and settles.
@@ -73,8 +75,8 @@ class SensorLink {
     // or the link has ended.
     std::unique_ptr<DispatchObject> object(const QVariant& answer);
 
-    // Description of level 1..3 of cloud, rain or brightness as the sensor program names it;
-    // empty when it does not answer.
+    // Description of level 1..3 of cloud, rain or brightness as the sensor program names it, asked
+    // for once in a cycle; empty when it does not answer.
     QString levelDescription(Quantity quantity, std::int32_t level);
 
   private:
@@ -108,6 +110,12 @@ class SensorLink {
     bool roleSettled_ = true; // of the accepted object
     bool callFailed_ = false;
     bool dataAwaited_ = false; // of a sensor program that was taken up again
+
+    struct Description {
+        std::int32_t level = 0;
+        QString text;
+    };
+    std::array<Description, 3> descriptions_; // of this cycle
 };
 
 // Shows or hides the switch labels and sets whether this program drives the switch.

@@ -121,6 +121,8 @@ TEST_F(CoreAlarms, sensorFailureSilencesTheSensorProgramAndSoundsWhileItLasts) {
     expect(u"sensor"_s, u"20"_s);
     sensor_.answering = true;
     cycle();
+    expect({}, u"20"_s);
+    cycle();
     expect(u"-"_s, {});
 }
 

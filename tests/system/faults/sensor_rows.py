@@ -31,30 +31,41 @@ FAILURES = {
     "not-running": "its device does not run",
     "xfer-error": "its transfer file fails",
     "silent": "never answers",
+    "late=160": "answers every call after 0.16 s",
     "late=1000": "answers every call after 1 s",
     "late=1900": "answers every call after 1.9 s",
+    "slow-member=RainHeaterStatus": "answers one call after 3 s",
+    "failing-member=SetUnSafe": "refuses the verdict",
     "wrong-types": "answers with wrong types",
     "nan": "answers with NaN",
     "inf": "answers with infinities",
     "empty": "answers with empty values",
     "level=9": "answers with a condition that there is not",
 }
+UNSAFE_COMMANDS = ["SetUnSafe(method; b true)", "Kiv_SetSwitch(method; d 2)"]
 
 
 def failure(fault):
     def walk(seen):
         monitored = shared()
+        monitored.ask_sensor("Sim_Calls")
         monitored.break_sensor(fault)
-        with seen.untrusted(monitored):
+        # A refusal after the cycle's test is reported by the next cycle.
+        with seen.untrusted(monitored, under_way=2 if "failing" in fault else 1):
             seen.cycle(monitored, fault, has_failed)
             more_cycles(seen, monitored, 3)
+        calls = monitored.ask_sensor("Sim_Calls").splitlines()
+        told = [calls.count(command) for command in UNSAFE_COMMANDS]
+        assert all(told), "it was not told to close"
+        if fault == "silent":
+            assert told == [1, 1], "its messages pile up"
         monitored.break_sensor("none")
         seen.recovery(monitored, "its end", is_safe)
     return walk
 
 
 for name, text in FAILURES.items():
-    row(AREA, text)(failure(name))
+    row(AREA, text, short=name == "late=160")(failure(name))
 
 
 @row(AREA, "answers with texts of a megabyte")
@@ -190,15 +201,45 @@ for text, arguments, messages in [
     row(AREA, text, short=arguments is None)(refused_start(arguments, messages))
 
 
-@row(AREA, "answers every call after 0.4 s from the start on")
+@row(AREA, "answers every call after 1 s from the start to the end")
 def slow_from_the_start(seen):
     # Its delays do not shrink with the clock: the time that the start waits must not, either.
-    with quiet_evening(sensor=["--fault", "late=400"], speed=3, read_seconds=5) as monitored:
+    with quiet_evening(sensor=["--fault", "late=1000"], speed=3, read_seconds=5) as monitored:
         with seen.untrusted(monitored, under_way=0):
             seen.cycle(monitored, "a slow sensor program", has_failed)
             more_cycles(seen, monitored, 3)
+        client = Client(monitored)
+        client.invoke("Device_Stop", METHOD)
+        calls = monitored.ask_sensor("Sim_Calls").splitlines()
+        told = ["Kiv_DeviceSwitchCtrl(put; b true)",
+                'Kiv_LocalControl(method; b true, s "Kiv_Skyhold has control")',
+                "Device_Start(method)", *UNSAFE_COMMANDS,
+                'Kiv_LocalControl(method; b false, s "")']
+        assert [call for call in told if call in calls] == told, calls
         monitored.break_sensor("none")
-        seen.recovery(monitored, "its end", is_safe)
+        client.invoke("Device_Start", METHOD)
+        seen.recovery(monitored, "a session after its end", is_safe)
+        client.close()
+
+
+@row(AREA, "gives its instances only when nobody waits for them any more")
+def late_instance(seen):
+    with quiet_evening(sensor=["--fault", "silent"]) as monitored:
+        seen.expect(NO_SENSOR, lambda: any(NO_SENSOR in line for line in monitored.errors), 30)
+        client = Client(monitored)
+        client.invoke("Device_Start", METHOD)
+        monitored.break_sensor("none")
+        calls = []
+
+        def released():
+            calls.extend(monitored.ask_sensor("Sim_Calls").splitlines())
+            return calls.count("Release()") == calls.count("CreateInstance()") == 2
+
+        seen.expect("every instance is released", released, 10)
+        seen.say("each is released")
+        client.invoke("Device_Start", METHOD)
+        seen.recovery(monitored, "a session with a good sensor program", is_safe)
+        client.close()
 
 
 @row(AREA, "every role")
