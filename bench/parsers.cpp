@@ -6,6 +6,7 @@
 #include "datafiles/station_number.h"
 #include "datafiles/station_table.h"
 #include "platform/automation_value.h"
+#include "platform/settings_text.h"
 #include "platform/text_encoding.h"
 #include "settings/settings.h"
 #include "settings/stored_text.h"
@@ -215,7 +216,7 @@ bool settings(const QTemporaryDir& folder) {
                        // Others take its place among those kept, or their memory would be measured.
                        for (int other = 0; other < 40; ++other)
                            QSettings(folder.filePath(u"other%1.ini"_s.arg(other)),
-                                     QSettings::IniFormat);
+                                     settingsFormat());
                    });
 }
 

@@ -56,9 +56,11 @@ void LoadMainWindow(MonitoringCore& core) {
         findFile(joinPath(programFolder(), QStringLiteral("Kiv_Skyhold.chm"))).value_or(QString());
     core.records.window.Caption = core.version.title();
     LoadSettings(core.records, core.settings, core.forms);
-    if (core.settings.completed())
+    if (const QStringList& restored = core.settings.restored(); !restored.isEmpty())
         SetStatusText(core.records.session.Statusbar1,
-                      QStringLiteral("Settings were cut short - completed from their copy"), kRed);
+                      QStringLiteral("Settings cut short - %1 restored: %2")
+                          .arg(QString::number(restored.size()), firstNames(restored, 1)),
+                      kRed);
     RefreshFileList(core.records.upload);
     SetIdleControls(core.records, true);
     UpdateMenus(core.records);

@@ -3,27 +3,20 @@
 // load as half of the user's limits and half defaults, and its last number may be a piece of one.
 #pragma once
 
-#include <QByteArray>
 #include <QString>
-
-#include <cstdint>
+#include <QStringList>
 
 namespace skyhold {
-
-// A longer file is not taken for settings.
-constexpr std::int64_t kMostSettingsBytes = 16'000'000;
-
-// Puts a file with these bytes in the place of the one at `path`, in one step and for its owner
-// alone. False when that failed; what stood there stays.
-bool replaceSettings(const QString& path, const QByteArray& bytes);
 
 // Copies the file, which has just been saved whole, to beside it. False when that failed; the copy
 // is then the one before.
 bool keepWholeCopy(const QString& path);
 
-// Gives a file that ends before the last key of its copy, or in mid-line, the keys that it lacks;
-// those that it has stay. True when it was cut and has been completed. A missing file is none that
-// was cut: that is how everything is reset.
-bool completeCutSettings(const QString& path);
+// Gives a file that was cut short the keys of its copy that stood behind the cut, and returns their
+// names ("Section/Key"). A file was cut when it holds zero bytes, as a crashed file system leaves
+// them, or when it lacks the end mark and either ends in mid-line or has just the first keys of the
+// copy. Anything else that lacks keys is the user's own work and stays as it is: what somebody took
+// out must not come back. So does a missing file, by which everything is reset.
+QStringList completeCutSettings(const QString& path);
 
 } // namespace skyhold

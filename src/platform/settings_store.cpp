@@ -1,8 +1,8 @@
 #include "platform/settings_store.h"
 
 #include "platform/files.h"
-#include "platform/settings_binary.h"
 #include "platform/settings_copy.h"
+#include "platform/settings_text.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -10,6 +10,7 @@
 #include <QLockFile>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -117,6 +118,11 @@ void removeLeftovers(const QString& path) {
 
 } // namespace
 
+QString firstNames(const QStringList& names, qsizetype most) {
+    const QString more = names.size() > most ? QStringLiteral(", …") : QString();
+    return names.first(std::min(most, names.size())).join(QStringLiteral(", ")) + more;
+}
+
 SettingsStore::SettingsStore(const QString& application) {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
                            QStringLiteral("/Kiv");
@@ -125,21 +131,17 @@ SettingsStore::SettingsStore(const QString& application) {
     removeUntrusted(folder, application, wasPrivate);
     makeFilePrivate(path_);
     removeLeftovers(path_);
-    if (removeBinaryValues(path_))
-        tell(path_, "held values that are no text; they are removed");
-    completed_ = completeCutSettings(path_);
-    if (completed_)
-        tell(path_, "was cut short; what it lacked has been taken from its last whole copy");
-    file_ = std::make_unique<QSettings>(path_, QSettings::IniFormat);
+    restored_ = completeCutSettings(path_);
+    if (!restored_.isEmpty())
+        tell(path_,
+             qPrintable(QStringLiteral("was cut short; its last whole copy gave %1 keys: %2")
+                            .arg(QString::number(restored_.size()), firstNames(restored_, 5))));
+    file_ = std::make_unique<QSettings>(path_, settingsFormat());
 }
 
 QString SettingsStore::GetSetting(const QString& section, const QString& key,
                                   const QString& fallback) const {
-    const QVariant stored = file_->value(storedName(section, key));
-    // An unquoted comma in a hand-edited file makes the value a list.
-    if (stored.typeId() == QMetaType::QStringList)
-        return stored.toStringList().join(QStringLiteral(","));
-    return stored.isValid() ? stored.toString() : fallback;
+    return file_->value(storedName(section, key), fallback).toString();
 }
 
 void SettingsStore::SaveSetting(const QString& section, const QString& key, const QString& text) {
@@ -160,11 +162,6 @@ bool SettingsStore::flush() {
     // Whatever is made here is the owner's alone from its first byte.
     const mode_t before = ::umask(kOthers);
     file_->sync();
-    // A line that could not be read stays noted, and would hide whether the file was written.
-    if (file_->status() == QSettings::FormatError) {
-        file_ = std::make_unique<QSettings>(path_, QSettings::IniFormat);
-        file_->sync();
-    }
     ::umask(before);
     makePrivate(path_);
     return file_->status() == QSettings::NoError;

@@ -4,10 +4,14 @@
 
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
 namespace skyhold {
+
+// "a, b, …": at most so many of them.
+QString firstNames(const QStringList& names, qsizetype most);
 
 class SettingsStore {
   public:
@@ -27,14 +31,14 @@ class SettingsStore {
     bool flush();
     // Keeps a copy of the file, to be called when it holds every key. False when that failed.
     bool keepCopy();
-    // The file had been cut short and has been completed from its copy.
-    bool completed() const { return completed_; }
+    // The names of the keys that a file which had been cut short got back from its copy.
+    const QStringList& restored() const { return restored_; }
 
     QString filePath() const { return path_; }
 
   private:
     QString path_;
-    bool completed_ = false;
+    QStringList restored_;
     std::unique_ptr<QSettings> file_;
 };
 

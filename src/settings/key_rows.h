@@ -5,8 +5,6 @@
 #include "settings/key_table.h"
 #include "settings/stored_text.h"
 
-#include <algorithm>
-#include <limits>
 #include <type_traits>
 
 namespace skyhold {
@@ -104,19 +102,18 @@ class KeyRows {
         KeyRow& row = add(KeyType::Integer, key, QString::number(defaultValue), holds);
         row.lowest = range.lowest;
         row.highest = range.highest;
+        row.clamped = range.clamp;
         row.text = [&field](const NumberForms&) {
             return QString::number(roundHalfEven(valueOf(field)) + 0.0, 'f', 0);
         };
         if constexpr (!std::is_const_v<Field>)
             row.load = [&field, range](const QString& stored, const NumberForms& forms) {
-                using Any = std::numeric_limits<int>;
                 const auto value =
-                    storedInteger(stored, forms, range.clamp ? Any::min() : range.lowest,
-                                  range.clamp ? Any::max() : range.highest);
-                if (!value)
-                    return false;
-                putInto(field, std::clamp(*value, range.lowest, range.highest));
-                return true;
+                    range.clamp ? nearestInteger(stored, forms, range.lowest, range.highest)
+                                : storedInteger(stored, forms, range.lowest, range.highest);
+                if (value)
+                    putInto(field, *value);
+                return value.has_value();
             };
         return row;
     }

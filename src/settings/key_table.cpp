@@ -203,7 +203,7 @@ void graphRows(KeyRows& rows, AnyRecords& r) {
     rows.section(u"Graphs"_s);
     rows.integer(u"GraphNoPoints"_s, 120, {20, 2000, true}, graphs.GraphNoPoints,
                  u"points kept in the history"_s);
-    rows.integer(u"GraphFreq"_s, 6, {1, 99}, graphs.GraphFreq, u"read cycles per point"_s);
+    rows.integer(u"GraphFreq"_s, 6, {1, 99, true}, graphs.GraphFreq, u"read cycles per point"_s);
     for (std::size_t i = 0; i < names.size(); ++i)
         rows.check(u"Generate"_s + latin(names[i]), true, graphs.GraphGenerate[i],
                    u"this graph is drawn"_s);

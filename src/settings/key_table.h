@@ -28,6 +28,7 @@ struct KeyRow {
     QString holds;       // for the reference page
     int lowest = 0;      // of integers and colours
     int highest = 0;
+    bool clamped = false; // what lies outside moves to the nearer end
 
     // The field's value as the text to store.
     std::function<QString(const NumberForms&)> text;

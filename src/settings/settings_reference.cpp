@@ -16,6 +16,13 @@ const QString kPreface =
     "the monitor starts and written when it ends; a few keys are written at once. Change it only\n"
     "while the monitor does not run. The file is its owner's alone, for a password lies in it.\n"
     "\n"
+    "Its last key, `Whole` in section `End`, marks a file that has been written to its end. A "
+    "file\n"
+    "that lacks it, and breaks off in mid-line or has just the first keys of the last whole copy\n"
+    "(`Kiv_Skyhold.ini.whole`), was cut short: the keys behind the cut are taken from the copy, "
+    "and\n"
+    "the status line and standard error say which. What is taken out by hand stays out.\n"
+    "\n"
     "A key that is absent, does not convert or is out of range counts as its default.\n"
     "\n"
     "| type | text |\n"
@@ -34,7 +41,9 @@ QString typeName(const KeyRow& row) {
     case KeyType::Text:
         return u"text"_s;
     case KeyType::Integer:
-        return u"integer %1 to %2"_s.arg(row.lowest).arg(row.highest);
+        return u"integer %1 to %2%3"_s.arg(row.lowest)
+            .arg(row.highest)
+            .arg(row.clamped ? u", else the nearer end"_s : QString());
     case KeyType::Number:
         return u"number"_s;
     case KeyType::Boolean:

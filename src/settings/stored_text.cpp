@@ -1,5 +1,7 @@
 #include "settings/stored_text.h"
 
+#include <algorithm>
+
 namespace skyhold {
 
 std::optional<double> storedNumber(const QString& text, const NumberForms& forms) {
@@ -19,6 +21,14 @@ std::optional<int> storedInteger(const QString& text, const NumberForms& forms, 
     if (rounded < lowest || rounded > highest)
         return std::nullopt;
     return static_cast<int>(rounded);
+}
+
+std::optional<int> nearestInteger(const QString& text, const NumberForms& forms, int lowest,
+                                  int highest) {
+    const auto number = storedNumber(text, forms);
+    if (!number)
+        return std::nullopt;
+    return static_cast<int>(std::clamp(roundHalfEven(*number), double(lowest), double(highest)));
 }
 
 std::optional<bool> storedBoolean(const QString& text) {

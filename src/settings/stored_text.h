@@ -18,6 +18,10 @@ std::optional<double> storedNumber(const QString& text, const NumberForms& forms
 std::optional<int> storedInteger(const QString& text, const NumberForms& forms, int lowest,
                                  int highest);
 
+// The same, but what lies outside moves to the nearer end.
+std::optional<int> nearestInteger(const QString& text, const NumberForms& forms, int lowest,
+                                  int highest);
+
 // "True" or "False", in any case.
 std::optional<bool> storedBoolean(const QString& text);
 QString booleanText(bool value);

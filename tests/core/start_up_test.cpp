@@ -42,6 +42,19 @@ TEST_F(StartUp, firstStartIsKnownByTheMissingMarker) {
     EXPECT_FALSE(running());
 }
 
+TEST_F(StartUp, keysThatACutFileGotBackAreNamed) {
+    EXPECT_EQ(status(), QString());
+    EXPECT_TRUE(SaveSettings(records(), settings_, {}));
+    QFile file(settings_.filePath());
+    EXPECT_TRUE(file.resize(file.size() / 2));
+    SettingsStore cut(u"Kiv_Skyhold"_s);
+    MonitoringCore core(clock_, cut, sensor_.creator(), media_, ProgramVersion{});
+    LoadMainWindow(core);
+    const QString said = core.records.session.Statusbar1.Caption;
+    EXPECT_EQ(said, u"Settings cut short - %1 restored: %2, …"_s.arg(
+                        QString::number(cut.restored().size()), cut.restored().value(0)));
+}
+
 TEST_F(StartUp, newsAndUpdateStatusAreShownOnce) {
     const auto tick = [&] {
         messages_.clear();

@@ -200,7 +200,7 @@ TEST_F(Settings, RubbishInAKeyYieldsItsDefaultAndNothingElseChanges) {
             rubbish += {u"2"_s, u"-1"_s};
         if (row.type == KeyType::Colour)
             rubbish += {u"-1"_s, u"16777216"_s};
-        if (row.type == KeyType::Integer && row.key != u"GraphNoPoints"_s)
+        if (row.type == KeyType::Integer && !row.clamped)
             rubbish += {QString::number(row.lowest - 1), QString::number(row.highest + 1),
                         u"99999999999"_s};
         for (const QString& text : std::as_const(rubbish)) {
@@ -225,11 +225,19 @@ TEST_F(Settings, StoredTextsConvert) {
         {"Limit", "WindCalm", "1,5", kPoint, "1.5"},
         {"Limit", "WindCalm", "12.5", kComma, "12,5"},
         {"Limit", "WindCalm", "1,234.5", kPoint, "10"},
+        {"Limit", "WindCalm", "1.012.5", kPoint, "10"},
+        {"Limit", "WindCalm", "1.012.5", kComma, "10"},
+        {"Limit", "WindCalm", "1e-05", kPoint, "1e-05"}, // as it is saved
+        {"Limit", "WindCalm", "1,5e-05", kComma, "1,5e-05"},
         {"Window", "SafeDelayVal", "100000", kPoint, "100000"},
         {"Setup", "TimeoutREAD", "2.5", kPoint, "2"},
         {"Setup", "TimeoutREAD", " 7 ", kPoint, "7"},
         {"Graphs", "GraphNoPoints", "5", kPoint, "20"},
         {"Graphs", "GraphNoPoints", "5000", kPoint, "2000"},
+        {"Graphs", "GraphFreq", "0", kPoint, "1"},
+        {"Graphs", "GraphFreq", "-4", kPoint, "1"},
+        {"Graphs", "GraphFreq", "100", kPoint, "99"},
+        {"Graphs", "GraphFreq", "1e12", kPoint, "99"},
         {"Graphs", "GraphColorWind0", "255", kPoint, "255"},
         {"Window", "FreqSave", "0", kPoint, "1"},
         {"File", "Prt03", "FALSE", kPoint, "False"},

@@ -109,13 +109,27 @@ def cut(seen):
             lost = {name: after.get(name) for name in kept if after.get(name) != kept[name]}
             assert not lost, (part, lost)
             assert any("cut short" in line for line in monitored.errors), monitored.errors
-        seen.say(f"all {len(kept)} values are taken from the last whole copy; “cut short” is told")
+        seen.say(f"all {len(kept)} values are there again, those behind the cut from the last whole "
+                 "copy; standard error says which")
         settings_file(monitored).write_bytes(whole.encode()[:size // 2] + bytes(size // 2))
         start_again(monitored)
         end_monitor(monitored)
         after = keys_of(settings_file(monitored).read_text(encoding="utf-8"))
         assert after == kept
         seen.say("the same for a second half of zero bytes")
+        # Limits, and the last key before the mark, by an editor that leaves out the last line end.
+        lines = [line for line in whole.splitlines() if not line.startswith("Wind")]
+        end = lines.index("[End]")
+        settings_file(monitored).write_text("\n".join(lines[:end - 2] + lines[end:]),
+                                            encoding="utf-8")
+        monitored.errors.clear()
+        start_again(monitored)
+        client = Client(monitored)
+        assert client.invoke("ThreshWindCalm") == 10
+        client.close()
+        end_monitor(monitored)
+        assert not any("cut short" in line for line in monitored.errors), monitored.errors
+        seen.say("what was taken out by hand stays out")
 
 
 @row("settings", "half-written beside it by a crash; of a newer version")
