@@ -5,12 +5,14 @@
 #include "uploader/quit_request.h"
 #include "uploader/transfer.h"
 
+#include <QDateTime>
 #include <QDeadlineTimer>
 #include <QThread>
 
 #include <cstdio>
 #include <cstdlib>
 #include <sys/resource.h>
+#include <unistd.h>
 #include <utility>
 
 using namespace skyhold;
@@ -20,6 +22,19 @@ namespace {
 
 void tell(const QString& text) {
     std::fprintf(stderr, "Kiv_Uploader: %s\n", text.toUtf8().constData());
+}
+
+const QString kNotSent = u"it was not sent before the uploader ended"_s;
+
+// The process that the monitor has started: its worker reports in its name.
+pid_t started = 0;
+
+QString now() {
+    return QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss"_s);
+}
+
+QString nameOf(const QString& path) {
+    return path.section(u'/', -1);
 }
 
 void setRunning(SettingsStore& area, bool running) {
@@ -57,41 +72,64 @@ bool breakOff() {
     return quitAtOnce();
 }
 
-int sendFiles(const UploadJob& job) {
+// Notes in the report what has not arrived, and the last success and error.
+void sendFiles(const UploadJob& job, UploadReport& report) {
     const qsizetype count = job.files.size();
     tell(u"%1 files for "_s.arg(count) + job.server.host + u'/' + job.server.folder);
     Transfer transfer(job, breakOff);
-    qsizetype arrived = 0;
-    for (qsizetype i = 0; i < count && !quitAfterThisFile(); ++i) {
-        const QString which = u"%1 of %2: %3"_s.arg(i + 1).arg(count).arg(job.files[i]);
-        tell(which);
-        const TransferResult result = transfer.send(job.files[i]);
-        if (result.fault.isEmpty()) {
-            ++arrived;
+    report.notArrived.clear();
+    QString lost; // the fault after which no other file is sent
+    for (qsizetype i = 0; i < count; ++i) {
+        const QString& file = job.files[i];
+        if (quitAfterThisFile() || !lost.isEmpty()) {
+            report.notArrived.push_back({file, lost.isEmpty() ? kNotSent : lost, now()});
             continue;
         }
+        const QString which = u"%1 of %2: %3"_s.arg(i + 1).arg(count).arg(file);
+        tell(which);
+        const TransferResult result = transfer.send(file);
+        if (result.fault.isEmpty())
+            continue;
         tell(which + u": "_s + result.fault);
+        report.notArrived.push_back({file, result.fault, now()});
+        report.lastError = u"%1 %2: %3"_s.arg(now(), nameOf(file), result.fault);
         if (result.serverLost)
-            break;
+            lost = result.fault;
     }
+    const qsizetype arrived = count - static_cast<qsizetype>(report.notArrived.size());
+    if (arrived > 0)
+        report.lastSuccess = u"%1 %2 of %3 files"_s.arg(now()).arg(arrived).arg(count);
     tell(u"%1 of %2 files have arrived"_s.arg(arrived).arg(count));
-    return arrived == count ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int upload() {
     TaskLock lock;
-    if (!waitForTurn(lock))
-        return EXIT_FAILURE;
+    const bool turn = waitForTurn(lock);
     SettingsStore area(kUploaderArea);
+    UploadReport result = readUploadReport(area);
+    result.processId = started;
+    result.notArrived.clear();
+    // Should it be killed, nothing counts as arrived.
+    for (const QString& file : readFiles(area))
+        result.notArrived.push_back({file, kNotSent, now()});
+    writeUploadReport(area, result);
+    if (!turn) {
+        area.flush();
+        return EXIT_FAILURE;
+    }
     setRunning(area, true);
     QString fault;
-    int status = EXIT_FAILURE;
-    if (const std::optional<UploadJob> job = readUploadJob(area, fault))
-        status = sendFiles(*job);
-    else
+    if (const std::optional<UploadJob> job = readUploadJob(area, fault)) {
+        sendFiles(*job, result);
+    } else {
         tell(fault);
+        for (UploadFault& file : result.notArrived)
+            file.reason = fault;
+        result.lastError = now() + u": "_s + fault;
+    }
+    writeUploadReport(area, result);
     setRunning(area, false);
-    return status;
+    return fault.isEmpty() && result.notArrived.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 // For the guard of a worker that was killed. Another uploader's word is left alone.
@@ -99,8 +137,12 @@ void clearRunning() {
     tell(u"killed"_s);
     SettingsStore area(kUploaderArea);
     TaskLock lock;
-    if (lock.take(taskLockPath(area)))
-        setRunning(area, false);
+    if (!lock.take(taskLockPath(area)))
+        return;
+    UploadReport report = readUploadReport(area);
+    report.lastError = now() + u": the uploader was killed"_s;
+    writeUploadReport(area, report);
+    setRunning(area, false);
 }
 
 } // namespace
@@ -113,5 +155,6 @@ int main(int argc, char**) {
     const rlimit none{0, 0}; // a dump would hold the password
     ::setrlimit(RLIMIT_CORE, &none);
     catchQuitSignals();
+    started = ::getpid();
     return runGuarded(upload, clearRunning);
 }

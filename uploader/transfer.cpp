@@ -19,14 +19,19 @@ namespace {
 
 constexpr std::int64_t kLargestFile = std::int64_t{256} * 1024 * 1024;
 
+// So long a failed file's part may take to be removed.
+constexpr std::int64_t kLongestRemovalMs = 2000;
+
 // The bytes of a file that are still to be sent.
 struct Remaining {
     const char* data;
     std::size_t size;
+    bool asked = false; // the server has made the file and waits for them
 };
 
 std::size_t readNext(char* buffer, std::size_t size, std::size_t count, void* remaining) {
     auto& rest = *static_cast<Remaining*>(remaining);
+    rest.asked = true;
     const std::size_t bytes = std::min(size * count, rest.size);
     std::memcpy(buffer, rest.data, bytes);
     rest.data += bytes;
@@ -136,8 +141,11 @@ TransferResult Transfer::send(const QString& path) {
     // Some servers do not rename over an existing file.
     if (code == CURLE_QUOTE_ERROR && renameWasRefused())
         code = replaceAndRename(name);
-    if (code != CURLE_OK)
+    if (code != CURLE_OK) {
         hangUp();
+        if (partMade_)
+            removePart(name);
+    }
     // A server that takes nothing in all that time is not waited for again.
     const bool tookNothing = sent == 0 && !bytes.isEmpty();
     return result(code, tookNothing);
@@ -149,14 +157,30 @@ CURLcode Transfer::store(const QString& name, const QByteArray& bytes) {
     curl_easy_setopt(curl_.get(), CURLOPT_UPLOAD, 1L);
     curl_easy_setopt(curl_.get(), CURLOPT_READDATA, &rest);
     curl_easy_setopt(curl_.get(), CURLOPT_INFILESIZE_LARGE, curl_off_t{bytes.size()});
-    return perform(remoteUrl(job_.server, partName(name)), renameCommands(name));
+    const CURLcode code = perform(remoteUrl(job_.server, partName(name)), renameCommands(name));
+    partMade_ = rest.asked;
+    return code;
 }
 
 CURLcode Transfer::replaceAndRename(const QString& name) {
+    return command(QList{deleteCommand(name)} + renameCommands(name));
+}
+
+void Transfer::removePart(const QString& name) {
+    const std::int64_t most = std::min(job_.timeoutSeconds * std::int64_t{1000}, kLongestRemovalMs);
+    deadline_ = QDeadlineTimer(most).deadline();
+    // Also when the user has broken the file off.
+    curl_easy_setopt(curl_.get(), CURLOPT_NOPROGRESS, 1L);
+    command({deleteCommand(partName(name))});
+    curl_easy_setopt(curl_.get(), CURLOPT_NOPROGRESS, 0L);
+    // On a connection that began without a file the library has been seen to miss the next one's.
+    hangUp();
+}
+
+CURLcode Transfer::command(const QList<QByteArray>& commands) {
     curl_easy_setopt(curl_.get(), CURLOPT_UPLOAD, 0L);
     curl_easy_setopt(curl_.get(), CURLOPT_NOBODY, 1L);
-    return perform(remoteUrl(job_.server, QString()),
-                   QList{deleteCommand(name)} + renameCommands(name));
+    return perform(remoteUrl(job_.server, QString()), commands);
 }
 
 CURLcode Transfer::perform(const QByteArray& url, const QList<QByteArray>& commandsAfterwards) {

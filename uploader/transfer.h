@@ -25,12 +25,15 @@ class Transfer {
     // Sends a file of at most 256 MiB into the server's folder, which is made when it is missing.
     // It is sent under a name of its own (NAME.part) and takes its name when it has arrived whole,
     // so that nobody ever finds a part of it under its name. Takes at most the job's time-out,
-    // whatever the server does or fails to do.
+    // whatever the server does or fails to do, and two seconds more to remove what has arrived of
+    // a file that failed.
     TransferResult send(const QString& path);
 
   private:
     CURLcode store(const QString& name, const QByteArray& bytes);
     CURLcode replaceAndRename(const QString& name);
+    void removePart(const QString& name);
+    CURLcode command(const QList<QByteArray>& commands);
     CURLcode perform(const QByteArray& url, const QList<QByteArray>& commandsAfterwards);
     QList<QByteArray> renameCommands(const QString& name) const;
     QByteArray deleteCommand(const QString& name) const;
@@ -43,6 +46,7 @@ class Transfer {
     const UploadJob& job_;
     bool (*cancelled_)();
     std::unique_ptr<CURL, void (*)(CURL*)> curl_;
+    bool partMade_ = false;     // of the current file
     std::int64_t deadline_ = 0; // of the current file, ms of the steady clock
 };
 

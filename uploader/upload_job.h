@@ -1,7 +1,7 @@
 // What the monitor has handed off.
 #pragma once
 
-#include "platform/settings_store.h"
+#include "platform/upload_report.h"
 #include "uploader/server_address.h"
 
 #include <QStringList>
@@ -9,9 +9,6 @@
 #include <optional>
 
 namespace skyhold {
-
-// The application whose settings are the hand-off area.
-inline const QString kUploaderArea = QStringLiteral("Kiv_Uploader");
 
 struct UploadJob {
     ServerAddress server; // with the remote folder

@@ -9,6 +9,8 @@
 
 #include <QFile>
 
+#include <cstdio>
+
 namespace skyhold {
 
 namespace {
@@ -43,6 +45,11 @@ void swapUpdater(const QString& folder) {
     const std::optional<QString> downloaded = present("Kiv_Updater_net.exe");
     if (!downloaded)
         return;
+    if (!isOwnAlone(folder) || !isOwnAlone(*downloaded)) {
+        std::fprintf(stderr, "%s is not installed: it or its folder is not yours alone\n",
+                     qPrintable(*downloaded));
+        return;
+    }
     if (const std::optional<QString> installed = present("Kiv_Updater.exe")) {
         if (const std::optional<QString> old = present("Kiv_Updater_exe.old"))
             QFile::remove(*old);
@@ -62,6 +69,7 @@ void LoadMainWindow(MonitoringCore& core) {
                           .arg(QString::number(restored.size()), firstNames(restored, 1)),
                       kRed);
     RefreshFileList(core.records.upload);
+    ShowUploadReport(core.records.upload, readUploadReport(SettingsStore(kUploaderArea)));
     SetIdleControls(core.records, true);
     UpdateMenus(core.records);
     core.Timer6.Tick = [&core] {

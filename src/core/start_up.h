@@ -9,7 +9,9 @@ namespace skyhold {
 bool isFirstStart(const SettingsStore& settings);
 
 // Puts a downloaded updater ("Kiv_Updater_net.exe") in the place of the installed one, which is
-// kept as "Kiv_Updater_exe.old". Whatever fails is left as it is.
+// kept as "Kiv_Updater_exe.old". Whatever fails is left as it is, and so is everything when the
+// file or the folder is not the user's or others may write to it: they could have put the file
+// there.
 void swapUpdater(const QString& folder);
 
 // Help file, caption, all settings, then the one-shot timer for news and the last update status.

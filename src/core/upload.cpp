@@ -4,6 +4,7 @@
 #include "core/session.h"
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
+#include "records/status_lines.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,7 +20,11 @@ bool uploaderIsBusy(const SettingsStore& area) {
 }
 
 void uploadTick(MonitoringCore& core) {
-    if (!core.handOff.stop && IsUploadDue(core.records.upload))
+    if (core.handOff.stop)
+        return;
+    TakeUploadReport(core);
+    const UploadControls& upload = core.records.upload;
+    if (IsUploadDue(upload) || IsRetryDue(upload))
         TriggerUpload(core.records.upload, core.handOff);
 }
 
@@ -40,6 +45,7 @@ void prepareUpload(MonitoringCore& core) {
 }
 
 void StartUpload(MonitoringCore& core) {
+    TakeUploadReport(core);
     core.handOff.force = true;
     TriggerUpload(core.records.upload, core.handOff);
 }
@@ -53,13 +59,36 @@ void TriggerUpload(UploadControls& upload, UploadHandOff& handOff) {
         return;
     }
     const std::vector<FileItem> before = upload.Files;
-    WriteUploadList(upload, area);
+    const bool due = handOff.force || IsUploadDue(upload);
+    WriteUploadList(upload, area, due ? HandOff::Due : HandOff::Retry);
     handOff.task = startTask(handOff.program);
     upload.LEDUpload.blink(handOff.task ? kGreen : kRed);
-    if (handOff.task)
+    if (handOff.task) {
         handOff.force = false;
-    else
+        handOff.reported = false;
+    } else {
         upload.Files = before; // nothing has been handed off
+    }
+}
+
+void TakeUploadReport(MonitoringCore& core) {
+    UploadHandOff& handOff = core.handOff;
+    if (handOff.reported || isRunning(*handOff.task))
+        return;
+    const SettingsStore area(kUploaderArea);
+    if (isLocked(taskLockPath(area)))
+        return; // its worker, which outlives it for a moment when it is killed
+    handOff.reported = true;
+    const UploadReport report = readUploadReport(area);
+    UploadControls& upload = core.records.upload;
+    ShowUploadReport(upload, report);
+    if (report.processId != handOff.task->processId || report.notArrived.empty())
+        return;
+    NoteUploadFaults(upload, report.notArrived);
+    upload.LEDUpload.blink(kRed);
+    Label& line = core.records.session.Statusbar1;
+    if (line.ForeColor != kRed)
+        SetStatusText(line, u"Upload failed %1"_s.arg(report.lastError), kRed);
 }
 
 void StopUpload(MonitoringCore& core) {

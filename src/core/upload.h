@@ -14,6 +14,7 @@ struct MonitoringCore;
 struct UploadHandOff {
     QString program;          // path of the uploader
     std::optional<Task> task; // the last started one
+    bool reported = true;     // what became of it has been noted
     bool force = false;       // the next hand-off does not ask whether an uploader is busy
     bool stop = false;        // monitoring has stopped: a tick hands nothing off
 };
@@ -28,6 +29,11 @@ void StartUpload(MonitoringCore& core);
 // the files stay due, so that the next tick tries again. The lamps blink green for a hand-off,
 // yellow for one that waits for an uploader, red where none could be started.
 void TriggerUpload(UploadControls& upload, UploadHandOff& handOff);
+
+// Once the last uploader has ended: shows its report, and makes due again what did not arrive. An
+// uploader that does not report has sent everything. The lamps blink red for what did not arrive,
+// and the status line has the reason unless it has an error of the readings.
+void TakeUploadReport(MonitoringCore& core);
 
 // At the end of a session: stops the timer, unlocks the controls, and asks the uploader to end
 // after its current file.

@@ -3,6 +3,8 @@
 #include "platform/files.h"
 #include "platform/text_forms.h"
 
+#include <QDir>
+
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -126,7 +128,13 @@ bool IsUploadDue(const UploadControls& upload) {
     });
 }
 
-void WriteUploadList(UploadControls& upload, SettingsStore& area) {
+bool IsRetryDue(const UploadControls& upload) {
+    return std::ranges::any_of(upload.Files, [](const FileItem& item) {
+        return item.fNotArrived && modificationTime(ItemPathName(item)).isValid();
+    });
+}
+
+void WriteUploadList(UploadControls& upload, SettingsStore& area, HandOff wanted) {
     const auto write = [&area](const QString& key, const QString& text) {
         // What stands there already needs no write, so that a hand-off like the last one costs no
         // time of the disk. An absent key differs from any text.
@@ -142,14 +150,31 @@ void WriteUploadList(UploadControls& upload, SettingsStore& area) {
     int n = 0;
     for (FileItem& item : upload.Files) {
         const QDateTime modified = modificationTime(ItemPathName(item));
-        if (!modified.isValid() || (item.fUploadOnce && !isModified(item, modified)))
+        const bool due =
+            wanted == HandOff::Due && (!item.fUploadOnce || isModified(item, modified));
+        if (!modified.isValid() || (!due && !item.fNotArrived))
             continue;
         ++n;
         write(u"File"_s + QString::number(n), ItemPathName(item));
         item.fDateTimeStamp = modified;
+        item.fNotArrived = false;
     }
     write(u"NoFiles"_s, QString::number(n));
     area.flush();
+}
+
+void NoteUploadFaults(UploadControls& upload, const std::vector<UploadFault>& faults) {
+    const QDir folder(upload.UploadDir); // of relative paths, as the uploader takes them
+    for (FileItem& item : upload.Files) {
+        const QString path = folder.filePath(ItemPathName(item));
+        item.fNotArrived |= std::ranges::any_of(
+            faults, [&path](const UploadFault& fault) { return fault.file == path; });
+    }
+}
+
+void ShowUploadReport(UploadControls& upload, const UploadReport& report) {
+    upload.LastSuccess.Caption = report.lastSuccess.isEmpty() ? u"none yet"_s : report.lastSuccess;
+    upload.LastError.Caption = report.lastError.isEmpty() ? u"none"_s : report.lastError;
 }
 
 } // namespace skyhold

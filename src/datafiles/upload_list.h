@@ -1,13 +1,10 @@
 // The list of files to publish, and its hand-off to the uploader program.
 #pragma once
 
-#include "platform/settings_store.h"
+#include "platform/upload_report.h"
 #include "records/file_controls.h"
 
 namespace skyhold {
-
-// The application whose settings are the hand-off area; the uploader program reads them.
-inline const QString kUploaderArea = QStringLiteral("Kiv_Uploader");
 
 // The full path of an item.
 QString ItemPathName(const FileItem& item);
@@ -40,9 +37,22 @@ void ServerPath_LostFocus(TextBox& box);
 // Every file is there and, unless it is uploaded once only, modified since its last hand-off.
 bool IsUploadDue(const UploadControls& upload);
 
-// Writes server, user, time-out and the files that are due into the hand-off area and stamps those
+// A file that is there did not arrive the last time.
+bool IsRetryDue(const UploadControls& upload);
+
+enum class HandOff {
+    Due,  // what is not uploaded once, what has been modified since, and what did not arrive
+    Retry // what did not arrive
+};
+
+// Writes server, user, time-out and the wanted files into the hand-off area and stamps those
 // files with their modification times. A missing file is not handed off. What cannot be written is
 // lost without a word.
-void WriteUploadList(UploadControls& upload, SettingsStore& area);
+void WriteUploadList(UploadControls& upload, SettingsStore& area, HandOff wanted = HandOff::Due);
+
+// Notes which files did not arrive.
+void NoteUploadFaults(UploadControls& upload, const std::vector<UploadFault>& faults);
+// Shows the last success and the last error.
+void ShowUploadReport(UploadControls& upload, const UploadReport& report);
 
 } // namespace skyhold

@@ -171,6 +171,13 @@ QStringList unfinishedFiles(const QString& folder, const QString& begin) {
     return found;
 }
 
+bool isOwnAlone(const QString& path) {
+    struct stat status {};
+    return ::lstat(nativePath(path).toLocal8Bit().constData(), &status) == 0 &&
+           (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) && status.st_uid == ::geteuid() &&
+           (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
 QString programFolder() {
     return QCoreApplication::applicationDirPath();
 }

@@ -51,6 +51,9 @@ bool writeAtStart(const QString& path, const QByteArray& bytes);
 // named that its program could not finish.
 QStringList unfinishedFiles(const QString& folder, const QString& begin);
 
+// A regular file or a folder, no link, that belongs to the user and that nobody else may write to.
+bool isOwnAlone(const QString& path);
+
 // The folder of the executable, without a trailing separator.
 QString programFolder();
 // The program folder, or the user's data folder where the program folder cannot be written to

@@ -44,6 +44,7 @@ struct FileItem {
     QDateTime fDateTimeStamp; // modification time at its last hand-off; invalid at first
     QString fPath;            // without a trailing separator
     QString fName;
+    bool fNotArrived = false; // the uploader reported so: it is due again
 };
 
 struct UploadControls {
@@ -59,6 +60,7 @@ struct UploadControls {
     CheckBox UploadOnce;              // of the selected item
     Button ButtFileADD, ButtFileDEL;
     LampPair LEDUpload;
+    Label LastSuccess, LastError; // of the uploader, with their times
 };
 
 struct GraphControls {

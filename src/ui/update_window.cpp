@@ -57,15 +57,22 @@ UpdateWindow::UpdateWindow(UpdateControls& update, MonitoringCore& core,
     addVersion(u"Newest version"_s, u"Label2"_s, update_.Label2);
     column->addLayout(versions);
 
-    auto* status = new QLabel(this);
-    status->setObjectName(u"LblStatusLine"_s);
-    status->setTextFormat(Qt::PlainText);
-    status->setWordWrap(true);
-    status->setFixedWidth(kWidth);
+    const auto addText = [&](const QString& name, Label& record) {
+        auto* label = new QLabel(this);
+        label->setObjectName(name);
+        label->setWordWrap(true);
+        label->setFixedWidth(kWidth);
+        label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        bind(label, record);
+        column->addWidget(label);
+        return label;
+    };
+    update_.Warning.Caption = updateAddressWarning(core_.records.window.UpdateBaseAddress);
+    update_.Warning.Visible = !update_.Warning.Caption.value().isEmpty();
+    update_.Warning.ForeColor = kRed;
+    addText(u"LblWarning"_s, update_.Warning);
+    QLabel* status = addText(u"LblStatusLine"_s, update_.StatusLine);
     status->setMinimumHeight(2 * status->fontMetrics().lineSpacing());
-    status->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    bind(status, update_.StatusLine);
-    column->addWidget(status);
 
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kGap);

@@ -98,6 +98,15 @@ QByteArray updaterInstructions(int left, int top, const QByteArray& downloaded) 
            ",\"Kiv_Skyhold.exe\"\r\n" + downloaded;
 }
 
+QString updateAddressWarning(const QString& baseAddress) {
+    const QUrl base(baseAddress.trimmed());
+    if (!isRemoteAddress(base) || base.scheme() == u"https"_s)
+        return {};
+    return u"The address of the update server begins with http, not https: what comes from it is "
+           "neither encrypted nor verified, and anybody on the way can put a program of their own "
+           "in its place."_s;
+}
+
 void CheckForUpdate(UpdateControls& update, WindowControls& window, SettingsStore& settings,
                     const UpdateSource& source,
                     const std::function<void(const QString& news)>& showNews) {

@@ -20,6 +20,7 @@ struct UpdateControls {
     Label Label1; // the running version
     Label Label2; // the newest version
     Label StatusLine;
+    Label Warning; // of the server's address
     Button CheckButton;
     Frame DownloadFrame{.Visible = QProperty<bool>(false)};
     int Left = 0, Top = 0;     // screen units
@@ -40,6 +41,10 @@ bool isNews(const QString& text);
 // The contents of "Kiv_Updater.txt": a line that tells the updater what to put where, then the
 // downloaded instructions byte for byte.
 QByteArray updaterInstructions(int left, int top, const QByteArray& downloaded);
+
+// What is to be said about the address of the update server before anything is fetched from it:
+// what comes without encryption may come from anybody on the way. Empty: nothing.
+QString updateAddressWarning(const QString& baseAddress);
 
 // Fetches the three files. When all are there, writes the instruction file, keeps the news in
 // "Window"/"Kiv_News" and on disk, and offers the download; news are shown last. After any failure

@@ -1,4 +1,7 @@
+#include "settings/settings.h"
 #include "support/core_fixture.h"
+
+#include <sys/stat.h>
 
 namespace skyhold {
 namespace {
@@ -29,6 +32,35 @@ TEST(UpdaterSwap, downloadedUpdaterReplacesTheInstalledOne) {
         for (const QString& name : folder.names())
             found[name] = folder.read(name);
         EXPECT_EQ(found, after);
+    }
+}
+
+TEST(UpdaterSwap, aFileThatOthersMayHaveMadeStaysAside) {
+    const struct {
+        const char* what;
+        mode_t folder, file;
+        bool link, swapped;
+    } cases[] = {
+        {"the user's alone", 0755, 0644, false, true},
+        {"the group may write to the folder", 0775, 0644, false, false},
+        {"everybody may write to the folder", 01777, 0644, false, false},
+        {"the group may write to the file", 0755, 0664, false, false},
+        {"everybody may write to the file", 0755, 0646, false, false},
+        {"a link", 0755, 0644, true, false},
+    };
+    for (const auto& [what, folderMode, fileMode, link, swapped] : cases) {
+        const TestFolder folder;
+        const QString target = folder.write(link ? u"target"_s : u"Kiv_Updater_net.exe"_s, "new");
+        if (link)
+            QFile::link(target, folder.filePath(u"Kiv_Updater_net.exe"_s));
+        ::chmod(qPrintable(target), fileMode);
+        ::chmod(qPrintable(folder.path()), folderMode);
+        folder.write(u"Kiv_Updater.exe"_s, "old");
+        testing::internal::CaptureStderr();
+        swapUpdater(folder.path());
+        EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), swapped) << what;
+        EXPECT_EQ(folder.read(u"Kiv_Updater.exe"_s), swapped ? "new" : "old") << what;
+        EXPECT_EQ(QFile::exists(folder.filePath(u"Kiv_Updater_net.exe"_s)), !swapped) << what;
     }
 }
 

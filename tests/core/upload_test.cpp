@@ -1,6 +1,7 @@
 #include "core/upload.h"
 
 #include "datafiles/upload_list.h"
+#include "records/status_lines.h"
 #include "support/core_fixture.h"
 #include "support/eventually.h"
 
@@ -37,6 +38,13 @@ class Upload : public CoreFixture {
     }
     void sayRunning(const QString& text) {
         SettingsStore(kUploaderArea).saveNow(u"Window"_s, u"Running"_s, text);
+    }
+
+    // Has the uploader report, in the name of the process with that id.
+    static QByteArray reporting(const QByteArray& id, const QByteArray& notArrived,
+                                const QByteArray& more) {
+        return "printf '[Result]\nTask=%s\nNotArrived=" + notArrived + "\n" + more + "\n' " + id +
+               " >>\"$XDG_CONFIG_HOME/Kiv/Kiv_Uploader.ini\"\n";
     }
 
     const QByteArray atWork_ = "for i in $(seq 500); do sleep 0.02; done\n";
@@ -94,6 +102,43 @@ TEST_F(Upload, ticksHandOffWhenDueAndNoUploaderIsAtWork) {
     EXPECT_EQ(lamp(), kGreen);
     EXPECT_TRUE(uploaderEnds());
     EXPECT_EQ(starts(), 2);
+}
+
+TEST_F(Upload, whatDidNotArriveGoesAgainAtTheNextTick) {
+    UploadControls& upload = records().upload;
+    EXPECT_EQ(upload.LastSuccess.Caption.value(), u"none yet"_s);
+    upload.Files[0].fUploadOnce = true;
+    const QByteArray missed =
+        "File1=" + stationPath().toUtf8() + "\nLastError=2026-11-16 22:00:05 no connection";
+    installUploader(reporting("$$", "1", missed));
+    StartSession(*core_);
+    EXPECT_TRUE(uploaderEnds());
+    SetStatusText(records().session.Statusbar1, u"all is well"_s, kGreen);
+
+    installUploader(reporting("$$", "0", "LastSuccess=2026-11-16 22:01:05 1 of 1 files"));
+    core_->TimerUpload.Tick();
+    EXPECT_EQ(upload.LastError.Caption.value(), u"2026-11-16 22:00:05 no connection"_s);
+    EXPECT_EQ(status(), u"Upload failed 2026-11-16 22:00:05 no connection"_s);
+    EXPECT_TRUE(uploaderEnds());
+    const SettingsStore area(kUploaderArea);
+    EXPECT_EQ(area.GetSetting(u"Setup"_s, u"NoFiles"_s, {}), u"1"_s);
+    EXPECT_EQ(starts(), 2);
+
+    // It has arrived: a hand-off for what else is due has it no more. What is red is not hidden.
+    SetStatusText(records().session.Statusbar1, u"Error with Kiv_Nubilo"_s, kRed);
+    installUploader(reporting("$$", "1", missed));
+    core_->TimerUpload.Tick();
+    EXPECT_TRUE(uploaderEnds());
+    EXPECT_EQ(upload.LastSuccess.Caption.value(), u"2026-11-16 22:01:05 1 of 1 files"_s);
+    EXPECT_EQ(SettingsStore(kUploaderArea).GetSetting(u"Setup"_s, u"NoFiles"_s, {}), u"0"_s);
+    installUploader(reporting("1", "1", missed)); // of somebody else
+    upload.Files[0].fUploadOnce = false;
+    core_->TimerUpload.Tick();
+    EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);
+    EXPECT_TRUE(uploaderEnds());
+    EXPECT_EQ(starts(), 4);
+    core_->TimerUpload.Tick();
+    EXPECT_EQ(starts(), 4);
 }
 
 TEST_F(Upload, anUploaderThatWasKilledHoldsNothingUp) {

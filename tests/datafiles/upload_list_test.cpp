@@ -22,9 +22,9 @@ class UploadList : public testing::Test {
     QString stored(const QString& key) {
         return SettingsStore(kUploaderArea).GetSetting(u"Setup"_s, key, u"absent"_s);
     }
-    int handOff() {
+    int handOff(HandOff wanted = HandOff::Due) {
         SettingsStore area(kUploaderArea);
-        WriteUploadList(upload_, area);
+        WriteUploadList(upload_, area, wanted);
         return stored(u"NoFiles"_s).toInt();
     }
 
@@ -115,6 +115,35 @@ TEST_F(UploadList, handOffListsWhatIsDueAndStampsIt) {
     EXPECT_EQ(upload_.Files[0].fDateTimeStamp, kEarlier.addMSecs(5));
     EXPECT_EQ(upload_.Files[1].fDateTimeStamp, kEarlier);
     EXPECT_EQ(upload_.Files[2].fDateTimeStamp, kEarlier); // missing: as it was
+}
+
+TEST_F(UploadList, whatDidNotArriveIsDueAgain) {
+    for (const char* name : {"a", "b", "c"}) {
+        touch(QLatin1String(name));
+        list(QLatin1String(name), *name == 'b');
+    }
+    EXPECT_EQ(handOff(), 3);
+    EXPECT_FALSE(IsRetryDue(upload_));
+    const auto missed = [this](const char* name) {
+        NoteUploadFaults(upload_, {{folder_.filePath(QLatin1String(name)), {}, {}}});
+    };
+    missed("none of these");
+    EXPECT_FALSE(IsRetryDue(upload_));
+    missed("b");
+    EXPECT_TRUE(IsRetryDue(upload_));
+    EXPECT_FALSE(IsUploadDue(upload_)); // nothing has been modified
+    EXPECT_EQ(handOff(HandOff::Retry), 1);
+    EXPECT_EQ(stored(u"File1"_s), folder_.filePath(u"b"_s));
+    EXPECT_FALSE(IsRetryDue(upload_));
+
+    // It goes along when the others are due.
+    missed("b");
+    touch(u"a"_s, 5);
+    touch(u"c"_s, 5);
+    EXPECT_EQ(handOff(), 3);
+    missed("c");
+    QFile::remove(folder_.filePath(u"c"_s));
+    EXPECT_FALSE(IsRetryDue(upload_)); // there is nothing to send
 }
 
 TEST_F(UploadList, editingWhileAllowed) {

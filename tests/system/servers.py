@@ -170,6 +170,9 @@ class StoppingFtp:
                 self.point("rename")
                 (self.folder / renamed).rename(self.folder / argument)
                 answer("250 renamed")
+            elif command == "DELE":
+                (self.folder / argument).unlink()
+                answer("250 deleted")
             elif command == "QUIT":
                 answer("221 bye")
                 return

@@ -3,6 +3,7 @@
 import configparser
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -88,10 +89,15 @@ class UploadTest(unittest.TestCase):
             f"NoFiles={len(files)}\n"
             + "".join(f"File{i}={quoted(file)}\n" for i, file in enumerate(files, 1)))
 
-    def running(self):
+    def told(self, section, key):
+        """What the uploader has written into its area."""
         area = configparser.ConfigParser(interpolation=None)
+        area.optionxform = str
         area.read(self.settings / "Kiv_Uploader.ini", encoding="utf-8")
-        return area.get("Window", "Running", fallback=None)
+        return area.get(section, key, fallback=None)
+
+    def running(self):
+        return self.told("Window", "Running")
 
     def start_uploader(self):
         log = self.folder / f"log{len(self.run.started)}"
@@ -161,7 +167,13 @@ class UploadTest(unittest.TestCase):
                 status, said = self.upload(10)
                 self.assertEqual(status, 1)
                 self.assertIn(told, said)
-                self.assertEqual((self.remote / "web/data/page.htm").exists(), arrives)
+                there = self.remote / "web/data"
+                self.assertEqual(os.listdir(there) if there.exists() else [],
+                                 ["page.htm"] if arrives else [])
+                self.assertEqual(self.told("Result", "NotArrived"), "1")
+                self.assertEqual(self.told("Result", "File1"), str(more.get("files", [page])[0]))
+                self.assertEqual(self.told("Result", "Reason1"), told)
+                self.assertRegex(self.told("Result", "LastError"), r"20.*: " + re.escape(told))
 
         closed = self.serve(StoppingFtp, None)
         closed.listener.close()
@@ -197,8 +209,8 @@ class UploadTest(unittest.TestCase):
                 self.assertLess(time.monotonic() - begin, 4)
                 self.assertEqual(uploader.returncode, 1)
                 self.assertIn(f"1 of 2: {files[0]}: {told}", said)
-                self.assertFalse((self.remote / "big.png").exists())
-                self.assertEqual((self.remote / "page.htm").exists(), second_arrives, said)
+                self.assertEqual(os.listdir(self.remote), ["page.htm"] if second_arrives else [], said)
+                self.assertEqual(self.told("Result", "NotArrived"), "1" if second_arrives else "2")
 
     def test_key_f6_ends_it_after_the_current_file(self):
         files = [self.file("big.png", BIG), self.file("page.htm", b"page")]
@@ -213,6 +225,9 @@ class UploadTest(unittest.TestCase):
             self.assertIn("1 of 2 files have arrived", self.end_of(uploader))
             self.assertEqual((self.remote / "big.png").read_bytes(), BIG)
             self.assertEqual(os.listdir(self.remote), ["big.png"])
+            self.assertEqual(self.told("Result", "File1"), str(files[1]))
+            self.assertIsNone(self.told("Result", "LastError") or None)
+            self.assertIn("1 of 2 files", self.told("Result", "LastSuccess"))
 
     def test_whoever_is_killed_the_word_is_taken_back(self):
         files = [self.file("big.png", BIG)]
@@ -234,7 +249,10 @@ class UploadTest(unittest.TestCase):
                 self.wait_until("its end", lambda w=worker: self.running() == "0"
                                 and w not in living_processes(), 5)
                 self.end_of(guard, 5)
-                self.assertFalse((self.remote / "big.png").exists())
+                # Who is killed cannot take away what has arrived of the file.
+                self.assertEqual(os.listdir(self.remote), [] if number == signal.SIGTERM or
+                                 victim == "guard" else ["big.png.part"])
+                self.assertEqual(self.told("Result", "NotArrived"), "1")
 
     def test_one_uploader_at_a_time(self):
         with self.serve(StoppingFtp, "mid-file") as server:
@@ -291,14 +309,29 @@ class UploadTest(unittest.TestCase):
             self.hand_off(server.address, files, password="another")
             self.assertIn("refuses the user name or the password", self.upload()[1])
 
-    def start_monitor(self, address, files):
+    def test_what_did_not_arrive_goes_again(self):
+        # The first connection ends before anything has been sent.
+        with self.serve(StoppingFtp, "login", hang_up=True) as server:
+            (self.remote / "web/data").mkdir(parents=True)
+            server.folder = self.remote / "web/data"
+            monitor = self.start_monitor(server.address, [self.file("page.htm", b"page")],
+                                         "FileUpload1=True\n")
+            self.wait_until("the fault", server.stopped.is_set)
+            self.wait_until("the file", lambda: self.arrived("page.htm") == b"page")
+            self.wait_until("the report", lambda: self.told("Result", "NotArrived") == "0")
+            self.assertRegex(self.told("Result", "LastError"), "page.htm: 127.0.0.1: ")
+            self.assertIn("1 of 1 files", self.told("Result", "LastSuccess"))
+            monitor.send_signal(signal.SIGTERM)
+            self.end_of(monitor)
+
+    def start_monitor(self, address, files, more=""):
         self.write_settings(
             "Kiv_Skyhold",
             f"[Setup]\nEmulator=0\nReadStation=0\nUpload=1\nRefreshUpload=0\nTimeoutUPLOAD=20\n"
             f"Server={quoted(address)}\nServerPath=web/data/\n"
             f"Username={USER}\nPassword={quoted(PASSWORD)}\nNoFiles={len(files)}\n"
             + "".join(f"FileName{i}={file.name}\nFilePath{i}={quoted(file.parent)}\n"
-                      for i, file in enumerate(files, 1)))
+                      for i, file in enumerate(files, 1)) + more)
         self.run.start_bus()
         log = self.folder / "monitor-log"
         with open(log, "wb") as errors:

@@ -146,6 +146,17 @@ TEST_F(Update, InstructionsThatCannotBeWrittenAreSaidAndNotOffered) {
     EXPECT_EQ(folder_.names(), (QStringList{u"Kiv"_s, u"Kiv_Updater.txt"_s}));
 }
 
+TEST(UpdateAddress, WithoutEncryptionItIsWarnedOf) {
+    for (const auto& [address, warns] :
+         QList<std::pair<QString, bool>>{{u"http://updates.example.org"_s, true},
+                                         {u" HTTP://updates.example.org/base "_s, true},
+                                         {u"https://updates.example.org"_s, false},
+                                         {u""_s, false},
+                                         {u"ftp://updates.example.org"_s, false}}) // refused anyway
+        EXPECT_EQ(updateAddressWarning(address).contains(u"not https"_s), warns)
+            << qPrintable(address);
+}
+
 TEST_F(Update, OnlyTheSameVersionIsAskedAbout) {
     const QString question =
         u"The lattest version already installed.\r\n Do you wish to download?"_s;

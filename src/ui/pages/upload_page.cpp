@@ -34,7 +34,7 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
         lamps[i]->setObjectName(indexed("LEDUpload", i));
         lamps[i]->setToolTip(
             u"Blinks green when files are handed to the uploader, yellow while they "
-            "wait for it, red when it cannot be started."_s);
+            "wait for it, red when it cannot be started or a file did not arrive."_s);
         row->addWidget(lamps[i]);
     }
     bind(lamps[0], lamps[1], upload.LEDUpload);
@@ -76,6 +76,16 @@ QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) 
            Qt::AlignLeft);
     addRow(u"Upload second"_s, makeNumber(group, u"UploadOnSec"_s, upload.UploadOnSec),
            Qt::AlignLeft);
+    const auto addResult = [&](const QString& caption, const QString& name, Label& record) {
+        auto* label = new QLabel(group);
+        label->setObjectName(name);
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        label->setWordWrap(true);
+        bind(label, record);
+        addRow(caption, label);
+    };
+    addResult(u"Last success"_s, u"LblLastSuccess"_s, upload.LastSuccess);
+    addResult(u"Last error"_s, u"LblLastError"_s, upload.LastError);
     column->addStretch();
     return group;
 }
