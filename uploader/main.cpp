@@ -92,13 +92,13 @@ void sendFiles(const UploadJob& job, UploadReport& report) {
             continue;
         tell(which + u": "_s + result.fault);
         report.notArrived.push_back({file, result.fault, now()});
-        report.lastError = u"%1 %2: %3"_s.arg(now(), nameOf(file), result.fault);
+        report.lastError = u"%1, %2: %3"_s.arg(now(), nameOf(file), result.fault);
         if (result.serverLost)
             lost = result.fault;
     }
     const qsizetype arrived = count - static_cast<qsizetype>(report.notArrived.size());
     if (arrived > 0)
-        report.lastSuccess = u"%1 %2 of %3 files"_s.arg(now()).arg(arrived).arg(count);
+        report.lastSuccess = u"%1, %2 of %3 files"_s.arg(now()).arg(arrived).arg(count);
     tell(u"%1 of %2 files have arrived"_s.arg(arrived).arg(count));
 }
 
@@ -125,7 +125,7 @@ int upload() {
         tell(fault);
         for (UploadFault& file : result.notArrived)
             file.reason = fault;
-        result.lastError = now() + u": "_s + fault;
+        result.lastError = now() + u", "_s + fault;
     }
     writeUploadReport(area, result);
     setRunning(area, false);
@@ -140,7 +140,7 @@ void clearRunning() {
     if (!lock.take(taskLockPath(area)))
         return;
     UploadReport report = readUploadReport(area);
-    report.lastError = now() + u": the uploader was killed"_s;
+    report.lastError = now() + u", the uploader was killed"_s;
     writeUploadReport(area, report);
     setRunning(area, false);
 }

@@ -19,6 +19,21 @@ bool uploaderIsBusy(const SettingsStore& area) {
     return running != u"0"_s && isLocked(taskLockPath(area));
 }
 
+// An upload that failed, and that one has succeeded after it. An error of the readings stays.
+void showInStatusLine(Label& line, const UploadReport& report) {
+    const QString failed = u"Upload failed "_s;
+    const bool failedBefore = line.Caption.value().startsWith(failed);
+    if (report.notArrived.empty()) {
+        if (failedBefore)
+            SetStatusText(line, u"Uploaded "_s + report.lastSuccess, kDarkGreen);
+    } else if (line.ForeColor != kRed || failedBefore) {
+        const UploadFault& first = report.notArrived.front();
+        const QString timeOfDay = first.time.section(u' ', 1);
+        const QString name = first.file.section(u'/', -1);
+        SetStatusText(line, failed + u"%1, %2: %3"_s.arg(timeOfDay, name, first.reason), kRed);
+    }
+}
+
 void uploadTick(MonitoringCore& core) {
     if (core.handOff.stop)
         return;
@@ -82,13 +97,10 @@ void TakeUploadReport(MonitoringCore& core) {
     const UploadReport report = readUploadReport(area);
     UploadControls& upload = core.records.upload;
     ShowUploadReport(upload, report);
-    if (report.processId != handOff.task->processId || report.notArrived.empty())
+    if (report.processId != handOff.task->processId)
         return;
     NoteUploadFaults(upload, report.notArrived);
-    upload.LEDUpload.blink(kRed);
-    Label& line = core.records.session.Statusbar1;
-    if (line.ForeColor != kRed)
-        SetStatusText(line, u"Upload failed %1"_s.arg(report.lastError), kRed);
+    showInStatusLine(core.records.session.Statusbar1, report);
 }
 
 void StopUpload(MonitoringCore& core) {

@@ -31,8 +31,7 @@ void StartUpload(MonitoringCore& core);
 void TriggerUpload(UploadControls& upload, UploadHandOff& handOff);
 
 // Once the last uploader has ended: shows its report, and makes due again what did not arrive. An
-// uploader that does not report has sent everything. The lamps blink red for what did not arrive,
-// and the status line has the reason unless it has an error of the readings.
+// uploader that does not report has sent everything.
 void TakeUploadReport(MonitoringCore& core);
 
 // At the end of a session: stops the timer, unlocks the controls, and asks the uploader to end

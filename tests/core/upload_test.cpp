@@ -109,7 +109,8 @@ TEST_F(Upload, whatDidNotArriveGoesAgainAtTheNextTick) {
     EXPECT_EQ(upload.LastSuccess.Caption.value(), u"none yet"_s);
     upload.Files[0].fUploadOnce = true;
     const QByteArray missed =
-        "File1=" + stationPath().toUtf8() + "\nLastError=2026-11-16 22:00:05 no connection";
+        "File1=" + stationPath().toUtf8() +
+        "\nReason1=no connection\nTime1=2026-11-16 22:00:05\nLastError=2026-11-16 22:00:05 none";
     installUploader(reporting("$$", "1", missed));
     StartSession(*core_);
     EXPECT_TRUE(uploaderEnds());
@@ -117,21 +118,23 @@ TEST_F(Upload, whatDidNotArriveGoesAgainAtTheNextTick) {
 
     installUploader(reporting("$$", "0", "LastSuccess=2026-11-16 22:01:05 1 of 1 files"));
     core_->TimerUpload.Tick();
-    EXPECT_EQ(upload.LastError.Caption.value(), u"2026-11-16 22:00:05 no connection"_s);
-    EXPECT_EQ(status(), u"Upload failed 2026-11-16 22:00:05 no connection"_s);
+    EXPECT_EQ(upload.LastError.Caption.value(), u"2026-11-16 22:00:05 none"_s);
+    EXPECT_EQ(status(), u"Upload failed 22:00:05, station.htm: no connection"_s);
     EXPECT_TRUE(uploaderEnds());
     const SettingsStore area(kUploaderArea);
     EXPECT_EQ(area.GetSetting(u"Setup"_s, u"NoFiles"_s, {}), u"1"_s);
     EXPECT_EQ(starts(), 2);
 
-    // It has arrived: a hand-off for what else is due has it no more. What is red is not hidden.
-    SetStatusText(records().session.Statusbar1, u"Error with Kiv_Nubilo"_s, kRed);
+    // It has arrived: a hand-off for what else is due has it no more.
     installUploader(reporting("$$", "1", missed));
     core_->TimerUpload.Tick();
+    EXPECT_EQ(status(), u"Uploaded 2026-11-16 22:01:05 1 of 1 files"_s);
     EXPECT_TRUE(uploaderEnds());
     EXPECT_EQ(upload.LastSuccess.Caption.value(), u"2026-11-16 22:01:05 1 of 1 files"_s);
     EXPECT_EQ(SettingsStore(kUploaderArea).GetSetting(u"Setup"_s, u"NoFiles"_s, {}), u"0"_s);
-    installUploader(reporting("1", "1", missed)); // of somebody else
+    // An error of the readings stays. A report of somebody else's makes nothing due.
+    SetStatusText(records().session.Statusbar1, u"Error with Kiv_Nubilo"_s, kRed);
+    installUploader(reporting("1", "1", missed));
     upload.Files[0].fUploadOnce = false;
     core_->TimerUpload.Tick();
     EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);

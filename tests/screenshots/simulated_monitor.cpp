@@ -55,6 +55,12 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     r.upload.ServerPath.Text = u"weather"_s;
     r.upload.UserName.Text = u"observer"_s;
     r.upload.PassWord.Text = u"never to be read"_s;
+    ShowUploadReport(
+        r.upload, {.processId = 0,
+                   .notArrived = {},
+                   .lastSuccess = u"2026-11-16 20:38:05, 4 of 4 files"_s,
+                   .lastError = u"2026-11-16 19:12:40, Kiv_ImageWindCondition.png: no connection "
+                                "to ftp.example.org"_s});
     Add(r.upload, u"Skyhold.csv"_s, u"/home/observer/weather"_s, true);
     for (const char* graph : {"Wind", "Gust", "Temp"})
         Add(r.upload, u"Kiv_Image%1Condition.png"_s.arg(QLatin1String(graph)),

@@ -7,6 +7,7 @@
 #include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -173,6 +174,17 @@ TEST_F(FilePages, ServerTextsAreCompletedWhenTheirBoxIsLeft) {
     QTest::keyClicks(text("PassWord"), u"open sesame"_s);
     EXPECT_EQ(records().upload.PassWord.Text.value(), u"open sesame"_s);
     EXPECT_EQ(text("PassWord")->displayText().count(u's'), 0);
+}
+
+TEST_F(FilePages, UploadPageShowsTheLastSuccessAndError) {
+    openPage(Page::Upload);
+    for (const auto& [name, record] : {std::pair{"LblLastSuccess", &records().upload.LastSuccess},
+                                       std::pair{"LblLastError", &records().upload.LastError}}) {
+        EXPECT_TRUE(visible(name));
+        record->Caption = u"22:00:05, "_s + QLatin1String(name);
+        EXPECT_EQ(window_->findChild<QLabel*>(QLatin1String(name))->text(),
+                  record->Caption.value());
+    }
 }
 
 class UploadList : public FilePages {

@@ -93,6 +93,8 @@ TEST_F(Updates, NewsOfAnyLengthFitTheScreen) {
 TEST_F(Updates, ADownloadIsOfferedAfterTheCheckAndEndsTheProgram) {
     run([&](QDialog& dialog) {
         EXPECT_FALSE(child(dialog, "FrameDownload")->isVisible());
+        EXPECT_TRUE(child<QLabel>(dialog, "LblWarning")->text().contains(u"not https"_s));
+        EXPECT_TRUE(child(dialog, "LblWarning")->isVisible());
         click(dialog, "ButtCheck");
         EXPECT_EQ(child<QLabel>(dialog, "Label1")->text(), u"2.30.004"_s);
         EXPECT_EQ(child<QLabel>(dialog, "Label2")->text(), u"2.31.000"_s);
@@ -115,6 +117,13 @@ TEST_F(Updates, ADownloadIsOfferedAfterTheCheckAndEndsTheProgram) {
     });
     EXPECT_EQ(closed_, 1);
     EXPECT_TRUE(QFile::exists(instructions()));
+
+    records().window.UpdateBaseAddress = u"https://updates.example.org"_s;
+    run([this](QDialog& dialog) {
+        EXPECT_FALSE(child(dialog, "LblWarning")->isVisible());
+        click(dialog, "ButtClose");
+    });
+    records().window.UpdateBaseAddress = server_.address();
 
     serve("Kiv_Skyhold.txt", "2.30.004");
     for (const auto& [button, chosen] :

@@ -34,7 +34,7 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
         lamps[i]->setObjectName(indexed("LEDUpload", i));
         lamps[i]->setToolTip(
             u"Blinks green when files are handed to the uploader, yellow while they "
-            "wait for it, red when it cannot be started or a file did not arrive."_s);
+            "wait for it, red when it cannot be started."_s);
         row->addWidget(lamps[i]);
     }
     bind(lamps[0], lamps[1], upload.LEDUpload);
@@ -76,18 +76,30 @@ QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) 
            Qt::AlignLeft);
     addRow(u"Upload second"_s, makeNumber(group, u"UploadOnSec"_s, upload.UploadOnSec),
            Qt::AlignLeft);
+    column->addStretch();
+    return group;
+}
+
+// What became of the last uploads, with their times.
+void addResults(QVBoxLayout* column, UploadControls& upload) {
+    QWidget* group = column->parentWidget();
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(look::kMargin);
+    grid->setVerticalSpacing(look::kGap);
+    grid->setColumnStretch(1, 1);
+    column->addLayout(grid);
     const auto addResult = [&](const QString& caption, const QString& name, Label& record) {
         auto* label = new QLabel(group);
         label->setObjectName(name);
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
         label->setWordWrap(true);
         bind(label, record);
-        addRow(caption, label);
+        const int row = grid->rowCount();
+        grid->addWidget(new QLabel(caption, group), row, 0, Qt::AlignTop);
+        grid->addWidget(label, row, 1, Qt::AlignTop);
     };
     addResult(u"Last success"_s, u"LblLastSuccess"_s, upload.LastSuccess);
     addResult(u"Last error"_s, u"LblLastError"_s, upload.LastError);
-    column->addStretch();
-    return group;
 }
 
 QWidget* makeFiles(UploadControls& upload, QWidget* page) {
@@ -114,6 +126,7 @@ QWidget* makeFiles(UploadControls& upload, QWidget* page) {
     row->addSpacing(look::kGap);
     row->addWidget(
         makeCheck(group, u"DispFileNameOnly"_s, u"File names only"_s, upload.DispFileNameOnly));
+    addResults(column, upload);
     return group;
 }
 
