@@ -29,6 +29,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <utility>
 
 using namespace skyhold;
 
@@ -86,13 +87,19 @@ bool wantsHeadless(int argc, char** argv) {
     return !displayReachable();
 }
 
-void warnOfImageLibrary(bool headless) {
+// A session to start at once and the clients at the bus do not wait for the user's answer.
+void warnOfImageLibrary(QWidget* window) {
     const QString text =
         QStringLiteral("FreeImage.dll file must be present in directory\n\r") + programFolder();
-    if (headless)
+    if (!window) {
         terminalMessages()({text, MessageStyle::Ok, kVersion.title()});
-    else
-        QMessageBox::warning(nullptr, kVersion.title(), text, QMessageBox::Ok);
+        return;
+    }
+    auto* box =
+        new QMessageBox(QMessageBox::Warning, kVersion.title(), text, QMessageBox::Ok, window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->show();
 }
 
 // Says when the window has first been painted; once.
@@ -142,7 +149,8 @@ class Automation {
 
 // Ends the program whatever holds the window: a request to quit would first ask the window to
 // close, which it refuses while automation clients are attached.
-void end() {
+void end(MonitoringCore& core) {
+    core.ending = true;
     QCoreApplication::exit(0);
 }
 
@@ -154,8 +162,15 @@ void followCycles(MonitoringCore& core, const Options& options) {
             std::fflush(stdout);
         }
         if (++done == options.cycles)
-            QTimer::singleShot(0, qApp, end);
+            QTimer::singleShot(0, qApp, [&core] { end(core); });
     };
+}
+
+void beginRecording(MonitoringCore& core, const Options& options) {
+    if (std::exchange(core.recordAtStart, false))
+        Record_Start(core, true);
+    if (options.record && !core.recorder.recording)
+        std::fprintf(stderr, "Not recording: the user data file cannot be written.\n");
 }
 
 } // namespace
@@ -216,16 +231,19 @@ int main(int argc, char** argv) {
         core.closeWindow = [&window] {
             window->close();
         };
-        QObject::connect(window.get(), &KivSHMainform::closed, window.get(), end);
+        QObject::connect(window.get(), &KivSHMainform::closed, window.get(),
+                         [&core] { end(core); });
         tray = std::make_unique<Tray>(core, *window);
         if (options.report)
             window->centralWidget()->installEventFilter(new PaintReport(window.get()));
         window->show();
     } else {
-        core.closeWindow = end;
+        core.closeWindow = [&core] {
+            end(core);
+        };
     }
     if (!core.images.initialise())
-        warnOfImageLibrary(headless);
+        warnOfImageLibrary(window.get());
 
     Automation automation(core, bus);
     bus.found = [&] {
@@ -239,16 +257,17 @@ int main(int argc, char** argv) {
 
     onQuitSignal([&core] {
         StopSession(core); // ends a start that still waits, too
-        end();
+        end(core);
     });
     followCycles(core, options);
-    if (options.record) {
-        Record_Start(core, true);
-        if (!core.recorder.recording)
-            std::fprintf(stderr, "Not recording: the user data file cannot be written.\n");
-    }
+    core.recordAtStart = options.record; // once the session has made the file's folder
     if (options.start)
-        QTimer::singleShot(0, &application, [&core] { StartSession(core); });
+        QTimer::singleShot(0, &application, [&core, &options] {
+            StartSession(core);
+            beginRecording(core, options);
+        });
+    else
+        beginRecording(core, options);
 
     // Qt ends the program when its display goes away. What was recorded and set is whole then, and
     // the sensor program is on its own again, as after any other end.

@@ -8,6 +8,18 @@ const QString kGreater = QStringLiteral(" value CANNOT be greater or equal than 
 const QString kSmaller = QStringLiteral(" value CANNOT be smaller or equal than ");
 const QString kLarger = QStringLiteral(" value CANNOT be larger or equal than ");
 
+// `act` gets the box, a copy of its edit, and why that is refused.
+template <class Act>
+void forEachEdit(ConditionControls& conditions, const Act& act) {
+    for (const Quantity quantity : kStationQuantities) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            NumberBox& box = conditions.limits(quantity)[i];
+            if (const std::optional<NumberEdit> edit = box.Edit)
+                act(box, *edit, limitFault(conditions, quantity, i, edit->typed));
+        }
+    }
+}
+
 } // namespace
 
 QString ValidateLimit(Quantity quantity, std::size_t index, const Thresholds& thresholds) {
@@ -30,6 +42,43 @@ QString ValidateLimit(Quantity quantity, std::size_t index, const Thresholds& th
     if (index == 2 && limits[1] >= limits[2])
         return message(kSmaller, 1);
     return {};
+}
+
+QString limitFault(ConditionControls& conditions, Quantity quantity, std::size_t index,
+                   double value) {
+    Thresholds thresholds;
+    for (std::size_t i = 0; i < 3; ++i) {
+        thresholds.limits[i] = conditions.limits(quantity)[i].Value;
+        thresholds.descriptions[i] = conditions.swatches(quantity)[i].Caption;
+    }
+    thresholds.limits[index] = value;
+    return ValidateLimit(quantity, index, thresholds);
+}
+
+bool acceptLimits(ConditionControls& conditions, const ShowMessage& showMessage) {
+    QString fault;
+    forEachEdit(conditions, [&](NumberBox& box, const NumberEdit& edit, const QString& refused) {
+        if (!refused.isEmpty()) {
+            fault = refused;
+            return;
+        }
+        if (box.Value != edit.typed)
+            box.set(edit.typed);
+        box.Edit.reset();
+    });
+    if (!fault.isEmpty())
+        showMessage({fault, MessageStyle::Ok, {}});
+    return fault.isEmpty();
+}
+
+void dropRefusedLimits(ConditionControls& conditions) {
+    forEachEdit(conditions, [](NumberBox& box, const NumberEdit& edit, const QString& refused) {
+        if (refused.isEmpty())
+            return;
+        box.set(edit.typed); // so that the view of an emptied box sees a change, too
+        box.set(edit.before);
+        box.Edit.reset();
+    });
 }
 
 } // namespace skyhold

@@ -1,9 +1,8 @@
 // The three limits of a quantity must increase, so that every value falls into exactly one band.
 #pragma once
 
-#include "records/conditions.h"
-
-#include <QString>
+#include "records/condition_controls.h"
+#include "records/messages.h"
 
 #include <array>
 #include <cstddef>
@@ -18,5 +17,15 @@ struct Thresholds {
 // Why the entry `index` (0..2) may not be left as it is; empty when it may. For what the user
 // types: automation clients and unit changes are not asked.
 QString ValidateLimit(Quantity quantity, std::size_t index, const Thresholds& thresholds);
+
+// The same over the limits in force, with `value` as the entry `index`.
+QString limitFault(ConditionControls& conditions, Quantity quantity, std::size_t index,
+                   double value);
+
+// A limit that is being typed is to be used or kept. False, with a message, when it is refused;
+// otherwise it is entered.
+bool acceptLimits(ConditionControls& conditions, const ShowMessage& showMessage);
+// The same where nobody can be asked: what is refused gives way to the limit before.
+void dropRefusedLimits(ConditionControls& conditions);
 
 } // namespace skyhold

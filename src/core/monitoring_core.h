@@ -70,7 +70,9 @@ struct MonitoringCore {
     UserDataRecorder recorder;
     RenderedGraphs renderedGraphs;
     UploadHandOff handOff;
-    bool closeWanted = false; // a close was asked for while a session start was waiting
+    bool closeWanted = false;   // a close was asked for while a session start was waiting
+    bool recordAtStart = false; // recording begins with the next session
+    bool ending = false;        // the program ends: nobody answers a message any more
 
     QString caller; // the automation client whose call is at work; empty while none is
     std::vector<ControlHolder> controllers; // the latest last; none: the rules decide

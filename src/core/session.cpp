@@ -1,7 +1,9 @@
 #include "core/session.h"
 
+#include "conditions/threshold_rules.h"
 #include "core/alarms.h"
 #include "core/read_cycle.h"
+#include "core/recording.h"
 #include "core/upload.h"
 #include "platform/files.h"
 #include "records/status_lines.h"
@@ -66,6 +68,10 @@ bool startReading(MonitoringCore& core, std::vector<Message>& messages) {
     Records& records = core.records;
     SessionControls& session = records.session;
     checkFolders(records);
+    if (core.recordAtStart) {
+        core.recordAtStart = false;
+        Record_Start(core, true);
+    }
     SetStatusText(session.Statusbar1, QStringLiteral("Waiting for Kiv_Nubilo"), kNavy);
     const SensorLinkRecords link{records.readings, session, records.alarms, records.conditions,
                                  records.display};
@@ -132,7 +138,7 @@ std::vector<Message> begin(MonitoringCore& core) {
 
 void StartSession(MonitoringCore& core) {
     const SessionControls& session = core.records.session;
-    if (isBegun(session))
+    if (isBegun(session) || !acceptLimits(core.records.conditions, core.showMessage))
         return;
     for (const Message& message : begin(core)) {
         if (!isBegun(session)) // a client may have started again while one was read
@@ -164,6 +170,7 @@ void Device_Start(MonitoringCore& core) {
     SessionControls& session = core.records.session;
     if (isBegun(session))
         return;
+    dropRefusedLimits(core.records.conditions); // a client must not wait for the user
     QStringList texts;
     for (const Message& message : begin(core))
         texts.append(message.text);

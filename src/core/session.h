@@ -5,16 +5,17 @@
 
 namespace skyhold {
 
-// The Start button, menu entry and tray entry. Nothing while a session runs or starts. A start that
-// fails ends with its messages, which the user answers.
+// The Start button, menu entry and tray entry. Nothing while a session runs or starts, nor while a
+// limit is refused that is being typed: a message says so. A start that fails ends with its
+// messages, which the user answers.
 void StartSession(MonitoringCore& core);
 
 // The Stop button, menu entry and tray entry; also ends a start that still waits.
 void StopSession(MonitoringCore& core);
 
 // For automation clients: as the buttons, only when there is something to do; the Stop button is
-// hidden afterwards. What a start that fails has to say is shown as a notice, so that the client
-// has its answer at once.
+// hidden afterwards. A refused limit is dropped, and what a start that fails has to say is shown as
+// a notice, so that the client has its answer at once.
 void Device_Start(MonitoringCore& core);
 void Device_Stop(MonitoringCore& core);
 

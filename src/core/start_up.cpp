@@ -1,5 +1,6 @@
 #include "core/start_up.h"
 
+#include "conditions/threshold_rules.h"
 #include "core/session.h"
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
@@ -27,7 +28,8 @@ void ShowNewsAtStart(MonitoringCore& core) {
     if (!window.LastUpdateMsg.trimmed().isEmpty()) {
         core.showMessage(
             {window.LastUpdateMsg, MessageStyle::Ok, QStringLiteral("Last Update Status")});
-        window.LastUpdateMsg.clear();
+        if (!core.ending) // else the end closed it, and the next start shows it
+            window.LastUpdateMsg.clear();
     }
 }
 
@@ -84,6 +86,8 @@ bool RequestClose(MonitoringCore& core) {
                           MessageStyle::Ok, QStringLiteral("Warning")});
         return false;
     }
+    if (!acceptLimits(core.records.conditions, core.showMessage))
+        return false;
     const bool starting = core.records.session.Starting;
     core.closeWanted = starting;
     StopSession(core);
@@ -91,6 +95,7 @@ bool RequestClose(MonitoringCore& core) {
 }
 
 void Unload(MonitoringCore& core) {
+    dropRefusedLimits(core.records.conditions);
     if (!SaveSettings(core.records, core.settings, core.forms))
         core.showMessage(
             {QStringLiteral("The settings could not be saved to ") + core.settings.filePath(),

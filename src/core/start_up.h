@@ -17,13 +17,14 @@ void swapUpdater(const QString& folder);
 // Help file, caption, all settings, then the one-shot timer for news and the last update status.
 void LoadMainWindow(MonitoringCore& core);
 
-// A request to close the window. False while automation clients are attached (a message says so)
-// or while a session start waits (the close follows it). Otherwise the session has been stopped
-// and the window may unload.
+// A request to close the window. False while automation clients are attached or a limit is refused
+// that is being typed (a message says so), or while a session start waits (the close follows it).
+// Otherwise the session has been stopped and the window may unload.
 bool RequestClose(MonitoringCore& core);
 
-// Saves the settings, gives back control of the sensor program, shuts the image library down and
-// closes the user data file. The tray icon is gone by then. Tells when settings were not saved.
+// Saves the settings, without a refused limit, gives back control of the sensor program, shuts the
+// image library down and closes the user data file. The tray icon is gone by then. Tells when
+// settings were not saved.
 void Unload(MonitoringCore& core);
 
 } // namespace skyhold

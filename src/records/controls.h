@@ -12,6 +12,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace skyhold {
 
@@ -40,6 +41,12 @@ struct CheckBox {
     }
 };
 
+// What the user types into a number box and has neither entered nor left yet.
+struct NumberEdit {
+    double before = 0; // the number that it replaces
+    double typed = 0;  // what the text stands for, 0 for none
+};
+
 // A number box; the digit limits are those of its text entry.
 struct NumberBox {
     QProperty<double> Value{0};
@@ -47,6 +54,7 @@ struct NumberBox {
     int DigitsMostSignificant = 3;
     int DigitsDecimal = 2;
     bool AllowNegative = false;
+    std::optional<NumberEdit> Edit;
     std::function<void()> Change;
 
     void set(double value) {

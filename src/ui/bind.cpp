@@ -102,18 +102,26 @@ void bind(KivGetNumber* widget, NumberBox& record) {
     widget->setDigitsMostSignificant(record.DigitsMostSignificant);
     widget->setDigitsDecimal(record.DigitsDecimal);
     widget->setAllowNegative(record.AllowNegative);
-    follow(widget, record.Value, [widget](double value) {
+    follow(widget, record.Value, [widget, &record](double value) {
         // A text that already says so stays as it was typed.
-        if (!widget->holdsNumber() || widget->value() != value)
+        if (!widget->holdsNumber() || widget->value() != value) {
             widget->setValue(value);
+            record.Edit.reset();
+        }
     });
     followEnabled(widget, record.Enabled);
+    QObject::connect(widget, &KivGetNumber::textTyped, widget, [&record](double value) {
+        if (!record.Edit)
+            record.Edit = NumberEdit{.before = record.Value};
+        record.Edit->typed = value;
+    });
     // A rule may put a value right, or start a history anew, so it waits for the whole number.
     QObject::connect(widget, &KivGetNumber::valueEdited, widget, [&record](double value) {
         if (!record.Change)
             record.set(value);
     });
     QObject::connect(widget, &KivGetNumber::valueEntered, widget, [&record](double value) {
+        record.Edit.reset();
         if (record.Value != value)
             record.set(value);
     });

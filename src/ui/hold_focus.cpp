@@ -1,7 +1,7 @@
 #include "ui/hold_focus.h"
 
 #include <QApplication>
-#include <QFocusEvent>
+#include <QKeyEvent>
 #include <QTabWidget>
 
 namespace skyhold {
@@ -27,15 +27,17 @@ void turnToPageOf(const QWidget* box) {
 class FocusHolder : public QObject {
   public:
     FocusHolder(QWidget* box, std::function<QString()> fault,
-                std::function<void(const QString&)> tell)
+                std::function<void(const QString&)> show)
         : QObject(box)
         , box_(box)
         , fault_(std::move(fault))
-        , tell_(std::move(tell)) {}
+        , show_(std::move(show)) {}
 
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == box_ && event->type() == QEvent::FocusOut)
             return refuses(static_cast<QFocusEvent*>(event)->reason());
+        if (watched == box_ && event->type() == QEvent::KeyPress && isReturn(*event))
+            return refuses(Qt::OtherFocusReason, true);
         return dropsClick_ && isPress(event->type()) && dropClick();
     }
 
@@ -44,15 +46,20 @@ class FocusHolder : public QObject {
         return type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
     }
 
-    bool refuses(Qt::FocusReason reason) {
-        if (telling_)
+    static bool isReturn(const QEvent& event) {
+        const int key = static_cast<const QKeyEvent&>(event).key();
+        return key == Qt::Key_Return || key == Qt::Key_Enter;
+    }
+
+    bool refuses(Qt::FocusReason reason, bool entered = false) {
+        if (refusing_)
             return true;
-        if (!leftByUser(reason))
+        if (!entered && !leftByUser(reason))
             return false;
         const QString text = fault_();
         if (text.isEmpty())
             return false;
-        telling_ = true;
+        refusing_ = true;
         // The control that was clicked has the focus already; its click comes next.
         dropsClick_ = reason == Qt::MouseFocusReason;
         if (dropsClick_)
@@ -75,22 +82,22 @@ class FocusHolder : public QObject {
             dropClick();
         turnToPageOf(box_);
         box_->setFocus();
-        telling_ = false;
-        tell_(text);
+        refusing_ = false;
+        show_(text);
     }
 
     QWidget* box_;
     std::function<QString()> fault_;
-    std::function<void(const QString&)> tell_;
-    bool telling_ = false;
+    std::function<void(const QString&)> show_;
+    bool refusing_ = false;
     bool dropsClick_ = false;
 };
 
 } // namespace
 
 void holdFocusWhile(QWidget* box, std::function<QString()> fault,
-                    std::function<void(const QString&)> tell) {
-    box->installEventFilter(new FocusHolder(box, std::move(fault), std::move(tell)));
+                    std::function<void(const QString&)> show) {
+    box->installEventFilter(new FocusHolder(box, std::move(fault), std::move(show)));
 }
 
 bool leavesControl(Qt::FocusReason reason) {

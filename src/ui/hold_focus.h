@@ -10,11 +10,11 @@ class QWidget;
 
 namespace skyhold {
 
-// When the user leaves `box` for another control, `fault` is asked; a text refuses: the click that
-// would have left has no effect, the focus stays, and `tell` shows the text. Going to another
-// window or a menu is no leaving.
+// When the user leaves `box` for another control, or presses Return in it, `fault` is asked; a text
+// refuses: the click or key has no effect, the focus stays, and `show` shows the text. Going to
+// another window or a menu is no leaving.
 void holdFocusWhile(QWidget* box, std::function<QString()> fault,
-                    std::function<void(const QString&)> tell);
+                    std::function<void(const QString&)> show);
 
 // Whether the focus has gone to another control of the window, and not to another window or a menu.
 bool leavesControl(Qt::FocusReason reason);

@@ -86,6 +86,7 @@ void KivGetNumber::followChange() {
         return;
     beingEdited_ = false;
     edited_ = true;
+    Q_EMIT textTyped(value());
     if (holdsNumber())
         Q_EMIT valueEdited(value());
 }

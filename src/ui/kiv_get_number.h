@@ -42,6 +42,8 @@ class KivGetNumber : public QLineEdit {
     void enterNumber();
 
   Q_SIGNALS:
+    // The user changed the text, which stands for `value` now, 0 for none. Comes before the others.
+    void textTyped(double value);
     // The user changed the text, and it is a number.
     void valueEdited(double value);
     // The user pressed Enter, left the box, or closed its window, after changing the text.

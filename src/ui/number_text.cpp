@@ -7,6 +7,10 @@ namespace skyhold {
 
 namespace {
 
+// A converted limit has decimals without end.
+constexpr int kLeastDecimalsShown = 2;
+constexpr double kRoundedBelow = 1e9; // larger ones have no such decimals to lose
+
 // With "." as its separator.
 QString plainForm(QString text, const NumberForms& forms) {
     if (!forms.thousand.isEmpty())
@@ -99,18 +103,14 @@ bool canBeTyped(QStringView text, const NumberEntry& entry) {
 }
 
 QString textOfNumber(double value, const QString& displayFormat, const NumberEntry& entry) {
-    QString text = displayFormat.trimmed().isEmpty()
-                       ? numberText(value, entry.forms)
-                       : formatNumber(value, displayFormat, entry.forms);
-    // "1.5e-07" would be read as 1.5.
-    if (text.contains(u'e'))
-        text = formatNumber(value, u"0.0000000000", entry.forms);
-    const qsizetype separator = text.indexOf(entry.forms.decimal);
-    if (separator >= 0)
-        text.truncate(entry.DigitsDecimal > 0
-                          ? separator + entry.forms.decimal.size() + entry.DigitsDecimal
-                          : separator);
-    return text;
+    const double shownTo = std::pow(10, std::max(kLeastDecimalsShown, entry.DigitsDecimal));
+    if (std::abs(value) < kRoundedBelow)
+        value = std::round(value * shownTo) / shownTo + 0.0;
+    const QString text = displayFormat.trimmed().isEmpty()
+                             ? numberText(value, entry.forms)
+                             : formatNumber(value, displayFormat, entry.forms);
+    // "1.5e+16" would be read as 1.5.
+    return text.contains(u'e') ? formatNumber(value, u"0", entry.forms) : text;
 }
 
 } // namespace skyhold

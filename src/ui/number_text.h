@@ -38,8 +38,8 @@ QString textAfterChange(const QString& text, const NumberEntry& entry);
 // told.
 bool canBeTyped(QStringView text, const NumberEntry& entry);
 
-// The plain text of a number, or formatted when a format is given. Decimals that have no room are
-// cut; the digits before the separator are all shown.
+// The plain text of a number, or formatted when a format is given. It is shown whole, whatever can
+// be typed; only the third and further decimals that could not be typed are rounded away.
 QString textOfNumber(double value, const QString& displayFormat, const NumberEntry& entry);
 
 } // namespace skyhold

@@ -103,6 +103,15 @@ TEST_F(Recording, startThatFailsShowsItsCode) {
     EXPECT_EQ(records().dataFile.RecOption.Index, 1);
 }
 
+TEST_F(Recording, beginsWithASessionThatMakesItsFolder) {
+    showColumn(13);
+    records().dataFile.LblPathName.Caption = folder_->filePath(u"new/folder"_s);
+    core_->recordAtStart = true;
+    StartSession(*core_);
+    cycle({.wind = u"6"_s});
+    EXPECT_EQ(folder_->read(u"new/folder/Skyhold.csv"_s), "\"Wind Speed\"\r\n\"5\"\r\n\"6\"\r\n");
+}
+
 TEST_F(Recording, unloadClosesTheFileLast) {
     showColumn(13);
     records().dataFile.RecOption.choose(0);

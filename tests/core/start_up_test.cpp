@@ -108,6 +108,14 @@ TEST_F(StartUp, newsAndUpdateStatusAreShownOnce) {
     records().session.Starting = false;
     EXPECT_EQ(tick(), (QStringList{u"new"_s, u"updated"_s}));
     EXPECT_EQ(tick(), QStringList{u"new"_s});
+
+    // Closed by the program's end it has not been read: it is kept for the next start.
+    records().window.LastUpdateMsg = u"updated"_s;
+    core_->ending = true;
+    tick();
+    Unload(*core_);
+    EXPECT_EQ(SettingsStore(u"Kiv_Skyhold"_s).GetSetting(u"Window"_s, u"LastUpdateMsg"_s, {}),
+              u"updated"_s);
 }
 
 TEST_F(StartUp, unloadSavesAndGivesControlBack) {

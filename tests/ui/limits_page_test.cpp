@@ -1,5 +1,6 @@
 #include "window_fixture.h"
 
+#include "core/clients.h"
 #include "ui/kiv_get_number.h"
 
 #include <QTabBar>
@@ -27,6 +28,7 @@ class LimitsPage : public WindowFixture {
     void enter(KivGetNumber* box, const QString& text, const std::function<void()>& moveOn) {
         messages_.clear();
         box->setFocus();
+        QTest::keyClick(box, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(box, Qt::Key_Delete);
         QTest::keyClicks(box, text);
         moveOn();
@@ -105,6 +107,91 @@ TEST_F(LimitsPage, ARefusedClickDoesNothing) {
     enter(calm_, u"3"_s, clickStart);
     EXPECT_EQ(messages_, QStringList());
     EXPECT_TRUE(records().session.Running);
+}
+
+// Every way out of the box by the user ends in the same message, with the box as it was.
+TEST_F(LimitsPage, ARefusedLimitIsNeitherEnteredNorStartedWithNorClosedWith) {
+    const std::pair<const char*, std::function<void()>> ways[]{
+        {"Return",
+         [this] {
+             QTest::keyClick(calm_, Qt::Key_Return);
+         }},
+        {"Start by its key",
+         [this] {
+             QTest::keyClick(window_.get(), Qt::Key_S, Qt::AltModifier);
+             // The button is seen to go down first.
+             EXPECT_TRUE(QTest::qWaitFor([this] { return running() || !messages_.isEmpty(); }));
+         }},
+        {"Start in the menu",
+         [this] {
+             child<QAction>("mnuStart")->trigger();
+         }},
+        {"Exit in the menu",
+         [this] {
+             child<QAction>("MnuExit")->trigger();
+         }},
+        {"close",
+         [this] {
+             window_->close();
+         }},
+    };
+    for (const QString& typed : {u"99"_s, u"20"_s}) {
+        for (const auto& [what, leave] : ways) {
+            SCOPED_TRACE(what);
+            enter(calm_, typed, leave);
+            EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
+            EXPECT_TRUE(window_->isVisible());
+            EXPECT_TRUE(calm_->hasFocus());
+            EXPECT_EQ(calm_->text(), typed);
+            EXPECT_FALSE(running());
+        }
+    }
+    enter(windy_, {}, ways[1].second); // an empty one stands for 0
+    EXPECT_EQ(messages_, QStringList{kWindyTooLow});
+    enter(windy_, u"20"_s, tab(windy_));
+    enter(calm_, u"19"_s, ways[1].second);
+    EXPECT_EQ(messages_, QStringList());
+    EXPECT_TRUE(running());
+    EXPECT_EQ(limit(0), 19);
+}
+
+// Where nobody can be asked the limit before stays in force.
+TEST_F(LimitsPage, AClientsStartAndTheEndDropARefusedLimit) {
+    for (const QString& typed : {u"99"_s, QString()}) {
+        KivGetNumber* box = typed.isEmpty() ? windy_ : calm_;
+        const QString before = typed.isEmpty() ? u"20"_s : u"10"_s;
+        enter(box, typed, [this] { Device_Start(*core_); });
+        EXPECT_EQ(box->text(), before);
+        EXPECT_TRUE(running());
+        enter(box, typed, [this] { Unload(*core_); });
+        EXPECT_EQ(box->text(), before);
+        StopSession(*core_);
+        EXPECT_EQ(messages_, QStringList());
+    }
+    const SettingsStore saved(u"Kiv_Skyhold"_s);
+    EXPECT_EQ(saved.GetSetting(u"Limit"_s, u"WindCalm"_s, {}), u"10"_s);
+    EXPECT_EQ(limit(1), 20);
+}
+
+// Settings, units and clients are not asked; a session runs with what they set.
+TEST_F(LimitsPage, LimitsOutOfOrderAreMarked) {
+    const auto marked = [this] {
+        QString rows;
+        for (const char* mark : {"FaultWind0", "FaultWind1", "FaultWind2"})
+            rows += visible(mark) ? u'!' : u'.';
+        return rows;
+    };
+    EXPECT_EQ(marked(), u"..."_s);
+    records().conditions.LimitWind[0].set(99);
+    EXPECT_EQ(marked(), u"!!!"_s);
+    EXPECT_EQ(child(*window_, "FaultWind0")->toolTip(), kCalmTooHigh);
+    records().conditions.LimitWind[2].set(120);
+    EXPECT_EQ(marked(), u"!!."_s);
+    click(*window_, "ButtStart");
+    EXPECT_TRUE(running());
+    EXPECT_EQ(messages_, QStringList());
+    records().conditions.LimitWind[0].set(10);
+    EXPECT_EQ(marked(), u"..."_s);
 }
 
 TEST_F(LimitsPage, AnotherWindowAndOtherProgramsAreNotAsked) {

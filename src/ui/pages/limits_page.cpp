@@ -10,6 +10,7 @@
 #include "ui/open_editor.h"
 #include "ui/pages/page_parts.h"
 #include "ui/readout.h"
+#include "ui/verdict_icon.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -30,17 +31,27 @@ struct LimitGroup {
     ThreeLabels* sectors; // of wind and gust
 };
 
-// A box that is left empty would stand for 0.
-QString limitFault(Quantity quantity, std::size_t i, const KivGetNumber& box,
-                   ConditionControls& conditions) {
-    Thresholds thresholds;
-    for (std::size_t k = 0; k < 3; ++k) {
-        thresholds.limits[k] = conditions.limits(quantity)[k].Value;
-        thresholds.descriptions[k] = conditions.swatches(quantity)[k].Caption;
-    }
-    if (!box.holdsNumber())
-        thresholds.limits[i] = 0;
-    return ValidateLimit(quantity, i, thresholds);
+// Stands beside a limit in force that would be refused if it were typed: settings, units and
+// automation clients are not asked.
+QLabel* makeFaultMark(QWidget* group, Quantity quantity, std::size_t i,
+                      ConditionControls& conditions) {
+    auto* mark = new QLabel(group);
+    followLook(mark, [mark] {
+        constexpr int kSide = 16;
+        mark->setPixmap(drawVerdictIcon(VerdictIcon::Fault).pixmap(kSide));
+    });
+    const auto judge = [mark, quantity, i, &conditions] {
+        const double value = conditions.limits(quantity)[i].Value;
+        const QString fault = limitFault(conditions, quantity, i, value);
+        mark->setToolTip(fault);
+        mark->setAccessibleName(fault);
+        mark->setHidden(fault.isEmpty());
+    };
+    for (NumberBox& limit : conditions.limits(quantity))
+        follow(mark, limit.Value, [judge](double) { judge(); });
+    for (Label& level : conditions.swatches(quantity))
+        follow(mark, level.Caption, [judge](const QString&) { judge(); });
+    return mark;
 }
 
 void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
@@ -60,11 +71,14 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     KivGetNumber* limit =
         makeNumber(group, indexed("Limit" + suffix, i), conditions.limits(made.quantity)[i]);
     limit->setToolTip(u"Upper limit of this level"_s);
-    limit->setFixedWidth(52); // leaves room for the level's name
+    limit->setFixedWidth(60); // leaves room for the level's name
     holdFocusWhile(
         limit,
         [limit, i, &conditions, quantity = made.quantity] {
-            return limitFault(quantity, i, *limit, conditions);
+            // A box that is left empty would stand for 0.
+            const double value =
+                limit->holdsNumber() ? conditions.limits(quantity)[i].Value.value() : 0;
+            return limitFault(conditions, quantity, i, value);
         },
         [&showMessage](const QString& text) {
             if (showMessage)
@@ -72,8 +86,14 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
         });
 
     const int row = static_cast<int>(i) * 2 + 1;
+    QLabel* mark = makeFaultMark(group, made.quantity, i, conditions);
+    mark->setObjectName(indexed("Fault" + suffix, i));
     grid->addWidget(swatch, row, 0);
-    grid->addWidget(limit, row, 1);
+    auto* number = new QHBoxLayout;
+    number->setSpacing(look::kGap);
+    number->addWidget(mark);
+    number->addWidget(limit);
+    grid->addLayout(number, row, 1, Qt::AlignRight);
     if (!made.sectors)
         return;
 
