@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
 
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull())
-        return fail(QStringLiteral("there is no audio device"));
+        return fail(QStringLiteral("no audio device"));
     QAudioOutput output(device);
     QMediaPlayer player;
     player.setAudioOutput(&output);

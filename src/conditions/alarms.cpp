@@ -135,8 +135,13 @@ void stopSound(MediaControl& media) {
 
 void AlarmStart(const AlarmPlayer& player, const QString& spec) {
     AlarmStop(player);
-    if (!startSound(player.media, parseSound(spec)))
+    player.controls.SoundFault.Caption = QString();
+    const SoundSpec sound = parseSound(spec);
+    if (!startSound(player.media, sound)) {
+        if (!sound.file.isEmpty())
+            reportSilence(player.controls, sound.file + u" cannot be opened"_s);
         return;
+    }
     player.TimerPlayer.arm(kCheckPlayingMs);
     player.controls.ButtStopAlarm.Visible = true;
 }
@@ -146,6 +151,10 @@ void AlarmStop(const AlarmPlayer& player) {
     stopSound(player.media);
     player.TimerPlayer.disarm();
     player.controls.ButtStopAlarm.Visible = false;
+}
+
+void reportSilence(AlarmControls& controls, const QString& reason) {
+    controls.SoundFault.Caption = u"No sound: "_s + reason;
 }
 
 void releaseAlarm(const AlarmPlayer& player, CurrentReadings& readings) {

@@ -41,6 +41,8 @@ void stopSound(MediaControl& media);
 void AlarmStart(const AlarmPlayer& player, const QString& spec);
 // Ends the sound and takes timer, button and indicator back.
 void AlarmStop(const AlarmPlayer& player);
+// Shows why a sound is not heard, until the next one is started.
+void reportSilence(AlarmControls& controls, const QString& reason);
 // Silence, and no alarm owns the sound.
 void releaseAlarm(const AlarmPlayer& player, CurrentReadings& readings);
 // Takes timer and button back once the sound has ended.

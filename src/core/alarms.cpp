@@ -19,6 +19,9 @@ void stopSensorAlarm(SensorLink& sensor) {
 }
 
 void alarmRules(MonitoringCore& core) {
+    core.media.silent = [&core](const QString& reason) {
+        reportSilence(core.records.alarms, reason);
+    };
     core.TimerPlayer.Tick = [&core] {
         TimerPlayer_Tick(alarmPlayer(core));
     };

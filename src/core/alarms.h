@@ -16,7 +16,8 @@ void AlarmStop(MonitoringCore& core);
 // The sensor program's own alarm gives way to one of this program.
 void stopSensorAlarm(SensorLink& sensor);
 
-// The tick of the player's timer and the click rule of the suspending box.
+// The tick of the player's timer, the click rule of the suspending box, and what is shown when a
+// sound is not heard.
 void alarmRules(MonitoringCore& core);
 
 } // namespace skyhold

@@ -120,6 +120,8 @@ void SoundPlayerProgram::stop() {
 }
 
 void SoundPlayerProgram::tell(const QString& reason) {
+    if (silent)
+        silent(reason);
     if (told_.contains(reason))
         return;
     told_.insert(reason);

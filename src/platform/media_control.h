@@ -27,6 +27,9 @@ class MediaControl {
     // 0 when the command was accepted. Only kMediaMode answers: "playing", or what else is the
     // case, cut to answerLength - 1 characters. Never waits for the sound.
     virtual int send(const QString& command, QString* answer = nullptr, int answerLength = 0) = 0;
+
+    // Hears why a sound that was accepted is not heard after all.
+    std::function<void(const QString& reason)> silent;
 };
 
 // Plays through the program Kiv_SoundPlayer, one process a sound, which is killed to stop it. So a
@@ -34,7 +37,7 @@ class MediaControl {
 // breaks a decoder neither holds the monitor nor ends it.
 class SoundPlayerProgram : public MediaControl {
   public:
-    // `program` is the path of the player; `report` is told once of each reason for silence.
+    // `program` is the path of the player; `report` hears of each reason for silence once.
     SoundPlayerProgram(const QString& program, std::function<void(const QString&)> report);
     ~SoundPlayerProgram() override;
 

@@ -17,6 +17,7 @@ struct AlarmControls {
     CheckBox SuspendSoundAlarm;
     Button ButtStopAlarm;
     std::array<QProperty<bool>, 10> PlayAlarm; // which indicator shows that it plays
+    Label SoundFault;                          // why the last sound was not heard; empty: it was
     QString LastMusicDir;                      // folder last used in the sound chooser
 
     ThreeChecks& alarms(Quantity quantity);

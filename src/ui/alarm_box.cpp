@@ -134,21 +134,28 @@ void SoundName::paintEvent(QPaintEvent*) {
                      metrics.elidedText(shown, Qt::ElideRight, name.width()));
 }
 
-PlayMark::PlayMark(QProperty<bool>& playing, QWidget* parent)
+PlayMark::PlayMark(QProperty<bool>& playing, Label& soundFault, QWidget* parent)
     : QWidget(parent) {
     setFixedSize(20, 20);
-    follow(this, playing, [this](bool on) {
-        playing_ = on;
-        setToolTip(on ? u"This alarm sounds"_s : QString());
+    const auto show = [this, &playing, &soundFault] {
+        playing_ = playing;
+        silent_ = !soundFault.Caption.value().isEmpty();
+        const QString tip =
+            silent_ ? u"This alarm is due and is not heard. "_s + soundFault.Caption.value()
+                    : u"This alarm sounds"_s;
+        setToolTip(playing_ ? tip : QString());
         update();
-    });
+    };
+    follow(this, playing, [show](bool) { show(); });
+    follow(this, soundFault.Caption, [show](const QString&) { show(); });
 }
 
 void PlayMark::paintEvent(QPaintEvent*) {
     if (!playing_)
         return;
     QPainter painter(this);
-    drawSpeaker(painter, QRectF(rect()).adjusted(2, 2, -2, -2), screenColour(kOrange));
+    const QColor ink = look::ink(screenColour(kOrange), look::kGroup);
+    drawSpeaker(painter, QRectF(rect()).adjusted(2, 2, -2, -2), ink, silent_);
 }
 
 } // namespace skyhold

@@ -51,12 +51,12 @@ class SoundName : public QAbstractButton {
     bool repeat_ = false;
 };
 
-// A speaker while the alarm sounds, else nothing.
+// A speaker while the alarm sounds, a muted one while it should and does not, else nothing.
 class PlayMark : public QWidget {
     Q_OBJECT
 
   public:
-    PlayMark(QProperty<bool>& playing, QWidget* parent);
+    PlayMark(QProperty<bool>& playing, Label& soundFault, QWidget* parent);
 
     bool isPlaying() const { return playing_; }
 
@@ -65,6 +65,7 @@ class PlayMark : public QWidget {
 
   private:
     bool playing_ = false;
+    bool silent_ = false;
 };
 
 } // namespace skyhold

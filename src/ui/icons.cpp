@@ -66,13 +66,18 @@ void drawBell(QPainter& painter, const QRectF& place, const QColor& colour, bool
     painter.restore();
 }
 
-void drawSpeaker(QPainter& painter, const QRectF& place, const QColor& colour) {
+void drawSpeaker(QPainter& painter, const QRectF& place, const QColor& colour, bool silent) {
     const QTransform scaled = unitSquare(place);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(scaled.map(speakerBody()), colour);
     painter.setPen(QPen(colour, kLine, Qt::SolidLine, Qt::RoundCap));
-    painter.drawPath(scaled.map(soundWaves()));
+    if (silent) {
+        painter.drawLine(scaled.map(QLineF(0.6, 0.32, 0.94, 0.68)));
+        painter.drawLine(scaled.map(QLineF(0.94, 0.32, 0.6, 0.68)));
+    } else {
+        painter.drawPath(scaled.map(soundWaves()));
+    }
     painter.restore();
 }
 

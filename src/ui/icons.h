@@ -10,6 +10,7 @@ namespace skyhold {
 
 // An outline, or filled.
 void drawBell(QPainter& painter, const QRectF& place, const QColor& colour, bool filled);
-void drawSpeaker(QPainter& painter, const QRectF& place, const QColor& colour);
+// Silent: crossed out.
+void drawSpeaker(QPainter& painter, const QRectF& place, const QColor& colour, bool silent);
 
 } // namespace skyhold

@@ -85,7 +85,7 @@ void SettingsPages::addPages() {
     });
     addSheet(conditions, u"&Unsafe and alarms"_s, [this, &records](QWidget* parent) {
         return makeUnsafePage(records.conditions, records.alarms, records.readings, core_.media,
-                              parent);
+                              core_.showMessage, parent);
     });
 
     addSheet(this, u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });

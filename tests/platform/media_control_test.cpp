@@ -86,15 +86,19 @@ TEST_F(SoundPlayer, PlaysByAProcessThatIsEndedWithTheSound) {
     EXPECT_EQ(reports, QStringList());
 }
 
-TEST_F(SoundPlayer, TellsEachReasonForSilenceOnce) {
+TEST_F(SoundPlayer, ReportsEachReasonForSilenceOnceAndEverySilence) {
+    int silences = 0;
+    media->silent = [&](const QString&) {
+        ++silences;
+    };
     const struct {
         const char* what;
         QByteArray script;
         QString reason;
     } rows[] = {
         {"played to its end", "exit 0", {}},
-        {"no device", "echo there is no audio device; exit 1", u"there is no audio device"_s},
-        {"and again", "echo there is no audio device; exit 1", {}},
+        {"no device", "echo no audio device; exit 1", u"there is no audio device"_s},
+        {"and again", "echo no audio device; exit 1", {}},
         {"broken file", "echo bell: not a sound; echo more; exit 1", u"bell: not a sound"_s},
         {"decoder breaks", "kill -SEGV $$", sound + u": the sound player broke off"_s},
         {"played again", "exit 0", {}},
@@ -109,6 +113,7 @@ TEST_F(SoundPlayer, TellsEachReasonForSilenceOnce) {
         EXPECT_TRUE(send(kMediaClose));
         EXPECT_EQ(reports, row.reason.isEmpty() ? QStringList() : QStringList{row.reason});
     }
+    EXPECT_EQ(silences, 5);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "window_fixture.h"
 
+#include "core/alarms.h"
 #include "ui/alarm_box.h"
 
 #include <QDir>
@@ -60,7 +61,16 @@ TEST_F(AlarmsPage, ABoxWithoutASoundCannotBeChecked) {
         EXPECT_FALSE(record().checked());
     }
     chooseBell();
+    EXPECT_EQ(messages_, QStringList{u"The alarm of Rain, level 3 is off: its sound will not be "
+                                     u"heard. Switch it on?"_s});
     EXPECT_FALSE(record().checked()); // a sound alone enables nothing
+    answer_ = MessageAnswer::Yes;
+    chooseBell();
+    EXPECT_TRUE(record().checked());
+    messages_.clear();
+    chooseBell();
+    EXPECT_EQ(messages_, QStringList()); // is on
+    record().set(0);
     click(*window_, "AlarmRain2");
     EXPECT_TRUE(box()->isChecked());
     EXPECT_TRUE(record().checked());
@@ -145,6 +155,7 @@ TEST_F(AlarmsPage, StopAlarmIsInViewOnEveryPageWhileASoundIsStarted) {
     click(*window_, "AlarmRain2");
     openPage(Page::Sources);
     click(*window_, "ButtStart");
+    QCoreApplication::processEvents();
     EXPECT_FALSE(visible("ButtStopAlarm"));
     const std::array still{"LblCause",  "SafeDelayMsg",  "WSAlarmMsg", "NBAlarmMsg",
                            "LblStatus", "LValWindSpeed", "ButtStop"};
@@ -171,6 +182,28 @@ TEST_F(AlarmsPage, StopAlarmIsInViewOnEveryPageWhileASoundIsStarted) {
     EXPECT_FALSE(child<PlayMark>(*window_, "PlayAlarm1")->isPlaying());
     cycle();
     EXPECT_EQ(media_.heard(), QString()); // acknowledged: it does not begin again
+}
+
+TEST_F(AlarmsPage, AnAlarmThatIsNotHeardSaysSo) {
+    chooseBell();
+    click(*window_, "AlarmRain2");
+    click(*window_, "ButtStart");
+    sensor_.values[u"Condition_Rain"_s] = 3;
+    cycle();
+    const auto mark = [this] {
+        return child(*window_, "PlayAlarm1")->toolTip();
+    };
+    EXPECT_EQ(mark(), u"This alarm sounds"_s);
+    EXPECT_FALSE(visible("SoundFault"));
+    media_.silent(u"no audio device"_s);
+    EXPECT_TRUE(visible("SoundFault"));
+    EXPECT_EQ(shown("SoundFault"), u"No sound: no audio device"_s);
+    EXPECT_TRUE(mark().startsWith(u"This alarm is due and is not heard."_s));
+    AlarmStart(*core_, record().Tag);
+    EXPECT_FALSE(visible("SoundFault"));
+    QFile::remove(path("sounds/Bell.wav"));
+    AlarmStart(*core_, record().Tag);
+    EXPECT_EQ(shown("SoundFault"), u"No sound: %1 cannot be opened"_s.arg(path("sounds/Bell.wav")));
 }
 
 // A master sensor program sounds its own alarm.

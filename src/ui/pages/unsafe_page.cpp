@@ -1,7 +1,6 @@
 #include "ui/pages/unsafe_page.h"
 
 #include "conditions/alarms.h"
-#include "platform/text_forms.h"
 #include "ui/alarm_box.h"
 #include "ui/bind.h"
 #include "ui/dialog_parts.h"
@@ -54,24 +53,34 @@ Swatch* makeLimit(NumberBox& limit, Label& level, const QString& name, QWidget* 
     auto* chip = new Swatch(parent);
     chip->setObjectName(name);
     chip->setPixelSize(12);
-    chip->setFixedSize(42, 20);
+    chip->setFixedSize(52, 20);
     chip->setToolTip(u"Its upper limit and its colour, as the page Limits has them"_s);
     follow(chip, limit.Value, [chip](double value) {
-        const bool whole = value == roundHalfEven(value);
         chip->setText(u"\u2264 "_s +
-                      formatNumber(value, whole ? u"0" : u"0.0", localeNumberForms()));
+                      textOfNumber(value, {}, {.DigitsDecimal = 1, .forms = localeNumberForms()}));
     });
     follow(chip, level.BackColor, [chip](Colour colour) { chip->setFill(screenColour(colour)); });
     return chip;
 }
 
+// A sound that was chosen for an alarm that is off would be missed when it matters.
+void offerAlarm(CheckBox& alarm, const QString& what, const ShowMessage& showMessage) {
+    if (alarm.Tag.value().isEmpty() || alarm.checked() || !alarm.Enabled)
+        return;
+    const QString text =
+        u"The alarm of %1 is off: its sound will not be heard. Switch it on?"_s.arg(what);
+    if (showMessage({text, MessageStyle::YesNo, {}}) == MessageAnswer::Yes)
+        alarm.set(1);
+}
+
 class AlarmTable {
   public:
     AlarmTable(AlarmControls& alarms, CurrentReadings& readings, MediaControl& media,
-               QWidget* parent)
+               const ShowMessage& showMessage, QWidget* parent)
         : alarms_(alarms)
         , readings_(readings)
         , media_(media)
+        , showMessage_(showMessage)
         , parent_(parent)
         , grid_(new QGridLayout(parent)) {
         grid_->setContentsMargins(10, 6, 12, 8);
@@ -128,7 +137,7 @@ class AlarmTable {
     void beginRow(const QString& title, std::size_t indicator) {
         ++row_;
         grid_->setRowStretch(row_, 1);
-        auto* mark = new PlayMark(alarms_.PlayAlarm[indicator], parent_);
+        auto* mark = new PlayMark(alarms_.PlayAlarm[indicator], alarms_.SoundFault, parent_);
         mark->setObjectName(indexed("PlayAlarm", indicator));
         grid_->addWidget(mark, row_, 0, Qt::AlignVCenter);
         auto* label = new QLabel(title, parent_);
@@ -152,9 +161,11 @@ class AlarmTable {
         sound->setAccessibleName(u"Sound: "_s + what);
 
         const auto released = [&alarm, &alarms = alarms_, &readings = readings_, &media = media_,
-                               box](Qt::MouseButton button) {
+                               &showMessage = showMessage_, box, what](Qt::MouseButton button) {
             EditAlarmSound(static_cast<int>(button), alarm, readings, [&](CheckBox& target) {
-                KivSoundForm(target, alarms.LastMusicDir, media, box->window()).exec();
+                KivSoundForm form(target, alarms.LastMusicDir, media, box->window());
+                if (form.exec() == QDialog::Accepted)
+                    offerAlarm(target, what, showMessage);
             });
         };
         const auto edit = [released] {
@@ -172,6 +183,7 @@ class AlarmTable {
     AlarmControls& alarms_;
     CurrentReadings& readings_;
     MediaControl& media_;
+    const ShowMessage& showMessage_;
     QWidget* parent_;
     QGridLayout* grid_;
     int row_ = 0; // the header
@@ -220,12 +232,13 @@ void addQuantities(AlarmTable& table, ConditionControls& conditions) {
 } // namespace
 
 QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
-                        CurrentReadings& readings, MediaControl& media, QWidget* parent) {
+                        CurrentReadings& readings, MediaControl& media,
+                        const ShowMessage& showMessage, QWidget* parent) {
     auto* page = new QWidget(parent);
     auto* card = new Card(page);
     card->standForGroup();
     card->setMaximumHeight(400); // a taller window does not pull the rows apart
-    AlarmTable table(alarms, readings, media, card);
+    AlarmTable table(alarms, readings, media, showMessage, card);
     addQuantities(table, conditions);
 
     table.addSource(u"Weather station"_s, 8,
