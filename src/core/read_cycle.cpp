@@ -129,6 +129,7 @@ void readStation(MonitoringCore& core) {
         readings.StationDataOld = true;
         readings.ReadLedColour = kYellow;
         SetStatusText(records.session.Statusbar1, stationReadStatus(read), kRed);
+        records.display.WSAlarmMsg.Caption = QStringLiteral("WS data file unusable");
         soundAlarm(StationFileState::Old);
         SetErrorCodes(records.session.Statusbar2, QStringLiteral("a41"), kRed);
     } else {

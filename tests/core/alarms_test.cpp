@@ -131,14 +131,17 @@ TEST_F(CoreAlarms, stationDataThatCannotBeUsedSoundsUntilItIsFresh) {
     const struct {
         const char* what;
         std::function<void()> fail;
-        QString code;
+        QString code, message;
         bool sensorStopped;
     } cases[] = {
-        {"not rewritten", [this] { clock_.advanceSeconds(600); }, u"a41"_s, true},
-        {"deleted", [this] { QFile::remove(stationPath()); }, u"a42"_s, false},
-        {"rubbish", [this] { writeStationBytes("rubbish"); }, u"a41"_s, true},
+        {"not rewritten", [this] { clock_.advanceSeconds(600); }, u"a41"_s, u"WS data too old"_s,
+         true},
+        {"deleted", [this] { QFile::remove(stationPath()); }, u"a42"_s, u"WS data file absent"_s,
+         false},
+        {"rubbish", [this] { writeStationBytes("rubbish"); }, u"a41"_s, u"WS data file unusable"_s,
+         true},
     };
-    for (const auto& [what, fail, code, sensorStopped] : cases) {
+    for (const auto& [what, fail, code, message, sensorStopped] : cases) {
         SCOPED_TRACE(what);
         fail();
         media_.heard();
@@ -147,6 +150,7 @@ TEST_F(CoreAlarms, stationDataThatCannotBeUsedSoundsUntilItIsFresh) {
         expect(u"station"_s, u"10"_s);
         EXPECT_EQ(sensor_.takeCalls().contains(u"Kiv_AlarmStop"_s), sensorStopped);
         EXPECT_EQ(codes(), code);
+        EXPECT_EQ(records().display.WSAlarmMsg.Caption.value(), message);
 
         // Acknowledged, and it stays so, even when the same trouble is written again.
         AlarmStop(*core_);
