@@ -8,6 +8,7 @@
 #include "ui/menus.h"
 #include "ui/monitor_panel.h"
 #include "ui/settings_pages.h"
+#include "ui/status_strip.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr QSize kUsualSize(1280, 800);
 constexpr QSize kSmallestSize(1024, 700);
+constexpr int kFrameMs = 200;
 
 WindowState stateOf(const QWidget& window) {
     if (window.isMinimized())
@@ -55,6 +57,9 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     makeMenuBar(*this, core_);
     setMinimumSize(kSmallestSize);
     resize(kUsualSize);
+    frameDrawn_.setSingleShot(true);
+    frameDrawn_.setInterval(kFrameMs);
+    connect(&frameDrawn_, &QTimer::timeout, this, &KivSHMainform::notePosition);
     followRecords();
 }
 
@@ -125,7 +130,14 @@ void KivSHMainform::changeEvent(QEvent* event) {
 
 void KivSHMainform::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
-    if (!placed_ || stateOf(*this) != WindowState::Normal)
+    notePosition();
+    frameDrawn_.start();
+}
+
+// Of the frame's corner, which is what a window is moved to. Without the frame, which comes after
+// the first moves and is not announced, every start would move the window by the frame's width.
+void KivSHMainform::notePosition() {
+    if (!placed_ || !isVisible() || stateOf(*this) != WindowState::Normal)
         return;
     WindowControls& window = core_.records.window;
     window.Left = x();
@@ -139,6 +151,8 @@ void KivSHMainform::showEvent(QShowEvent* event) {
         placed_ = true;
     }
     QMainWindow::showEvent(event);
+    notePosition();
+    frameDrawn_.start();
     enableCloseItem(core_.records.window.CloseItemEnabled);
 }
 

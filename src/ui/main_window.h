@@ -4,6 +4,7 @@
 #include "core/monitoring_core.h"
 
 #include <QMainWindow>
+#include <QTimer>
 
 namespace skyhold {
 
@@ -38,11 +39,13 @@ class KivSHMainform : public QMainWindow {
     void followRecords();
     void showState(WindowState state);
     void placeOnScreen();
+    void notePosition();
     void enableCloseItem(bool on);
 
     MonitoringCore& core_;
     SettingsPages* pages_ = nullptr;
     bool placed_ = false;
+    QTimer frameDrawn_; // runs while the desktop may still put its frame around the window
 };
 
 } // namespace skyhold
