@@ -5,17 +5,13 @@
 #include "core/session.h"
 #include "ui/age_text.h"
 #include "ui/bind.h"
-#include "ui/copy_text.h"
-#include "ui/kiv_legend.h"
 #include "ui/look.h"
-#include "ui/open_editor.h"
 #include "ui/reading_tile.h"
 #include "ui/readout_selection.h"
+#include "ui/verdict_card.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QPaintEvent>
-#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -25,17 +21,7 @@ namespace skyhold {
 
 namespace {
 
-constexpr int kVerdictHeight = 128;
 constexpr int kStopAlarmWidth = 118;
-
-// The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
-QColor verdictGround(Colour lamp) {
-    if (lamp == kRed)
-        return QColor(0xa1, 0x12, 0x1b);
-    if (lamp == kGreen)
-        return QColor(0x12, 0x6b, 0x35);
-    return {};
-}
 
 Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool bold = false) {
     auto* readout = new Readout(parent);
@@ -65,7 +51,7 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     : QWidget(parent) {
     auto* top = new QHBoxLayout;
     top->setSpacing(look::kGap);
-    top->addWidget(makeVerdict(core.records.conditions, core.records.session));
+    top->addWidget(makeVerdictCard(core, this));
     top->addWidget(makeMessages(core), 1);
     top->addWidget(makeSwitchAndSession(core));
 
@@ -76,53 +62,24 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     layout->addWidget(makeTiles(core.records));
     layout->addWidget(makeSources(core));
     // Blinks at the end of every read cycle.
-    follow(this, core.records.display.LEDRead.first.FillColor,
-           [this, &core](Colour) { showTrends(core.records, core.clock.now()); });
+    follow(this, core.records.display.LEDRead.first.FillColor, [this, &core](Colour) {
+        showTrends(core.records, core.clock.now());
+        if (!core.records.session.ButtStart.Visible)
+            showLive(core.records, true);
+    });
+    // A session that starts has nothing to show before its first reading.
+    follow(this, core.records.session.ButtStart.Visible,
+           [this, &core](bool) { showLive(core.records, false); });
 }
 
-QWidget* MonitorPanel::makeVerdict(ConditionControls& conditions, SessionControls& session) {
-    auto* card = new Card(this);
-    card->setFixedSize(372, kVerdictHeight);
-    LampWidget* lamp = makeLamp(card, u"LEDUnsafe"_s, 52);
-    bind(lamp, conditions.LEDUnsafe);
-    Readout* verdict = makeReadout(card, u"LblStatus"_s, 68, true);
-    verdict->setFixedHeight(88);
-    bind(verdict, conditions.LblStatus);
-    Readout* note = makeReadout(card, u"LblVerdictNote"_s, 15);
-    note->setTone(Tone::Dim);
-    note->setFixedHeight(24);
-
-    // The last verdict stays after a session has ended, but must not look like a judgement of now.
-    const auto refresh = [=, &conditions, &session] {
-        const bool idle = session.ButtStart.Visible;
-        const bool none = conditions.LblStatus.Caption.value().isEmpty();
-        const QColor ground = idle ? QColor() : verdictGround(conditions.LEDUnsafe.FillColor);
-        card->setFill(ground);
-        verdict->setGround(ground);
-        verdict->setTone(idle ? Tone::Disabled : Tone::Text);
-        verdict->setInk(ground.isValid() ? Qt::white : QColor());
-        const QString idleNote =
-            none ? u"Not monitoring"_s : u"Not monitoring: this was the last verdict"_s;
-        note->setText(idle ? idleNote : none ? u"No verdict yet"_s : QString());
-        note->setHidden(note->text().isEmpty());
-        verdict->setHidden(none);
-    };
-    follow(card, session.ButtStart.Visible, [refresh](bool) { refresh(); });
-    follow(card, conditions.LEDUnsafe.FillColor, [refresh](Colour) { refresh(); });
-    follow(card, conditions.LblStatus.Caption, [refresh](const QString&) { refresh(); });
-
-    auto* words = new QVBoxLayout;
-    words->setSpacing(0);
-    words->addStretch();
-    words->addWidget(verdict);
-    words->addWidget(note);
-    words->addStretch();
-    auto* layout = new QHBoxLayout(card);
-    layout->setContentsMargins(20, 8, 12, 8);
-    layout->setSpacing(16);
-    layout->addWidget(lamp);
-    layout->addLayout(words);
-    return card;
+// Without a session nothing has a colour of its own, and the last readings have their times.
+void MonitorPanel::showLive(const Records& records, bool live) {
+    for (Readout* readout : readouts_)
+        readout->setOld(!live);
+    for (const auto& [tile, ofSensor] : tiles_) {
+        const Label& read = ofSensor ? records.display.Label3Sensor : records.display.Label3Station;
+        tile->setOld(!live, read.Caption.value().section(u' ', 1));
+    }
 }
 
 QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
@@ -137,33 +94,38 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     cause->setFixedHeight(62);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     allowMouseSelection(cause);
-    // Where no cause is to be told, that is told.
-    const auto showCause = [cause, &records] {
-        const Colour lamp = records.conditions.LEDUnsafe.FillColor;
+    Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
+    last->setTone(Tone::Dim);
+    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
+    delay->setInk(screenColour(kYellow));
+    bind(delay, records.conditions.SafeDelayMsg);
+    const auto showCause = [=, &records] {
         const bool idle = records.session.ButtStart.Visible;
-        QString words = records.display.LblCause.Caption;
-        const bool none = words.isEmpty();
-        if (none && idle && lamp == kGrey)
-            words = u"Start begins a monitoring session."_s;
-        else if (none && !idle && lamp == kGreen)
-            words = u"No condition counts as unsafe."_s;
-        // A last verdict is of the past; why a start failed is not.
-        const bool past = idle && lamp != kGrey;
-        cause->setTone(none || past ? Tone::Dim : Tone::Text);
-        cause->setText(words);
+        const QString words = records.display.LblCause.Caption;
+        const QString verdict = records.conditions.LblStatus.Caption;
+        const bool none = words.isEmpty() && records.conditions.LEDUnsafe.FillColor == kGreen;
+        // Words without a verdict say why a start has failed.
+        const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
+        cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
+        if (idle && !failed)
+            cause->setText(u"Start begins a monitoring session."_s);
+        else
+            cause->setText(none ? u"No condition counts as unsafe."_s : words);
+        last->setText(verdict.isEmpty() ? QString()
+                                        : u"Last verdict: %1. %2"_s.arg(verdict, words));
+        last->setHidden(!idle);
+        delay->setHidden(idle);
     };
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
     follow(cause, records.conditions.LEDUnsafe.FillColor, [=](Colour) { showCause(); });
     follow(cause, records.session.ButtStart.Visible, [=](bool) { showCause(); });
-    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
-    delay->setInk(screenColour(kYellow));
-    bind(delay, records.conditions.SafeDelayMsg);
     auto* automaticLayout = new QVBoxLayout(automatic);
     automaticLayout->setContentsMargins(0, 0, 0, 0);
     automaticLayout->setSpacing(2);
     automaticLayout->addWidget(cause);
     auto* delayRow = new QHBoxLayout;
     delayRow->addWidget(delay);
+    delayRow->addWidget(last);
     delayRow->addSpacing(kStopAlarmWidth); // the button comes and goes without moving the text
     automaticLayout->addLayout(delayRow);
     bind(automatic, records.session.Frame3);
@@ -198,6 +160,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
         Readout* alarm = makeReadout(card, name, 15, true);
         alarm->setInk(screenColour(kOrange));
         bind(alarm, record);
+        readouts_.push_back(alarm);
         alarms->addWidget(alarm, share);
         alarmLineHeight = alarm->sizeHint().height();
     };
@@ -216,8 +179,19 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     lines->addWidget(control);
     lines->addStretch();
     lines->addLayout(alarms);
+    // In the place of the button that ends the noise.
+    Readout* silence = makeReadout(card, u"SoundFault"_s, 13, true);
+    silence->setFixedSize(kStopAlarmWidth, 34);
+    silence->setWrap(true);
+    silence->setInk(screenColour(kOrange));
+    follow(silence, records.alarms.SoundFault.Caption, [silence](const QString& fault) {
+        silence->setText(fault);
+        silence->setToolTip(fault);
+        silence->setHidden(fault.isEmpty());
+    });
     auto* overlay = new QVBoxLayout;
     overlay->addStretch();
+    overlay->addWidget(silence);
     overlay->addWidget(makeStopAlarm(core, card));
     overlay->addSpacing(alarmLineHeight + look::kGap);
     auto* layout = new QGridLayout(card);
@@ -257,6 +231,20 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     followVisible(caption, core.records.display.LblSwitch.Visible);
     Readout* value = makeReadout(card, u"LValSwitch"_s, 22, true);
     bind(value, core.records.display.LValSwitch);
+    readouts_.push_back(value);
+    // The roof stays as the session left it.
+    Readout* left = makeReadout(card, u"LblLeftOpen"_s, 13, true);
+    left->setInk(screenColour(kOrange));
+    left->setText(u"left open"_s);
+    left->reserve(left->text());
+    const auto showLeft = [left, &core, &session] {
+        const Label& roof = core.records.display.LValSwitch;
+        left->setVisible(session.ButtStart.Visible && roof.Visible &&
+                         roof.Caption.value() == u"Opened"_s);
+    };
+    follow(left, session.ButtStart.Visible, [showLeft](bool) { showLeft(); });
+    follow(left, core.records.display.LValSwitch.Caption,
+           [showLeft](const QString&) { showLeft(); });
 
     const auto makeButton = [card](const QString& name, const QString& text, Button& record) {
         auto* button = new QPushButton(text, card);
@@ -283,7 +271,11 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(16, 10, 16, 14);
     layout->setSpacing(2);
-    layout->addWidget(caption);
+    auto* head = new QHBoxLayout;
+    head->addWidget(caption);
+    head->addStretch();
+    head->addWidget(left);
+    layout->addLayout(head);
     layout->addWidget(value);
     layout->addStretch();
     // Side by side: when the last client leaves an idle monitor, both are offered.
@@ -350,6 +342,8 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
             card->showUnit(*tile.unit);
         else
             card->showUnit(QString::fromUtf8(tile.fixedUnit));
+        tiles_.emplace_back(card, tile.header == Header::Cloud || tile.header == Header::Rain ||
+                                      tile.header == Header::Brightness);
         if (tile.trend)
             trends_.push_back({card, tile.trend, tile.scale});
         layout->addWidget(card, 1);
@@ -390,6 +384,7 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
         Readout* time = makeReadout(row, name, 13);
         time->reserve(u"00/00 00:00:00"_s);
         bind(time, record);
+        readouts_.push_back(time);
         layout->addWidget(time);
         Readout* age = makeReadout(row, name + u"Age"_s, 13);
         age->setTone(Tone::Dim);
@@ -447,34 +442,6 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     bind(users, session.LblUsers);
     layout->addWidget(users);
     return row;
-}
-
-StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
-    : QWidget(parent) {
-    setFixedHeight(30);
-    Readout* status = makeReadout(this, u"Statusbar1"_s, 15);
-    Readout* codes = makeReadout(this, u"Statusbar2"_s, 15, true);
-    for (Readout* line : {status, codes}) {
-        line->setTone(Tone::Strip);
-        line->setGround(look::kStrip);
-        allowCopying(line);
-    }
-    codes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    codes->setToolTip(u"Status codes; right-click for their meanings"_s);
-    bind(status, session.Statusbar1);
-    bind(codes, session.Statusbar2);
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(look::kMargin, 2, look::kMargin, 2);
-    layout->setSpacing(look::kGap);
-    layout->addWidget(status, 2);
-    layout->addWidget(codes, 1);
-
-    openEditorOn(codes, [this, codes] { KivLegend::openNear(codes, this); });
-}
-
-void StatusStrip::paintEvent(QPaintEvent* event) {
-    QPainter(this).fillRect(event->rect(), look::kStrip);
 }
 
 } // namespace skyhold

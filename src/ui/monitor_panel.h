@@ -16,8 +16,8 @@ class QPushButton;
 
 namespace skyhold {
 
-class Card;
 class ReadingTile;
+class Readout;
 
 class MonitorPanel : public QWidget {
     Q_OBJECT
@@ -26,13 +26,13 @@ class MonitorPanel : public QWidget {
     MonitorPanel(MonitoringCore& core, QWidget* parent);
 
   private:
-    QWidget* makeVerdict(ConditionControls& conditions, SessionControls& session);
     QWidget* makeMessages(MonitoringCore& core);
     QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card);
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(Records& records);
     QWidget* makeSources(MonitoringCore& core);
     void showTrends(const Records& records, const QDateTime& now);
+    void showLive(const Records& records, bool live);
 
     struct TileTrend {
         ReadingTile* tile;
@@ -40,18 +40,9 @@ class MonitorPanel : public QWidget {
         TrendScale scale;
     };
     std::vector<TileTrend> trends_;
+    std::vector<std::pair<ReadingTile*, bool>> tiles_; // and whether the sensor program reads it
+    std::vector<Readout*> readouts_;                   // in colours of the session
     std::pair<std::int32_t, std::int32_t> shownPoints_{0, 0}; // how many, and the newest
-};
-
-// The two status lines on their light strip. A right click on the codes opens their legend.
-class StatusStrip : public QWidget {
-    Q_OBJECT
-
-  public:
-    StatusStrip(SessionControls& session, QWidget* parent);
-
-  protected:
-    void paintEvent(QPaintEvent* event) override;
 };
 
 } // namespace skyhold

@@ -22,12 +22,15 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
     , header_(new Readout(this))
     , value_(new Readout(this))
     , unit_(new Readout(this))
-    , condition_(new Readout(this)) {
+    , condition_(new Readout(this))
+    , at_(new Readout(this)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     header_->setObjectName(headerName);
     header_->setTone(Tone::Dim);
     value_->setObjectName(valueName);
     unit_->setTone(Tone::Dim);
+    at_->setTone(Tone::Dim);
+    at_->hide();
     unit_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     bind(header_, header);
     bind(value_, value);
@@ -54,6 +57,15 @@ void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
     update(strip());
 }
 
+void ReadingTile::setOld(bool old, const QString& at) {
+    setEdge(old ? Edge::Line : Edge::None);
+    for (Readout* readout : {header_, value_, unit_, condition_})
+        readout->setOld(old);
+    at_->setText(value_->text().isEmpty() ? QString() : QStringLiteral("at ") + at);
+    at_->setHidden(!old);
+    update();
+}
+
 QSize ReadingTile::sizeHint() const {
     return {128, kHeight};
 }
@@ -69,7 +81,7 @@ QRect ReadingTile::strip() const {
 void ReadingTile::paintEvent(QPaintEvent* event) {
     Card::paintEvent(event);
     // A new value above it leaves the strip as it is.
-    if (trend_.runs.empty() || !event->rect().intersects(strip()))
+    if (trend_.runs.empty() || at_->isVisible() || !event->rect().intersects(strip()))
         return;
     QPainter painter(this);
     painter.fillRect(QRect(strip().left(), strip().bottom() + 2, strip().width(), 1), look::kEdge);
@@ -91,6 +103,7 @@ void ReadingTile::place() {
     unit_->setPixelSize(narrow ? 11 : 13);
     value_->setPixelSize(narrow ? 25 : 29, true);
     condition_->setPixelSize(narrow ? 12 : 14, true);
+    at_->setPixelSize(12);
 
     const int inner = width() - 2 * inset;
     const int unitWidth = unit_->fontMetrics().horizontalAdvance(unit_->text()) + 2;
@@ -98,6 +111,7 @@ void ReadingTile::place() {
     unit_->setGeometry(inset + inner - unitWidth, 6, unitWidth, 20);
     value_->setGeometry(inset, 26, inner, 36);
     condition_->setGeometry(inset, 62, inner, 20);
+    at_->setGeometry(inset, kStripTop, inner, kStripHeight);
 }
 
 } // namespace skyhold

@@ -22,6 +22,8 @@ class ReadingTile : public Card {
     void showUnit(Label& unit);
     // Drawn below the condition; nothing as long as there are no points.
     void showTrend(Trend trend, const TrendScale& scale);
+    // A reading of the past is grey on a hollow card, and has the time `at` in the trend's place.
+    void setOld(bool old, const QString& at);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -38,6 +40,7 @@ class ReadingTile : public Card {
     Readout* value_;
     Readout* unit_;
     Readout* condition_;
+    Readout* at_;
     Trend trend_;
     TrendScale scale_;
 };

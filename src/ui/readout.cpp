@@ -35,6 +35,13 @@ void Readout::setTone(Tone tone) {
     update();
 }
 
+void Readout::setOld(bool old) {
+    if (old == old_)
+        return;
+    old_ = old;
+    update();
+}
+
 void Readout::setGround(const QColor& ground) {
     if (ground == ground_)
         return;
@@ -43,6 +50,8 @@ void Readout::setGround(const QColor& ground) {
 }
 
 QColor Readout::shownInk() const {
+    if (old_)
+        return look::kDimText;
     if (ink_.isValid())
         return look::ink(ink_, ground_.isValid() ? look::ground(ground_) : look::kCard);
     switch (tone_) {
@@ -166,9 +175,23 @@ void LampWidget::setColour(const QColor& colour) {
     update();
 }
 
+void LampWidget::setUnlit(bool unlit) {
+    if (unlit == unlit_)
+        return;
+    unlit_ = unlit;
+    update();
+}
+
 void LampWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (unlit_) {
+        painter.scale(width(), height());
+        painter.setPen(QPen(look::kDimText, 0.1));
+        painter.drawEllipse(QRectF(0.05, 0.05, 0.9, 0.9));
+        painter.fillRect(QRectF(0.33, 0.33, 0.34, 0.34), look::kDimText);
+        return;
+    }
     const QColor light = look::light(colour_);
     const bool off = colour_ == screenColour(kGrey);
     painter.setPen(QPen(off ? light : light.darker(160), 1.5));
@@ -203,9 +226,23 @@ void Card::standForGroup() {
     update();
 }
 
+void Card::setEdge(Edge edge) {
+    if (edge == edge_)
+        return;
+    edge_ = edge;
+    update();
+}
+
 void Card::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (edge_ != Edge::None) {
+        const bool dashed = edge_ == Edge::Dashed;
+        painter.setPen(dashed ? QPen(look::kDimText, 2, Qt::DashLine) : QPen(look::kEdge, 1));
+        const qreal inset = dashed ? 1 : 0.5;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 6, 6);
+        return;
+    }
     painter.setPen(Qt::NoPen);
     const QColor& own = group_ ? look::kGroup : look::kCard;
     painter.setBrush(fill_.isValid() ? look::ground(fill_) : own);

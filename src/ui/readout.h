@@ -25,6 +25,8 @@ class Readout : public QWidget {
     // A stated colour, which every look shows in its own way; an invalid one stands for the tone.
     void setInk(const QColor& ink);
     void setTone(Tone tone);
+    // A text of the past: grey, whatever colour is stated.
+    void setOld(bool old);
     // What the text stands on, unless it is the window.
     void setGround(const QColor& ground);
 
@@ -60,6 +62,7 @@ class Readout : public QWidget {
     QColor ink_;
     QColor ground_;
     Tone tone_ = Tone::Text;
+    bool old_ = false;
     QString widest_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
     bool cutInMiddle_ = false;
@@ -94,13 +97,18 @@ class LampWidget : public QWidget {
 
     QColor colour() const { return colour_; }
     void setColour(const QColor& colour);
+    // A ring around a square, whatever the colour: nothing is shown.
+    void setUnlit(bool unlit);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
 
   private:
     QColor colour_;
+    bool unlit_ = false;
 };
+
+enum class Edge { None, Line, Dashed };
 
 // A rounded card on which others stand, in the colour of cards unless another is stated.
 class Card : public QWidget {
@@ -112,6 +120,8 @@ class Card : public QWidget {
     void setFill(const QColor& fill);
     // Has the colour of a group of settings.
     void standForGroup();
+    // With an edge the card is hollow.
+    void setEdge(Edge edge);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -119,6 +129,7 @@ class Card : public QWidget {
   private:
     QColor fill_;
     bool group_ = false;
+    Edge edge_ = Edge::None;
 };
 
 } // namespace skyhold

@@ -4,7 +4,9 @@
 //
 // QT_SCALE_FACTOR=2 makes them for a screen of twice the resolution. Fails when a picture could not
 // be written or would show a password.
+#include "conditions/alarms.h"
 #include "core/clients.h"
+#include "core/session.h"
 #include "platform/files.h"
 #include "screenshots/simulated_monitor.h"
 #include "ui/help_window.h"
@@ -100,6 +102,15 @@ void takePages(Album& album, KivSHMainform& window) {
         pages->open(static_cast<Page>(i));
         album.take(window, QString::fromLatin1(names[i]));
     }
+    pages->open(Page::Sources);
+}
+
+void takeLimits(Album& album, KivSHMainform& window) {
+    auto* pages = window.findChild<SettingsPages*>();
+    pages->open(Page::Limits);
+    album.take(window, u"limits-out-of-order"_s);
+    pages->open(Page::Unsafe);
+    album.take(window, u"unsafe-out-of-order"_s);
     pages->open(Page::Sources);
 }
 
@@ -208,8 +219,23 @@ constexpr Moment kMoments[]{
          for (int i = 0; i < 30; ++i)
              monitor.cycle();
      }},
+    {"stopped",
+     [](SimulatedMonitor& monitor) {
+         monitor.sensorFails = false;
+         monitor.stationStands = false;
+         monitor.cycle();
+         StopSession(monitor.core());
+         // What settings and clients may leave: out of order, and with more than can be typed.
+         ThreeBoxes& limits = monitor.records().conditions.LimitTemp;
+         limits[0].Value = -20.5556;
+         limits[1].Value = -75;
+         limits[2].Value = -7.5;
+         monitor.records().conditions.LimitGust[2].Value = 999.9;
+         reportSilence(monitor.records().alarms, u"no audio device"_s);
+     }},
 };
 constexpr std::string_view kSettingsMoment = "safe"; // at which pages and dialogs are shown
+constexpr std::string_view kIdleMoment = "stopped";  // at which some pages look different
 
 std::vector<QSize> sizesFrom(const QStringList& texts) {
     std::vector<QSize> sizes;
@@ -246,6 +272,8 @@ int main(int argc, char** argv) {
                 album.take(window, u"now-"_s + QString::fromLatin1(moment.name));
                 if (moment.name == kSettingsMoment)
                     takePages(album, window);
+                if (moment.name == kIdleMoment)
+                    takeLimits(album, window);
             }
             if (moment.name == kSettingsMoment)
                 takeDialogs(album, monitor, window);

@@ -19,9 +19,13 @@ namespace {
 
 class MainWindow : public WindowFixture {};
 
-TEST_F(MainWindow, StartShowsTheVerdictAndStopNoLongerPassesItOffAsCurrent) {
+TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
+    // Grey readings are in the window's own colours.
+    const auto grey = [this](const char* name) {
+        return child<Readout>(*window_, name)->shownInk() == look::kDimText;
+    };
     EXPECT_EQ(window_->windowTitle(), u"Kiv_Skyhold (v2.30.004)"_s);
-    EXPECT_EQ(shown("LblVerdictNote"), u"Not monitoring"_s);
+    EXPECT_EQ(shown("LblStatus"), u"Not monitoring"_s);
     EXPECT_FALSE(visible("ButtStop"));
     EXPECT_TRUE(offered("mnuStart"));
 
@@ -41,9 +45,56 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopNoLongerPassesItOffAsCurrent) {
     EXPECT_EQ(child<Readout>(*window_, "LCondWind")->ink(), screenColour(kOrange));
     EXPECT_TRUE(shown("LblCause").contains(u"Windy"_s));
 
+    EXPECT_FALSE(visible("LblLeftOpen"));
+
+    cycle({});
+    cycle({});
+    ASSERT_EQ(shown("LblStatus"), u"Safe"_s);
+    const auto hasGreen = [&] {
+        const QImage picture = window_->grab(QRect(0, 0, window_->width(), 320)).toImage();
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const QColor pixel = picture.pixelColor(x, y);
+                if (pixel.saturation() > 100 && pixel.hue() > 40 && pixel.hue() < 190)
+                    return true; // yellow to cyan
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(hasGreen());
+    constexpr std::array readings{"LValCloud", "LCondCloud", "LValWindSpeed", "LCondWind",
+                                  "Label02",   "LValSwitch", "Label30",       "Label32"};
+    for (const char* name : readings)
+        EXPECT_FALSE(grey(name)) << name;
     click(*window_, "ButtStop");
     EXPECT_TRUE(visible("ButtStart"));
-    EXPECT_EQ(shown("LblVerdictNote"), u"Not monitoring: this was the last verdict"_s);
+    EXPECT_EQ(shown("LblStatus"), u"Not monitoring"_s);
+    EXPECT_TRUE(shown("LblVerdictNote").startsWith(u"stopped "_s));
+    EXPECT_EQ(shown("LblLastVerdict"), u"Last verdict: Safe. All conditions safe"_s);
+    EXPECT_EQ(shown("Statusbar1"), u"Monitoring stopped"_s);
+    EXPECT_EQ(status(), u"Weather Station Data - Refreshed"_s); // for clients
+    EXPECT_EQ(shown("LValWindSpeed"), u"5"_s);
+    EXPECT_TRUE(visible("LblLeftOpen"));
+    for (const char* name : readings)
+        EXPECT_TRUE(grey(name)) << name;
+    EXPECT_FALSE(hasGreen());
+
+    // Still of then while a new session waits for its first data.
+    sensor_.values[u"DataReady"_s] = false;
+    clock_.onWait = [&] {
+        EXPECT_TRUE(grey("LValWindSpeed"));
+        sensor_.values[u"DataReady"_s] = true;
+    };
+    click(*window_, "ButtStart");
+    EXPECT_FALSE(grey("LValWindSpeed"));
+    EXPECT_EQ(shown("Statusbar1"), status());
+
+    // The words of a start that failed are no leftovers.
+    click(*window_, "ButtStop");
+    sensor_.values[u"DataReady"_s] = false;
+    clock_.onWait = nullptr;
+    click(*window_, "ButtStart");
+    EXPECT_EQ(shown("Statusbar1"), u"Problem with Kiv_Nubilo"_s);
 }
 
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
@@ -169,6 +220,8 @@ TEST_F(MainWindow, ClientsLeaveStartAndStopApartAndControlToTheUser) {
 }
 
 TEST_F(MainWindow, OpensWhereItWasLeftUnlessThatIsOffTheScreen) {
+    EXPECT_NE(window_->pos(), QPoint()); // clients may ask before it has been moved
+    EXPECT_EQ(QPoint(records().window.Left, records().window.Top), window_->pos());
     window_->move(30, 40);
     QCoreApplication::processEvents();
     EXPECT_EQ(records().window.Left, 30);
