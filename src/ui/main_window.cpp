@@ -145,20 +145,23 @@ void KivSHMainform::notePosition() {
     window.Placed = true;
 }
 
-void KivSHMainform::showEvent(QShowEvent* event) {
-    if (!placed_) {
+// Placed before the desktop knows of it: a frame of unknown size is reckoned with then.
+void KivSHMainform::setVisible(bool visible) {
+    if (visible && !placed_)
         placeOnScreen();
-        placed_ = true;
-    }
+    QMainWindow::setVisible(visible);
+}
+
+void KivSHMainform::showEvent(QShowEvent* event) {
+    placed_ = true;
     QMainWindow::showEvent(event);
-    notePosition();
     frameDrawn_.start();
     enableCloseItem(core_.records.window.CloseItemEnabled);
 }
 
 // At its saved position when its title bar can be reached there, else in the middle.
 void KivSHMainform::placeOnScreen() {
-    const WindowControls& window = core_.records.window;
+    WindowControls& window = core_.records.window;
     const QPoint saved(window.Left, window.Top);
     const QScreen* savedScreen = QGuiApplication::screenAt(saved + QPoint(40, 10));
     const QScreen* on = window.Placed && savedScreen ? savedScreen : screen();
@@ -166,12 +169,11 @@ void KivSHMainform::placeOnScreen() {
     // The frame around the window is only known once it stands; leave room for a usual one.
     const QSize inside = room.size() - QSize(8, 40);
     resize(kUsualSize.boundedTo(inside).expandedTo(kSmallestSize));
-    if (on == savedScreen && window.Placed)
-        move(saved);
-    else
-        move(room.topLeft() +
-             QPoint(std::max(0, room.width() - width()), std::max(0, room.height() - height())) /
-                 2);
+    if (on != savedScreen || !window.Placed) {
+        window.Left = room.left() + std::max(0, room.width() - width()) / 2;
+        window.Top = room.top() + std::max(0, room.height() - height()) / 2;
+    }
+    move(window.Left, window.Top);
 }
 
 void KivSHMainform::enableCloseItem(bool on) {

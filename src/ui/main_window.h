@@ -25,6 +25,8 @@ class KivSHMainform : public QMainWindow {
     // What the menu's update entry does; the entry is only offered when this is set.
     std::function<void()> onUpdate;
 
+    void setVisible(bool visible) override;
+
   Q_SIGNALS:
     // A close request has been granted: the session is stopped, the program may unload.
     void closed();
