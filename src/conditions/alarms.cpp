@@ -139,7 +139,8 @@ void AlarmStart(const AlarmPlayer& player, const QString& spec) {
     const SoundSpec sound = parseSound(spec);
     if (!startSound(player.media, sound)) {
         if (!sound.file.isEmpty())
-            reportSilence(player.controls, sound.file + u" cannot be opened"_s);
+            reportSilence(player.controls,
+                          nativePath(sound.file).section(u'/', -1) + u" cannot be opened"_s);
         return;
     }
     player.TimerPlayer.arm(kCheckPlayingMs);

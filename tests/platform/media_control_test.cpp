@@ -97,7 +97,7 @@ TEST_F(SoundPlayer, ReportsEachReasonForSilenceOnceAndEverySilence) {
         QString reason;
     } rows[] = {
         {"played to its end", "exit 0", {}},
-        {"no device", "echo no audio device; exit 1", u"there is no audio device"_s},
+        {"no device", "echo no audio device; exit 1", u"no audio device"_s},
         {"and again", "echo no audio device; exit 1", {}},
         {"broken file", "echo bell: not a sound; echo more; exit 1", u"bell: not a sound"_s},
         {"decoder breaks", "kill -SEGV $$", sound + u": the sound player broke off"_s},
