@@ -64,8 +64,9 @@ void sector(QByteArrayView bytes) {
                     "a kind leaves the other's wait alone");
             require(own == kSince || own == kNow, "a wait goes on or begins now");
             require(own == kSince || !holds, "a direction outside does not hold");
-            const bool restricts = parsed && !text.trimmed().isEmpty() && std::isfinite(direction);
+            const bool restricts = parsed && !text.trimmed().isEmpty();
             require(restricts || (holds && own == kSince), "what is no sector restricts nothing");
+            require(std::isfinite(direction) || own == kSince, "an unknown direction is inside");
             if (restricts && own == kSince)
                 require(holds == (parsed->minutes <= 5), "inside, the minutes count");
         }

@@ -58,7 +58,10 @@ void stationValue(QByteArrayView bytes) {
     const NumberForms& forms = kForms[choice % std::size(kForms)];
     const QString text = QString::fromUtf8(input.rest());
 
-    requireSoundNumber(ParseStationNumber(text, forms), forms);
+    const std::optional<double> number = ParseStationNumber(text, forms);
+    requireSoundNumber(number.value_or(0), forms);
+    require(!number || !text.contains(forms.thousand) || forms.thousand == u".",
+            "a number has no separators of thousands");
     requireSoundNumber(parseLocaleNumber(text, forms), forms);
     require(ParseStationNumber(u' ' + text + u'\t', forms) == ParseStationNumber(text, forms),
             "blanks around a number do not matter");
@@ -79,9 +82,9 @@ void stationValue(QByteArrayView bytes) {
         require(time->isValid(), "a time is one of the day");
         require(parseStationTime(time->toString(u"HH:mm:ss"_s)) == time, "a time reads as itself");
     }
-    const double degrees = CardinalToDegrees(text, units.Cardinal);
-    require(degrees >= 0 && degrees < 360 && std::fmod(degrees, 22.5) == 0,
-            "a label is one of sixteen");
+    if (const auto degrees = CardinalToDegrees(text, units.Cardinal))
+        require(*degrees >= 0 && *degrees < 360 && std::fmod(*degrees, 22.5) == 0,
+                "a label is one of sixteen");
     require(u"CF "_s.contains(DetectTemperatureUnit(text, units)), "a temperature unit is known");
     require(u"KMmk"_s.contains(DetectSpeedUnit(text, units, u"m"_s)), "a speed unit is known");
 }
@@ -130,6 +133,7 @@ void stationFile(QByteArrayView bytes) {
     const StationRead second = read();
     require(second == StationRead::Valid || result != StationRead::Valid,
             "a valid file stays valid");
+    require(mayBeJudged(second) || !mayBeJudged(result), "what may be judged once may be again");
     require(read() == second && shownValues(display) == shown, "the same file reads the same");
     require(std::isfinite(records.readings.BarometricPressure), "the pressure is finite");
     require(!records.readings.StationDateTime.isNull() || shown[0].isEmpty(),
@@ -140,14 +144,19 @@ void stationFile(QByteArrayView bytes) {
     ThreeBoxes limits;
     for (std::size_t i = 0; i < 3; ++i)
         limits[i].Value = 10.0 * static_cast<double>(i + 1);
+    bool blank = false;
     for (const int entry : {2, 3, 4, 5, 6, 7, 8, 9}) {
         const std::optional<double> number = numberFromText(shown[entry], forms);
-        require(number.has_value(), "a shown value is a number");
+        require(number.has_value() || shown[entry].isEmpty(), "a shown value is a number");
+        blank = blank || (!number && entry != 5 && entry != 9);
+        if (!number)
+            continue;
         const std::int32_t level = bandLevel(*number, limits);
         require(level >= 0 && level <= 3, "a level is one of four");
         require(level == 0 || *number <= 10.0 * level, "a level's limit is not below the value");
     }
-    const double degrees = numberFromText(shown[5], forms).value_or(-1);
+    require(second != StationRead::Valid || !blank, "a valid file lacks no value");
+    const double degrees = numberFromText(shown[5], forms).value_or(0);
     require(degrees >= 0 && degrees < 360, "a direction is on the compass");
 }
 

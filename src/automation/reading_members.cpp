@@ -42,6 +42,11 @@ MemberAct reading(Value CurrentReadings::*field) {
     return answering([field](Core& core) { return core.records.readings.*field; });
 }
 
+// A value of the station; a missing one is 0, for the type has no other.
+MemberAct measured(std::optional<double> CurrentReadings::*field) {
+    return answering([field](Core& core) { return (core.records.readings.*field).value_or(0); });
+}
+
 MemberAct sensorValue(std::size_t index) {
     return answering([index](Core& core) { return core.records.readings.SensorValues[index]; });
 }
@@ -89,7 +94,7 @@ void addFirstValues(MemberList& list) {
                 reading(&CurrentReadings::SensorDataReady));
     list.method(u"BrightnessValue"_s, {R8, u"brightness"_s}, sensorValue(2));
     list.method(u"DewPointTemp"_s, {R8, u"dew point"_s, Activity::None},
-                reading(&CurrentReadings::DewPointValue));
+                measured(&CurrentReadings::DewPointValue));
     list.method(u"GraphFreq"_s, {I4, u"readings per point of the graphs"_s},
                 answering([](Core& core) { return rounded(core.records.graphs.GraphFreq.Value); }));
     for (const char* end : {"Max", "Min"}) {
@@ -99,9 +104,9 @@ void addFirstValues(MemberList& list) {
                      Activity::Signal, Source::SensorUnchecked},
                     graphTemperature(name));
     }
-    list.method(u"GustValue"_s, {R8, u"gust speed"_s}, reading(&CurrentReadings::GustSpeed));
+    list.method(u"GustValue"_s, {R8, u"gust speed"_s}, measured(&CurrentReadings::GustSpeed));
     list.method(u"HumidityRelative"_s, {R8, u"relative humidity in percent"_s, Activity::None},
-                reading(&CurrentReadings::HumidityValue));
+                measured(&CurrentReadings::HumidityValue));
     list.method(u"RainHeaterPercent"_s, {R8, u"power of the rain sensor's heater in percent"_s},
                 sensorValue(4));
     list.method(u"RainHeaterTemperature"_s, {R8, u"temperature of the rain sensor"_s},
@@ -122,12 +127,12 @@ void addSecondValues(MemberList& list) {
     list.method(u"SwitchStatus"_s, {I4, u"roof switch: 1 opened, 2 closed"_s},
                 answering([](Core& core) { return rounded(core.records.readings.SwitchValue); }));
     list.method(u"TemperatureAmb"_s, {R8, u"station temperature"_s},
-                reading(&CurrentReadings::StationTemperature));
+                measured(&CurrentReadings::StationTemperature));
     list.get(u"UnitTemp"_s, {Text, u"unit of temperatures in the station's file"_s}, unitText(10));
     list.get(u"UnitSpeed"_s, {Text, u"unit of speeds in the station's file"_s}, unitText(11));
     list.method(u"WindDir"_s, {R8, u"wind direction in degrees"_s},
-                reading(&CurrentReadings::WindDirection));
-    list.method(u"WindValue"_s, {R8, u"wind speed"_s}, reading(&CurrentReadings::WindSpeed));
+                measured(&CurrentReadings::WindDirection));
+    list.method(u"WindValue"_s, {R8, u"wind speed"_s}, measured(&CurrentReadings::WindSpeed));
     list.method(u"BarometricPressure"_s, {R8, u"pressure"_s},
                 reading(&CurrentReadings::BarometricPressure));
     list.method(u"UnitsBarometricPressure"_s, {Text, u"unit of the pressure"_s}, unitText(12));

@@ -30,6 +30,18 @@ QString stationDescription(std::int32_t level, const ThreeLabels& swatches) {
                          : QString();
 }
 
+// Takes the level of a station quantity from its value; the text to show.
+QString classify(std::int32_t& level, std::optional<double> value, const ThreeBoxes& limits,
+                 const ThreeLabels& swatches) {
+    level = value ? bandLevel(*value, limits) : 0;
+    return value ? stationDescription(level, swatches) : QString();
+}
+
+bool beyondCounts(const CurrentReadings& readings, Quantity quantity,
+                  const ConditionControls& controls) {
+    return controls.BeyondLimitUnsafe.checked() && isBeyondLimits(readings, quantity);
+}
+
 // The spread of the two shown temperatures, as their decimal texts give it: 8.3 - 5.3 is 3, and
 // must meet a limit of 3, though the nearest binary numbers are a hair more than 3 apart.
 std::optional<double> dewSpread(const QString& temperature, const QString& dewPoint,
@@ -52,6 +64,11 @@ std::int32_t bandLevel(double value, const ThreeBoxes& limits) {
             return static_cast<std::int32_t>(i) + 1;
     }
     return 0;
+}
+
+bool isBeyondLimits(const CurrentReadings& readings, Quantity quantity) {
+    const std::optional<double> value = readings.judgedValue(quantity);
+    return value && std::isfinite(*value) && readings.level(quantity) == 0;
 }
 
 QString LevelDescription(Quantity quantity, std::int32_t level, const ConditionControls& controls,
@@ -101,61 +118,68 @@ void ClassifyBrightness(ReadingDisplay& display, const CurrentReadings& readings
 
 void ClassifyDew(ReadingDisplay& display, CurrentReadings& readings,
                  const ConditionControls& controls, const NumberForms& forms) {
-    std::optional<double> spread;
-    if (readings.StationValid)
-        spread = dewSpread(display.LValTemperature.Caption, display.LValDewPoint.Caption, forms);
     QString text;
-    if (spread) {
-        readings.DewCondition = bandLevel(*spread, controls.LimitDew);
-        text = stationDescription(readings.DewCondition, controls.ColorDew);
+    if (readings.StationValid) {
+        readings.DewSpread =
+            dewSpread(display.LValTemperature.Caption, display.LValDewPoint.Caption, forms);
+        text = classify(readings.DewCondition, readings.DewSpread, controls.LimitDew,
+                        controls.ColorDew);
     }
     PaintLabel(display.LCondDewPoint,
-               levelColour(flaggedUnsafe(readings.DewCondition, controls.CondDew)), text);
+               levelColour(flaggedUnsafe(readings.DewCondition, controls.CondDew) ||
+                           beyondCounts(readings, Quantity::Dew, controls)),
+               text);
 }
 
 void ClassifyHumidity(ReadingDisplay& display, CurrentReadings& readings,
                       const ConditionControls& controls) {
     QString text;
-    if (readings.StationValid) {
-        readings.HumidityCondition = bandLevel(readings.HumidityValue, controls.LimitHum);
-        text = stationDescription(readings.HumidityCondition, controls.ColorHum);
-    }
+    if (readings.StationValid)
+        text = classify(readings.HumidityCondition, readings.HumidityValue, controls.LimitHum,
+                        controls.ColorHum);
     PaintLabel(display.LCondHumidity,
-               levelColour(flaggedUnsafe(readings.HumidityCondition, controls.CondHum)), text);
+               levelColour(flaggedUnsafe(readings.HumidityCondition, controls.CondHum) ||
+                           beyondCounts(readings, Quantity::Humidity, controls)),
+               text);
 }
 
 void ClassifyWind(ReadingDisplay& display, CurrentReadings& readings,
                   const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
     QString text;
-    if (readings.StationValid) {
-        readings.WindCondition = bandLevel(readings.WindSpeed, controls.LimitWind);
-        text = stationDescription(readings.WindCondition, controls.ColorWind);
-    }
+    if (readings.StationValid)
+        text = classify(readings.WindCondition, readings.WindSpeed, controls.LimitWind,
+                        controls.ColorWind);
     const std::int32_t level = readings.WindCondition;
     // Asked whether or not the level is flagged: the test notes when the wind leaves the sector.
     const bool holds = WindLevelHolds(level, readings, controls, sectors, nowMs);
-    PaintLabel(display.LCondWind, levelColour(holds && flaggedUnsafe(level, controls.CondWind)),
+    PaintLabel(display.LCondWind,
+               levelColour((holds && flaggedUnsafe(level, controls.CondWind)) ||
+                           beyondCounts(readings, Quantity::Wind, controls)),
                text);
 }
 
 void ClassifyGust(ReadingDisplay& display, CurrentReadings& readings,
                   const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
     QString text;
-    if (readings.StationValid) {
-        readings.GustCondition = bandLevel(readings.GustSpeed, controls.LimitGust);
-        text = stationDescription(readings.GustCondition, controls.ColorGust);
-    }
+    if (readings.StationValid)
+        text = classify(readings.GustCondition, readings.GustSpeed, controls.LimitGust,
+                        controls.ColorGust);
     const std::int32_t level = readings.GustCondition;
     const bool holds = GustLevelHolds(level, readings, controls, sectors, nowMs);
-    PaintLabel(display.LCondGust, levelColour(holds && flaggedUnsafe(level, controls.CondGust)),
+    PaintLabel(display.LCondGust,
+               levelColour((holds && flaggedUnsafe(level, controls.CondGust)) ||
+                           beyondCounts(readings, Quantity::Gust, controls)),
                text);
 }
 
-void ClassifyTemperature(Label& label, double value, CurrentReadings& readings,
+void ClassifyTemperature(Label& label, std::optional<double> value, CurrentReadings& readings,
                          const ConditionControls& controls) {
-    readings.TemperatureCondition = bandLevel(value, controls.LimitTemp);
-    PaintLabel(label, levelColour(flaggedUnsafe(readings.TemperatureCondition, controls.CondTemp)),
-               stationDescription(readings.TemperatureCondition, controls.ColorTemp));
+    const QString text =
+        classify(readings.TemperatureCondition, value, controls.LimitTemp, controls.ColorTemp);
+    PaintLabel(label,
+               levelColour(flaggedUnsafe(readings.TemperatureCondition, controls.CondTemp) ||
+                           beyondCounts(readings, Quantity::Temperature, controls)),
+               text);
 }
 
 } // namespace skyhold

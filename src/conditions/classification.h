@@ -19,6 +19,9 @@ using SensorDescription = std::function<QString(Quantity quantity, std::int32_t 
 // finite number.
 std::int32_t bandLevel(double value, const ThreeBoxes& limits);
 
+// True for a value whose level is 0 because it is above the last limit.
+bool isBeyondLimits(const CurrentReadings& readings, Quantity quantity);
+
 // "Unknown" for level 0, the level's description for 1..3, else an empty text.
 QString LevelDescription(Quantity quantity, std::int32_t level, const ConditionControls& controls,
                          const SensorDescription& sensorDescription);
@@ -33,9 +36,9 @@ void ClassifyBrightness(ReadingDisplay& display, const CurrentReadings& readings
                         const ConditionControls& controls,
                         const SensorDescription& sensorDescription);
 
-// Classify the station's values and show the levels. Without valid station data the text is blank
-// and the level stays.
-// The spread is what LValTemperature and LValDewPoint show; when either is no number, as above.
+// Classify the station's values and show the levels. A missing value has level 0 and a blank text.
+// Without valid station data the text is blank and the level stays.
+// The spread is that of the numbers that LValTemperature and LValDewPoint show.
 void ClassifyDew(ReadingDisplay& display, CurrentReadings& readings,
                  const ConditionControls& controls, const NumberForms& forms);
 void ClassifyHumidity(ReadingDisplay& display, CurrentReadings& readings,
@@ -46,7 +49,7 @@ void ClassifyGust(ReadingDisplay& display, CurrentReadings& readings,
                   const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs);
 
 // Classifies `value` as the temperature and shows it in `label`; only with valid station data.
-void ClassifyTemperature(Label& label, double value, CurrentReadings& readings,
+void ClassifyTemperature(Label& label, std::optional<double> value, CurrentReadings& readings,
                          const ConditionControls& controls);
 
 } // namespace skyhold

@@ -1,11 +1,13 @@
 #include "conditions/safety.h"
 
 #include "conditions/sectors.h"
+#include "conditions/threshold_rules.h"
 #include "platform/text_forms.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,6 +20,28 @@ constexpr double kLongestDelay = 2'147'483'647; // seconds
 // By Quantity.
 constexpr std::array kQuantityNames{u"Cloud", u"Rain",        u"Brightness", u"Wind",
                                     u"Gust",  u"Temperature", u"Dew point",  u"Humidity"};
+
+QString quantityName(Quantity quantity) {
+    return QString::fromUtf16(kQuantityNames[static_cast<std::size_t>(quantity)]);
+}
+
+// The value of a station quantity with its unit.
+QString valueInWords(const CurrentReadings& readings, Quantity quantity, const NumberForms& forms) {
+    const QString number =
+        formatNumber(readings.judgedValue(quantity).value_or(0), u"0.0", forms) + u' ';
+    switch (quantity) {
+    case Quantity::Wind:
+    case Quantity::Gust: {
+        constexpr std::array units{u"km/h", u"mph", u"m/s", u"knots"};
+        const qsizetype unit = u"KMmk"_s.indexOf(readings.SpeedUnit);
+        return number + (unit < 0 ? QString() : QString::fromUtf16(units[unit]));
+    }
+    case Quantity::Humidity:
+        return number + u'%';
+    default:
+        return number + u'°' + readings.TemperatureUnit.trimmed();
+    }
+}
 
 SafetyDecision rawDecision(const CurrentReadings& readings, const ConditionControls& controls,
                            SafetyState& safety, SectorState& sectors, std::int64_t nowMs) {
@@ -47,6 +71,9 @@ SafetyDecision rawDecision(const CurrentReadings& readings, const ConditionContr
     countPlain(Quantity::Humidity, controls.CondHum);
     countPlain(Quantity::Temperature, controls.CondTemp);
     countPlain(Quantity::Brightness, controls.CondDay);
+    if (controls.BeyondLimitUnsafe.checked())
+        std::ranges::copy_if(kStationQuantities, std::back_inserter(decision.beyondLimits),
+                             [&](Quantity quantity) { return isBeyondLimits(readings, quantity); });
     decision.stationDataOld = controls.WSDataOldUnsafe.checked() && readings.StationDataOld;
     decision.sensorFailed = controls.NBDataOldUnsafe.checked() && readings.SensorError;
     return decision;
@@ -121,14 +148,32 @@ QString verdictCauses(const SafetyDecision& decision, const ConditionControls& c
         QString description = LevelDescription(quantity, level, controls, sensorDescription);
         if (description.trimmed().isEmpty())
             description = u"level %1"_s.arg(level);
-        const char16_t* name = kQuantityNames[static_cast<std::size_t>(quantity)];
-        causes += QString::fromUtf16(name) + u": "_s + description;
+        causes += quantityName(quantity) + u": "_s + description;
     }
+    for (const Quantity quantity : decision.beyondLimits)
+        causes += quantityName(quantity) + u": beyond the last limit"_s;
     if (decision.stationDataOld)
         causes += u"Weather station: data old or missing"_s;
     if (decision.sensorFailed)
         causes += u"Sensor program: failed"_s;
     return causes.join(u", "_s);
+}
+
+QStringList verdictNotes(const CurrentReadings& readings, const ConditionControls& controls,
+                         const NumberForms& forms) {
+    QStringList notes;
+    for (const Quantity quantity : kStationQuantities) {
+        const bool spread = quantity == Quantity::Dew;
+        if (isBeyondLimits(readings, quantity) && !controls.BeyondLimitUnsafe.checked())
+            notes += u"%1 %2 is beyond the last limit and is not judged"_s.arg(
+                spread ? u"Dew-point spread"_s : quantityName(quantity),
+                valueInWords(readings, quantity, forms));
+    }
+    for (const Quantity quantity : kStationQuantities) {
+        if (!limitsInOrder(controls.limits(quantity)))
+            notes += u"Limits of %1 are not in order"_s.arg(quantityName(quantity));
+    }
+    return notes;
 }
 
 void Disp_UnsafeFlag(const CurrentReadings& readings, ConditionControls& controls) {

@@ -16,11 +16,14 @@ struct SafetyDecision {
         Quantity quantity = Quantity::Cloud;
         std::int32_t level = 0;
     };
-    std::vector<Level> levels; // in the order of the tests
+    std::vector<Level> levels;          // in the order of the tests
+    std::vector<Quantity> beyondLimits; // where values beyond the last limit are unsafe
     bool stationDataOld = false;
     bool sensorFailed = false;
 
-    bool unsafe() const { return !levels.empty() || stationDataOld || sensorFailed; }
+    bool unsafe() const {
+        return !levels.empty() || !beyondLimits.empty() || stationDataOld || sensorFailed;
+    }
 };
 
 // True when `level` is the current cloud level and counts: cloudy only after it has lasted
@@ -43,6 +46,11 @@ SafetyDecision DecideSafety(CurrentReadings& readings, ConditionControls& contro
 // The causes of an unsafe decision in words, "Rain: Wet, Wind: Windy"; empty for a safe one.
 QString verdictCauses(const SafetyDecision& decision, const ConditionControls& controls,
                       const SensorDescription& sensorDescription);
+
+// What a verdict leaves out or may be wrong about, in words, whatever it is: values beyond the last
+// limit that are not judged, and limits that are not in order.
+QStringList verdictNotes(const CurrentReadings& readings, const ConditionControls& controls,
+                         const NumberForms& forms);
 
 // Shows the published verdict as text and lamp.
 void Disp_UnsafeFlag(const CurrentReadings& readings, ConditionControls& controls);

@@ -34,8 +34,8 @@ bool isInside(const Sector& sector, double direction) {
 }
 
 bool levelHolds(SectorKind kind, std::int32_t level, std::int32_t current,
-                const ThreeLabels& directions, double direction, SectorState& sectors,
-                std::int64_t nowMs) {
+                const ThreeLabels& directions, std::optional<double> direction,
+                SectorState& sectors, std::int64_t nowMs) {
     if (level != current || level < 1 || level > 3)
         return false;
     const QString text = directions[static_cast<std::size_t>(level - 1)].Caption;
@@ -59,9 +59,9 @@ QString sectorText(const Sector& sector) {
            paddedColumn(sector.minutes, u"00", 3);
 }
 
-bool SectorHolds(SectorKind kind, const QString& text, double direction, SectorState& sectors,
-                 std::int64_t nowMs) {
-    if (text.trimmed().isEmpty() || !std::isfinite(direction))
+bool SectorHolds(SectorKind kind, const QString& text, std::optional<double> direction,
+                 SectorState& sectors, std::int64_t nowMs) {
+    if (text.trimmed().isEmpty())
         return true;
     const std::optional<Sector> sector = parseSector(text);
     if (!sector)
@@ -69,7 +69,8 @@ bool SectorHolds(SectorKind kind, const QString& text, double direction, SectorS
 
     std::int64_t& outsideSince =
         kind == SectorKind::Wind ? sectors.WindOutsideSince : sectors.GustOutsideSince;
-    if (!isInside(*sector, direction)) {
+    const bool known = direction && std::isfinite(*direction);
+    if (known && !isInside(*sector, *direction)) {
         outsideSince = nowMs;
         return false;
     }

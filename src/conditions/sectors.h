@@ -26,10 +26,10 @@ std::optional<Sector> parseSector(const QString& text);
 QString sectorText(const Sector& sector);
 
 // True when `direction` (degrees) has been inside the sector of `text` for its minutes; a
-// direction outside restarts the wait of the kind. A text without a sector and a direction that
-// is no number restrict nothing: always true, and the wait goes on.
-bool SectorHolds(SectorKind kind, const QString& text, double direction, SectorState& sectors,
-                 std::int64_t nowMs);
+// direction outside restarts the wait of the kind. A direction that is not known may be inside, and
+// counts as inside. A text without a sector restricts nothing: always true, and the wait goes on.
+bool SectorHolds(SectorKind kind, const QString& text, std::optional<double> direction,
+                 SectorState& sectors, std::int64_t nowMs);
 
 // True when the level is the current one and its sector holds; the sector of another level is not
 // tested, so that it does not restart the wait.

@@ -22,6 +22,10 @@ void forEachEdit(ConditionControls& conditions, const Act& act) {
 
 } // namespace
 
+bool limitsInOrder(const ThreeBoxes& limits) {
+    return limits[0].Value < limits[1].Value && limits[1].Value < limits[2].Value;
+}
+
 QString ValidateLimit(Quantity quantity, std::size_t index, const Thresholds& thresholds) {
     const std::array<double, 3>& limits = thresholds.limits;
     const std::array<QString, 3>& descriptions = thresholds.descriptions;

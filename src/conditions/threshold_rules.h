@@ -9,6 +9,9 @@
 
 namespace skyhold {
 
+// Each limit above the one before. Limits from elsewhere than the boxes may not be.
+bool limitsInOrder(const ThreeBoxes& limits);
+
 struct Thresholds {
     std::array<double, 3> limits{};
     std::array<QString, 3> descriptions; // of the three levels

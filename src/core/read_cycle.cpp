@@ -30,7 +30,7 @@ void tellTemperatureUnit(SensorLink& sensor, const QString& detected);
 void followUnits(Records& records, const StationUnits& units);
 void classify(MonitoringCore& core);
 void decide(MonitoringCore& core);
-QString causeInWords(const SafetyDecision& decision, Records& records);
+QString causeInWords(const SafetyDecision& decision, Records& records, const NumberForms& forms);
 void driveSwitch(SensorLink& sensor, Records& records);
 void writeCcdapFile(MonitoringCore& core);
 
@@ -125,7 +125,8 @@ void readStation(MonitoringCore& core) {
         ReadStationFile(records.stationFile, records.units, core.forms, fileTimeText(modified),
                         core.stationMemory, readings, records.display);
     if (read != StationRead::Valid) {
-        // A file that is there but cannot be trusted must not look like calm, dry weather.
+        // A file that is there but cannot be trusted must not look like calm, dry weather, nor must
+        // a value that it lacks.
         readings.StationDataOld = true;
         readings.ReadLedColour = kYellow;
         SetStatusText(records.session.Statusbar1, stationReadStatus(read), kRed);
@@ -135,17 +136,23 @@ void readStation(MonitoringCore& core) {
     } else {
         soundAlarm(state); // over only now, so that an unusable file does not start it again
     }
-    SetStationDataValid(read == StationRead::Valid, records, core.forms);
+    SetStationDataValid(mayBeJudged(read), records, core.forms);
 }
 
-// A file that could not be read names no units: those in force stay.
+// A file that could not be read names no units: those in force stay. Nor does a value that is
+// missing with its unit; an empty unit text would turn the other speeds into km/h.
 StationUnits stationUnits(Records& records) {
     const CurrentReadings& readings = records.readings;
+    StationUnits units{readings.TemperatureUnit, readings.SpeedUnit};
     if (!readings.StationValid)
-        return {readings.TemperatureUnit, readings.SpeedUnit};
-    const auto& table = records.display.LblWSValue;
-    return {DetectTemperatureUnit(table[10].Caption.value(), records.units),
-            DetectSpeedUnit(table[11].Caption.value(), records.units, readings.SpeedUnit)};
+        return units;
+    const QString temperature = records.display.LblWSValue[10].Caption;
+    if (readings.StationTemperature || !temperature.isEmpty())
+        units.temperature = DetectTemperatureUnit(temperature, records.units);
+    const QString speed = records.display.LblWSValue[11].Caption;
+    if (readings.WindSpeed || !speed.isEmpty())
+        units.speed = DetectSpeedUnit(speed, records.units, readings.SpeedUnit);
+    return units;
 }
 
 void tellTemperatureUnit(SensorLink& sensor, const QString& detected) {
@@ -208,23 +215,28 @@ void decide(MonitoringCore& core) {
                                  records.safety, records.sectors, now);
         });
     Disp_UnsafeFlag(records.readings, records.conditions);
-    records.display.LblCause.Caption = causeInWords(decision, records);
+    records.display.LblCause.Caption = causeInWords(decision, records, core.forms);
     const bool unsafe = records.readings.UnsafeFlag;
     core.sensor.command(QStringLiteral("SetUnSafe"), {unsafe}, effectOf(unsafe));
 }
 
 // Why the verdict is what it is. The sensor program's descriptions are taken from the display, so
 // that words cost no further call.
-QString causeInWords(const SafetyDecision& decision, Records& records) {
+QString causeInWords(const SafetyDecision& decision, Records& records, const NumberForms& forms) {
     if (records.safety.LocalControl)
         return QStringLiteral("Decided by ") + records.session.LblControl.Caption.value();
+    QStringList words;
     if (decision.unsafe())
-        return verdictCauses(decision, records.conditions,
-                             [&records](Quantity quantity, std::int32_t) {
-                                 return records.display.condition(quantity).Caption.value();
-                             });
-    return records.readings.UnsafeFlag ? QStringLiteral("All conditions safe again")
-                                       : QStringLiteral("All conditions safe");
+        words += verdictCauses(decision, records.conditions,
+                               [&records](Quantity quantity, std::int32_t) {
+                                   return records.display.condition(quantity).Caption.value();
+                               });
+    else if (records.readings.UnsafeFlag)
+        words += QStringLiteral("All conditions safe again");
+    else
+        words += QStringLiteral("All conditions safe");
+    words += verdictNotes(records.readings, records.conditions, forms);
+    return words.join(QStringLiteral(", "));
 }
 
 void driveSwitch(SensorLink& sensor, Records& records) {

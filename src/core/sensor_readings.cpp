@@ -87,8 +87,9 @@ void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms,
     PaintLabel(display.LValRain, kGreen, formatNumber(readings.SensorValues[1], u"0", forms));
     PaintLabel(display.LValBrightness, kGreen, formatNumber(readings.SensorValues[2], u"0", forms));
     if (readings.StationValid) {
-        PaintLabel(display.LValTemperature, kGreen,
-                   formatNumber(readings.StationTemperature, u"0.0", forms));
+        if (readings.StationTemperature)
+            PaintLabel(display.LValTemperature, kGreen,
+                       formatNumber(*readings.StationTemperature, u"0.0", forms));
         ClassifyTemperature(display.LCondTemp, readings.StationTemperature, readings,
                             records.conditions);
         PaintLabel(display.Label3Station, kGreen,

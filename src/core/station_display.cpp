@@ -6,39 +6,44 @@ namespace skyhold {
 
 namespace {
 
-constexpr std::array kStationHeaders{Header::Wind,     Header::Gust,     Header::Direction,
-                                     Header::DewPoint, Header::Humidity, Header::Temperature};
+struct Shown {
+    Header header;
+    Label ReadingDisplay::*label;
+    std::size_t entry; // of the station value table
+    std::optional<double> CurrentReadings::*number;
+    Colour whenMissing; // of the header; stations know no direction in still air
+};
 
-double shownNumber(const Label& label, const NumberForms& forms) {
-    return numberFromText(label.Caption.value(), forms).value_or(0);
-}
+using D = ReadingDisplay;
+using R = CurrentReadings;
+constexpr std::array<Shown, 6> kShown{
+    {{Header::Wind, &D::LValWindSpeed, 3, &R::WindSpeed, kRed},
+     {Header::Gust, &D::LValWindGust, 4, &R::GustSpeed, kRed},
+     {Header::Direction, &D::LValWindDir, 5, &R::WindDirection, kYellow},
+     {Header::DewPoint, &D::LValDewPoint, 8, &R::DewPointValue, kRed},
+     {Header::Humidity, &D::LValHumidity, 7, &R::HumidityValue, kRed},
+     {Header::Temperature, &D::LValTemperature, 2, &R::StationTemperature, kRed}}};
 
 void showValues(Records& records, const NumberForms& forms) {
     ReadingDisplay& display = records.display;
     CurrentReadings& readings = records.readings;
-    const std::array<std::pair<Label*, std::size_t>, 6> shown{{{&display.LValWindSpeed, 3},
-                                                               {&display.LValWindGust, 4},
-                                                               {&display.LValWindDir, 5},
-                                                               {&display.LValDewPoint, 8},
-                                                               {&display.LValHumidity, 7},
-                                                               {&display.LValTemperature, 2}}};
-    for (const auto& [label, entry] : shown)
-        PaintLabel(*label, kGreen, display.LblWSValue[entry].Caption);
-
-    readings.StationTemperature = shownNumber(display.LblWSValue[2], forms);
-    readings.WindSpeed = shownNumber(display.LValWindSpeed, forms);
-    readings.GustSpeed = shownNumber(display.LValWindGust, forms);
-    readings.WindDirection = shownNumber(display.LValWindDir, forms);
-    readings.DewPointValue = shownNumber(display.LValDewPoint, forms);
-    readings.HumidityValue = shownNumber(display.LValHumidity, forms);
+    for (const Shown& shown : kShown) {
+        const QString text = display.LblWSValue[shown.entry].Caption;
+        const std::optional<double> number = numberFromText(text, forms);
+        readings.*shown.number = number;
+        PaintLabel(display.*shown.label, number ? kGreen : kYellow, text);
+        display.header(shown.header).ForeColor = number ? kCyan : shown.whenMissing;
+    }
     ClassifyTemperature(display.LCondTemp, readings.StationTemperature, readings,
                         records.conditions);
 }
 
 void blankValues(ReadingDisplay& display) {
-    for (Label* label : {&display.LValWindSpeed, &display.LValWindGust, &display.LValWindDir,
-                         &display.LValDewPoint, &display.LValHumidity, &display.LValTemperature,
-                         &display.LCondWind, &display.LCondGust, &display.LCondDewPoint,
+    for (const Shown& shown : kShown) {
+        PaintLabel(display.*shown.label, kYellow, QString());
+        display.header(shown.header).ForeColor = kRed;
+    }
+    for (Label* label : {&display.LCondWind, &display.LCondGust, &display.LCondDewPoint,
                          &display.LCondHumidity, &display.LCondTemp})
         PaintLabel(*label, kYellow, QString());
     display.Label3Station.Caption = QString();
@@ -48,8 +53,6 @@ void blankValues(ReadingDisplay& display) {
 
 void SetStationDataValid(bool valid, Records& records, const NumberForms& forms) {
     records.readings.StationValid = valid;
-    for (const Header which : kStationHeaders)
-        records.display.header(which).ForeColor = valid ? kCyan : kRed;
     if (valid)
         showValues(records, forms);
     else

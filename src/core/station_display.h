@@ -6,8 +6,9 @@
 
 namespace skyhold {
 
-// valid: shows the station value table and takes its numbers into the readings. Not valid: blanks
-// values and conditions; the numbers and levels keep their last state.
+// valid: shows the station value table and takes its numbers into the readings, nothing where an
+// entry is blank. Not valid: blanks values and conditions; the numbers and levels keep their last
+// state.
 void SetStationDataValid(bool valid, Records& records, const NumberForms& forms);
 
 } // namespace skyhold

@@ -40,6 +40,8 @@ QByteArray ccdapRecord(const CurrentReadings& readings, const Clock& clock,
     const auto field = [&record, &forms](double value, QStringView format, int width) {
         addField(record, value, format, width, forms);
     };
+    // The record has room for numbers alone: a missing value is 0. Its age field says that the data
+    // is not good.
     // The rain flag and the wet flag say the same: anything but dry counts as wet.
     const double wet = readings.RainCondition == RainDry ? 0 : 2;
 
@@ -50,9 +52,9 @@ QByteArray ccdapRecord(const CurrentReadings& readings, const Clock& clock,
     field(readings.SensorValues[0], u"#0.0", 7);
     field(readings.AmbientTemperature, u"#0.0", 7);
     field(readings.SkySensorTemperature, u"#0.0", 7);
-    field(readings.WindSpeed, u"#0.0", 7);
-    field(readings.HumidityValue, u"0", 4);
-    field(readings.DewPointValue, u"#0.0", 7);
+    field(readings.WindSpeed.value_or(0), u"#0.0", 7);
+    field(readings.HumidityValue.value_or(0), u"0", 4);
+    field(readings.DewPointValue.value_or(0), u"#0.0", 7);
     field(readings.SensorValues[4], u"0", 4);
     field(wet, u"0", 2);
     field(wet, u"0", 2);

@@ -23,6 +23,11 @@ void addDataItem(TextBuffer& line, int item, const DataItemSource& source) {
     const auto number = [&line, &source](double value, QStringView format) {
         appendNumber(line, value, format, source.forms);
     };
+    // A missing value is an empty field.
+    const auto measured = [&number](std::optional<double> value, QStringView format) {
+        if (value)
+            number(*value, format);
+    };
     const auto date = [&line, &readings](QStringView format) {
         if (readings.LastReading.isValid())
             appendDate(line, readings.LastReading, format);
@@ -56,17 +61,17 @@ void addDataItem(TextBuffer& line, int item, const DataItemSource& source) {
     case 12:
         return number(readings.SensorValues[1], u"0");
     case 13:
-        return number(readings.WindSpeed, u"0");
+        return measured(readings.WindSpeed, u"0");
     case 14:
-        return number(readings.GustSpeed, u"0");
+        return measured(readings.GustSpeed, u"0");
     case 15:
-        return number(readings.WindDirection, u"0.0");
+        return measured(readings.WindDirection, u"0.0");
     case 16:
         return number(readings.AmbientTemperature, u"0.0");
     case 17:
-        return number(readings.DewPointValue, u"0.0");
+        return measured(readings.DewPointValue, u"0.0");
     case 18:
-        return number(readings.HumidityValue, u"0");
+        return measured(readings.HumidityValue, u"0");
     case 19:
         return number(readings.SensorValues[2], u"0");
     case 20:

@@ -71,8 +71,10 @@ StationTable ParseCsvTable(QStringView text) {
         for (int cell = 1; cell <= StationTable::kCells; ++cell) {
             if (fields.atEnd()) {
                 // Empty lines at the end of a file are no record.
-                if (anyText || fields.openQuote())
+                if (anyText)
                     table.setCutShort();
+                if (fields.openQuote())
+                    table.setOpenQuote();
                 return table;
             }
             const QStringView field = fields.next();
@@ -81,7 +83,7 @@ StationTable ParseCsvTable(QStringView text) {
         }
     }
     if (fields.openQuote())
-        table.setCutShort();
+        table.setOpenQuote();
     return table;
 }
 

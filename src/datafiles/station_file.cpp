@@ -4,7 +4,6 @@
 #include "datafiles/station_table.h"
 #include "platform/files.h"
 #include "platform/text_encoding.h"
-#include "units/cardinal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,11 +17,6 @@ constexpr int kValueCell = 3;
 
 // Longer cells are shown, and their unit recognised, by this many characters.
 constexpr qsizetype kLongestShown = 255;
-
-// The names without which a quantity would be judged by a 0 that nobody measured. All but the
-// last have a number as value.
-constexpr std::array<QStringView, 6> kJudgedNames{u"WindSpeed",   u"Gust",     u"OutTemp",
-                                                  u"OutHumidity", u"DewPoint", u"WindDirection"};
 
 StationRead fromReadResult(ReadResult result) {
     switch (result) {
@@ -40,22 +34,13 @@ StationRead fromReadResult(ReadResult result) {
     return StationRead::Unreadable;
 }
 
-QString withoutCharacters(QStringView text, const QString& characters) {
-    QString rest;
-    rest.reserve(text.size());
-    for (const QChar c : text) {
-        if (!characters.contains(c))
-            rest += c;
-    }
-    return rest;
-}
-
 // Fills the entries of the station value table, in index order.
 class EntryFiller {
   public:
-    EntryFiller(const StationTable& table, const UnitControls& units, const NumberForms& forms,
-                CurrentReadings& readings, ReadingDisplay& display)
+    EntryFiller(const StationTable& table, const StationValues& values, const UnitControls& units,
+                const NumberForms& forms, CurrentReadings& readings, ReadingDisplay& display)
         : table_(table)
+        , values_(values)
         , units_(units)
         , forms_(forms)
         , readings_(readings)
@@ -64,16 +49,14 @@ class EntryFiller {
     void fillAll() {
         fillDate();
         fillTime();
-        showNumber(2, u"OutTemp", stationNumber(u"OutTemp"));
-        showNumber(3, u"WindSpeed", stationNumber(u"WindSpeed"));
-        showNumber(4, u"Gust", stationNumber(u"Gust"));
-        showOneDecimal(5, u"WindDirection",
-                       CardinalToDegrees(value(u"WindDirection"), units_.Cardinal));
+        showNumber(2, u"OutTemp", values_.temperature.number);
+        showNumber(3, u"WindSpeed", values_.wind.number);
+        showNumber(4, u"Gust", values_.gust.number);
+        showOneDecimal(5, u"WindDirection", values_.direction.number);
         showNumber(6, u"RainDaily", dailyRain());
-        showNumber(7, u"OutHumidity", humidity());
-        showNumber(8, u"DewPoint", stationNumber(u"DewPoint"));
-        readings_.BarometricPressure = stationNumber(u"Barometer");
-        showOneDecimal(9, u"Barometer", readings_.BarometricPressure);
+        showNumber(7, u"OutHumidity", values_.humidity.number);
+        showNumber(8, u"DewPoint", values_.dewPoint.number);
+        fillPressure();
         fillUnit(10, u"OutTemp");
         fillUnit(11, u"WindSpeed");
         fillUnit(12, u"Barometer");
@@ -84,17 +67,10 @@ class EntryFiller {
         return table_.cell(kValueCell, FindRow(table_, name));
     }
 
-    double stationNumber(QStringView name) const { return ParseStationNumber(value(name), forms_); }
-
     double dailyRain() const {
         const double rain = std::abs(parseLocaleNumber(value(u"RainDayMin"), forms_) -
                                      parseLocaleNumber(value(u"RainDayMax"), forms_));
         return std::isfinite(rain) ? rain : 0;
-    }
-
-    double humidity() const {
-        return ParseStationNumber(withoutCharacters(value(u"OutHumidity"), units_.ExcChrHumidity),
-                                  forms_);
     }
 
     void describe(std::size_t entry, QStringView description) {
@@ -106,14 +82,22 @@ class EntryFiller {
             text.first(std::min(text.size(), kLongestShown)).toString();
     }
 
-    void showNumber(std::size_t entry, QStringView description, double number) {
+    void showNumber(std::size_t entry, QStringView description, std::optional<double> number) {
         describe(entry, description);
-        show(entry, numberText(number, forms_));
+        show(entry, number ? numberText(*number, forms_) : QString());
     }
 
-    void showOneDecimal(std::size_t entry, QStringView description, double number) {
+    void showOneDecimal(std::size_t entry, QStringView description, std::optional<double> number) {
         describe(entry, description);
-        show(entry, formatNumber(number, u"0.0", forms_));
+        show(entry, number ? formatNumber(*number, u"0.0", forms_) : QString());
+    }
+
+    void fillPressure() {
+        std::optional<double> pressure = 0;
+        if (FindRow(table_, u"Barometer") > 0)
+            pressure = ParseStationNumber(value(u"Barometer"), forms_);
+        readings_.BarometricPressure = pressure.value_or(0);
+        showOneDecimal(9, u"Barometer", pressure);
     }
 
     void fillUnit(std::size_t entry, QStringView name) {
@@ -146,6 +130,7 @@ class EntryFiller {
     }
 
     const StationTable& table_;
+    const StationValues& values_;
     const UnitControls& units_;
     const NumberForms& forms_;
     CurrentReadings& readings_;
@@ -153,54 +138,24 @@ class EntryFiller {
     std::optional<QDate> date_; // of this read
 };
 
-// Adds `found` to what is remembered; true when it is lacking that was found before.
-bool lacks(bool& remembered, bool found) {
-    const bool lacking = remembered && !found;
-    remembered = remembered || found;
-    return lacking;
-}
-
-// True when a number was found for the name. A gust that is not written at all is none: stations
-// leave it out in still air.
-bool hasNumber(const StationTable& table, QStringView name, const UnitControls& units,
-               const NumberForms& forms) {
-    const QString text =
-        withoutCharacters(table.cell(kValueCell, FindRow(table, name)),
-                          name == u"OutHumidity" ? units.ExcChrHumidity : QString());
-    return isStationNumber(text, forms) || (name == u"Gust" && text.trimmed().isEmpty());
-}
-
-// Compares the table with what earlier reads found, and adds what this one found.
-StationRead judgeTable(const StationTable& table, const UnitControls& units,
-                       const NumberForms& forms, StationFileMemory& memory) {
-    bool any = false;
-    bool lacksName = false;
-    bool lacksNumber = false;
-    for (std::size_t i = 0; i < kJudgedNames.size(); ++i) {
-        const QStringView name = kJudgedNames[i];
-        const bool found = FindRow(table, name) > 0;
-        any = any || found;
-        lacksName = lacks(memory.namesFound[i], found) || lacksName;
-        if (found && i + 1 < kJudgedNames.size())
-            lacksNumber =
-                lacks(memory.numbersFound[i], hasNumber(table, name, units, forms)) || lacksNumber;
-    }
-    if (!any)
-        return StationRead::NoReadings;
-    if (lacksName)
-        return StationRead::Incomplete;
-    return lacksNumber ? StationRead::NoNumber : StationRead::Valid;
-}
-
 // True when a CSV text stops too early, as far as can be told. Nothing is remembered yet for the
-// first read of a session: what it lacks counts as torn off until a second one lacks it, too.
+// first read of a session: what it lacks counts as torn off until a second one lacks it, too. What
+// follows the records, a footer say, may break off as it likes.
 bool tornCsv(const QString& text, const StationTable& table, StationFileMemory& memory) {
     const bool first = !memory.anyRead;
-    const bool whole = std::all_of(memory.namesFound.cbegin(), memory.namesFound.cend(),
-                                   [](bool found) { return found; });
-    const bool lineEnd = (text.endsWith(u'\n') || text.endsWith(u'\r')) && !table.cutShort();
-    return lacks(memory.endedInLineEnd, lineEnd) || table.cutShort() ||
-           (first && !(whole && lineEnd));
+    const bool lineEnd = text.endsWith(u'\n') || text.endsWith(u'\r');
+    const bool lostLineEnd = memory.endedInLineEnd && !lineEnd;
+    memory.endedInLineEnd = memory.endedInLineEnd || lineEnd;
+    return lostLineEnd || table.openQuote() || (table.cutShort() && mayHaveLostValue(table)) ||
+           (first && !(memory.names.all() && lineEnd));
+}
+
+// The text up to the mark that older programs end a text file with.
+QString beforeEndMark(QString text) {
+    const qsizetype mark = text.indexOf(QChar(0x1A));
+    if (mark >= 0)
+        text.truncate(mark);
+    return text;
 }
 
 } // namespace
@@ -220,15 +175,22 @@ StationRead ReadStationFile(const StationFileControls& controls, const UnitContr
     if (contents.bytes.contains('\0'))
         return StationRead::NotText;
 
-    const QString text = decodeText(contents.bytes);
     const bool csv = path.contains(QStringLiteral(".csv"));
+    const QString decoded = decodeText(contents.bytes);
+    const QString text = csv ? beforeEndMark(decoded) : decoded;
     const StationTable table = csv ? ParseCsvTable(text) : ParseHtmlTable(text);
-    EntryFiller(table, units, forms, readings, display).fillAll();
+    const StationNames names = namesIn(table);
+    memory.names = memory.names | names;
+    const StationValues values = stationValues(table, memory.names, units, forms);
+    EntryFiller(table, values, units, forms, readings, display).fillAll();
 
-    const StationRead judged = judgeTable(table, units, forms, memory);
     const bool torn = csv && tornCsv(text, table, memory);
-    memory.anyRead = memory.anyRead || judged != StationRead::NoReadings;
-    return judged == StationRead::Valid && torn ? StationRead::Incomplete : judged;
+    if (!names.any())
+        return StationRead::NoReadings;
+    memory.anyRead = true;
+    if (torn)
+        return StationRead::Incomplete;
+    return values.anyMissing() ? StationRead::ValueMissing : StationRead::Valid;
 }
 
 QString stationReadStatus(StationRead read) {
@@ -246,7 +208,7 @@ QString stationReadStatus(StationRead read) {
         return QStringLiteral("Weather Station Data - not a text file");
     case StationRead::NoReadings:
         return QStringLiteral("Weather Station Data - no readings in file");
-    case StationRead::NoNumber:
+    case StationRead::ValueMissing:
         return QStringLiteral("Weather Station Data - value missing or not a number");
     case StationRead::Incomplete:
         break;

@@ -39,18 +39,11 @@ QString inLocaleForm(QStringView text, const NumberForms& forms) {
 
 } // namespace
 
-double ParseStationNumber(QStringView text, const NumberForms& forms) {
+std::optional<double> ParseStationNumber(QStringView text, const NumberForms& forms) {
     const QStringView trimmed = text.trimmed();
     if (trimmed.size() > kLongestText)
-        return 0;
-    return numberFromText(inLocaleForm(trimmed, forms), forms).value_or(0);
-}
-
-bool isStationNumber(QStringView text, const NumberForms& forms) {
-    const QStringView trimmed = text.trimmed();
-    if (trimmed.size() > kLongestText)
-        return false;
-    return numberFromText(inLocaleForm(trimmed, forms), {forms.decimal, {}}).has_value();
+        return std::nullopt;
+    return numberFromText(inLocaleForm(trimmed, forms), {forms.decimal, {}});
 }
 
 double parseLocaleNumber(QStringView text, const NumberForms& forms) {
@@ -88,16 +81,19 @@ std::optional<QTime> parseStationTime(QStringView text) {
     const bool pm = clock.endsWith(u"PM", Qt::CaseInsensitive);
     if (am || pm)
         clock = clock.chopped(2).trimmed();
+    const qsizetype blank = clock.lastIndexOf(u' ');
+    if (blank >= 0 && !ParseStationDate(clock.first(blank), 0))
+        return std::nullopt;
+    clock = clock.sliced(blank + 1);
 
-    const auto parts = clock.split(u':');
+    const auto parts = clock.split(clock.contains(u':') ? u':' : u'.');
     if (parts.size() < 2 || parts.size() > 3)
         return std::nullopt;
     std::array<int, 3> numbers{};
     for (qsizetype i = 0; i < parts.size(); ++i) {
         const QStringView part = parts[i];
-        const bool lengthFits = part.size() == 2 || (i == 0 && part.size() == 1);
         const auto number = smallInteger(part);
-        if (!lengthFits || !number || !part[0].isDigit())
+        if (part.size() > 2 || !number || !part[0].isDigit())
             return std::nullopt;
         numbers[static_cast<std::size_t>(i)] = *number;
     }

@@ -10,13 +10,10 @@
 
 namespace skyhold {
 
-// A number with "." as its decimal point, whatever the locale's is; one in the locale's form is
-// read too. 0 for a text that stands for no finite number.
-double ParseStationNumber(QStringView text, const NumberForms& forms);
-
-// True for a text that ParseStationNumber reads as a number that can be meant: one with separators
-// of thousands is none, since no station writes them ("12,5" would be 125).
-bool isStationNumber(QStringView text, const NumberForms& forms);
+// A number with "." as its decimal point, whatever the locale's is, or one in the locale's form.
+// Nothing for any other text and for no finite number; separators of thousands make it none, since
+// no station writes them ("12,5" would be 125).
+std::optional<double> ParseStationNumber(QStringView text, const NumberForms& forms);
 
 // A number in the locale's own form; 0 for any other text.
 double parseLocaleNumber(QStringView text, const NumberForms& forms);
@@ -26,7 +23,8 @@ double parseLocaleNumber(QStringView text, const NumberForms& forms);
 // any other text, and nothing outside the years 100..9999.
 std::optional<QDate> ParseStationDate(QStringView text, int dateFormat);
 
-// h:mm or hh:mm, with or without seconds, by 24 hours or with AM or PM.
+// Hours, minutes and perhaps seconds, parted by ":" or ".", of one or two digits each, by 24 hours
+// or with AM or PM. A date may stand before it, parted by a blank.
 std::optional<QTime> parseStationTime(QStringView text);
 
 } // namespace skyhold

@@ -21,11 +21,14 @@ class StationTable {
     QStringView cell(int cell, qsizetype row) const;
     // The text ended inside the last record, some of which had been read.
     bool cutShort() const { return cutShort_; }
+    // The text ended inside a field in double quotes.
+    bool openQuote() const { return openQuote_; }
 
     void addRow();
     // Fills the next cell of the last row; that row must have one left.
     void addCell(QStringView text);
     void setCutShort() { cutShort_ = true; }
+    void setOpenQuote() { openQuote_ = true; }
 
   private:
     // The cells' texts one after the other, and where each cell of a row ends: a big file costs
@@ -34,6 +37,7 @@ class StationTable {
     std::vector<std::array<std::uint32_t, kCells>> ends_;
     std::size_t filled_ = 0; // cells of the last row
     bool cutShort_ = false;
+    bool openQuote_ = false;
 };
 
 // Fields are parted by commas and line ends alike (CR LF, CR or LF); three make a record. A field

@@ -47,11 +47,14 @@ QImage dotStamp(QColor colour, double pixelRatio) {
 void drawPoints(GraphPaper& paper, const TimeAxis& axis, const DirectionGraph& graph) {
     const QImage stamp =
         dotStamp(paintColour(graph.pointColour), paper.painter().device()->devicePixelRatioF());
-    for (const TimedValue& point : graph.series.points)
+    for (const TimedValue& point : graph.series.points) {
+        if (std::isnan(point.value))
+            continue;
         paper.painter().drawImage(
             QPoint(axis.position(point.time) - kDotSize / 2,
                    directionPosition(point.value, paper.bottom()) - kDotSize / 2),
             stamp);
+    }
 }
 
 // Centred on their lines; the outermost ones stay inside the plot. They dim what lies under them

@@ -3,14 +3,18 @@
 
 #include "records/graph_history.h"
 
+#include <cmath>
 #include <vector>
 
 namespace skyhold {
 
 struct TimedValue {
-    double time = 0; // local days since 30 December 1899
-    double value = 0;
-    bool operator==(const TimedValue&) const = default;
+    double time = 0;  // local days since 30 December 1899
+    double value = 0; // no number: missing
+    bool operator==(const TimedValue& other) const {
+        return time == other.time &&
+               (value == other.value || (std::isnan(value) && std::isnan(other.value)));
+    }
 };
 
 struct GraphSeries {

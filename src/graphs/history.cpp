@@ -6,6 +6,7 @@
 #include "units/conversion.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace skyhold {
@@ -23,14 +24,22 @@ std::int32_t pointsWanted(const NumberBox& graphNoPoints) {
     return wholeNumber(graphNoPoints, kFewestPoints, kMostPoints);
 }
 
+double orNone(std::optional<double> value) {
+    return value.value_or(std::numeric_limits<double>::quiet_NaN());
+}
+
+QVariant orEmpty(double value) {
+    return std::isnan(value) ? QVariant() : QVariant(value);
+}
+
 GraphPoint pointOf(const CurrentReadings& readings) {
     return {.date = readings.LastReading.isValid() ? daySerial(readings.LastReading) : 0,
-            .wind = readings.WindSpeed,
-            .gust = readings.GustSpeed,
-            .direction = readings.WindDirection,
-            .spread = readings.StationTemperature - readings.DewPointValue,
-            .humidity = readings.HumidityValue,
-            .temperature = readings.StationTemperature,
+            .wind = orNone(readings.WindSpeed),
+            .gust = orNone(readings.GustSpeed),
+            .direction = orNone(readings.WindDirection),
+            .spread = orNone(readings.StationTemperature) - orNone(readings.DewPointValue),
+            .humidity = orNone(readings.HumidityValue),
+            .temperature = orNone(readings.StationTemperature),
             .valid = readings.StationValid};
 }
 
@@ -121,12 +130,12 @@ QVariant historyArray(const GraphHistory& history) {
     for (std::int32_t left = history.count(); left > 0; --left, elem = history.next(elem)) {
         const GraphPoint& point = history.point(elem);
         fields[1][elem] = QVariant::fromValue(AutomationDate{point.date});
-        fields[2][elem] = point.wind;
-        fields[3][elem] = point.gust;
-        fields[4][elem] = point.direction;
-        fields[5][elem] = point.spread;
-        fields[6][elem] = point.humidity;
-        fields[7][elem] = point.temperature;
+        fields[2][elem] = orEmpty(point.wind);
+        fields[3][elem] = orEmpty(point.gust);
+        fields[4][elem] = orEmpty(point.direction);
+        fields[5][elem] = orEmpty(point.spread);
+        fields[6][elem] = orEmpty(point.humidity);
+        fields[7][elem] = orEmpty(point.temperature);
     }
     return QVariant::fromValue(fields);
 }

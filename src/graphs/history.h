@@ -33,7 +33,7 @@ void convertTemperatureHistory(GraphHistory& history, QStringView fromCode, QStr
 
 // A copy for automation clients: fields 0..7, each with points 0..capacity. Field 1 is the date,
 // 2 wind, 3 gust, 4 direction, 5 temperature minus dew point, 6 humidity, 7 temperature; field 0,
-// point 0 and points that are not stored yet are empty values.
+// point 0, points that are not stored yet and values that are missing are empty values.
 QVariant historyArray(const GraphHistory& history);
 
 } // namespace skyhold

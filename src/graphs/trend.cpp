@@ -1,6 +1,7 @@
 #include "graphs/trend.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace skyhold {
 
@@ -13,7 +14,7 @@ Trend lastHour(const GraphHistory& history, double (*value)(const GraphPoint&), 
     std::int32_t elem = history.FirstElem;
     for (std::int32_t left = history.count(); left > 0; --left, elem = history.next(elem)) {
         const GraphPoint& point = history.point(elem);
-        if (!point.valid) {
+        if (!point.valid || std::isnan(value(point))) {
             joined = false;
             continue;
         }

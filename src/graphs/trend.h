@@ -9,8 +9,8 @@
 namespace skyhold {
 
 struct Trend {
-    // Unbroken stretches from the oldest to the newest. A point whose station data could not be
-    // read is left out, and time without readings separates: nothing is drawn across either.
+    // Unbroken stretches from the oldest to the newest. A point whose value could not be read
+    // is left out, and time without readings separates: nothing is drawn across either.
     std::vector<std::vector<TimedValue>> runs;
     double end = 0; // of the hour, local days since 30 December 1899
     double lowest = 0;

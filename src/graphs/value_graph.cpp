@@ -38,13 +38,17 @@ void drawBands(GraphPaper& paper, const std::array<ConditionBand, 3>& bands) {
 
 // From point to point. All points of one column together are one upright bar, and from the last
 // of a column a line leads to the first of the next: thousands of points cost no more than there
-// are columns.
+// are columns. A missing value parts the line.
 void drawLine(GraphPaper& paper, const TimeAxis& axis, const ValueGraph& graph) {
     constexpr int kHalf = kLineWidth / 2;
     std::vector<QRect> bars;
     std::vector<QLine> lines;
     std::optional<QPoint> last;
     for (const TimedValue& timed : graph.series.points) {
+        if (std::isnan(timed.value)) {
+            last.reset();
+            continue;
+        }
         const QPoint point(axis.position(timed.time),
                            verticalPosition(timed.value, graph.thresholds, paper.bottom()));
         const QRect dot(point.x() - kHalf, point.y() - kHalf, kLineWidth, kLineWidth);

@@ -38,14 +38,14 @@ class Converter {
 } // namespace
 
 QString decodeText(const QByteArray& bytes) {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8(bytes);
-    if (!utf8.hasError())
-        return text;
+    // A decoder that is fed piece by piece would wait for the rest of a sequence that the text
+    // breaks off, and find no error in it.
+    if (bytes.isValidUtf8())
+        return QStringDecoder(QStringDecoder::Utf8)(bytes);
 
     // Windows-1252 leaves five bytes undefined; they stand for the control characters of Latin-1.
     Converter ansi("UTF-16LE", "WINDOWS-1252");
-    text = QString::fromLatin1(bytes);
+    QString text = QString::fromLatin1(bytes);
     if (!ansi.valid())
         return text;
     for (qsizetype i = 0; i < bytes.size(); ++i) {

@@ -1,5 +1,7 @@
 #include "platform/text_forms.h"
 
+#include "platform/text_encoding.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -13,7 +15,8 @@ namespace skyhold {
 
 NumberForms localeNumberForms() {
     const QLocale locale;
-    return {locale.decimalPoint().left(4), locale.groupSeparator().left(4)};
+    const NumberForms forms{locale.decimalPoint().left(4), locale.groupSeparator().left(4)};
+    return encodeAnsi(forms.decimal).contains('?') ? NumberForms{} : forms;
 }
 
 QString GetDecimalSeparator() {

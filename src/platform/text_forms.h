@@ -22,7 +22,8 @@ struct NumberForms {
     QString thousand = QStringLiteral(",");
 };
 
-// The separators of the user's locale as it is now; at most four characters each.
+// The separators of the user's locale as it is now, at most four characters each; the point and
+// the comma for a locale whose decimal separator a file of ANSI text cannot hold.
 NumberForms localeNumberForms();
 QString GetDecimalSeparator();
 QString GetThousandSeparator();

@@ -18,6 +18,7 @@ ConditionControls::ConditionControls() {
     SafeDelayVal.DigitsDecimal = 0;
     WSDataOldUnsafe.Caption = QStringLiteral("Data old => Unsafe");
     NBDataOldUnsafe.Caption = QStringLiteral("Data old => Unsafe");
+    BeyondLimitUnsafe.Caption = QStringLiteral("Values beyond the last limit are unsafe");
 }
 
 ThreeBoxes& ConditionControls::limits(Quantity quantity) {
@@ -33,6 +34,10 @@ ThreeBoxes& ConditionControls::limits(Quantity quantity) {
     default:
         return LimitHum;
     }
+}
+
+const ThreeBoxes& ConditionControls::limits(Quantity quantity) const {
+    return const_cast<ConditionControls*>(this)->limits(quantity);
 }
 
 ThreeLabels& ConditionControls::swatches(Quantity quantity) {

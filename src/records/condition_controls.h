@@ -25,8 +25,9 @@ struct ConditionControls {
     // Sector texts "from to minutes" of level i + 1.
     ThreeLabels DirectionWind, DirectionGust;
 
-    CheckBox WSDataOldUnsafe; // old or missing station data counts as unsafe
-    CheckBox NBDataOldUnsafe; // a failed sensor program counts as unsafe
+    CheckBox WSDataOldUnsafe;   // old or missing station data counts as unsafe
+    CheckBox NBDataOldUnsafe;   // a failed sensor program counts as unsafe
+    CheckBox BeyondLimitUnsafe; // a value beyond the last limit, which has no level, is unsafe
 
     NumberBox SafeDelayVal; // seconds
     Label SafeDelayMsg;
@@ -35,6 +36,7 @@ struct ConditionControls {
 
     // Only the five station quantities have limits and swatches.
     ThreeBoxes& limits(Quantity quantity);
+    const ThreeBoxes& limits(Quantity quantity) const;
     ThreeLabels& swatches(Quantity quantity);
     const ThreeLabels& swatches(Quantity quantity) const;
     ThreeChecks& unsafe(Quantity quantity);

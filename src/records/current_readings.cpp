@@ -24,6 +24,23 @@ std::int32_t CurrentReadings::level(Quantity quantity) const {
     return 0;
 }
 
+std::optional<double> CurrentReadings::judgedValue(Quantity quantity) const {
+    switch (quantity) {
+    case Quantity::Wind:
+        return WindSpeed;
+    case Quantity::Gust:
+        return GustSpeed;
+    case Quantity::Temperature:
+        return StationTemperature;
+    case Quantity::Dew:
+        return DewSpread;
+    case Quantity::Humidity:
+        return HumidityValue;
+    default:
+        return std::nullopt;
+    }
+}
+
 int SecondsSinceGoodData(const CurrentReadings& readings) {
     const bool failing =
         readings.StationFileMissing || readings.StationDataOld || readings.SensorError;

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 
 namespace skyhold {
 
@@ -28,14 +29,16 @@ struct CurrentReadings {
     bool SensorDataReady = false;
     bool SensorError = false;
 
-    // Weather station, display units (direction in degrees, humidity in percent).
+    // Weather station, display units (direction in degrees, humidity in percent). Nothing: never
+    // read, or missing in a file that is valid otherwise.
     bool StationValid = false;
-    double StationTemperature = 0;
-    double WindSpeed = 0;
-    double GustSpeed = 0;
-    double WindDirection = 0;
-    double DewPointValue = 0;
-    double HumidityValue = 0;
+    std::optional<double> StationTemperature;
+    std::optional<double> WindSpeed;
+    std::optional<double> GustSpeed;
+    std::optional<double> WindDirection;
+    std::optional<double> DewPointValue;
+    std::optional<double> HumidityValue;
+    std::optional<double> DewSpread; // temperature minus dew point, as it was judged
     double BarometricPressure = 0;
     QDateTime StationDateTime;
     QString LastFileTime; // modification time of the station file as text, at its last open
@@ -63,6 +66,8 @@ struct CurrentReadings {
     QString AlarmSoundId;          // id of the alarm that owns the sound, empty for none
 
     std::int32_t level(Quantity quantity) const;
+    // What the level of a station quantity was judged by; nothing for the others.
+    std::optional<double> judgedValue(Quantity quantity) const;
 };
 
 // 3 while both sources are healthy, 1000 while any is not.

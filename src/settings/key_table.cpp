@@ -264,6 +264,13 @@ void updateRows(KeyRows& rows, Window& window) {
               u"address of the update server, http or https; empty: none, and no check is made"_s);
 }
 
+template <class Conditions>
+void verdictRows(KeyRows& rows, Conditions& conditions) {
+    rows.section(u"Verdict"_s);
+    rows.check(u"BeyondLimitUnsafe"_s, false, conditions.BeyondLimitUnsafe,
+               u"values beyond the last limit are unsafe"_s);
+}
+
 template <class Window>
 void viewRows(KeyRows& rows, Window& window) {
     rows.section(u"View"_s);
@@ -287,6 +294,7 @@ std::vector<KeyRow> allRows(AnyRecords& r) {
     staleDataRows(rows, r.alarms, r.conditions);
     dataFileRows(rows, r);
     updateRows(rows, r.window);
+    verdictRows(rows, r.conditions);
     viewRows(rows, r.window);
     return rows.take();
 }

@@ -8,6 +8,7 @@
 #include "ui/simulators.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -128,7 +129,7 @@ void KivSetupForm::addTryOut(QVBoxLayout* step) {
 
 void KivSetupForm::addUnitsStep() {
     QVBoxLayout* step =
-        addStep(u"Which units do you think in?"_s,
+        addStep(u"Which units and limits do you think in?"_s,
                 u"Values are shown and limits are set in these units. While the station's file is "
                 u"read the units follow the file, and limits are converted: a wrong answer here "
                 u"puts itself right."_s);
@@ -136,6 +137,15 @@ void KivSetupForm::addUnitsStep() {
     unitsSpeed_ = addChoice(step, u"Wind speed"_s, "UnitsSpeed",
                             {u"&km/hr"_s, u"&mph"_s, u"m/&s"_s, u"kno&t"_s});
     addExplanation(step, u"Take what your station's program shows."_s);
+    beyondLimit_ =
+        new QCheckBox(u"&Values beyond the last limit are unsafe"_s, step->parentWidget());
+    beyondLimit_->setObjectName(u"BeyondLimitUnsafe"_s);
+    beyondLimit_->setChecked(true);
+    step->addSpacing(look::kGap);
+    step->addWidget(beyondLimit_);
+    addExplanation(step, u"Each quantity has three levels, each up to its limit; you say which are "
+                         u"unsafe. A storm above the third limit has no level: unticked, it is "
+                         u"told but not judged. It can be changed later, on the page Unsafe."_s);
     step->addStretch();
 }
 
@@ -310,6 +320,8 @@ void KivSetupForm::save(const QString& station) {
     saveOptions(u"UnitsTemp"_s, *unitsTemp_);
     saveOptions(u"UnitsSpeed"_s, *unitsSpeed_);
     saveOptions(u"DateFormat"_s, *dateFormat_);
+    settings_.SaveSetting(u"Verdict"_s, u"BeyondLimitUnsafe"_s,
+                          beyondLimit_->isChecked() ? u"1"_s : u"0"_s);
     if (ccdap.isEmpty())
         settings_.SaveSetting(u"Window"_s, u"FileNameCCDAP4"_s, QString());
     if (images.isEmpty()) {

@@ -9,6 +9,7 @@
 #include <functional>
 
 class QButtonGroup;
+class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -67,6 +68,7 @@ class KivSetupForm : public QDialog {
     QButtonGroup* unitsTemp_ = nullptr;
     QButtonGroup* unitsSpeed_ = nullptr;
     QButtonGroup* dateFormat_ = nullptr;
+    QCheckBox* beyondLimit_ = nullptr;
 };
 
 // Shows the assistant of the first start; the setup-done flag.

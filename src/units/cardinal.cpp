@@ -2,13 +2,13 @@
 
 namespace skyhold {
 
-double CardinalToDegrees(QStringView label, const std::array<QString, 16>& labels) {
+std::optional<double> CardinalToDegrees(QStringView label, const std::array<QString, 16>& labels) {
     const QString wanted = label.trimmed().toString().toUpper();
-    for (std::size_t i = 0; i < labels.size(); ++i) {
+    for (std::size_t i = 0; i < labels.size() && !wanted.isEmpty(); ++i) {
         if (labels[i] == wanted)
             return 22.5 * static_cast<double>(i);
     }
-    return 0;
+    return std::nullopt;
 }
 
 } // namespace skyhold

@@ -5,11 +5,12 @@
 #include <QStringView>
 
 #include <array>
+#include <optional>
 
 namespace skyhold {
 
 // Degrees of the first of the 16 labels that equals the trimmed, upper-cased text: its index times
-// 22.5. A text that is none of them gives 0.
-double CardinalToDegrees(QStringView label, const std::array<QString, 16>& labels);
+// 22.5. Nothing for any other text, and for an empty one: stations have no direction in still air.
+std::optional<double> CardinalToDegrees(QStringView label, const std::array<QString, 16>& labels);
 
 } // namespace skyhold

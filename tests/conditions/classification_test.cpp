@@ -7,7 +7,7 @@ namespace skyhold {
 namespace {
 
 struct Classification : Monitor {
-    void classify(Quantity quantity, double value) {
+    void classify(Quantity quantity, std::optional<double> value) {
         switch (quantity) {
         case Quantity::Wind:
             readings.WindSpeed = value;
@@ -18,6 +18,7 @@ struct Classification : Monitor {
             ClassifyGust(display, readings, controls, sectors, clock.MsClock());
             break;
         case Quantity::Temperature:
+            readings.StationTemperature = value;
             ClassifyTemperature(display.LCondTemp, value, readings, controls);
             break;
         default:
@@ -49,7 +50,7 @@ struct Classification : Monitor {
 TEST_F(Classification, BandsOfTheStationQuantities) {
     using enum Quantity;
     const struct {
-        double value;
+        std::optional<double> value;
         Quantity quantity;
         std::int32_t level;
         QString text;
@@ -64,21 +65,33 @@ TEST_F(Classification, BandsOfTheStationQuantities) {
         {0, Gust, 1, u"Calm"_s, kYellow},
         {20, Gust, 2, u"Gusty"_s, kOrange},
         {20.1, Gust, 3, u"Very Gusty"_s, kOrange},
-        {kNan, Gust, 0, u"Unknown"_s, kYellow},
+        {{}, Gust, 0, {}, kYellow}, // missing: neither a level nor the one before
         {-5, Temperature, 1, u"Cold"_s, kOrange},
         {-4.9, Temperature, 2, u"Fine"_s, kYellow},
         {50.1, Temperature, 3, u"Hot"_s, kOrange},
-        {kNan, Temperature, 0, u"Unknown"_s, kYellow},
+        {{}, Temperature, 0, {}, kYellow},
         {80, Humidity, 1, u"Fine"_s, kYellow},
         {90, Humidity, 2, u"Humid"_s, kYellow},
         {90.1, Humidity, 3, u"Very Humid"_s, kOrange},
         {100, Humidity, 0, u"Unknown"_s, kYellow},
+        {90.1, Humidity, 3, u"Very Humid"_s, kOrange},
+        {{}, Humidity, 0, {}, kYellow},
+        {{}, Wind, 0, {}, kYellow},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << static_cast<int>(row.quantity) << ": " << row.value);
+        SCOPED_TRACE(testing::Message()
+                     << static_cast<int>(row.quantity) << ": " << row.value.value_or(kNan));
         classify(row.quantity, row.value);
         EXPECT_EQ(readings.level(row.quantity), row.level);
         expectShown(display.condition(row.quantity), row.text, row.colour);
+    }
+    // Where the user wants it so, a value beyond the last limit is shown as unsafe.
+    controls.BeyondLimitUnsafe.Value = 1;
+    for (const Quantity quantity : {Wind, Gust, Temperature, Humidity}) {
+        classify(quantity, 100);
+        expectShown(display.condition(quantity), u"Unknown"_s, kOrange);
+        classify(quantity, {});
+        expectShown(display.condition(quantity), {}, kYellow);
     }
     // Limits out of order give the lowest level that matches.
     controls.LimitWind[0].Value = 20;
@@ -104,10 +117,10 @@ TEST_F(Classification, DewPointSpreadOfTheShownTexts) {
         {u"14.6"_s, u"9.5"_s, {}, u"Fine"_s, 3, kYellow},
         {u"99"_s, u"-1"_s, {}, u"Unknown"_s, 0, kYellow},
         {u"12,0"_s, u"9,5"_s, comma, u"Condensation"_s, 1, kOrange},
-        {u"12.0"_s, u""_s, {}, u""_s, 2, kYellow},
-        {u""_s, u"9.5"_s, {}, u""_s, 2, kYellow},
-        {u"---"_s, u"9.5"_s, {}, u""_s, 2, kYellow},
-        {u"12.0"_s, u"nan"_s, {}, u""_s, 2, kYellow},
+        {u"12.0"_s, u""_s, {}, u""_s, 0, kYellow},
+        {u""_s, u"9.5"_s, {}, u""_s, 0, kYellow},
+        {u"---"_s, u"9.5"_s, {}, u""_s, 0, kYellow},
+        {u"12.0"_s, u"nan"_s, {}, u""_s, 0, kYellow},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(qPrintable(row.temperature + u" / "_s + row.dewPoint));

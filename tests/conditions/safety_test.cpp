@@ -68,6 +68,39 @@ TEST_F(Safety, EveryFlaggedLevelAndEveryOldSourceAloneMakesTheSkyUnsafe) {
     expect({});
 }
 
+TEST_F(Safety, WhatIsBeyondTheLastLimitIsNeverPassedOverSilently) {
+    const auto notes = [this](const NumberForms& forms = {}) {
+        return verdictNotes(readings, controls, forms).join(u", "_s);
+    };
+    readings.WindSpeed = 105;
+    readings.GustSpeed = 8;
+    EXPECT_EQ(notes(), QString());
+    readings.WindCondition = WindUnknown;
+    readings.DewCondition = DewUnknown;
+    readings.DewSpread = 100.25;
+    readings.TemperatureCondition = TemperatureUnknown; // missing
+    readings.SpeedUnit = u"m"_s;
+    EXPECT_EQ(notes({u","_s, {}}), u"Wind 105,0 m/s is beyond the last limit and is not judged, "
+                                   "Dew-point spread 100,3 °C is beyond the last limit and is not "
+                                   "judged"_s);
+    EXPECT_FALSE(decide().unsafe());
+
+    controls.BeyondLimitUnsafe.Value = 1;
+    const SafetyDecision decision = decide();
+    EXPECT_TRUE(decision.unsafe());
+    EXPECT_EQ(causes(decision), u"Wind: beyond the last limit, Dew point: beyond the last limit"_s);
+    EXPECT_EQ(notes(), QString());
+
+    for (const std::array<double, 3>& limits : {std::array{20.0, 10.0, 99.0},
+                                                {10.0, 10.0, 99.0},
+                                                {10.0, 99.0, 20.0},
+                                                {10.0, kNan, 99.0}}) {
+        for (std::size_t i = 0; i < 3; ++i)
+            controls.LimitGust[i].Value = limits[i];
+        EXPECT_EQ(notes(), u"Limits of Gust are not in order"_s);
+    }
+}
+
 TEST_F(Safety, EveryTestRunsEachCycleAndAllCausesAreNamedInOrder) {
     // The first test of the list is unsafe; the later ones must note what they see all the same.
     readings.CloudCondition = CloudVeryCloudy;

@@ -16,7 +16,7 @@ static bool operator==(const Sector& a, const Sector& b) {
 namespace {
 
 struct Sectors : Monitor {
-    bool holds(const QString& text, double direction) {
+    bool holds(const QString& text, std::optional<double> direction) {
         return SectorHolds(SectorKind::Wind, text, direction, sectors, clock.MsClock());
     }
 };
@@ -32,7 +32,7 @@ TEST_F(Sectors, BoundsAreInclusiveAndANegativeStartWrapsThroughNorth) {
         {u"000  000  00"_s, {0}, {22.5}},
         {u"180  090  00"_s, {}, {120}},
         {u" 090  180  00 "_s, {120}, {}},
-        // Without a sector, or a direction to test, nothing is restricted.
+        // Without a sector nothing is restricted.
         {u""_s, {123}, {}},
         {u"   "_s, {123}, {}},
         {u"unreadable  "_s, {123}, {}},
@@ -72,6 +72,12 @@ TEST_F(Sectors, TheMinutesCountFromTheLastCycleOutsideOrTheSessionStart) {
         clock.advanceMs(step.ms);
         EXPECT_EQ(holds(step.text, step.direction), step.held) << step.ms << step.direction;
     }
+    // A direction that is not known counts as inside: it may be.
+    const std::int64_t outside = sectors.WindOutsideSince;
+    EXPECT_TRUE(holds(sector, std::nullopt));
+    sectors.WindOutsideSince = clock.MsClock();
+    EXPECT_FALSE(holds(sector, std::nullopt));
+    sectors.WindOutsideSince = outside;
     // The gust kind has seen nothing of this.
     EXPECT_TRUE(SectorHolds(SectorKind::Gust, u"090  180  09"_s, 100, sectors, clock.MsClock()));
 }

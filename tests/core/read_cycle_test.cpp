@@ -250,6 +250,102 @@ TEST_F(ReadCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {
     EXPECT_FALSE(unsafe());
 }
 
+TEST_F(ReadCycle, oneDeadInstrumentHidesNoStorm) {
+    records().conditions.WSDataOldUnsafe.Value = 0;
+    records().alarms.AlarmWS.Tag = stationPath(); // any file will do as its sound
+    records().alarms.AlarmWS.Value = 1;
+    for (ThreeLabels* directions :
+         {&records().conditions.DirectionWind, &records().conditions.DirectionGust})
+        (*directions)[2].Caption = u"090  180  00"_s;
+    ReadingDisplay& show = records().display;
+    struct Case {
+        const char* what;
+        const char *from, *to; // of the page's text
+        Quantity missing;      // cloud: none
+        QString cause;
+        bool old = true;
+    };
+    const Case cases[] = {
+        {"thermometer", ">C</td><td>12.0<", ">C</td><td>--<", Quantity::Temperature,
+         u"Wind: Very Windy, Gust: Very Gusty"_s},
+        {"gust row", "<td>Gust</td>", "<td>Soil</td>", Quantity::Gust, u"Wind: Very Windy"_s},
+        {"wind row, and its unit", "<td>WindSpeed</td>", "<td>Soil</td>", Quantity::Wind,
+         u"Gust: Very Gusty"_s},
+        {"wind and its unit, empty cells", "<td>mph</td><td>45<", "<td></td><td><", Quantity::Wind,
+         u"Gust: Very Gusty"_s},
+        {"humidity with a decimal comma", "<td>58 %<", "<td>58,1 %<", Quantity::Humidity,
+         u"Wind: Very Windy, Gust: Very Gusty"_s},
+        {"direction that is none", "<td>SE<", "<td>N/A<", Quantity::Cloud,
+         u"Wind: Very Windy, Gust: Very Gusty"_s, false},
+        {"no direction", "<td>SE<", "<td><", Quantity::Cloud,
+         u"Wind: Very Windy, Gust: Very Gusty"_s, false},
+    };
+    StationPage storm;
+    storm.wind = u"45"_s;
+    storm.gust = u"60"_s;
+    storm.direction = u"SE"_s;
+    storm.speedUnit = u"mph"_s;
+    for (const bool firstRead : {false, true}) {
+        for (const Case& c : cases) {
+            SCOPED_TRACE(testing::Message() << c.what << ", first read: " << firstRead);
+            if (firstRead && qstrncmp(c.to, "<td>Soil", 8) == 0)
+                continue; // a station without the instrument
+            StopSession(*core_);
+            QByteArray page = stationBytes(storm);
+            if (!firstRead) {
+                writeStationBytes(page);
+                StartSession(*core_);
+                clock_.advanceSeconds(10);
+                page = stationBytes(storm);
+            }
+            ASSERT_TRUE(page.contains(c.from));
+            writeStationBytes(page.replace(c.from, c.to));
+            if (firstRead)
+                StartSession(*core_);
+            else
+                RunReadCycle(*core_);
+            EXPECT_TRUE(unsafe());
+            EXPECT_EQ(cause(), c.cause);
+            EXPECT_EQ(codes(), c.old ? u"a41"_s : QString());
+            EXPECT_EQ(records().readings.StationDataOld, c.old);
+            EXPECT_EQ(records().readings.AlarmSoundId, c.old ? u"10"_s : QString());
+            EXPECT_EQ(status(), c.old ? u"Weather Station Data - value missing or not a number"_s
+                                      : u"Weather Station Data - Refreshed"_s);
+            EXPECT_EQ(records().readings.SpeedUnit, u"M"_s);
+            for (const auto& [quantity, header] : {std::pair{Quantity::Wind, Header::Wind},
+                                                   {Quantity::Gust, Header::Gust},
+                                                   {Quantity::Temperature, Header::Temperature},
+                                                   {Quantity::Humidity, Header::Humidity}}) {
+                const bool missing = quantity == c.missing;
+                EXPECT_EQ(records().readings.level(quantity) == 0, missing);
+                EXPECT_EQ(show.condition(quantity).Caption.value().isEmpty(), missing);
+                EXPECT_EQ(show.header(header).ForeColor.value(), missing ? kRed : kCyan);
+            }
+            EXPECT_EQ(records().readings.DewCondition == 0, c.missing == Quantity::Temperature);
+            EXPECT_EQ(show.LValWindDir.Caption.value(), c.old ? u"135.0"_s : QString());
+            EXPECT_EQ(show.header(Header::Direction).ForeColor.value(), c.old ? kCyan : kYellow);
+        }
+    }
+    cycle();
+    EXPECT_EQ(cause(), u"All conditions safe"_s);
+    EXPECT_EQ(codes(), QString());
+}
+
+TEST_F(ReadCycle, whatIsNotJudgedIsSaid) {
+    StationPage page;
+    page.wind = u"105"_s;
+    StartSession(*core_);
+    cycle(page);
+    EXPECT_FALSE(unsafe());
+    EXPECT_EQ(cause(), u"All conditions safe, Wind 105.0 km/h is beyond the last limit and is not "
+                       "judged"_s);
+    records().conditions.BeyondLimitUnsafe.Value = 1;
+    records().conditions.LimitGust[0].Value = 30;
+    cycle(page);
+    EXPECT_TRUE(unsafe());
+    EXPECT_EQ(cause(), u"Wind: beyond the last limit, Limits of Gust are not in order"_s);
+}
+
 TEST_F(ReadCycle, aSessionRemembersNothingOfTheOneBefore) {
     records().conditions.unsafe(Quantity::Cloud)[1].Value = 1;
     StartSession(*core_);

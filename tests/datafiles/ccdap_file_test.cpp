@@ -51,6 +51,7 @@ TEST(CcdapFile, RecordByteByByte) {
     wet.TemperatureUnit = u" "_s;
     wet.SpeedUnit = QString();
     wet.StationDataOld = true;
+    wet.DewPointValue.reset(); // missing: the record has no other word for it than 0
     wet.CloudCondition = CloudUnknown;
     const ManualClock noon(QDateTime(QDate(2026, 11, 16), QTime(12, 0)));
     EXPECT_EQ(ccdapRecord(wet, noon, kComma),

@@ -74,8 +74,8 @@ TEST_F(DataItems, SwitchVerdictAndUnknownItems) {
     }
     readings.UnsafeFlag = true;
     EXPECT_EQ(item(25), u"Unsafe"_s);
-    readings.LastReading = QDateTime(); // nothing read yet
-    for (const int empty : {0, 1, 26})
+    readings = {}; // nothing read yet
+    for (const int empty : {0, 1, 13, 14, 15, 17, 18, 26})
         EXPECT_EQ(item(empty), QString()) << empty;
 }
 

@@ -23,6 +23,7 @@ struct Case {
     const char16_t* text;
     const char16_t* rows;
     bool cutShort = false;
+    bool openQuote = false;
 };
 
 TEST(CsvTable, FollowsSequentialInput) {
@@ -43,14 +44,16 @@ TEST(CsvTable, FollowsSequentialInput) {
         {u"a,b,c\r\nd", u"a|b|c / d||", true},
         {u"a,b,c\r\nd,e", u"a|b|c / d|e|", true},
         {u"a,b,c\r\nd,e,", u"a|b|c / d|e|", true},
-        {u"a,b,\"c", u"a|b|c", true},
-        {u"a,b,c\n\"", u"a|b|c / ||", true},
-        {u"a,b,\"c\n", u"a|b|c\n", true},
+        {u"a,b,\"c", u"a|b|c", false, true},
+        {u"a,b,c\n\"", u"a|b|c / ||", false, true},
+        {u"a,b,\"c\n", u"a|b|c\n", false, true},
+        {u"a,b,c\nd,\"e", u"a|b|c / d|e|", true, true},
     };
     for (const Case& c : cases) {
         const StationTable table = ParseCsvTable(c.text);
         EXPECT_EQ(dump(table), QStringView(c.rows)) << qPrintable(QString::fromUtf16(c.text));
         EXPECT_EQ(table.cutShort(), c.cutShort) << qPrintable(QString::fromUtf16(c.text));
+        EXPECT_EQ(table.openQuote(), c.openQuote) << qPrintable(QString::fromUtf16(c.text));
     }
 }
 

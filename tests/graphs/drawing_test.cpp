@@ -105,6 +105,13 @@ TEST(ValueGraphPicture, FillsFromTheLeftThroughEveryPoint) {
     EXPECT_EQ(drawn.at(149, drawn.calm), rgb(kLine));
     EXPECT_EQ(drawn.inkIn({152, drawn.calm + 1, 448, drawn.windy - drawn.calm - 2}, rgb(kMiddle)),
               0);
+    // No line leads across a missing value.
+    graph.series.points[20].value = std::nan("");
+    const Drawn parted(graph);
+    EXPECT_EQ(parted.at(100, parted.calm), rgb(kMiddle));
+    EXPECT_EQ(parted.at(94, parted.calm), rgb(kLine));
+    EXPECT_EQ(parted.at(106, parted.calm), rgb(kLine));
+    EXPECT_TRUE(GraphSeries(graph.series) == graph.series); // not drawn anew for it
 }
 
 TEST(ValueGraphPicture, ManyPointsOfAColumnAreAllShown) {
@@ -215,6 +222,7 @@ class DirectionPicture : public testing::Test {
         graph.pointColour = kRed;
         graph.gridColour = kGrid;
         graph.series.points[6].value = 100;
+        graph.series.points[9].value = std::nan("");
         DrawDirectionGraph(graph, picture);
     }
 
@@ -229,6 +237,7 @@ TEST_F(DirectionPicture, PointsAreSingleDots) {
     EXPECT_EQ(pixel(picture, 150, y), rgb(kRed));
     EXPECT_NE(pixel(picture, 300, y), rgb(kRed));
     EXPECT_EQ(pixel(picture, 300, directionPosition(100, bottom)), rgb(kRed));
+    EXPECT_NE(pixel(picture, 450, y), rgb(kRed)); // missing
     const QRgb ground = pixel(picture, 175, y);
     EXPECT_EQ(ink(picture, {154, y - 3, 42, 7}, ground), 0); // nothing between two dots
 }

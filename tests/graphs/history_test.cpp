@@ -190,6 +190,13 @@ TEST_F(History, ArrayForClients) {
     read(18);
     for (qsizetype elem = 1; elem <= 20; ++elem)
         EXPECT_EQ(array()[2][elem], QVariant(elem == 1 ? 20.0 : static_cast<double>(elem - 1)));
+
+    current.GustSpeed.reset(); // missing in the station's file
+    current.DewPointValue.reset();
+    AddReading(history, current, graphs.GraphNoPoints);
+    const QList<bool> there{false, true, true, false, true, false, true, true};
+    for (qsizetype field = 0; field < there.size(); ++field)
+        EXPECT_EQ(array()[field][history.LastElem].isValid(), there[field]) << field;
 }
 
 } // namespace

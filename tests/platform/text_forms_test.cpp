@@ -2,6 +2,8 @@
 #include "platform/text_encoding.h"
 #include "platform/text_forms.h"
 
+#include <QLocale>
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -56,6 +58,16 @@ TEST(TextForms, textsThatAreNumbersAndOthers) {
     EXPECT_EQ(leadingNumber(u"abc"), 0);
 }
 
+TEST(TextForms, decimalSeparatorIsOneThatFilesCanHold) {
+    const QLocale before;
+    for (const auto& [locale, decimal] :
+         {std::pair{"de_DE", u","_s}, {"en_US", u"."_s}, {"ar_EG", u"."_s}, {"fa_IR", u"."_s}}) {
+        QLocale::setDefault(QLocale(QLatin1String(locale)));
+        EXPECT_EQ(localeNumberForms().decimal, decimal) << locale;
+    }
+    QLocale::setDefault(before);
+}
+
 TEST(TextForms, datesAndDayNumbers) {
     const QDateTime time(QDate(2026, 11, 6), QTime(9, 5, 7));
     EXPECT_EQ(formatDate(time, u"dd/mm hh:mm:ss"), u"06/11 09:05:07"_s);
@@ -75,6 +87,9 @@ TEST(TextEncoding, bothEncodingsAreRead) {
     EXPECT_EQ(decodeText("12 \xB0"
                          "C \x80"),
               u"12 °C €"_s);
+    // A sequence that the end breaks off is none of UTF-8.
+    EXPECT_EQ(decodeText("12 \xB0\xC2"), u"12 °Â"_s);
+    EXPECT_EQ(decodeText("12 \xE2\x82"), u"12 â‚"_s);
     EXPECT_EQ(encodeAnsi(u"12 °C € ☂"_s), "12 \xB0"
                                           "C \x80 ?");
 }

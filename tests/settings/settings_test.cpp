@@ -149,10 +149,10 @@ TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
     }
     EXPECT_EQ(
         sections.join(u' '),
-        u"Window Limit Window Setup Limit Description Color Unsafe Alarms Graphs Alarms Window File Update View"_s);
+        u"Window Limit Window Setup Limit Description Color Unsafe Alarms Graphs Alarms Window File Update Verdict View"_s);
     // 41 in "Window", 23 in "Limit", 15 + 15 levels, 30 in "Unsafe", 54 in "Alarms", 19 in
-    // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update" and "View".
-    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76 + 1 + 1);
+    // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update", "Verdict" and "View".
+    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76 + 1 + 1 + 1);
 }
 
 TEST_F(Settings, EveryKeySurvivesARestart) {

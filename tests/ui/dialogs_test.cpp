@@ -279,6 +279,7 @@ TEST_F(SetupForm, SavesItsChoicesAndSwitchesOffWhatHasNoFolder) {
         {u"Limit"_s, u"UnitsSpeed0"_s, u"False"_s},
         {u"Limit"_s, u"UnitsSpeed2"_s, u"True"_s},
         {u"Limit"_s, u"DateFormat1"_s, u"True"_s},
+        {u"Verdict"_s, u"BeyondLimitUnsafe"_s, u"1"_s},
     };
     for (const auto& [section, key, text] : expected)
         EXPECT_EQ(stored(section, key), text) << key.toStdString();

@@ -172,7 +172,9 @@ TEST(Cardinal, FirstEqualLabelGivesItsDegrees) {
         EXPECT_EQ(CardinalToDegrees(labels[i], labels), 22.5 * static_cast<double>(i));
     }
     EXPECT_EQ(CardinalToDegrees(u" nne ", labels), 22.5);
-    EXPECT_EQ(CardinalToDegrees(u"O", labels), 0);
+    labels[15] = QString();
+    for (const char16_t* none : {u"O", u"N/A", u"", u" ", u"270"})
+        EXPECT_FALSE(CardinalToDegrees(none, labels)) << qPrintable(QString::fromUtf16(none));
     labels[4] = u"W"_s;
     EXPECT_EQ(CardinalToDegrees(u"w", labels), 90) << "the first of two equal labels";
 }

@@ -123,6 +123,12 @@ class AlarmTable {
         addLevel(0, unsafe, alarmName, alarm, title, kTwoColumns);
     }
 
+    // A row of its own, for what belongs to all quantities.
+    void addAcross(QWidget* widget) {
+        grid_->setRowStretch(++row_, 1);
+        grid_->addWidget(widget, row_, columnOf(0), 1, -1, Qt::AlignVCenter);
+    }
+
     // Fills the place of a level in the last row.
     void addBeside(int level, QWidget* widget) {
         grid_->addWidget(widget, row_, columnOf(level), 1, 4, Qt::AlignVCenter);
@@ -240,6 +246,10 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
     card->setMaximumHeight(400); // a taller window does not pull the rows apart
     AlarmTable table(alarms, readings, media, showMessage, card);
     addQuantities(table, conditions);
+    QCheckBox* beyond = makeCheck(card, u"BeyondLimitUnsafe"_s, {}, conditions.BeyondLimitUnsafe);
+    beyond->setToolTip(u"A value above the third limit has no level. Without this it is told but "
+                       u"not judged"_s);
+    table.addAcross(beyond);
 
     table.addSource(u"Weather station"_s, 8,
                     makeCheck(card, u"WSDataOldUnsafe"_s, {}, conditions.WSDataOldUnsafe),

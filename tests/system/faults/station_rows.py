@@ -69,13 +69,13 @@ def with_value(name, value):
                                rb"\g<1>" + value.encode(), text)
 
 
-NO_NUMBER = "value missing or not a number"
+MISSING = "value missing or not a number"
 INCOMPLETE = "file not complete"
 NOTHING = "no readings in file"
 
 # Texts that a whole page turns into, and what is said of them.
 PAGES = [
-    ("numbers that are none: nan, 1e999, --, 12,5, nothing", NO_NUMBER,
+    ("numbers that are none: nan, 1e999, --, 12,5, nothing", MISSING,
      [with_value(name, value) for name, value in [
          ("WindSpeed", "nan"), ("Gust", "1e999"), ("WindSpeed", "--"), ("OutHumidity", "92,5"),
          ("OutTemp", "12,5"), ("WindSpeed", ""), ("DewPoint", "inf")]]),
@@ -83,10 +83,10 @@ PAGES = [
      [lambda text, part=part: text[:len(text) * part // 10] for part in range(10)]),
     ("a page with a table of something else before it", NOTHING,
      [lambda text: b"<table><tr><td>News</td></tr></table>" + text]),
-    ("a page with a fourth cell in a row", INCOMPLETE,
+    ("a page with a fourth cell in a row", MISSING,
      [lambda text: text.replace(b"<td>WindSpeed</td>", b"<td></td><td>WindSpeed</td>")]),
     ("a page with tags in capitals", NOTHING, [lambda text: text.upper()]),
-    ("a page with tags in its cells, or in its rows", INCOMPLETE,
+    ("a page with tags in its cells, or in its rows", MISSING,
      [lambda text: text.replace(b"WindSpeed", b"<b>WindSpeed</b>"),
       lambda text: text.replace(b"<tr><td>Gust", b"<tr class=x><td>Gust")]),
     ("a page with zero bytes", "not a text file",
