@@ -93,7 +93,7 @@ void addFirstValues(MemberList& list) {
     list.method(u"DataReady"_s, {Bool, u"whether Kiv_Nubilo has data"_s},
                 reading(&CurrentReadings::SensorDataReady));
     list.method(u"BrightnessValue"_s, {R8, u"brightness"_s}, sensorValue(2));
-    list.method(u"DewPointTemp"_s, {R8, u"dew point"_s, Activity::None},
+    list.method(u"DewPointTemp"_s, {R8, u"dew point, 0 when missing"_s, Activity::None},
                 measured(&CurrentReadings::DewPointValue));
     list.method(u"GraphFreq"_s, {I4, u"readings per point of the graphs"_s},
                 answering([](Core& core) { return rounded(core.records.graphs.GraphFreq.Value); }));
@@ -104,8 +104,8 @@ void addFirstValues(MemberList& list) {
                      Activity::Signal, Source::SensorUnchecked},
                     graphTemperature(name));
     }
-    list.method(u"GustValue"_s, {R8, u"gust speed"_s}, measured(&CurrentReadings::GustSpeed));
-    list.method(u"HumidityRelative"_s, {R8, u"relative humidity in percent"_s, Activity::None},
+    list.method(u"GustValue"_s, {R8, u"gust speed, 0 when missing"_s}, measured(&CurrentReadings::GustSpeed));
+    list.method(u"HumidityRelative"_s, {R8, u"relative humidity in percent, 0 when missing"_s, Activity::None},
                 measured(&CurrentReadings::HumidityValue));
     list.method(u"RainHeaterPercent"_s, {R8, u"power of the rain sensor's heater in percent"_s},
                 sensorValue(4));
@@ -126,13 +126,13 @@ void addSecondValues(MemberList& list) {
     list.method(u"SkyTemperature"_s, {R8, u"temperature of the sky"_s}, sensorValue(0));
     list.method(u"SwitchStatus"_s, {I4, u"roof switch: 1 opened, 2 closed"_s},
                 answering([](Core& core) { return rounded(core.records.readings.SwitchValue); }));
-    list.method(u"TemperatureAmb"_s, {R8, u"station temperature"_s},
+    list.method(u"TemperatureAmb"_s, {R8, u"station temperature, 0 when missing"_s},
                 measured(&CurrentReadings::StationTemperature));
     list.get(u"UnitTemp"_s, {Text, u"unit of temperatures in the station's file"_s}, unitText(10));
     list.get(u"UnitSpeed"_s, {Text, u"unit of speeds in the station's file"_s}, unitText(11));
-    list.method(u"WindDir"_s, {R8, u"wind direction in degrees"_s},
+    list.method(u"WindDir"_s, {R8, u"wind direction in degrees, 0 when missing"_s},
                 measured(&CurrentReadings::WindDirection));
-    list.method(u"WindValue"_s, {R8, u"wind speed"_s}, measured(&CurrentReadings::WindSpeed));
+    list.method(u"WindValue"_s, {R8, u"wind speed, 0 when missing"_s}, measured(&CurrentReadings::WindSpeed));
     list.method(u"BarometricPressure"_s, {R8, u"pressure"_s},
                 reading(&CurrentReadings::BarometricPressure));
     list.method(u"UnitsBarometricPressure"_s, {Text, u"unit of the pressure"_s}, unitText(12));

@@ -161,14 +161,18 @@ QString verdictCauses(const SafetyDecision& decision, const ConditionControls& c
 
 QStringList verdictNotes(const CurrentReadings& readings, const ConditionControls& controls,
                          const NumberForms& forms) {
-    QStringList notes;
+    QStringList beyond;
     for (const Quantity quantity : kStationQuantities) {
-        const bool spread = quantity == Quantity::Dew;
+        const QString name =
+            quantity == Quantity::Dew ? u"Dew-point spread"_s : quantityName(quantity);
         if (isBeyondLimits(readings, quantity) && !controls.BeyondLimitUnsafe.checked())
-            notes += u"%1 %2 is beyond the last limit and is not judged"_s.arg(
-                spread ? u"Dew-point spread"_s : quantityName(quantity),
-                valueInWords(readings, quantity, forms));
+            beyond += name + u' ' + valueInWords(readings, quantity, forms);
     }
+    QStringList notes;
+    if (beyond.size() == 1)
+        notes += beyond[0] + u" is beyond the last limit and is not judged"_s;
+    else if (!beyond.isEmpty())
+        notes += beyond.join(u", "_s) + u" are beyond the last limit and are not judged"_s;
     for (const Quantity quantity : kStationQuantities) {
         if (!limitsInOrder(controls.limits(quantity)))
             notes += u"Limits of %1 are not in order"_s.arg(quantityName(quantity));

@@ -76,13 +76,13 @@ TEST_F(Safety, WhatIsBeyondTheLastLimitIsNeverPassedOverSilently) {
     readings.GustSpeed = 8;
     EXPECT_EQ(notes(), QString());
     readings.WindCondition = WindUnknown;
+    readings.TemperatureCondition = TemperatureUnknown; // missing
+    EXPECT_EQ(notes(), u"Wind 105.0 km/h is beyond the last limit and is not judged"_s);
     readings.DewCondition = DewUnknown;
     readings.DewSpread = 100.25;
-    readings.TemperatureCondition = TemperatureUnknown; // missing
     readings.SpeedUnit = u"m"_s;
-    EXPECT_EQ(notes({u","_s, {}}), u"Wind 105,0 m/s is beyond the last limit and is not judged, "
-                                   "Dew-point spread 100,3 °C is beyond the last limit and is not "
-                                   "judged"_s);
+    EXPECT_EQ(notes({u","_s, {}}), u"Wind 105,0 m/s, Dew-point spread 100,3 °C are beyond the last "
+                                   "limit and are not judged"_s);
     EXPECT_FALSE(decide().unsafe());
 
     controls.BeyondLimitUnsafe.Value = 1;

@@ -83,9 +83,9 @@ class AlarmTable {
         , showMessage_(showMessage)
         , parent_(parent)
         , grid_(new QGridLayout(parent)) {
-        grid_->setContentsMargins(10, 6, 12, 8);
+        grid_->setContentsMargins(10, 4, 12, 4);
         grid_->setHorizontalSpacing(4);
-        grid_->setVerticalSpacing(2);
+        grid_->setVerticalSpacing(1);
         for (int level = 0; level < 3; ++level) {
             const int column = columnOf(level);
             grid_->addWidget(makeDimmed(u"Unsafe"_s, parent), 0, column);

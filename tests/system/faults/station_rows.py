@@ -9,7 +9,7 @@ import subprocess
 import threading
 import time
 
-from monitored import METHOD, Client
+from monitored import METHOD, Client, Cycle
 from quiet import is_safe, more_cycles, quiet_evening
 from table import Shared, row
 
@@ -105,16 +105,57 @@ for text, status, edits in PAGES:
     row(AREA, text)(edited)
 
 
+@row(AREA, "one dead instrument in a storm, old data not unsafe", short=True)
+def dead_instrument(seen):
+    monitored = quiet_evening()
+    with open(monitored.folder / "user/config/Kiv/Kiv_Skyhold.ini", "a",
+              encoding="utf-8") as settings:
+        settings.write("\n[Alarms]\nWSDataOldUnsafe=0\n")
+    with monitored:
+        monitored.next_cycle("a safe sky", is_safe)
+        monitored.station.send_signal(signal.SIGSTOP)
+        storm = with_value("Gust", "70")(with_value("WindSpeed", "45")(
+            monitored.station_file.read_bytes()))
+        for edit, causes in [
+                (with_value("OutTemp", "--"), ["Wind: Very Windy", "Gust: Very Gusty"]),
+                (lambda text: text.replace(b"<td>Gust</td>", b"<td>Soil</td>"),
+                 ["Wind: Very Windy"]),
+                (with_value("WindDirection", "N/A"), ["Wind: Very Windy", "Gust: Very Gusty"])]:
+            put(monitored.station_file, edit(storm))
+            # A level counts after a minute in its sector, the whole circle here.
+            found = monitored.next_cycle("the storm", lambda c: c.verdict == "UNSAFE")
+            assert [cause in found.cause for cause in causes] == [True] * len(causes), found.line
+            with seen.untrusted(monitored):
+                more_cycles(seen, monitored, 1)
+            seen.say(f"{found.verdict}, “{found.cause}”, {found.codes or 'no code'}")
+        monitored.station.send_signal(signal.SIGCONT)
+        seen.recovery(monitored, "the instrument's return", is_safe)
+
+
 @row(AREA, "CSV with unbalanced quotes, or torn")
 def csv(seen):
     with station_stopped(seen, CSV) as (monitored, whole):
         gust = whole.index(b"Gust")
-        for changed in [whole.replace(b"Gust,", b'Gust,"'), whole.replace(b"Gust,", b'"Gust,', 1)
-                        .replace(b"DewPoint", b'DewPoint"'), whole[:gust + 4], whole[:gust]]:
+        # Cut between two records, or with some of them in quotes, a file lacks values and no more.
+        for changed, status in [
+                (whole.replace(b"Gust,", b'Gust,"'), INCOMPLETE),
+                (whole.replace(b"Gust,", b'"Gust,', 1).replace(b"DewPoint", b'DewPoint"'), MISSING),
+                (whole[:gust + 4], INCOMPLETE), (whole[:gust], MISSING)]:
             put(monitored.station_file, whole)
             monitored.next_cycle("a whole file", is_safe)
             put(monitored.station_file, changed)
-            expect(seen, monitored, SAYS + INCOMPLETE, "a41", more=1)
+            expect(seen, monitored, SAYS + status, "a41", more=1)
+
+
+@row(AREA, "CSV with a footer, two more fields, or an end mark behind its records")
+def csv_with_footer(seen):
+    with station_stopped(seen, CSV) as (monitored, whole):
+        for end in [b"made by a station\r\n", b"two,fields\r\n", b"\x1a"]:
+            put(monitored.station_file, whole + end)
+            monitored.next_cycle("the records", lambda c: is_safe(c) and "Refreshed" in c.status)
+            more_cycles(seen, monitored, 1)
+            assert all(is_safe(Cycle(line)) for line in monitored.cycles[-2:]), monitored.cycles
+        seen.say("SAFE throughout")
 
 
 @row(AREA, "CSV torn at the first read of a session")
