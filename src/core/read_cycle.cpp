@@ -15,6 +15,8 @@
 #include "records/status_lines.h"
 #include "units/detection.h"
 
+#include <algorithm>
+
 namespace skyhold {
 
 namespace {
@@ -225,16 +227,20 @@ void decide(MonitoringCore& core) {
 QString causeInWords(const SafetyDecision& decision, Records& records, const NumberForms& forms) {
     if (records.safety.LocalControl)
         return QStringLiteral("Decided by ") + records.session.LblControl.Caption.value();
+    const auto notJudged = [&records](Quantity quantity) {
+        return isBeyondLimits(records.readings, quantity);
+    };
     QStringList words;
     if (decision.unsafe())
         words += verdictCauses(decision, records.conditions,
                                [&records](Quantity quantity, std::int32_t) {
                                    return records.display.condition(quantity).Caption.value();
                                });
-    else if (records.readings.UnsafeFlag)
-        words += QStringLiteral("All conditions safe again");
     else
-        words += QStringLiteral("All conditions safe");
+        words += (std::ranges::any_of(kStationQuantities, notJudged)
+                      ? QStringLiteral("All other conditions safe")
+                      : QStringLiteral("All conditions safe")) +
+                 (records.readings.UnsafeFlag ? QStringLiteral(" again") : QString());
     words += verdictNotes(records.readings, records.conditions, forms);
     return words.join(QStringLiteral(", "));
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kValueCell = 3;
 
-struct Quantity {
+struct JudgedRow {
     QStringView name;
     StationValue StationValues::*value;
     bool StationNames::*found;
@@ -19,12 +19,12 @@ struct Quantity {
 
 using V = StationValues;
 using N = StationNames;
-constexpr std::array<Quantity, 6> kQuantities{{{u"OutTemp", &V::temperature, &N::temperature},
-                                               {u"WindSpeed", &V::wind, &N::wind},
-                                               {u"Gust", &V::gust, &N::gust},
-                                               {u"OutHumidity", &V::humidity, &N::humidity},
-                                               {u"DewPoint", &V::dewPoint, &N::dewPoint},
-                                               {u"WindDirection", &V::direction, &N::direction}}};
+constexpr std::array<JudgedRow, 6> kJudgedRows{{{u"OutTemp", &V::temperature, &N::temperature},
+                                                {u"WindSpeed", &V::wind, &N::wind},
+                                                {u"Gust", &V::gust, &N::gust},
+                                                {u"OutHumidity", &V::humidity, &N::humidity},
+                                                {u"DewPoint", &V::dewPoint, &N::dewPoint},
+                                                {u"WindDirection", &V::direction, &N::direction}}};
 
 QString withoutCharacters(QStringView text, const QString& characters) {
     QString rest;
@@ -39,28 +39,28 @@ QString withoutCharacters(QStringView text, const QString& characters) {
 } // namespace
 
 bool StationValues::anyMissing() const {
-    return std::ranges::any_of(kQuantities,
-                               [this](const Quantity& q) { return (this->*q.value).missing; });
+    return std::ranges::any_of(kJudgedRows,
+                               [this](const JudgedRow& q) { return (this->*q.value).missing; });
 }
 
 bool StationNames::any() const {
-    return std::ranges::any_of(kQuantities, [this](const Quantity& q) { return this->*q.found; });
+    return std::ranges::any_of(kJudgedRows, [this](const JudgedRow& q) { return this->*q.found; });
 }
 
 bool StationNames::all() const {
-    return std::ranges::all_of(kQuantities, [this](const Quantity& q) { return this->*q.found; });
+    return std::ranges::all_of(kJudgedRows, [this](const JudgedRow& q) { return this->*q.found; });
 }
 
 StationNames namesIn(const StationTable& table) {
     StationNames names;
-    for (const Quantity& q : kQuantities)
+    for (const JudgedRow& q : kJudgedRows)
         names.*q.found = FindRow(table, q.name) > 0;
     return names;
 }
 
 StationNames operator|(const StationNames& a, const StationNames& b) {
     StationNames both;
-    for (const Quantity& q : kQuantities)
+    for (const JudgedRow& q : kJudgedRows)
         both.*q.found = a.*q.found || b.*q.found;
     return both;
 }
@@ -68,7 +68,7 @@ StationNames operator|(const StationNames& a, const StationNames& b) {
 StationValues stationValues(const StationTable& table, const StationNames& known,
                             const UnitControls& units, const NumberForms& forms) {
     StationValues values;
-    for (const Quantity& q : kQuantities) {
+    for (const JudgedRow& q : kJudgedRows) {
         StationValue& value = values.*q.value;
         const qsizetype row = FindRow(table, q.name);
         if (row == 0) {
@@ -95,7 +95,7 @@ bool mayHaveLostValue(const StationTable& table) {
     QStringView field;
     for (int cell = StationTable::kCells; cell >= 1 && field.isEmpty(); --cell)
         field = table.cell(cell, last);
-    return std::ranges::any_of(kQuantities, [&](const Quantity& q) {
+    return std::ranges::any_of(kJudgedRows, [&](const JudgedRow& q) {
         for (int cell = 1; cell <= StationTable::kCells; ++cell) {
             if (table.cell(cell, last).compare(q.name, Qt::CaseInsensitive) == 0)
                 return true;

@@ -337,8 +337,9 @@ TEST_F(ReadCycle, whatIsNotJudgedIsSaid) {
     StartSession(*core_);
     cycle(page);
     EXPECT_FALSE(unsafe());
-    EXPECT_EQ(cause(), u"All conditions safe, Wind 105.0 km/h is beyond the last limit and is not "
-                       "judged"_s);
+    EXPECT_EQ(cause(),
+              u"All other conditions safe, Wind 105.0 km/h is beyond the last limit and is not "
+              "judged"_s);
     records().conditions.BeyondLimitUnsafe.Value = 1;
     records().conditions.LimitGust[0].Value = 30;
     cycle(page);
