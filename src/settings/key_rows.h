@@ -108,9 +108,9 @@ class KeyRows {
         };
         if constexpr (!std::is_const_v<Field>)
             row.load = [&field, range](const QString& stored, const NumberForms& forms) {
-                const auto value =
-                    range.clamp ? nearestInteger(stored, forms, range.lowest, range.highest)
-                                : storedInteger(stored, forms, range.lowest, range.highest);
+                const auto value = range.clamp
+                                       ? nearestInteger(stored, forms, range.lowest, range.highest)
+                                       : storedInteger(stored, forms, range.lowest, range.highest);
                 if (value)
                     putInto(field, *value);
                 return value.has_value();
