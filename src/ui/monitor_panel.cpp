@@ -22,6 +22,8 @@ namespace skyhold {
 namespace {
 
 constexpr int kStopAlarmWidth = 118;
+constexpr int kOneCauseLine = 34;
+constexpr int kTwoCauseLines = 62;
 
 Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool bold = false) {
     auto* readout = new Readout(parent);
@@ -91,11 +93,11 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     automatic->setObjectName(u"Frame3"_s);
     Readout* cause = makeReadout(automatic, u"LblCause"_s, 26);
     cause->setWrap(true);
-    cause->setFixedHeight(62);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     allowMouseSelection(cause);
     Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
     last->setTone(Tone::Dim);
+    last->setWrap(true);
     Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
     delay->setInk(screenColour(kYellow));
     bind(delay, records.conditions.SafeDelayMsg);
@@ -114,6 +116,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
         last->setText(verdict.isEmpty() ? QString()
                                         : u"Last verdict: %1. %2"_s.arg(verdict, words));
         last->setHidden(!idle);
+        cause->setFixedHeight(idle && !failed ? kOneCauseLine : kTwoCauseLines);
         delay->setHidden(idle);
     };
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });

@@ -131,9 +131,10 @@ void Night::use(const QString& word, const QString& rest) {
         QLocale::setDefault(QLocale(rest));
     else if (word == u"answering") // the sensor program: yes, no
         sensor_.answering = rest == u"yes";
-    else if (word == u"present")
-        sensor_.present = sensor_.alive = rest == u"yes";
-    else if (word == u"role") // 0: this program drives the switch
+    else if (word == u"present") {
+        sensor_.present = rest == u"yes";
+        sensor_.state = sensor_.present ? ObjectState::Ready : ObjectState::Gone;
+    } else if (word == u"role") // 0: this program drives the switch
         records().session.SWRole.choose(rest.toInt());
     else if (word == u"record") // 0: the user starts to record, answering yes; 1: stops
         records().dataFile.RecOption.choose(rest.toInt());
