@@ -104,8 +104,10 @@ void addFirstValues(MemberList& list) {
                      Activity::Signal, Source::SensorUnchecked},
                     graphTemperature(name));
     }
-    list.method(u"GustValue"_s, {R8, u"gust speed, 0 when missing"_s}, measured(&CurrentReadings::GustSpeed));
-    list.method(u"HumidityRelative"_s, {R8, u"relative humidity in percent, 0 when missing"_s, Activity::None},
+    list.method(u"GustValue"_s, {R8, u"gust speed, 0 when missing"_s},
+                measured(&CurrentReadings::GustSpeed));
+    list.method(u"HumidityRelative"_s,
+                {R8, u"relative humidity in percent, 0 when missing"_s, Activity::None},
                 measured(&CurrentReadings::HumidityValue));
     list.method(u"RainHeaterPercent"_s, {R8, u"power of the rain sensor's heater in percent"_s},
                 sensorValue(4));
@@ -132,7 +134,8 @@ void addSecondValues(MemberList& list) {
     list.get(u"UnitSpeed"_s, {Text, u"unit of speeds in the station's file"_s}, unitText(11));
     list.method(u"WindDir"_s, {R8, u"wind direction in degrees, 0 when missing"_s},
                 measured(&CurrentReadings::WindDirection));
-    list.method(u"WindValue"_s, {R8, u"wind speed, 0 when missing"_s}, measured(&CurrentReadings::WindSpeed));
+    list.method(u"WindValue"_s, {R8, u"wind speed, 0 when missing"_s},
+                measured(&CurrentReadings::WindSpeed));
     list.method(u"BarometricPressure"_s, {R8, u"pressure"_s},
                 reading(&CurrentReadings::BarometricPressure));
     list.method(u"UnitsBarometricPressure"_s, {Text, u"unit of the pressure"_s}, unitText(12));
