@@ -1,0 +1,145 @@
+#include "judge/judge.h"
+
+#include "judge/safety.h"
+#include "judge/sectors.h"
+#include "model/conditions.h"
+
+namespace skyhold {
+
+namespace {
+
+constexpr std::size_t indexOf(std::int32_t level) {
+    return static_cast<std::size_t>(level - 1);
+}
+
+// The level of this cycle. Without usable input the last one stays, and goes on counting; a single
+// value that is missing in what can be used has none.
+std::int32_t levelNow(Quantity quantity, const Observation& observation, const Rules& rules,
+                      std::int32_t last) {
+    if (rowOf(quantity).source == SourceName::Sensor)
+        return observation.givenLevels[quantity].value_or(last);
+    if (!observation.station.usable())
+        return last;
+    const std::optional<double> value = observation.values[quantity];
+    return value ? bandLevel(*value, rules.levels[quantity].limits) : 0;
+}
+
+bool isBeyond(Quantity quantity, const Observation& observation, const Rules& rules) {
+    const std::optional<double> value = observation.values[quantity];
+    return rowOf(quantity).hasLimits() && observation.station.usable() && value &&
+           *value > rules.levels[quantity].limits.back() &&
+           bandLevel(*value, rules.levels[quantity].limits) == 0;
+}
+
+// Whether the level counts now. Notes what the tests must remember, whether or not the level is
+// marked as unsafe; once per quantity and cycle.
+bool levelHolds(Quantity quantity, std::int32_t level, const Rules& rules, JudgeMemory& memory,
+                std::int64_t nowMs) {
+    if (level < 1)
+        return false;
+    if (quantity == Quantity::Cloud)
+        return CloudLevelActive(level, rules.cloudDelaySeconds, memory, nowMs);
+    if (!rowOf(quantity).hasSectors())
+        return true;
+    std::int64_t& outsideSince =
+        quantity == Quantity::Wind ? memory.WindOutsideSince : memory.GustOutsideSince;
+    return SectorHolds(rules.levels[quantity].sectors[indexOf(level)], memory.WindDirection,
+                       outsideSince, nowMs);
+}
+
+// Notes since when something stands.
+std::int64_t sinceWhen(bool stands, std::int64_t& since, std::int64_t nowUtcMs) {
+    if (!stands)
+        since = 0;
+    else if (since == 0)
+        since = nowUtcMs;
+    return since;
+}
+
+Causes findCauses(const Observation& observation, const Rules& rules, const Judgement& judgement,
+                  JudgeMemory& memory, std::int64_t nowUtcMs) {
+    Causes causes;
+    for (const Quantity quantity : kDecisionOrder) {
+        const bool beyond = judgement.beyond[quantity] && rules.beyondIsUnsafe;
+        const bool counts = judgement.unsafe[quantity] || beyond;
+        const std::int64_t since = sinceWhen(counts, memory.causeSince[quantity], nowUtcMs);
+        if (counts)
+            causes.append({.kind = beyond ? CauseKind::Beyond : CauseKind::Level,
+                           .quantity = quantity,
+                           .level = judgement.levels[quantity],
+                           .sinceUtcMs = since});
+    }
+    const auto source = [&](SourceName name, bool faulty, bool isUnsafe, std::int64_t& since) {
+        sinceWhen(faulty, since, nowUtcMs);
+        if (faulty && isUnsafe)
+            causes.append({.kind = CauseKind::Source, .source = name, .sinceUtcMs = since});
+    };
+    source(SourceName::Station, observation.station.faulty(), rules.stationOldIsUnsafe,
+           memory.stationOldSince);
+    source(SourceName::Sensor, observation.sensor.failed(), rules.sensorFailedIsUnsafe,
+           memory.sensorFailedSince);
+    return causes;
+}
+
+void setVerdict(bool unsafe, JudgeMemory& memory, std::int64_t nowUtcMs) {
+    if (memory.UnsafeFlag != unsafe || memory.verdictSince == 0)
+        memory.verdictSince = nowUtcMs;
+    memory.UnsafeFlag = unsafe;
+}
+
+} // namespace
+
+Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory& memory, Moment now,
+                bool byClient) {
+    Judgement judgement;
+    judgement.byClient = byClient;
+    if (observation.station.usable())
+        memory.WindDirection = observation.station.windDirection;
+    for (const Quantity quantity : kAllQuantities) {
+        const std::int32_t last = memory.levels[quantity];
+        const std::int32_t level = levelNow(quantity, observation, rules, last);
+        if (level != last || memory.levelSince[quantity] == 0)
+            memory.levelSince[quantity] = now.utcMs;
+        memory.levels[quantity] = level;
+        judgement.levels[quantity] = level;
+        judgement.beyond[quantity] = isBeyond(quantity, observation, rules);
+        judgement.holds[quantity] = levelHolds(quantity, level, rules, memory, now.ms);
+        judgement.unsafe[quantity] =
+            judgement.holds[quantity] && rules.levels[quantity].unsafe[indexOf(level)];
+    }
+    judgement.causes = findCauses(observation, rules, judgement, memory, now.utcMs);
+    if (!byClient) {
+        const bool unsafe = !judgement.causes.isEmpty();
+        if (unsafe) {
+            memory.lastUnsafe = judgement.causes.front();
+            memory.lastUnsafeUtcMs = now.utcMs;
+        }
+        const DelayedVerdict verdict =
+            applySafeDelay(unsafe, rules.safeDelaySeconds, memory, now.ms);
+        setVerdict(verdict.unsafe, memory, now.utcMs);
+        judgement.waitSeconds = verdict.waitSeconds;
+    }
+    judgement.UnsafeFlag = memory.UnsafeFlag;
+    return judgement;
+}
+
+void beginSession(JudgeMemory& memory, Moment now) {
+    memory.SafeState = 0;
+    memory.PrevCloudLevel = CloudCloudy;
+    memory.CloudChangeTime = 0;
+    memory.WindOutsideSince = now.ms;
+    memory.GustOutsideSince = now.ms;
+    memory.causeSince = {};
+    memory.levelSince = {};
+    memory.stationOldSince = 0;
+    memory.sensorFailedSince = 0;
+    memory.verdictSince = 0;
+    memory.lastUnsafeUtcMs = 0;
+}
+
+void distrust(JudgeMemory& memory, Moment now) {
+    memory.SafeState = 1;
+    setVerdict(true, memory, now.utcMs);
+}
+
+} // namespace skyhold

@@ -1,0 +1,69 @@
+#include "judge/safety.h"
+
+#include "model/conditions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace skyhold {
+
+namespace {
+
+constexpr double kLongestDelay = 2'147'483'647; // seconds
+
+} // namespace
+
+std::int32_t bandLevel(double value, const std::array<double, kLevelCount>& limits) {
+    if (!std::isfinite(value))
+        return 0;
+    for (std::size_t i = 0; i < limits.size(); ++i) {
+        if (value <= limits[i])
+            return static_cast<std::int32_t>(i) + 1;
+    }
+    return 0;
+}
+
+bool CloudLevelActive(std::int32_t level, double delaySeconds, JudgeMemory& memory,
+                      std::int64_t nowMs) {
+    if (level == CloudUnknown)
+        return false;
+    const std::int32_t previous = memory.PrevCloudLevel;
+    if (previous != level) {
+        memory.PrevCloudLevel = level;
+        memory.CloudChangeTime = nowMs;
+    }
+    if (previous == CloudVeryCloudy) {
+        memory.CloudChangeTime = 0;
+        return true;
+    }
+    if (level != CloudCloudy)
+        return true;
+    const double elapsed = static_cast<double>(nowMs - memory.CloudChangeTime) / 1000;
+    return !(elapsed < delaySeconds); // a delay that is no number is none
+}
+
+DelayedVerdict applySafeDelay(bool unsafe, double delaySeconds, JudgeMemory& memory,
+                              std::int64_t nowMs) {
+    // Bounded, so that stamps and the countdown stay in range; in this order of the arguments a
+    // delay that is no number is the longest one.
+    const double delay = std::max(-kLongestDelay, std::min(kLongestDelay, delaySeconds));
+
+    const std::int32_t before = memory.SafeState;
+    memory.SafeState = unsafe ? 1 : 2;
+    if (before == 0) {
+        memory.SafeDelayStart = nowMs - std::llround(delay * 1000);
+        return {unsafe, 0};
+    }
+    if (before != memory.SafeState)
+        memory.SafeDelayStart = nowMs;
+    if (unsafe)
+        return {true, 0};
+
+    const auto elapsed = static_cast<double>(std::abs(nowMs / 1000 - memory.SafeDelayStart / 1000));
+    if (delay <= elapsed)
+        return {false, 0};
+    return {true, static_cast<std::int32_t>(std::nearbyint(delay - elapsed))};
+}
+
+} // namespace skyhold

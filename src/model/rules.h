@@ -1,0 +1,29 @@
+// The settings by which a cycle is judged, as a value.
+#pragma once
+
+#include "model/quantity.h"
+#include "model/sector.h"
+
+#include <optional>
+
+namespace skyhold {
+
+// Of the levels of one quantity, index 0 for level 1.
+struct LevelRules {
+    std::array<double, kLevelCount> limits{}; // inclusive upper bounds, in display units
+    std::array<bool, kLevelCount> unsafe{};
+    std::array<std::optional<Sector>, kLevelCount> sectors{}; // none: whatever the direction
+
+    bool ordered() const { return limits[0] < limits[1] && limits[1] < limits[2]; }
+};
+
+struct Rules {
+    PerQuantity<LevelRules> levels;
+    bool stationOldIsUnsafe = true;
+    bool sensorFailedIsUnsafe = true;
+    bool beyondIsUnsafe = false;   // a value above the last limit, which has no level
+    double safeDelaySeconds = 0;   // 0 and less is no delay
+    double cloudDelaySeconds = 0;  // how long it must be cloudy before that counts
+};
+
+} // namespace skyhold
