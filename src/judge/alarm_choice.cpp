@@ -55,7 +55,7 @@ AlarmChoice SelectConditionAlarm(const Judgement& judgement, const Rules& rules,
     if (sourceFaulty)
         return {};
     if (!judgement.UnsafeFlag)
-        return {.act = AlarmAct::Release};
+        return {.act = AlarmAct::Release, .ownerEnded = false, .alarm = {}};
 
     AlarmChoice choice;
     const std::optional<ConditionAlarm> owner = conditionAlarm(ownerId);
