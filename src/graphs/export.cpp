@@ -65,28 +65,27 @@ int ImageSaveFlags(const GraphControls& graphs) {
     }
 }
 
-bool SavePicture(const Picture& picture, const QString& fileName, ImageFormat format, int flags,
-                 ImageLibrary& library, SavedImage& saved) {
+bool SavePicture(const ImageFile& file, ImageLibrary& library, SavedImage& saved) {
     const ImageFunctions* functions = library.functions();
-    if (functions == nullptr || picture.Image.isNull())
+    if (functions == nullptr || file.image.isNull())
         return false;
     if (saved.drawing < 0)
-        ReplacementFile::removeLeftovers(fileName);
-    ReplacementFile file(fileName);
-    if (!file.isOpen())
+        ReplacementFile::removeLeftovers(file.name);
+    ReplacementFile replacement(file.name);
+    if (!replacement.isOpen())
         return false;
 
-    const bool known =
-        saved.drawing == picture.Drawings && saved.format == format && saved.flags == flags;
+    const bool known = saved.drawing == file.drawing && saved.format == file.format &&
+                       saved.flags == file.flags;
     if (known)
-        return file.write(saved.bytes) && file.commit();
+        return replacement.write(saved.bytes) && replacement.commit();
 
-    if (!encode(picture.Image, format, flags, *functions, file))
+    if (!encode(file.image, file.format, file.flags, *functions, replacement))
         return false;
-    const QByteArray bytes = file.contents();
-    if (!complete(bytes, format) || !file.commit())
+    const QByteArray bytes = replacement.contents();
+    if (!complete(bytes, file.format) || !replacement.commit())
         return false;
-    saved = {picture.Drawings, format, flags, bytes};
+    saved = {file.drawing, file.format, file.flags, bytes};
     return true;
 }
 

@@ -2,7 +2,6 @@
 
 #include "graphs/graph_paper.h"
 #include "platform/files.h"
-#include "records/status_lines.h"
 
 namespace skyhold {
 
@@ -48,11 +47,11 @@ void draw(const DirectionGraph& graph, Picture& picture) {
 
 template <class Graph>
 void drawWhenChanged(Graph graph, Picture& picture, RenderedGraph& rendered) {
-    const Graph* shown = std::get_if<Graph>(&rendered.graph);
+    const Graph* shown = std::get_if<Graph>(&rendered);
     if (shown != nullptr && *shown == graph && picture.fits())
         return;
     draw(graph, picture);
-    rendered.graph = std::move(graph);
+    rendered = std::move(graph);
 }
 
 } // namespace
@@ -74,29 +73,40 @@ void drawGraph(std::size_t index, const GraphSources& sources, Picture& picture,
                         picture, rendered);
 }
 
-void RenderGraphs(const GraphSources& sources, GraphPictures& pictures, RenderedGraphs& rendered,
-                  ImageLibrary& library, Label& statusbar2) {
-    const GraphControls& graphs = sources.graphs;
+void DrawGraphs(const GraphSources& sources, GraphPictures& pictures, RenderedGraphs& rendered) {
+    for (std::size_t i = 0; i < kGraphs.size(); ++i) {
+        if (sources.graphs.GraphGenerate[i].checked())
+            drawGraph(i, sources, pictures[i], rendered[i]);
+    }
+}
+
+QString SaveImages(const GraphControls& graphs, GraphPictures& pictures, ImageLibrary& library,
+                   ImageWriter& writer) {
     const bool png = graphs.ImageType.checked();
-    const ImageFormat format = png ? ImageFormat::Png : ImageFormat::Jpeg;
     const QString extension = png ? QStringLiteral(".png") : QStringLiteral(".jpg");
     const QString folder = graphs.GraphImagePath.Caption.value().trimmed();
-    const int flags = ImageSaveFlags(graphs);
+    const bool missing = library.functions() == nullptr;
 
+    bool wanted = false;
     for (std::size_t i = 0; i < kGraphs.size(); ++i) {
-        if (graphs.GraphGenerate[i].checked())
-            drawGraph(i, sources, pictures[i], rendered[i]);
-        if (!graphs.GraphImage[i].checked() || folder.isEmpty())
+        if (!graphs.GraphImage[i].checked() || folder.isEmpty()) {
+            writer.forget(i);
+            continue;
+        }
+        wanted = true;
+        if (missing)
             continue;
         if (pictures[i].Image.isNull()) // never drawn: an empty sheet
             const GraphPaper empty(pictures[i], 0);
-        const QString name = QString::fromLatin1(kGraphs[i].fileName) + extension;
-        if (SavePicture(pictures[i], joinPath(folder, name), format, flags, library,
-                        rendered[i].saved))
-            continue;
-        const QString code = library.loaded() ? QStringLiteral("i23") : QStringLiteral("i24");
-        SetErrorCodes(statusbar2, code, kRed);
+        writer.save(i, {.image = pictures[i].Image,
+                        .drawing = pictures[i].Drawings,
+                        .name = joinPath(folder, QString::fromLatin1(kGraphs[i].fileName) + extension),
+                        .format = png ? ImageFormat::Png : ImageFormat::Jpeg,
+                        .flags = ImageSaveFlags(graphs)});
     }
+    if (wanted && missing)
+        return QStringLiteral("i24");
+    return writer.failed() ? QStringLiteral("i23") : QString();
 }
 
 } // namespace skyhold

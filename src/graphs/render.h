@@ -2,7 +2,7 @@
 #pragma once
 
 #include "graphs/direction_graph.h"
-#include "graphs/export.h"
+#include "graphs/image_writer.h"
 #include "graphs/value_graph.h"
 #include "records/condition_controls.h"
 #include "records/file_controls.h"
@@ -14,11 +14,8 @@
 
 namespace skyhold {
 
-// What a picture shows and was saved as, so that neither is made twice.
-struct RenderedGraph {
-    std::variant<std::monostate, ValueGraph, DirectionGraph> graph;
-    SavedImage saved;
-};
+// What a picture shows, so that it is not drawn twice.
+using RenderedGraph = std::variant<std::monostate, ValueGraph, DirectionGraph>;
 using RenderedGraphs = std::array<RenderedGraph, 6>;
 
 // What a graph is drawn from.
@@ -32,9 +29,13 @@ struct GraphSources {
 void drawGraph(std::size_t index, const GraphSources& sources, Picture& picture,
                RenderedGraph& rendered);
 
-// Once per read cycle: draws the graphs that are to be drawn and saves those that are to be saved.
-// A failure is reported on the status-code line as i23, a missing image library as i24.
-void RenderGraphs(const GraphSources& sources, GraphPictures& pictures, RenderedGraphs& rendered,
-                  ImageLibrary& library, Label& statusbar2);
+// Once per read cycle: draws the graphs that are to be drawn.
+void DrawGraphs(const GraphSources& sources, GraphPictures& pictures, RenderedGraphs& rendered);
+
+// Once per read cycle: hands the pictures that are to be saved to the writer. The status code of
+// what has failed so far: i23 when an image could not be written, i24 without the image library;
+// else empty.
+QString SaveImages(const GraphControls& graphs, GraphPictures& pictures, ImageLibrary& library,
+                   ImageWriter& writer);
 
 } // namespace skyhold

@@ -24,7 +24,7 @@ class Export : public testing::Test {
             paper.drawCentred({100, y, 500, 20}, u"The quick brown fox, 0123456789"_s);
     }
     bool save(ImageFormat format = ImageFormat::Png, int flags = 0) {
-        return SavePicture(picture, path, format, flags, library, saved);
+        return SavePicture({picture.Image, picture.Drawings, path, format, flags}, library, saved);
     }
     QByteArray bytes() const { return folder.read(u"picture.img"_s); }
     QImage image(const char* format = "PNG") const { return QImage(path, format); }
@@ -123,7 +123,7 @@ TEST_F(Export, FullDiskLeavesTheOldFile) {
 
 TEST_F(Export, WhatCannotBeWrittenIsRefused) {
     const auto savedTo = [this](const Picture& drawn, const QString& file, ImageLibrary& with) {
-        return SavePicture(drawn, file, ImageFormat::Png, 0, with, saved);
+        return SavePicture({drawn.Image, drawn.Drawings, file, ImageFormat::Png, 0}, with, saved);
     };
     ImageLibrary missing(u"no_such_image_library"_s);
     EXPECT_FALSE(savedTo(picture, path, missing));

@@ -42,9 +42,13 @@ class Render : public testing::Test {
     static Colour lineColour(std::size_t i) { return 0x200000 * (static_cast<Colour>(i) + 1); }
 
     void render() {
-        RenderGraphs({history, conditions, graphs}, pictures, rendered, library, statusbar2);
+        DrawGraphs({history, conditions, graphs}, pictures, rendered);
+        codes_ = SaveImages(graphs, pictures, library, writer);
+        writer.finish();
+        if (writer.failed())
+            codes_ = u"i23"_s;
     }
-    QString codes() const { return statusbar2.Caption; }
+    QString codes() const { return codes_; }
     // The pictures of these graphs, in the order of a folder.
     static QStringList files(const QString& graphs, const QString& extension) {
         QStringList names;
@@ -64,7 +68,8 @@ class Render : public testing::Test {
     GraphPictures pictures;
     RenderedGraphs rendered;
     ImageLibrary library;
-    Label statusbar2;
+    ImageWriter writer{library};
+    QString codes_;
 };
 
 TEST_F(Render, EveryGraphShowsItsOwnQuantity) {
@@ -159,22 +164,33 @@ TEST_F(Render, WithoutAFolderNothingIsSaved) {
 }
 
 TEST_F(Render, FailuresAreReportedAndTriedAgain) {
+    int changes = 0;
+    writer.failedChanged = [&changes] {
+        ++changes;
+    };
     graphs.GraphImagePath.Caption = folder.filePath(u"images"_s);
     render();
+    render();
     EXPECT_EQ(codes(), u"i23"_s);
-    EXPECT_EQ(statusbar2.ForeColor, kRed);
+    EXPECT_EQ(changes, 1);
     EXPECT_EQ(pictures[5].Drawings, 1); // the cycle went on
 
     ASSERT_TRUE(QDir(folder.path()).mkdir(u"images"_s));
-    statusbar2.Caption = QString();
     render();
-    EXPECT_EQ(codes(), QString());
+    EXPECT_FALSE(writer.failed());
+    EXPECT_EQ(changes, 2);
     EXPECT_TRUE(QFile::exists(folder.filePath(u"images/Kiv_ImageTempCondition.png"_s)));
 
+    // What is not saved any more does not fail any more.
+    graphs.GraphImagePath.Caption = folder.filePath(u"none"_s);
+    render();
+    graphs.GraphImagePath.Caption = QString();
+    render();
+    EXPECT_EQ(codes(), QString());
+
+    graphs.GraphImagePath.Caption = folder.path();
     ImageLibrary missing(u"no_such_image_library"_s);
-    RenderGraphs({history, conditions, graphs}, pictures, rendered, missing, statusbar2);
-    EXPECT_EQ(codes(), u"i24"_s);
-    EXPECT_EQ(statusbar2.ForeColor, kRed);
+    EXPECT_EQ(SaveImages(graphs, pictures, missing, writer), u"i24"_s);
 }
 
 } // namespace
