@@ -24,10 +24,14 @@ std::int32_t levelNow(Quantity quantity, const Observation& observation, const R
     return value ? bandLevel(*value, rules.levels[quantity].limits) : 0;
 }
 
-bool isBeyond(Quantity quantity, const Observation& observation, const Rules& rules) {
+// As the level, this stays without usable input.
+bool isBeyond(Quantity quantity, const Observation& observation, const Rules& rules, bool last) {
+    if (!rowOf(quantity).hasLimits())
+        return false;
+    if (!observation.station.usable())
+        return last;
     const std::optional<double> value = observation.values[quantity];
-    return rowOf(quantity).hasLimits() && observation.station.usable() && value &&
-           *value > rules.levels[quantity].limits.back() &&
+    return value && *value > rules.levels[quantity].limits.back() &&
            bandLevel(*value, rules.levels[quantity].limits) == 0;
 }
 
@@ -35,8 +39,8 @@ bool isBeyond(Quantity quantity, const Observation& observation, const Rules& ru
 // marked as unsafe; once per quantity and cycle.
 bool levelHolds(Quantity quantity, std::int32_t level, const Rules& rules, JudgeMemory& memory,
                 std::int64_t nowMs) {
-    if (level < 1)
-        return false;
+    if (level < 1 || level > static_cast<std::int32_t>(kLevelCount))
+        return false; // unknown, or a number that is no level
     if (quantity == Quantity::Cloud)
         return CloudLevelActive(level, rules.cloudDelaySeconds, memory, nowMs);
     if (!rowOf(quantity).hasSectors())
@@ -102,7 +106,8 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
             memory.levelSince[quantity] = now.utcMs;
         memory.levels[quantity] = level;
         judgement.levels[quantity] = level;
-        judgement.beyond[quantity] = isBeyond(quantity, observation, rules);
+        memory.beyond[quantity] = isBeyond(quantity, observation, rules, memory.beyond[quantity]);
+        judgement.beyond[quantity] = memory.beyond[quantity];
         judgement.holds[quantity] = levelHolds(quantity, level, rules, memory, now.ms);
         judgement.unsafe[quantity] =
             judgement.holds[quantity] && rules.levels[quantity].unsafe[indexOf(level)];

@@ -4,13 +4,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace skyhold {
 
 namespace {
 
 constexpr double kLongestDelay = 2'147'483'647; // seconds
+
+// The second that a moment lies in, before the clock's zero, too.
+double wholeSeconds(std::int64_t ms) {
+    return std::floor(static_cast<double>(ms) / 1000);
+}
 
 } // namespace
 
@@ -37,7 +41,7 @@ bool CloudLevelActive(std::int32_t level, double delaySeconds, JudgeMemory& memo
         memory.CloudChangeTime = 0;
         return true;
     }
-    if (level != CloudCloudy)
+    if (level != CloudCloudy || memory.CloudChangeTime == 0)
         return true;
     const double elapsed = static_cast<double>(nowMs - memory.CloudChangeTime) / 1000;
     return !(elapsed < delaySeconds); // a delay that is no number is none
@@ -60,7 +64,7 @@ DelayedVerdict applySafeDelay(bool unsafe, double delaySeconds, JudgeMemory& mem
     if (unsafe)
         return {true, 0};
 
-    const auto elapsed = static_cast<double>(std::abs(nowMs / 1000 - memory.SafeDelayStart / 1000));
+    const double elapsed = std::abs(wholeSeconds(nowMs) - wholeSeconds(memory.SafeDelayStart));
     if (delay <= elapsed)
         return {false, 0};
     return {true, static_cast<std::int32_t>(std::nearbyint(delay - elapsed))};

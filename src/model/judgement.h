@@ -39,8 +39,9 @@ using Causes = QVarLengthArray<Cause, 12>;
 // The last verdict and how it came about; what a rule itself must remember from cycle to cycle. A
 // value: it can be copied, compared and saved.
 struct JudgeMemory {
-    // Levels stay while there is no usable input.
+    // Both stay while there is no usable input.
     PerQuantity<std::int32_t> levels;
+    PerQuantity<bool> beyond; // the last limit
 
     std::int32_t SafeState = 0; // 0 undecided in this session, 1 last was unsafe, 2 last was safe
     std::int64_t SafeDelayStart = 0; // ms
@@ -71,7 +72,7 @@ struct Judgement {
     PerQuantity<std::int32_t> levels;
     PerQuantity<bool> holds;  // the level counts: its sector or the cloud delay lets it
     PerQuantity<bool> unsafe; // the level counts and is marked as unsafe
-    PerQuantity<bool> beyond; // the value lies above the last limit and so has no level
+    PerQuantity<bool> beyond; // the last value lay above the last limit and so has no level
     Causes causes;            // what speaks for unsafe in this cycle, in the order of the tests
     bool UnsafeFlag = false;  // the verdict
     std::int32_t waitSeconds = 0; // what is left of the safe delay; 0 when not waiting
