@@ -1,0 +1,408 @@
+#include "judge/judge.h"
+
+#include "model/conditions.h"
+#include "plain_model.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace skyhold {
+
+namespace {
+
+using enum Quantity;
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+// A calm, clear, dry night, judged by what a fresh store has. Sectors are those of a test.
+struct Judging : testing::Test {
+    Judging() {
+        for (const QuantityRow& row : quantityTable()) {
+            LevelRules& levels = rules.levels[row.quantity];
+            for (std::size_t i = 0; i < kLevelCount; ++i) {
+                levels.unsafe[i] = row.levels[i].unsafe;
+                if (row.hasLimits())
+                    levels.limits[i] = QByteArray(row.levels[i].limit).toDouble();
+            }
+        }
+        for (const Quantity quantity : kSensorQuantities)
+            set(quantity, 1);
+        for (const auto& [quantity, value] : {std::pair{Wind, 5.0},
+                                              {Gust, 5.0},
+                                              {Temperature, 10.0},
+                                              {Dew, 10.0},
+                                              {Humidity, 50.0}})
+            set(quantity, value);
+        observation.station.state = observation.sensor.state = SourceState::Ok;
+        observation.station.windDirection = 180;
+        beginSession(memory, now);
+    }
+
+    // A level of the sensor's quantities, a value of the station's.
+    void set(Quantity quantity, double value) {
+        if (rowOf(quantity).source == SourceName::Sensor)
+            observation.givenLevels[quantity] = static_cast<std::int32_t>(value);
+        else
+            observation.values[quantity] = value;
+    }
+    void setSector(Quantity quantity, const std::optional<Sector>& sector) {
+        rules.levels[quantity].sectors = {sector, sector, sector};
+    }
+    Judgement after(double seconds, bool byClient = false) {
+        const auto ms = static_cast<std::int64_t>(seconds * 1000);
+        now = {now.ms + ms, now.utcMs + ms};
+        return judge(observation, rules, memory, now, byClient);
+    }
+    static std::string causes(const Judgement& judgement) {
+        std::string text;
+        for (const std::string& cause : plain(judgement).causes)
+            text += (text.empty() ? "" : ", ") + cause;
+        return text;
+    }
+
+    Rules rules;
+    Observation observation;
+    JudgeMemory memory;
+    Moment now{63'000'000'000'000, 1'800'000'000'000};
+};
+
+TEST_F(Judging, EachValueHasItsLevelAndAFlaggedLevelAloneIsUnsafe) {
+    const struct {
+        Quantity quantity;
+        double value;
+        std::int32_t level;
+        bool unsafe;
+    } rows[] = {
+        {Cloud, 0, 0, false},
+        {Cloud, 2, 2, false},
+        {Cloud, 3, 3, true},
+        {Cloud, 4, 4, false},
+        {Cloud, -1, -1, false},
+        {Rain, 0, 0, false},
+        {Rain, 2, 2, true},
+        {Rain, 3, 3, true},
+        {Rain, 4, 4, false},
+        {Brightness, 2, 2, false},
+        {Brightness, 3, 3, true},
+        {Brightness, -1, -1, false},
+        {Wind, 10, 1, false},
+        {Wind, 10.01, 2, true},
+        {Wind, 99, 3, true},
+        {Wind, 99.5, 0, false},
+        {Gust, 0, 1, false},
+        {Gust, 20, 2, true},
+        {Gust, 20.1, 3, true},
+        {Temperature, -5, 1, true},
+        {Temperature, -4.9, 2, false},
+        {Temperature, 50.1, 3, true},
+        {Temperature, 99.1, 0, false},
+        {Dew, -2, 1, true},
+        {Dew, 2.5, 1, true},
+        {Dew, 3, 1, true},
+        {Dew, 3.01, 2, false},
+        {Dew, 5, 2, false},
+        {Dew, 5.1, 3, false},
+        {Dew, 100, 0, false},
+        {Humidity, 80, 1, false},
+        {Humidity, 90, 2, false},
+        {Humidity, 90.1, 3, true},
+        {Humidity, 100, 0, false},
+        {Wind, kNan, 0, false},
+        {Wind, -HUGE_VAL, 0, false},
+    };
+    const Observation calm = observation;
+    for (const auto& [quantity, value, level, unsafe] : rows) {
+        SCOPED_TRACE(testing::Message() << nameOf(quantity) << " " << value);
+        observation = calm;
+        set(quantity, value);
+        const Judgement judgement = after(1);
+        EXPECT_EQ(judgement.levels[quantity], level);
+        EXPECT_EQ(judgement.holds[quantity], level >= 1 && level <= 3);
+        EXPECT_EQ(judgement.UnsafeFlag, unsafe);
+        EXPECT_EQ(causes(judgement),
+                  unsafe ? nameOf(quantity) + (" " + std::to_string(level)) : "");
+    }
+    // Limits out of order give the lowest level that matches.
+    rules.levels[Wind].limits = {20, 10, 99};
+    for (const auto& [value, level] : {std::pair{15, 1}, {21, 3}}) {
+        set(Wind, value);
+        EXPECT_EQ(after(1).levels[Wind], level);
+    }
+}
+
+TEST_F(Judging, WithoutUsableInputLevelsStayAndAMissingValueHasNone) {
+    set(Humidity, 95);
+    set(Wind, 120);
+    set(Rain, RainWet);
+    rules.beyondIsUnsafe = true;
+    const std::string stands = "Rain 2, Wind beyond, Humidity 3";
+    EXPECT_EQ(causes(after(1)), stands);
+
+    // What an unusable file holds is not judged, and of a silent sensor the last level is.
+    observation.station.state = SourceState::Old;
+    observation.sensor.state = SourceState::Failed;
+    set(Humidity, 50);
+    observation.values[Wind].reset();
+    observation.givenLevels[Rain].reset();
+    EXPECT_EQ(causes(after(1)), stands + ", Station, Sensor");
+    rules.stationOldIsUnsafe = rules.sensorFailedIsUnsafe = false;
+    EXPECT_EQ(causes(after(1)), stands);
+
+    observation.station.state = SourceState::Ok;
+    observation.station.valuesMissing = true;
+    const Judgement judgement = after(1);
+    EXPECT_EQ(judgement.levels[Wind], WindUnknown);
+    EXPECT_EQ(causes(judgement), "Rain 2");
+    rules.stationOldIsUnsafe = rules.sensorFailedIsUnsafe = true;
+    EXPECT_EQ(causes(after(1)), "Rain 2, Station, Sensor");
+}
+
+TEST_F(Judging, EveryTestRunsInEachCycleAndAllCausesAreNamedInOrder) {
+    // The first test is unsafe; the later ones must note what they see all the same.
+    set(Cloud, CloudVeryCloudy);
+    set(Wind, 15);
+    set(Gust, 5); // not flagged
+    setSector(Wind, Sector{90, 170, 0});
+    setSector(Gust, Sector{90, 170, 0});
+    EXPECT_EQ(causes(after(1)), "Cloud 3");
+    EXPECT_EQ(memory.PrevCloudLevel, CloudVeryCloudy);
+    EXPECT_EQ(memory.WindOutsideSince, now.ms);
+    EXPECT_EQ(memory.GustOutsideSince, now.ms);
+
+    const Moment begin = now;
+    observation.station.windDirection = 100;
+    for (const auto& [quantity, value] : {std::pair{Rain, 2.0},
+                                          {Gust, 25.0},
+                                          {Dew, 1.0},
+                                          {Humidity, 95.0},
+                                          {Temperature, -9.0},
+                                          {Brightness, 3.0}})
+        set(quantity, value);
+    observation.station.state = SourceState::Unusable; // without new values
+    observation.sensor.state = SourceState::Absent;
+    EXPECT_EQ(causes(after(10)), "Cloud 3, Rain 2, Brightness 3, Station, Sensor");
+    observation.station.state = SourceState::Ok;
+    observation.station.valuesMissing = true;
+    const Judgement judgement = after(10);
+    EXPECT_EQ(causes(judgement), "Cloud 3, Rain 2, Wind 2, Gust 3, Dew 1, Humidity 3, "
+                                 "Temperature 1, Brightness 3, Station, Sensor");
+    EXPECT_EQ(judgement.causes[0].sinceUtcMs, begin.utcMs);
+    EXPECT_EQ(judgement.causes[1].sinceUtcMs, begin.utcMs + 10'000);
+    EXPECT_EQ(judgement.causes[2].sinceUtcMs, begin.utcMs + 20'000);
+    EXPECT_EQ(judgement.causes[8].sinceUtcMs, begin.utcMs + 10'000);
+    EXPECT_EQ(memory.verdictSince, begin.utcMs);
+    EXPECT_EQ(memory.lastUnsafe, judgement.causes[0]);
+    EXPECT_EQ(memory.lastUnsafeUtcMs, now.utcMs);
+}
+
+TEST_F(Judging, SafeDelayWalks) {
+    constexpr int kUnsafe = -2; // a level is unsafe, and the verdict at once
+    constexpr int kSafe = -1;   // no level is unsafe, nor the verdict
+    struct Step {
+        double seconds; // the clock before the cycle
+        int outcome;    // one of these, or how long safe is still held back
+    };
+    const struct {
+        const char* name;
+        double delay;
+        std::vector<Step> steps;
+    } walks[] = {
+        {"first cycle of a session safe", 60, {{0, kSafe}, {10, kSafe}}},
+        {"unsafe at any time at once", 60, {{0, kUnsafe}, {5, kUnsafe}, {5, 60}}},
+        {"a new session forgets that wait", 60, {{0, kSafe}, {10, kSafe}}},
+        {"no delay", 0, {{0, kUnsafe}, {5, kSafe}, {5, kUnsafe}}},
+        {"negative is no delay", -5, {{0, kUnsafe}, {5, kSafe}}},
+        {"the whole wait",
+         60,
+         {{0, kUnsafe}, {5, 60}, {1, 59}, {58, 1}, {1, kSafe}, {99, kSafe}, {5, kUnsafe}, {5, 60}}},
+        {"one unsafe cycle ends the wait, the next safe one begins it anew",
+         60,
+         {{0, kUnsafe}, {5, 60}, {50, 10}, {5, kUnsafe}, {5, 60}, {59, 1}, {1, kSafe}}},
+        {"after a safe first one", 60, {{0, kSafe}, {30, kUnsafe}, {5, 60}, {60, kSafe}}},
+        {"halves round to even", 2.5, {{0, kUnsafe}, {5, 2}, {1, 2}, {1, 0}, {1, kSafe}}},
+        {"seconds by their boundaries", 2, {{0.1, kUnsafe}, {0.8, 2}, {1.09, 1}, {0.01, kSafe}}},
+        {"beyond every range", 1e300, {{0, kUnsafe}, {5, 2'147'483'647}}},
+        {"no number", kNan, {{0, kUnsafe}, {5, 2'147'483'647}}},
+    };
+    for (const Moment& start : {now, Moment{0, 1'800'000'000'000}}) {
+        for (const auto& [name, delay, steps] : walks) {
+            now = start;
+            beginSession(memory, now);
+            rules.safeDelaySeconds = delay;
+            for (std::size_t i = 0; i < steps.size(); ++i) {
+                SCOPED_TRACE(testing::Message() << name << ", step " << i);
+                const int outcome = steps[i].outcome;
+                set(Rain, outcome == kUnsafe ? RainRain : RainDry);
+                const Judgement judgement = after(steps[i].seconds);
+                EXPECT_EQ(judgement.UnsafeFlag, outcome != kSafe);
+                EXPECT_EQ(judgement.waitSeconds, std::max(outcome, 0));
+                EXPECT_EQ(judgement.waiting(), outcome >= 0);
+            }
+        }
+    }
+}
+
+TEST_F(Judging, AGapEarnsTheWholeDelayAnew) {
+    rules.safeDelaySeconds = 60;
+    EXPECT_FALSE(after(1).UnsafeFlag);
+    distrust(memory, now);
+    EXPECT_TRUE(memory.UnsafeFlag);
+    EXPECT_EQ(after(500).waitSeconds, 60);
+    EXPECT_TRUE(after(59).UnsafeFlag);
+    EXPECT_FALSE(after(1).UnsafeFlag);
+}
+
+TEST_F(Judging, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession) {
+    rules.levels[Cloud].unsafe = {false, true, true};
+    rules.cloudDelaySeconds = 300;
+    const struct {
+        const char* what;
+        double seconds;
+        std::int32_t cloud;
+        bool unsafe;
+    } steps[] = {
+        {"session begins cloudy", 0, CloudCloudy, true},
+        {"clear", 10, CloudClear, false},
+        {"cloudy begins", 10, CloudCloudy, false},
+        {"not long enough", 299.999, CloudCloudy, false},
+        {"long enough", 0.001, CloudCloudy, true},
+        {"still", 10, CloudCloudy, true},
+        {"a clear cycle", 10, CloudClear, false},
+        {"the wait begins anew", 10, CloudCloudy, false},
+        {"overcast at once", 10, CloudVeryCloudy, true},
+        {"cloudy after overcast", 10, CloudCloudy, true},
+        {"and it goes on", 10, CloudCloudy, true},
+        {"unknown keeps what was seen", 10, CloudUnknown, false},
+        {"cloudy again", 10, CloudCloudy, true},
+        {"overcast", 10, CloudVeryCloudy, true},
+        {"clear after overcast", 10, CloudClear, false},
+        {"cloudy after clear", 10, CloudCloudy, false},
+    };
+    // Whatever the clock's zero: a clock may begin with the machine.
+    for (const Moment& start : {now, Moment{10'000, 1'800'000'000'000}}) {
+        now = start;
+        beginSession(memory, now);
+        for (const auto& [what, seconds, cloud, unsafe] : steps) {
+            SCOPED_TRACE(what);
+            set(Cloud, cloud);
+            const Judgement judgement = after(seconds);
+            EXPECT_EQ(judgement.UnsafeFlag, unsafe);
+            EXPECT_EQ(judgement.holds[Cloud], unsafe || cloud == CloudClear);
+        }
+    }
+}
+
+TEST_F(Judging, SectorBoundsAreInclusiveAndANegativeStartWrapsThroughNorth) {
+    const struct {
+        std::optional<Sector> sector;
+        std::vector<std::optional<double>> inside, outside;
+    } rows[] = {
+        {Sector{90, 180, 0}, {90, 180}, {89.9, 180.1}},
+        {Sector{-30, 30, 0}, {350, 330, 0, 20, 30}, {329.9, 40}},
+        {Sector{-359, 0, 0}, {180}, {}},
+        {Sector{0, 0, 0}, {0}, {22.5}},
+        {Sector{180, 90, 0}, {}, {120}},
+        // Without a sector, or a direction to test, nothing is restricted.
+        {std::nullopt, {123, std::nullopt}, {}},
+        {Sector{90, 180, 0}, {std::nullopt}, {}},
+    };
+    set(Wind, 15);
+    const auto expect = [this](std::optional<double> direction, bool inside) {
+        SCOPED_TRACE(direction.value_or(-1));
+        observation.station.windDirection = direction;
+        memory.WindOutsideSince = 1;
+        EXPECT_EQ(causes(after(1)), inside ? "Wind 2" : "");
+        EXPECT_EQ(memory.WindOutsideSince, inside ? 1 : now.ms);
+    };
+    for (const auto& [sector, inside, outside] : rows) {
+        setSector(Wind, sector);
+        for (const auto& direction : inside)
+            expect(direction, true);
+        for (const auto& direction : outside)
+            expect(direction, false);
+    }
+}
+
+TEST_F(Judging, SectorMinutesCountFromTheLastCycleOutsideOrTheSessionStart) {
+    const Sector everywhere{0, 359, 1};
+    const Sector sector{90, 180, 5};
+    const struct {
+        double seconds;
+        Sector sector;
+        std::optional<double> direction;
+        bool counts;
+    } steps[] = {
+        {0, everywhere, 180, false},
+        {59.999, everywhere, 180, false},
+        {0.001, everywhere, 180, true},
+        {0, sector, 100, false},
+        {180, sector, 100, false},
+        {0, sector, 200, false},
+        {299, sector, 100, false}, // the wait has begun again
+        {0.999, sector, std::nullopt, false},
+        {0.001, sector, 100, true},
+        {9, sector, std::nullopt, true},
+    };
+    set(Wind, 15);
+    set(Gust, 15);
+    setSector(Gust, Sector{0, 359, 5});
+    for (const auto& step : steps) {
+        setSector(Wind, step.sector);
+        observation.station.windDirection = step.direction;
+        EXPECT_EQ(after(step.seconds).unsafe[Wind], step.counts) << step.seconds;
+    }
+    // The gust has a time of its own, and its levels share it.
+    EXPECT_EQ(causes(after(0)), "Wind 2, Gust 2");
+    set(Gust, 25);
+    EXPECT_EQ(causes(after(1)), "Wind 2, Gust 3");
+    // While the station is old, the wind goes on as it blew last.
+    observation.station.windDirection = 200;
+    EXPECT_EQ(causes(after(1)), "Gust 3");
+    observation.station.state = SourceState::Old;
+    observation.station.windDirection = 100;
+    EXPECT_EQ(causes(after(600)), "Gust 3, Station");
+    EXPECT_EQ(memory.WindOutsideSince, now.ms);
+}
+
+TEST_F(Judging, OnlyTheSectorOfThePresentLevelIsTested) {
+    rules.levels[Wind].sectors = {std::nullopt, Sector{0, 359, 0}, Sector{0, 10, 0}};
+    set(Wind, 15);
+    const std::int64_t before = memory.WindOutsideSince;
+    EXPECT_EQ(causes(after(5)), "Wind 2");
+    set(Wind, 999); // no level, and so no test
+    EXPECT_EQ(causes(after(5)), "");
+    EXPECT_EQ(memory.WindOutsideSince, before);
+    set(Wind, 25);
+    EXPECT_EQ(causes(after(5)), "");
+    EXPECT_EQ(memory.WindOutsideSince, now.ms);
+    EXPECT_EQ(memory.GustOutsideSince, before);
+}
+
+TEST_F(Judging, WhileAClientDecidesTheVerdictStaysAndLevelsAreFound) {
+    EXPECT_FALSE(after(1).UnsafeFlag);
+    const JudgeMemory before = memory;
+    set(Cloud, CloudVeryCloudy);
+    observation.station.state = SourceState::Old;
+    Judgement judgement = after(10, true);
+    EXPECT_FALSE(judgement.UnsafeFlag);
+    EXPECT_TRUE(judgement.byClient);
+    EXPECT_EQ(judgement.levels[Cloud], CloudVeryCloudy);
+    EXPECT_EQ(causes(judgement), "Cloud 3, Station");
+    EXPECT_EQ(memory.SafeState, before.SafeState);
+    EXPECT_EQ(memory.verdictSince, before.verdictSince);
+
+    memory.UnsafeFlag = true; // the client's
+    set(Cloud, CloudClear);
+    observation.station.state = SourceState::Ok;
+    judgement = after(10, true);
+    EXPECT_TRUE(judgement.UnsafeFlag);
+    EXPECT_FALSE(judgement.waiting());
+    EXPECT_FALSE(after(10).UnsafeFlag);
+    set(Cloud, CloudVeryCloudy);
+    EXPECT_TRUE(after(10).UnsafeFlag);
+}
+
+} // namespace
+
+} // namespace skyhold
