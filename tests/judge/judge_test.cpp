@@ -151,8 +151,10 @@ TEST_F(Judging, WithoutUsableInputLevelsStayAndAMissingValueHasNone) {
 
     observation.station.state = SourceState::Ok;
     observation.station.valuesMissing = true;
+    observation.values[Humidity].reset();
     const Judgement judgement = after(1);
     EXPECT_EQ(judgement.levels[Wind], WindUnknown);
+    EXPECT_EQ(judgement.levels[Humidity], HumidityUnknown);
     EXPECT_EQ(causes(judgement), "Rain 2");
     rules.stationOldIsUnsafe = rules.sensorFailedIsUnsafe = true;
     EXPECT_EQ(causes(after(1)), "Rain 2, Station, Sensor");
@@ -222,6 +224,7 @@ TEST_F(Judging, SafeDelayWalks) {
         {"after a safe first one", 60, {{0, kSafe}, {30, kUnsafe}, {5, 60}, {60, kSafe}}},
         {"halves round to even", 2.5, {{0, kUnsafe}, {5, 2}, {1, 2}, {1, 0}, {1, kSafe}}},
         {"seconds by their boundaries", 2, {{0.1, kUnsafe}, {0.8, 2}, {1.09, 1}, {0.01, kSafe}}},
+        {"that began before the clock's zero", 2.5, {{0.1, kSafe}, {0.5, kSafe}}},
         {"beyond every range", 1e300, {{0, kUnsafe}, {5, 2'147'483'647}}},
         {"no number", kNan, {{0, kUnsafe}, {5, 2'147'483'647}}},
     };
@@ -380,6 +383,8 @@ TEST_F(Judging, OnlyTheSectorOfThePresentLevelIsTested) {
 }
 
 TEST_F(Judging, WhileAClientDecidesTheVerdictStaysAndLevelsAreFound) {
+    memory.UnsafeFlag = true;
+    EXPECT_TRUE(after(1, true).UnsafeFlag); // before the first decision, too
     EXPECT_FALSE(after(1).UnsafeFlag);
     const JudgeMemory before = memory;
     set(Cloud, CloudVeryCloudy);
