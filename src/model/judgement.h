@@ -62,7 +62,7 @@ struct JudgeMemory {
     std::int64_t stationOldSince = 0;
     std::int64_t sensorFailedSince = 0;
     std::int64_t verdictSince = 0;
-    Cause lastUnsafe;               // the first cause of the last cycle that had one
+    Cause lastUnsafe;                 // the first cause of the last cycle that had one
     std::int64_t lastUnsafeUtcMs = 0; // when that was; 0: not in this session
 
     bool operator==(const JudgeMemory&) const = default;
@@ -70,11 +70,11 @@ struct JudgeMemory {
 
 struct Judgement {
     PerQuantity<std::int32_t> levels;
-    PerQuantity<bool> holds;  // the level counts: its sector or the cloud delay lets it
-    PerQuantity<bool> unsafe; // the level counts and is marked as unsafe
-    PerQuantity<bool> beyond; // the last value lay above the last limit and so has no level
-    Causes causes;            // what speaks for unsafe in this cycle, in the order of the tests
-    bool UnsafeFlag = false;  // the verdict
+    PerQuantity<bool> holds;      // the level counts: its sector or the cloud delay lets it
+    PerQuantity<bool> unsafe;     // the level counts and is marked as unsafe
+    PerQuantity<bool> beyond;     // the last value lay above the last limit and so has no level
+    Causes causes;                // what speaks for unsafe in this cycle, in the order of the tests
+    bool UnsafeFlag = false;      // the verdict
     std::int32_t waitSeconds = 0; // what is left of the safe delay; 0 when not waiting
     bool byClient = false;        // a client decides: the verdict is not of these causes
 
