@@ -50,9 +50,9 @@ struct Monitor {
         }
         for (const Quantity quantity : kStationQuantities) {
             for (std::size_t i = 0; i < 3; ++i) {
-                conditions.limits(quantity)[i].Value = std::array{10.0, 20.0, 99.0}[i];
-                conditions.swatches(quantity)[i].BackColor = kBands[i];
-                conditions.swatches(quantity)[i].Caption = kCaptions[i];
+                conditions.Limit[quantity][i].Value = std::array{10.0, 20.0, 99.0}[i];
+                conditions.Color[quantity][i].BackColor = kBands[i];
+                conditions.Color[quantity][i].Caption = kCaptions[i];
             }
         }
         for (int i = 0; i < points; ++i)

@@ -21,14 +21,14 @@ constexpr auto kTemperatureUnit = &UnitControls::TemperatureUnitText;
 constexpr auto kSpeedUnit = &UnitControls::SpeedUnitText;
 
 constexpr std::array<Shown, 8> kShown{{
-    {u"cloud", &Display::LCondCloud, &Display::LValCloud, kTemperatureUnit, nullptr},
-    {u"rain", &Display::LCondRain, &Display::LValRain, nullptr, u"cycles"},
-    {u"wind", &Display::LCondWind, &Display::LValWindSpeed, kSpeedUnit, nullptr},
-    {u"gust", &Display::LCondGust, &Display::LValWindGust, kSpeedUnit, nullptr},
-    {u"dew", &Display::LCondDewPoint, &Display::LValDewPoint, kTemperatureUnit, nullptr},
-    {u"humididty", &Display::LCondHumidity, &Display::LValHumidity, nullptr, u"%"},
-    {u"temperature", &Display::LCondTemp, &Display::LValTemperature, kTemperatureUnit, nullptr},
-    {u"brightnesss", &Display::LCondBrightness, &Display::LValBrightness, nullptr, u"K"},
+    {u"cloud", Quantity::Cloud, &Display::LValCloud, kTemperatureUnit, nullptr},
+    {u"rain", Quantity::Rain, &Display::LValRain, nullptr, u"cycles"},
+    {u"wind", Quantity::Wind, &Display::LValWindSpeed, kSpeedUnit, nullptr},
+    {u"gust", Quantity::Gust, &Display::LValWindGust, kSpeedUnit, nullptr},
+    {u"dew", Quantity::Dew, &Display::LValDewPoint, kTemperatureUnit, nullptr},
+    {u"humididty", Quantity::Humidity, &Display::LValHumidity, nullptr, u"%"},
+    {u"temperature", Quantity::Temperature, &Display::LValTemperature, kTemperatureUnit, nullptr},
+    {u"brightnesss", Quantity::Brightness, &Display::LValBrightness, nullptr, u"K"},
 }};
 
 } // namespace

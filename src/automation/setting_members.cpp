@@ -63,21 +63,21 @@ void addSensorThresholds(MemberList& list) {
 }
 
 constexpr std::array<Leveled<ThreeBoxes, Controls>, 15> kLimits{{
-    {"ThreshWindCalm", &Controls::LimitWind, 0},
-    {"ThreshWindWindy", &Controls::LimitWind, 1},
-    {"ThreshWindVWindy", &Controls::LimitWind, 2},
-    {"ThreshGustCalm", &Controls::LimitGust, 0},
-    {"ThreshGustWindy", &Controls::LimitGust, 1},
-    {"ThreshGustVWindy", &Controls::LimitGust, 2},
-    {"ThreshDewCondensation", &Controls::LimitDew, 0},
-    {"ThreshDewHumid", &Controls::LimitDew, 1},
-    {"ThreshDewFine", &Controls::LimitDew, 2},
-    {"ThreshHumFine", &Controls::LimitHum, 0},
-    {"ThreshHumHumid", &Controls::LimitHum, 1},
-    {"ThreshHumVHumid", &Controls::LimitHum, 2},
-    {"ThreshTAmbCold", &Controls::LimitTemp, 0},
-    {"ThreshTAmbFine", &Controls::LimitTemp, 1},
-    {"ThreshTAmbHot", &Controls::LimitTemp, 2},
+    {"ThreshWindCalm", Quantity::Wind, 0},
+    {"ThreshWindWindy", Quantity::Wind, 1},
+    {"ThreshWindVWindy", Quantity::Wind, 2},
+    {"ThreshGustCalm", Quantity::Gust, 0},
+    {"ThreshGustWindy", Quantity::Gust, 1},
+    {"ThreshGustVWindy", Quantity::Gust, 2},
+    {"ThreshDewCondensation", Quantity::Dew, 0},
+    {"ThreshDewHumid", Quantity::Dew, 1},
+    {"ThreshDewFine", Quantity::Dew, 2},
+    {"ThreshHumFine", Quantity::Humidity, 0},
+    {"ThreshHumHumid", Quantity::Humidity, 1},
+    {"ThreshHumVHumid", Quantity::Humidity, 2},
+    {"ThreshTAmbCold", Quantity::Temperature, 0},
+    {"ThreshTAmbFine", Quantity::Temperature, 1},
+    {"ThreshTAmbHot", Quantity::Temperature, 2},
 }};
 
 void addLimits(MemberList& list) {
@@ -103,21 +103,21 @@ struct Swatch {
 };
 
 constexpr std::array<Swatch, 15> kSwatches{{
-    {"ColorWindCalm", "DescWindCalm", &Controls::ColorWind, &Controls::CondWind, 0},
-    {"ColorWindWindy", "DescWindWindy", &Controls::ColorWind, &Controls::CondWind, 1},
-    {"ColorWindVWindy", "DescWindVWindy", &Controls::ColorWind, &Controls::CondWind, 2},
-    {"ColorGustCalm", "DescGustCalm", &Controls::ColorGust, &Controls::CondGust, 0},
-    {"ColorGustWindy", "DescGustWindy", &Controls::ColorGust, &Controls::CondGust, 1},
-    {"ColorGustVWindy", "DescGustVWindy", &Controls::ColorGust, &Controls::CondGust, 2},
-    {"ColorDewCondensation", "DescDewCondensation", &Controls::ColorDew, &Controls::CondDew, 0},
-    {"ColorDewHumid", "DescDewHumid", &Controls::ColorDew, &Controls::CondDew, 1},
-    {"ColorDewFine", "DescDewFine", &Controls::ColorDew, &Controls::CondDew, 2},
-    {"ColorHumFine", "DescHumFine", &Controls::ColorHum, &Controls::CondHum, 0},
-    {"ColorHumHumid", "DescHumHumid", &Controls::ColorHum, &Controls::CondHum, 1},
-    {"ColorHumVHumid", "DescHumVHumid", &Controls::ColorHum, &Controls::CondHum, 2},
-    {"ColorTempCold", "DescTempCold", &Controls::ColorTemp, &Controls::CondTemp, 0},
-    {"ColorTempFine", "DescTempFine", &Controls::ColorTemp, &Controls::CondTemp, 1},
-    {"ColorTempHot", "DescTempHot", &Controls::ColorTemp, &Controls::CondTemp, 2},
+    {"ColorWindCalm", "DescWindCalm", Quantity::Wind, Quantity::Wind, 0},
+    {"ColorWindWindy", "DescWindWindy", Quantity::Wind, Quantity::Wind, 1},
+    {"ColorWindVWindy", "DescWindVWindy", Quantity::Wind, Quantity::Wind, 2},
+    {"ColorGustCalm", "DescGustCalm", Quantity::Gust, Quantity::Gust, 0},
+    {"ColorGustWindy", "DescGustWindy", Quantity::Gust, Quantity::Gust, 1},
+    {"ColorGustVWindy", "DescGustVWindy", Quantity::Gust, Quantity::Gust, 2},
+    {"ColorDewCondensation", "DescDewCondensation", Quantity::Dew, Quantity::Dew, 0},
+    {"ColorDewHumid", "DescDewHumid", Quantity::Dew, Quantity::Dew, 1},
+    {"ColorDewFine", "DescDewFine", Quantity::Dew, Quantity::Dew, 2},
+    {"ColorHumFine", "DescHumFine", Quantity::Humidity, Quantity::Humidity, 0},
+    {"ColorHumHumid", "DescHumHumid", Quantity::Humidity, Quantity::Humidity, 1},
+    {"ColorHumVHumid", "DescHumVHumid", Quantity::Humidity, Quantity::Humidity, 2},
+    {"ColorTempCold", "DescTempCold", Quantity::Temperature, Quantity::Temperature, 0},
+    {"ColorTempFine", "DescTempFine", Quantity::Temperature, Quantity::Temperature, 1},
+    {"ColorTempHot", "DescTempHot", Quantity::Temperature, Quantity::Temperature, 2},
 }};
 // The descriptions of temperatures come later than the others.
 constexpr std::size_t kFirstTemperature = 12;
@@ -160,12 +160,12 @@ void addDescription(MemberList& list, const Swatch& swatch) {
 }
 
 constexpr std::array<Leveled<ThreeLabels, Controls>, 6> kSectors{{
-    {"DescDirWindCalm", &Controls::DirectionWind, 0},
-    {"DescDirWindWindy", &Controls::DirectionWind, 1},
-    {"DescDirWindVWindy", &Controls::DirectionWind, 2},
-    {"DescDirGustCalm", &Controls::DirectionGust, 0},
-    {"DescDirGustWindy", &Controls::DirectionGust, 1},
-    {"DescDirGustVWindy", &Controls::DirectionGust, 2},
+    {"DescDirWindCalm", Quantity::Wind, 0},
+    {"DescDirWindWindy", Quantity::Wind, 1},
+    {"DescDirWindVWindy", Quantity::Wind, 2},
+    {"DescDirGustCalm", Quantity::Gust, 0},
+    {"DescDirGustWindy", Quantity::Gust, 1},
+    {"DescDirGustVWindy", Quantity::Gust, 2},
 }};
 
 void addDescriptions(MemberList& list) {
@@ -195,15 +195,15 @@ struct AlarmBox {
 };
 
 constexpr std::array<AlarmBox, 9> kAlarms{{
-    {"Clear", &AlarmControls::AlarmCloud, 0},
-    {"Cloudy", &AlarmControls::AlarmCloud, 1},
-    {"Overcast", &AlarmControls::AlarmCloud, 2},
-    {"Dry", &AlarmControls::AlarmRain, 0},
-    {"Wet", &AlarmControls::AlarmRain, 1},
-    {"Rain", &AlarmControls::AlarmRain, 2},
-    {"Dark", &AlarmControls::AlarmDay, 0},
-    {"Light", &AlarmControls::AlarmDay, 1},
-    {"VLight", &AlarmControls::AlarmDay, 2},
+    {"Clear", Quantity::Cloud, 0},
+    {"Cloudy", Quantity::Cloud, 1},
+    {"Overcast", Quantity::Cloud, 2},
+    {"Dry", Quantity::Rain, 0},
+    {"Wet", Quantity::Rain, 1},
+    {"Rain", Quantity::Rain, 2},
+    {"Dark", Quantity::Brightness, 0},
+    {"Light", Quantity::Brightness, 1},
+    {"VLight", Quantity::Brightness, 2},
 }};
 
 // A value that a check box does not have must not end up as "not checked".
@@ -254,18 +254,18 @@ void addAlarms(MemberList& list) {
 }
 
 constexpr std::array<Leveled<ThreeChecks, Controls>, 24> kUnsafe{{
-    {"SafeClear", &Controls::CondCloud, 0},     {"SafeCloudy", &Controls::CondCloud, 1},
-    {"SafeOvercast", &Controls::CondCloud, 2},  {"SafeDry", &Controls::CondRain, 0},
-    {"SafeWet", &Controls::CondRain, 1},        {"SafeRain", &Controls::CondRain, 2},
-    {"SafeDark", &Controls::CondDay, 0},        {"SafeLight", &Controls::CondDay, 1},
-    {"SafeVLight", &Controls::CondDay, 2},      {"SafeWindCalm", &Controls::CondWind, 0},
-    {"SafeWindWindy", &Controls::CondWind, 1},  {"SafeWindVWindy", &Controls::CondWind, 2},
-    {"SafeGustCalm", &Controls::CondGust, 0},   {"SafeGustWindy", &Controls::CondGust, 1},
-    {"SafeGustVWindy", &Controls::CondGust, 2}, {"SafeDewFine", &Controls::CondDew, 2},
-    {"SafeDewHumid", &Controls::CondDew, 1},    {"SafeDewCondensation", &Controls::CondDew, 0},
-    {"SafeHumFine", &Controls::CondHum, 0},     {"SafeHumHumid", &Controls::CondHum, 1},
-    {"SafeHumVHumid", &Controls::CondHum, 2},   {"SafeTempCold", &Controls::CondTemp, 0},
-    {"SafeTempFine", &Controls::CondTemp, 1},   {"SafeTempHot", &Controls::CondTemp, 2},
+    {"SafeClear", Quantity::Cloud, 0},     {"SafeCloudy", Quantity::Cloud, 1},
+    {"SafeOvercast", Quantity::Cloud, 2},  {"SafeDry", Quantity::Rain, 0},
+    {"SafeWet", Quantity::Rain, 1},        {"SafeRain", Quantity::Rain, 2},
+    {"SafeDark", Quantity::Brightness, 0},        {"SafeLight", Quantity::Brightness, 1},
+    {"SafeVLight", Quantity::Brightness, 2},      {"SafeWindCalm", Quantity::Wind, 0},
+    {"SafeWindWindy", Quantity::Wind, 1},  {"SafeWindVWindy", Quantity::Wind, 2},
+    {"SafeGustCalm", Quantity::Gust, 0},   {"SafeGustWindy", Quantity::Gust, 1},
+    {"SafeGustVWindy", Quantity::Gust, 2}, {"SafeDewFine", Quantity::Dew, 2},
+    {"SafeDewHumid", Quantity::Dew, 1},    {"SafeDewCondensation", Quantity::Dew, 0},
+    {"SafeHumFine", Quantity::Humidity, 0},     {"SafeHumHumid", Quantity::Humidity, 1},
+    {"SafeHumVHumid", Quantity::Humidity, 2},   {"SafeTempCold", Quantity::Temperature, 0},
+    {"SafeTempFine", Quantity::Temperature, 1},   {"SafeTempHot", Quantity::Temperature, 2},
 }};
 
 void addUnsafe(MemberList& list) {

@@ -62,13 +62,13 @@ struct Selection {
     std::int64_t nowMs;
 
     QString sound(const ConditionAlarm& alarm) const {
-        return alarms.alarms(alarm.family.quantity)[alarm.index].Tag;
+        return alarms.Alarm[alarm.family.quantity][alarm.index].Tag;
     }
 
     bool wanted(const ConditionAlarm& alarm) const {
         const Quantity quantity = alarm.family.quantity;
-        return conditions.unsafe(quantity)[alarm.index].checked() &&
-               alarms.alarms(quantity)[alarm.index].checked();
+        return conditions.Cond[quantity][alarm.index].checked() &&
+               alarms.Alarm[quantity][alarm.index].checked();
     }
 
     bool levelHolds(const ConditionAlarm& alarm) const {
@@ -80,14 +80,14 @@ struct Selection {
         case Quantity::Gust:
             return GustLevelHolds(alarm.level(), readings, conditions, sectors, nowMs);
         default:
-            return readings.level(alarm.family.quantity) == alarm.level();
+            return readings.Condition[alarm.family.quantity] == alarm.level();
         }
     }
 
     // The alarm that owns the sound keeps it while the plain cloud level stands.
     bool goesOn(const ConditionAlarm& alarm) const {
         const bool stands = alarm.family.quantity == Quantity::Cloud
-                                ? readings.CloudCondition == alarm.level()
+                                ? readings.Condition[Quantity::Cloud] == alarm.level()
                                 : levelHolds(alarm);
         return stands && wanted(alarm);
     }

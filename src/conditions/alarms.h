@@ -10,7 +10,7 @@
 #include "platform/media_control.h"
 #include "platform/timer.h"
 #include "records/alarm_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 
 #include <functional>
 

@@ -68,7 +68,7 @@ std::int32_t bandLevel(double value, const ThreeBoxes& limits) {
 
 bool isBeyondLimits(const CurrentReadings& readings, Quantity quantity) {
     const std::optional<double> value = readings.judgedValue(quantity);
-    return value && std::isfinite(*value) && readings.level(quantity) == 0;
+    return value && std::isfinite(*value) && readings.Condition[quantity] == 0;
 }
 
 QString LevelDescription(Quantity quantity, std::int32_t level, const ConditionControls& controls,
@@ -81,7 +81,7 @@ QString LevelDescription(Quantity quantity, std::int32_t level, const ConditionC
             return u"Unknown"_s;
         return isBand(level) ? sensorDescription(quantity, level) : QString();
     default:
-        return stationDescription(level, controls.swatches(quantity));
+        return stationDescription(level, controls.Color[quantity]);
     }
 }
 
@@ -90,10 +90,10 @@ void ClassifyCloud(ReadingDisplay& display, const CurrentReadings& readings,
                    const SensorDescription& sensorDescription, std::int64_t nowMs) {
     if (readings.SensorError)
         return;
-    const std::int32_t level = readings.CloudCondition;
+    const std::int32_t level = readings.Condition[Quantity::Cloud];
     // Asked whether or not the level is flagged: the test notes when the cloud level changes.
     const bool active = isBand(level) && CloudLevelActive(level, readings, safety, nowMs);
-    PaintLabel(display.LCondCloud, levelColour(active && flaggedUnsafe(level, controls.CondCloud)),
+    PaintLabel(display.LCond[Quantity::Cloud], levelColour(active && flaggedUnsafe(level, controls.Cond[Quantity::Cloud])),
                LevelDescription(Quantity::Cloud, level, controls, sensorDescription));
 }
 
@@ -101,8 +101,8 @@ void ClassifyRain(ReadingDisplay& display, const CurrentReadings& readings,
                   const ConditionControls& controls, const SensorDescription& sensorDescription) {
     if (readings.SensorError)
         return;
-    const std::int32_t level = readings.RainCondition;
-    PaintLabel(display.LCondRain, levelColour(flaggedUnsafe(level, controls.CondRain)),
+    const std::int32_t level = readings.Condition[Quantity::Rain];
+    PaintLabel(display.LCond[Quantity::Rain], levelColour(flaggedUnsafe(level, controls.Cond[Quantity::Rain])),
                LevelDescription(Quantity::Rain, level, controls, sensorDescription));
 }
 
@@ -111,8 +111,8 @@ void ClassifyBrightness(ReadingDisplay& display, const CurrentReadings& readings
                         const SensorDescription& sensorDescription) {
     if (readings.SensorError)
         return;
-    const std::int32_t level = readings.BrightnessCondition;
-    PaintLabel(display.LCondBrightness, levelColour(flaggedUnsafe(level, controls.CondDay)),
+    const std::int32_t level = readings.Condition[Quantity::Brightness];
+    PaintLabel(display.LCond[Quantity::Brightness], levelColour(flaggedUnsafe(level, controls.Cond[Quantity::Brightness])),
                LevelDescription(Quantity::Brightness, level, controls, sensorDescription));
 }
 
@@ -121,12 +121,12 @@ void ClassifyDew(ReadingDisplay& display, CurrentReadings& readings,
     QString text;
     if (readings.StationValid) {
         readings.DewSpread =
-            dewSpread(display.LValTemperature.Caption, display.LValDewPoint.Caption, forms);
-        text = classify(readings.DewCondition, readings.DewSpread, controls.LimitDew,
-                        controls.ColorDew);
+            dewSpread(display.LVal[Quantity::Temperature].Caption, display.LVal[Quantity::Dew].Caption, forms);
+        text = classify(readings.Condition[Quantity::Dew], readings.DewSpread, controls.Limit[Quantity::Dew],
+                        controls.Color[Quantity::Dew]);
     }
-    PaintLabel(display.LCondDewPoint,
-               levelColour(flaggedUnsafe(readings.DewCondition, controls.CondDew) ||
+    PaintLabel(display.LCond[Quantity::Dew],
+               levelColour(flaggedUnsafe(readings.Condition[Quantity::Dew], controls.Cond[Quantity::Dew]) ||
                            beyondCounts(readings, Quantity::Dew, controls)),
                text);
 }
@@ -135,10 +135,10 @@ void ClassifyHumidity(ReadingDisplay& display, CurrentReadings& readings,
                       const ConditionControls& controls) {
     QString text;
     if (readings.StationValid)
-        text = classify(readings.HumidityCondition, readings.HumidityValue, controls.LimitHum,
-                        controls.ColorHum);
-    PaintLabel(display.LCondHumidity,
-               levelColour(flaggedUnsafe(readings.HumidityCondition, controls.CondHum) ||
+        text = classify(readings.Condition[Quantity::Humidity], readings.HumidityValue, controls.Limit[Quantity::Humidity],
+                        controls.Color[Quantity::Humidity]);
+    PaintLabel(display.LCond[Quantity::Humidity],
+               levelColour(flaggedUnsafe(readings.Condition[Quantity::Humidity], controls.Cond[Quantity::Humidity]) ||
                            beyondCounts(readings, Quantity::Humidity, controls)),
                text);
 }
@@ -147,13 +147,13 @@ void ClassifyWind(ReadingDisplay& display, CurrentReadings& readings,
                   const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
     QString text;
     if (readings.StationValid)
-        text = classify(readings.WindCondition, readings.WindSpeed, controls.LimitWind,
-                        controls.ColorWind);
-    const std::int32_t level = readings.WindCondition;
+        text = classify(readings.Condition[Quantity::Wind], readings.WindSpeed, controls.Limit[Quantity::Wind],
+                        controls.Color[Quantity::Wind]);
+    const std::int32_t level = readings.Condition[Quantity::Wind];
     // Asked whether or not the level is flagged: the test notes when the wind leaves the sector.
     const bool holds = WindLevelHolds(level, readings, controls, sectors, nowMs);
-    PaintLabel(display.LCondWind,
-               levelColour((holds && flaggedUnsafe(level, controls.CondWind)) ||
+    PaintLabel(display.LCond[Quantity::Wind],
+               levelColour((holds && flaggedUnsafe(level, controls.Cond[Quantity::Wind])) ||
                            beyondCounts(readings, Quantity::Wind, controls)),
                text);
 }
@@ -162,12 +162,12 @@ void ClassifyGust(ReadingDisplay& display, CurrentReadings& readings,
                   const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
     QString text;
     if (readings.StationValid)
-        text = classify(readings.GustCondition, readings.GustSpeed, controls.LimitGust,
-                        controls.ColorGust);
-    const std::int32_t level = readings.GustCondition;
+        text = classify(readings.Condition[Quantity::Gust], readings.GustSpeed, controls.Limit[Quantity::Gust],
+                        controls.Color[Quantity::Gust]);
+    const std::int32_t level = readings.Condition[Quantity::Gust];
     const bool holds = GustLevelHolds(level, readings, controls, sectors, nowMs);
-    PaintLabel(display.LCondGust,
-               levelColour((holds && flaggedUnsafe(level, controls.CondGust)) ||
+    PaintLabel(display.LCond[Quantity::Gust],
+               levelColour((holds && flaggedUnsafe(level, controls.Cond[Quantity::Gust])) ||
                            beyondCounts(readings, Quantity::Gust, controls)),
                text);
 }
@@ -175,9 +175,9 @@ void ClassifyGust(ReadingDisplay& display, CurrentReadings& readings,
 void ClassifyTemperature(Label& label, std::optional<double> value, CurrentReadings& readings,
                          const ConditionControls& controls) {
     const QString text =
-        classify(readings.TemperatureCondition, value, controls.LimitTemp, controls.ColorTemp);
+        classify(readings.Condition[Quantity::Temperature], value, controls.Limit[Quantity::Temperature], controls.Color[Quantity::Temperature]);
     PaintLabel(label,
-               levelColour(flaggedUnsafe(readings.TemperatureCondition, controls.CondTemp) ||
+               levelColour(flaggedUnsafe(readings.Condition[Quantity::Temperature], controls.Cond[Quantity::Temperature]) ||
                            beyondCounts(readings, Quantity::Temperature, controls)),
                text);
 }

@@ -4,7 +4,7 @@
 
 #include "platform/text_forms.h"
 #include "records/condition_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/reading_display.h"
 
 #include <functional>

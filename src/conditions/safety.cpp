@@ -55,22 +55,22 @@ SafetyDecision rawDecision(const CurrentReadings& readings, const ConditionContr
     };
     const auto countPlain = [&](Quantity quantity, const ThreeChecks& unsafe) {
         for (std::int32_t k = 1; k <= 3; ++k)
-            count(quantity, k, readings.level(quantity) == k, unsafe);
+            count(quantity, k, readings.Condition[quantity] == k, unsafe);
     };
 
     for (std::int32_t k = 3; k >= 1; --k)
-        count(Quantity::Cloud, k, CloudLevelActive(k, readings, safety, nowMs), controls.CondCloud);
-    countPlain(Quantity::Rain, controls.CondRain);
+        count(Quantity::Cloud, k, CloudLevelActive(k, readings, safety, nowMs), controls.Cond[Quantity::Cloud]);
+    countPlain(Quantity::Rain, controls.Cond[Quantity::Rain]);
     for (std::int32_t k = 3; k >= 1; --k)
         count(Quantity::Wind, k, WindLevelHolds(k, readings, controls, sectors, nowMs),
-              controls.CondWind);
+              controls.Cond[Quantity::Wind]);
     for (std::int32_t k = 3; k >= 1; --k)
         count(Quantity::Gust, k, GustLevelHolds(k, readings, controls, sectors, nowMs),
-              controls.CondGust);
-    countPlain(Quantity::Dew, controls.CondDew);
-    countPlain(Quantity::Humidity, controls.CondHum);
-    countPlain(Quantity::Temperature, controls.CondTemp);
-    countPlain(Quantity::Brightness, controls.CondDay);
+              controls.Cond[Quantity::Gust]);
+    countPlain(Quantity::Dew, controls.Cond[Quantity::Dew]);
+    countPlain(Quantity::Humidity, controls.Cond[Quantity::Humidity]);
+    countPlain(Quantity::Temperature, controls.Cond[Quantity::Temperature]);
+    countPlain(Quantity::Brightness, controls.Cond[Quantity::Brightness]);
     if (controls.BeyondLimitUnsafe.checked())
         std::ranges::copy_if(kStationQuantities, std::back_inserter(decision.beyondLimits),
                              [&](Quantity quantity) { return isBeyondLimits(readings, quantity); });
@@ -83,7 +83,7 @@ SafetyDecision rawDecision(const CurrentReadings& readings, const ConditionContr
 
 bool CloudLevelActive(std::int32_t level, const CurrentReadings& readings, SafetyState& safety,
                       std::int64_t nowMs) {
-    const std::int32_t current = readings.CloudCondition;
+    const std::int32_t current = readings.Condition[Quantity::Cloud];
     if (current != level)
         return false;
     const std::int32_t previous = safety.PrevCloudLevel;
@@ -174,7 +174,7 @@ QStringList verdictNotes(const CurrentReadings& readings, const ConditionControl
     else if (!beyond.isEmpty())
         notes += beyond.join(u", "_s) + u" are beyond the last limit and are not judged"_s;
     for (const Quantity quantity : kStationQuantities) {
-        if (!limitsInOrder(controls.limits(quantity)))
+        if (!limitsInOrder(controls.Limit[quantity]))
             notes += u"Limits of %1 are not in order"_s.arg(quantityName(quantity));
     }
     return notes;

@@ -3,7 +3,7 @@
 
 #include "conditions/classification.h"
 #include "records/condition_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 
 #include <functional>
 #include <vector>

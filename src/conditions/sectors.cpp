@@ -79,13 +79,13 @@ bool SectorHolds(SectorKind kind, const QString& text, std::optional<double> dir
 
 bool WindLevelHolds(std::int32_t level, const CurrentReadings& readings,
                     const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
-    return levelHolds(SectorKind::Wind, level, readings.WindCondition, controls.DirectionWind,
+    return levelHolds(SectorKind::Wind, level, readings.Condition[Quantity::Wind], controls.Direction[Quantity::Wind],
                       readings.WindDirection, sectors, nowMs);
 }
 
 bool GustLevelHolds(std::int32_t level, const CurrentReadings& readings,
                     const ConditionControls& controls, SectorState& sectors, std::int64_t nowMs) {
-    return levelHolds(SectorKind::Gust, level, readings.GustCondition, controls.DirectionGust,
+    return levelHolds(SectorKind::Gust, level, readings.Condition[Quantity::Gust], controls.Direction[Quantity::Gust],
                       readings.WindDirection, sectors, nowMs);
 }
 

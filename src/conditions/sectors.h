@@ -3,7 +3,7 @@
 #pragma once
 
 #include "records/condition_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 
 #include <optional>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/clock.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/file_controls.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"

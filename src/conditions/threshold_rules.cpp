@@ -13,7 +13,7 @@ template <class Act>
 void forEachEdit(ConditionControls& conditions, const Act& act) {
     for (const Quantity quantity : kStationQuantities) {
         for (std::size_t i = 0; i < 3; ++i) {
-            NumberBox& box = conditions.limits(quantity)[i];
+            NumberBox& box = conditions.Limit[quantity][i];
             if (const std::optional<NumberEdit> edit = box.Edit)
                 act(box, *edit, limitFault(conditions, quantity, i, edit->typed));
         }
@@ -52,8 +52,8 @@ QString limitFault(ConditionControls& conditions, Quantity quantity, std::size_t
                    double value) {
     Thresholds thresholds;
     for (std::size_t i = 0; i < 3; ++i) {
-        thresholds.limits[i] = conditions.limits(quantity)[i].Value;
-        thresholds.descriptions[i] = conditions.swatches(quantity)[i].Caption;
+        thresholds.limits[i] = conditions.Limit[quantity][i].Value;
+        thresholds.descriptions[i] = conditions.Color[quantity][i].Caption;
     }
     thresholds.limits[index] = value;
     return ValidateLimit(quantity, index, thresholds);

@@ -87,7 +87,7 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     , Timer6(theClock)
     , forms(localeNumberForms()) {
     for (const Quantity quantity : kAllQuantities) {
-        for (CheckBox& box : records.alarms.alarms(quantity))
+        for (CheckBox& box : records.alarms.Alarm[quantity])
             requireSound(box);
     }
     requireSound(records.alarms.AlarmWS);

@@ -188,9 +188,9 @@ void classify(MonitoringCore& core) {
     // A failed cycle shows no descriptions, and they are asked for all the same: without that, one
     // that cannot be read would be a failure in every second cycle only.
     if (readings.SensorError) {
-        for (const auto& [quantity, level] : {std::pair{Quantity::Cloud, readings.CloudCondition},
-                                              {Quantity::Rain, readings.RainCondition},
-                                              {Quantity::Brightness, readings.BrightnessCondition}})
+        for (const auto& [quantity, level] : {std::pair{Quantity::Cloud, readings.Condition[Quantity::Cloud]},
+                                              {Quantity::Rain, readings.Condition[Quantity::Rain]},
+                                              {Quantity::Brightness, readings.Condition[Quantity::Brightness]}})
             core.sensor.levelDescription(quantity, level);
     }
     const std::int64_t now = core.clock.MsClock();
@@ -234,7 +234,7 @@ QString causeInWords(const SafetyDecision& decision, Records& records, const Num
     if (decision.unsafe())
         words += verdictCauses(decision, records.conditions,
                                [&records](Quantity quantity, std::int32_t) {
-                                   return records.display.condition(quantity).Caption.value();
+                                   return records.display.LCond[quantity].Caption.value();
                                });
     else
         words += (std::ranges::any_of(kStationQuantities, notJudged)

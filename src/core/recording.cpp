@@ -17,7 +17,7 @@ void report(bool started, SessionControls& session) {
 QString sensorDescription(MonitoringCore& core, Quantity quantity, std::int32_t level) {
     Records& records = core.records;
     if (!records.readings.SensorError)
-        return records.display.condition(quantity).Caption;
+        return records.display.LCond[quantity].Caption;
     return core.sensor.levelDescription(quantity, level);
 }
 

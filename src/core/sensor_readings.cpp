@@ -8,11 +8,11 @@ namespace skyhold {
 
 namespace {
 
-constexpr std::array kSensorHeaders{Header::Cloud, Header::Rain, Header::Brightness};
+constexpr std::array kSensorHeaders{Quantity::Cloud, Quantity::Rain, Quantity::Brightness};
 
 void paintHeaders(ReadingDisplay& display, Colour colour) {
     for (const Header which : kSensorHeaders)
-        display.header(which).ForeColor = colour;
+        display.Label0[which].ForeColor = colour;
 }
 
 // A value that could not be read keeps its last state; the failure is tested below.
@@ -28,9 +28,9 @@ QDateTime dateOf(const std::optional<QVariant>& value) {
 }
 
 void readValues(SensorLink& sensor, CurrentReadings& readings) {
-    keep(readings.CloudCondition, sensor.readLevel(QStringLiteral("Condition_Cloud")));
-    keep(readings.RainCondition, sensor.readLevel(QStringLiteral("Condition_Rain")));
-    keep(readings.BrightnessCondition, sensor.readLevel(QStringLiteral("Condition_Brightness")));
+    keep(readings.Condition[Quantity::Cloud], sensor.readLevel(QStringLiteral("Condition_Cloud")));
+    keep(readings.Condition[Quantity::Rain], sensor.readLevel(QStringLiteral("Condition_Rain")));
+    keep(readings.Condition[Quantity::Brightness], sensor.readLevel(QStringLiteral("Condition_Brightness")));
     keep(readings.SensorValues[0], sensor.readReal(QStringLiteral("SkyTemperature")));
     keep(readings.SensorValues[1], sensor.readReal(QStringLiteral("RainValue")));
     keep(readings.SensorValues[2], sensor.readReal(QStringLiteral("BrightnessValue")));
@@ -60,10 +60,10 @@ void showFailure(SensorLink& sensor, Records& records, const AlarmPlayer& player
     SensorFailureAlarm(true, player, records.readings, [&sensor] { stopSensorAlarm(sensor); });
     SetErrorCodes(records.session.Statusbar2, QStringLiteral("a31"), kRed);
     paintHeaders(display, kRed);
-    for (Label* label : {&display.LValCloud, &display.LValRain, &display.LValBrightness,
-                         &display.LCondRain, &display.LCondBrightness})
+    for (Label* label : {&display.LVal[Quantity::Cloud], &display.LVal[Quantity::Rain], &display.LVal[Quantity::Brightness],
+                         &display.LCond[Quantity::Rain], &display.LCond[Quantity::Brightness]})
         label->Caption = QString();
-    PaintLabel(display.LCondCloud, kYellow, QString());
+    PaintLabel(display.LCond[Quantity::Cloud], kYellow, QString());
     // A master's switch stands somewhere, but nobody can tell where.
     const QString master = QStringLiteral("MASTER");
     if (sensor.readText(QStringLiteral("Kiv_DeviceRole")).value_or(master) == master)
@@ -83,14 +83,14 @@ void ReadSensor(SensorLink& sensor, Records& records, const NumberForms& forms,
     paintHeaders(display, kCyan);
 
     readValues(sensor, readings);
-    PaintLabel(display.LValCloud, kGreen, formatNumber(readings.SensorValues[0], u"0.0", forms));
-    PaintLabel(display.LValRain, kGreen, formatNumber(readings.SensorValues[1], u"0", forms));
-    PaintLabel(display.LValBrightness, kGreen, formatNumber(readings.SensorValues[2], u"0", forms));
+    PaintLabel(display.LVal[Quantity::Cloud], kGreen, formatNumber(readings.SensorValues[0], u"0.0", forms));
+    PaintLabel(display.LVal[Quantity::Rain], kGreen, formatNumber(readings.SensorValues[1], u"0", forms));
+    PaintLabel(display.LVal[Quantity::Brightness], kGreen, formatNumber(readings.SensorValues[2], u"0", forms));
     if (readings.StationValid) {
         if (readings.StationTemperature)
-            PaintLabel(display.LValTemperature, kGreen,
+            PaintLabel(display.LVal[Quantity::Temperature], kGreen,
                        formatNumber(*readings.StationTemperature, u"0.0", forms));
-        ClassifyTemperature(display.LCondTemp, readings.StationTemperature, readings,
+        ClassifyTemperature(display.LCond[Quantity::Temperature], readings.StationTemperature, readings,
                             records.conditions);
         PaintLabel(display.Label3Station, kGreen,
                    display.LblWSValue[0].Caption.value() + u' ' +

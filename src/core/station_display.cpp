@@ -17,12 +17,12 @@ struct Shown {
 using D = ReadingDisplay;
 using R = CurrentReadings;
 constexpr std::array<Shown, 6> kShown{
-    {{Header::Wind, &D::LValWindSpeed, 3, &R::WindSpeed, kRed},
-     {Header::Gust, &D::LValWindGust, 4, &R::GustSpeed, kRed},
+    {{Quantity::Wind, &D::LValWindSpeed, 3, &R::WindSpeed, kRed},
+     {Quantity::Gust, &D::LValWindGust, 4, &R::GustSpeed, kRed},
      {Header::Direction, &D::LValWindDir, 5, &R::WindDirection, kYellow},
-     {Header::DewPoint, &D::LValDewPoint, 8, &R::DewPointValue, kRed},
-     {Header::Humidity, &D::LValHumidity, 7, &R::HumidityValue, kRed},
-     {Header::Temperature, &D::LValTemperature, 2, &R::StationTemperature, kRed}}};
+     {Quantity::Dew, &D::LValDewPoint, 8, &R::DewPointValue, kRed},
+     {Quantity::Humidity, &D::LValHumidity, 7, &R::HumidityValue, kRed},
+     {Quantity::Temperature, &D::LValTemperature, 2, &R::StationTemperature, kRed}}};
 
 void showValues(Records& records, const NumberForms& forms) {
     ReadingDisplay& display = records.display;
@@ -32,19 +32,19 @@ void showValues(Records& records, const NumberForms& forms) {
         const std::optional<double> number = numberFromText(text, forms);
         readings.*shown.number = number;
         PaintLabel(display.*shown.label, number ? kGreen : kYellow, text);
-        display.header(shown.header).ForeColor = number ? kCyan : shown.whenMissing;
+        display.Label0[shown.header].ForeColor = number ? kCyan : shown.whenMissing;
     }
-    ClassifyTemperature(display.LCondTemp, readings.StationTemperature, readings,
+    ClassifyTemperature(display.LCond[Quantity::Temperature], readings.StationTemperature, readings,
                         records.conditions);
 }
 
 void blankValues(ReadingDisplay& display) {
     for (const Shown& shown : kShown) {
         PaintLabel(display.*shown.label, kYellow, QString());
-        display.header(shown.header).ForeColor = kRed;
+        display.Label0[shown.header].ForeColor = kRed;
     }
-    for (Label* label : {&display.LCondWind, &display.LCondGust, &display.LCondDewPoint,
-                         &display.LCondHumidity, &display.LCondTemp})
+    for (Label* label : {&display.LCond[Quantity::Wind], &display.LCond[Quantity::Gust], &display.LCond[Quantity::Dew],
+                         &display.LCond[Quantity::Humidity], &display.LCond[Quantity::Temperature]})
         PaintLabel(*label, kYellow, QString());
     display.Label3Station.Caption = QString();
 }

@@ -43,7 +43,7 @@ QByteArray ccdapRecord(const CurrentReadings& readings, const Clock& clock,
     // The record has room for numbers alone: a missing value is 0. Its age field says that the data
     // is not good.
     // The rain flag and the wet flag say the same: anything but dry counts as wet.
-    const double wet = readings.RainCondition == RainDry ? 0 : 2;
+    const double wet = readings.Condition[Quantity::Rain] == RainDry ? 0 : 2;
 
     appendDate(record, clock.now(), u"yyyy-mm-dd ");
     appendDate(record, clock.now(), u"hh:mm:ss.ss "); // no fraction: the seconds, twice
@@ -60,10 +60,10 @@ QByteArray ccdapRecord(const CurrentReadings& readings, const Clock& clock,
     field(wet, u"0", 2);
     field(SecondsSinceGoodData(readings), u"00000", 6);
     field(daySerial(clock.now()), u"000000.00000", 13);
-    field(readings.CloudCondition, u"0", 2);
-    field(readings.WindCondition, u"0", 2);
-    field(readings.RainCondition, u"0", 2);
-    record.append(formatNumber(readings.BrightnessCondition, u"0", forms).at(0));
+    field(readings.Condition[Quantity::Cloud], u"0", 2);
+    field(readings.Condition[Quantity::Wind], u"0", 2);
+    field(readings.Condition[Quantity::Rain], u"0", 2);
+    record.append(formatNumber(readings.Condition[Quantity::Brightness], u"0", forms).at(0));
     return encodeAnsi(record);
 }
 

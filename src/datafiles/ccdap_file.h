@@ -3,7 +3,7 @@
 
 #include "platform/clock.h"
 #include "platform/text_forms.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/file_controls.h"
 
 #include <QByteArray>

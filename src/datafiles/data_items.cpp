@@ -33,7 +33,7 @@ void addDataItem(TextBuffer& line, int item, const DataItemSource& source) {
             appendDate(line, readings.LastReading, format);
     };
     const auto condition = [&line, &source](Quantity quantity) {
-        appendText(line, source.describe(quantity, source.readings.level(quantity)));
+        appendText(line, source.describe(quantity, source.readings.Condition[quantity]));
     };
     switch (item) {
     case 1:

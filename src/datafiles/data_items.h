@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/text_forms.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/file_controls.h"
 
 #include <QByteArray>

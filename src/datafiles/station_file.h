@@ -3,7 +3,7 @@
 
 #include "datafiles/station_values.h"
 #include "platform/text_forms.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/file_controls.h"
 #include "records/reading_display.h"
 #include "records/unit_controls.h"

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "graphs/time_axis.h"
-#include "records/colours.h"
+#include "model/colours.h"
 #include "records/graph_pictures.h"
 
 #include <QPainter>

@@ -1,7 +1,7 @@
 // The graph history: which readings become points, how many are kept, the time that they span.
 #pragma once
 
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/file_controls.h"
 #include "records/graph_history.h"
 

@@ -16,12 +16,12 @@ struct GraphKind {
 
 using C = ConditionControls;
 constexpr std::array<GraphKind, 6> kGraphs{
-    {{&GraphPoint::wind, &C::LimitWind, &C::ColorWind, "Kiv_ImageWindCondition"},
-     {&GraphPoint::gust, &C::LimitGust, &C::ColorGust, "Kiv_ImageGustCondition"},
+    {{&GraphPoint::wind, Quantity::Wind, Quantity::Wind, "Kiv_ImageWindCondition"},
+     {&GraphPoint::gust, Quantity::Gust, Quantity::Gust, "Kiv_ImageGustCondition"},
      {&GraphPoint::direction, nullptr, nullptr, "Kiv_ImageWindDirCondition"},
-     {&GraphPoint::spread, &C::LimitDew, &C::ColorDew, "Kiv_ImageDewCondition"},
-     {&GraphPoint::humidity, &C::LimitHum, &C::ColorHum, "Kiv_ImageHumCondition"},
-     {&GraphPoint::temperature, &C::LimitTemp, &C::ColorTemp, "Kiv_ImageTempCondition"}}};
+     {&GraphPoint::spread, Quantity::Dew, Quantity::Dew, "Kiv_ImageDewCondition"},
+     {&GraphPoint::humidity, Quantity::Humidity, Quantity::Humidity, "Kiv_ImageHumCondition"},
+     {&GraphPoint::temperature, Quantity::Temperature, Quantity::Temperature, "Kiv_ImageTempCondition"}}};
 
 ValueGraph valueGraph(const GraphKind& kind, GraphSeries series, const ConditionControls& controls,
                       const std::array<Label, 3>& colours) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "graphs/graph_series.h"
-#include "records/colours.h"
+#include "model/colours.h"
 #include "records/graph_pictures.h"
 
 #include <QString>

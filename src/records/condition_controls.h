@@ -1,7 +1,7 @@
 // Thresholds, level descriptions and colours, unsafe levels, sectors and the verdict's controls.
 #pragma once
 
-#include "records/conditions.h"
+#include "model/quantity.h"
 #include "records/controls.h"
 
 #include <array>

@@ -5,7 +5,7 @@
 // the user, the settings loader or an automation client.
 #pragma once
 
-#include "records/colours.h"
+#include "model/colours.h"
 
 #include <QProperty>
 #include <QString>

@@ -1,7 +1,7 @@
 // The labels that show the readings, their conditions and their times.
 #pragma once
 
-#include "records/conditions.h"
+#include "model/quantity.h"
 #include "records/controls.h"
 
 #include <array>

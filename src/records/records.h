@@ -4,7 +4,7 @@
 
 #include "records/alarm_controls.h"
 #include "records/condition_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/file_controls.h"
 #include "records/graph_history.h"
 #include "records/graph_pictures.h"

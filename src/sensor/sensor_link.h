@@ -5,7 +5,7 @@
 #include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "records/alarm_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/messages.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"

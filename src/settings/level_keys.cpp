@@ -48,15 +48,15 @@ constexpr std::array<StationLevels, 5> kStationLevels{{
 // Fields of the five station quantities, in the order of kStationLevels.
 template <class Conditions>
 auto stationLimits(Conditions& c) {
-    return std::array{&c.LimitWind, &c.LimitGust, &c.LimitTemp, &c.LimitDew, &c.LimitHum};
+    return std::array{&c.Limit[Quantity::Wind], &c.Limit[Quantity::Gust], &c.Limit[Quantity::Temperature], &c.Limit[Quantity::Dew], &c.Limit[Quantity::Humidity]};
 }
 template <class Conditions>
 auto stationSwatches(Conditions& c) {
-    return std::array{&c.ColorWind, &c.ColorGust, &c.ColorTemp, &c.ColorDew, &c.ColorHum};
+    return std::array{&c.Color[Quantity::Wind], &c.Color[Quantity::Gust], &c.Color[Quantity::Temperature], &c.Color[Quantity::Dew], &c.Color[Quantity::Humidity]};
 }
 template <class Conditions>
 auto stationUnsafe(Conditions& c) {
-    return std::array{&c.CondWind, &c.CondGust, &c.CondTemp, &c.CondDew, &c.CondHum};
+    return std::array{&c.Cond[Quantity::Wind], &c.Cond[Quantity::Gust], &c.Cond[Quantity::Temperature], &c.Cond[Quantity::Dew], &c.Cond[Quantity::Humidity]};
 }
 
 // The check boxes of one quantity with their keys, by level.
@@ -132,48 +132,48 @@ void colourRows(KeyRows& rows, Conditions& c) {
 // Beware: the keys of temperature and dew point run against the levels here.
 template <class Conditions>
 void unsafeRows(KeyRows& rows, Conditions& c) {
-    using Keys = LevelKeys<std::remove_reference_t<decltype((c.CondCloud))>>;
+    using Keys = LevelKeys<std::remove_reference_t<decltype((c.Cond[Quantity::Cloud]))>>;
     rows.section(u"Unsafe"_s);
     for (const Keys& quantity :
-         {Keys{"cloud", c.CondCloud, {"Clear", "Cloudy", "Overcast"}, {false, false, true}},
-          Keys{"rain", c.CondRain, {"Dry", "Wet", "Rain"}, {false, true, true}},
-          Keys{"wind", c.CondWind, {"Calm", "Windy", "VWindy"}, {false, true, true}},
-          Keys{"gust", c.CondGust, {"CalmGust", "WindyGust", "VWindyGust"}, {false, true, true}},
+         {Keys{"cloud", c.Cond[Quantity::Cloud], {"Clear", "Cloudy", "Overcast"}, {false, false, true}},
+          Keys{"rain", c.Cond[Quantity::Rain], {"Dry", "Wet", "Rain"}, {false, true, true}},
+          Keys{"wind", c.Cond[Quantity::Wind], {"Calm", "Windy", "VWindy"}, {false, true, true}},
+          Keys{"gust", c.Cond[Quantity::Gust], {"CalmGust", "WindyGust", "VWindyGust"}, {false, true, true}},
           Keys{"temperature",
-               c.CondTemp,
+               c.Cond[Quantity::Temperature],
                {"TempHigh", "TempMedium", "TempLow"},
                {true, false, true}},
-          Keys{"humidity", c.CondHum, {"HumLow", "HumMedium", "HumHigh"}, {false, false, true}},
+          Keys{"humidity", c.Cond[Quantity::Humidity], {"HumLow", "HumMedium", "HumHigh"}, {false, false, true}},
           Keys{"dew-point spread",
-               c.CondDew,
+               c.Cond[Quantity::Dew],
                {"DewHigh", "DewMedium", "DewLow"},
                {true, false, false}},
-          Keys{"brightness", c.CondDay, {"Dark", "Light", "VLight"}, {false, false, true}}}) {
+          Keys{"brightness", c.Cond[Quantity::Brightness], {"Dark", "Light", "VLight"}, {false, false, true}}}) {
         for (std::size_t i = 0; i < 3; ++i)
             rows.check(latin(quantity.keys[i]), quantity.defaults[i], quantity.boxes[i],
                        u"%1: level %2 is unsafe"_s.arg(latin(quantity.name)).arg(i + 1));
     }
     for (int i = 0; i < 3; ++i) {
         const auto level = static_cast<std::size_t>(i);
-        rows.text(u"WindDir%1"_s.arg(i), u"000  359  01"_s, c.DirectionWind[level].Caption,
+        rows.text(u"WindDir%1"_s.arg(i), u"000  359  01"_s, c.Direction[Quantity::Wind][level].Caption,
                   u"wind level %1: sector from, to (degrees) and minutes"_s.arg(i + 1));
-        rows.text(u"GustDir%1"_s.arg(i), u"000  359  01"_s, c.DirectionGust[level].Caption,
+        rows.text(u"GustDir%1"_s.arg(i), u"000  359  01"_s, c.Direction[Quantity::Gust][level].Caption,
                   u"gust level %1: sector from, to (degrees) and minutes"_s.arg(i + 1));
     }
 }
 
 template <class Alarms>
 void alarmRows(KeyRows& rows, Alarms& a) {
-    using Keys = LevelKeys<std::remove_reference_t<decltype((a.AlarmCloud))>>;
+    using Keys = LevelKeys<std::remove_reference_t<decltype((a.Alarm[Quantity::Cloud]))>>;
     const std::array quantities{
-        Keys{"cloud", a.AlarmCloud, {"Clear", "Cloudy", "Overcast"}},
-        Keys{"rain", a.AlarmRain, {"Dry", "Wet", "Rain"}},
-        Keys{"brightness", a.AlarmDay, {"Dark", "Light", "VLight"}},
-        Keys{"wind", a.AlarmWind, {"Calm", "Windy", "VWindy"}},
-        Keys{"gust", a.AlarmGust, {"CalmGust", "WindyGust", "VWindyGust"}},
-        Keys{"temperature", a.AlarmTemp, {"TempLow", "TempMedium", "TempHigh"}},
-        Keys{"humidity", a.AlarmHum, {"HumLow", "HumMedium", "HumHigh"}},
-        Keys{"dew-point spread", a.AlarmDew, {"DewLow", "DewMedium", "DewHigh"}}};
+        Keys{"cloud", a.Alarm[Quantity::Cloud], {"Clear", "Cloudy", "Overcast"}},
+        Keys{"rain", a.Alarm[Quantity::Rain], {"Dry", "Wet", "Rain"}},
+        Keys{"brightness", a.Alarm[Quantity::Brightness], {"Dark", "Light", "VLight"}},
+        Keys{"wind", a.Alarm[Quantity::Wind], {"Calm", "Windy", "VWindy"}},
+        Keys{"gust", a.Alarm[Quantity::Gust], {"CalmGust", "WindyGust", "VWindyGust"}},
+        Keys{"temperature", a.Alarm[Quantity::Temperature], {"TempLow", "TempMedium", "TempHigh"}},
+        Keys{"humidity", a.Alarm[Quantity::Humidity], {"HumLow", "HumMedium", "HumHigh"}},
+        Keys{"dew-point spread", a.Alarm[Quantity::Dew], {"DewLow", "DewMedium", "DewHigh"}}};
 
     // All sounds before all check marks: a box without a sound unchecks itself.
     rows.section(u"Alarms"_s);

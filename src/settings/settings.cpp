@@ -30,7 +30,7 @@ void captionSensorLevels(ConditionControls& conditions) {
         {"Dry", "Wet", "Rain"},
         {"Dark", "Light", "Very Light"},
     }};
-    const std::array boxes{&conditions.CondCloud, &conditions.CondRain, &conditions.CondDay};
+    const std::array boxes{&conditions.Cond[Quantity::Cloud], &conditions.Cond[Quantity::Rain], &conditions.Cond[Quantity::Brightness]};
     for (std::size_t q = 0; q < boxes.size(); ++q) {
         for (std::size_t i = 0; i < 3; ++i)
             (*boxes[q])[i].Caption = QString::fromLatin1(captions[q][i]);

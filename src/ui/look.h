@@ -3,7 +3,7 @@
 // desktop's own. Shades of stated colours come from ui/shades.h.
 #pragma once
 
-#include "records/colours.h"
+#include "model/colours.h"
 
 #include <QColor>
 

@@ -312,23 +312,23 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
     constexpr TrendScale percent{.leastSpan = 10, .lowest = 0, .highest = 100};
     constexpr TrendScale compass{.lowest = 0, .highest = 360, .circular = true};
     const std::array<Tile, 9> tiles{{
-        {Header::Cloud, "Label00", d.LValCloud, "LValCloud", &d.LCondCloud, "LCondCloud",
+        {Quantity::Cloud, "Label00", d.LVal[Quantity::Cloud], "LValCloud", &d.LCond[Quantity::Cloud], "LCondCloud",
          temperature, ""},
-        {Header::Rain, "Label01", d.LValRain, "LValRain", &d.LCondRain, "LCondRain", nullptr, ""},
-        {Header::Brightness, "Label07", d.LValBrightness, "LValBrightness", &d.LCondBrightness,
+        {Quantity::Rain, "Label01", d.LVal[Quantity::Rain], "LValRain", &d.LCond[Quantity::Rain], "LCondRain", nullptr, ""},
+        {Quantity::Brightness, "Label07", d.LVal[Quantity::Brightness], "LValBrightness", &d.LCond[Quantity::Brightness],
          "LCondBrightness", nullptr, ""},
-        {Header::Temperature, "Label08", d.LValTemperature, "LValTemperature", &d.LCondTemp,
+        {Quantity::Temperature, "Label08", d.LVal[Quantity::Temperature], "LValTemperature", &d.LCond[Quantity::Temperature],
          "LCondTemp", temperature, "", [](const GraphPoint& p) { return p.temperature; }, degrees},
-        {Header::Wind, "Label02", d.LValWindSpeed, "LValWindSpeed", &d.LCondWind, "LCondWind",
+        {Quantity::Wind, "Label02", d.LVal[Quantity::Wind], "LValWindSpeed", &d.LCond[Quantity::Wind], "LCondWind",
          speed, "", [](const GraphPoint& p) { return p.wind; }, anySpeed},
-        {Header::Gust, "Label03", d.LValWindGust, "LValWindGust", &d.LCondGust, "LCondGust", speed,
+        {Quantity::Gust, "Label03", d.LVal[Quantity::Gust], "LValWindGust", &d.LCond[Quantity::Gust], "LCondGust", speed,
          "", [](const GraphPoint& p) { return p.gust; }, anySpeed},
         {Header::Direction, "Label04", d.LValWindDir, "LValWindDir", nullptr, "", nullptr, "°",
          [](const GraphPoint& p) { return p.direction; }, compass},
-        {Header::DewPoint, "Label05", d.LValDewPoint, "LValDewPoint", &d.LCondDewPoint,
+        {Quantity::Dew, "Label05", d.LVal[Quantity::Dew], "LValDewPoint", &d.LCond[Quantity::Dew],
          "LCondDewPoint", temperature, "",
          [](const GraphPoint& p) { return p.temperature - p.spread; }, degrees},
-        {Header::Humidity, "Label06", d.LValHumidity, "LValHumidity", &d.LCondHumidity,
+        {Quantity::Humidity, "Label06", d.LVal[Quantity::Humidity], "LValHumidity", &d.LCond[Quantity::Humidity],
          "LCondHumidity", nullptr, "%", [](const GraphPoint& p) { return p.humidity; }, percent},
     }};
 
@@ -337,7 +337,7 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
     for (const Tile& tile : tiles) {
-        auto* card = new ReadingTile(d.header(tile.header), QString::fromLatin1(tile.headerName),
+        auto* card = new ReadingTile(d.Label0[tile.header], QString::fromLatin1(tile.headerName),
                                      tile.value, QString::fromLatin1(tile.valueName), row);
         if (tile.condition)
             card->showCondition(*tile.condition, QString::fromLatin1(tile.conditionName));
@@ -345,8 +345,8 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
             card->showUnit(*tile.unit);
         else
             card->showUnit(QString::fromUtf8(tile.fixedUnit));
-        tiles_.emplace_back(card, tile.header == Header::Cloud || tile.header == Header::Rain ||
-                                      tile.header == Header::Brightness);
+        tiles_.emplace_back(card, tile.header == Quantity::Cloud || tile.header == Quantity::Rain ||
+                                      tile.header == Quantity::Brightness);
         if (tile.trend)
             trends_.push_back({card, tile.trend, tile.scale});
         layout->addWidget(card, 1);

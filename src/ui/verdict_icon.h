@@ -2,7 +2,7 @@
 // apart by their shape as well as by their colour.
 #pragma once
 
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 
 #include <QIcon>
 

@@ -58,7 +58,7 @@ void UnitsSpeed_Click(int index, UnitControls& units, ConditionControls& conditi
         return;
     changeUnit(*unit, readings.SpeedUnit, units.PreviousSpeedUnit, units.SpeedUnitText,
                units.Loading,
-               {{conditions.LimitWind, ConvertSpeed}, {conditions.LimitGust, ConvertSpeed}},
+               {{conditions.Limit[Quantity::Wind], ConvertSpeed}, {conditions.Limit[Quantity::Gust], ConvertSpeed}},
                convertHistory);
 }
 
@@ -69,8 +69,8 @@ void UnitsTemp_Click(int index, UnitControls& units, ConditionControls& conditio
         return;
     changeUnit(*unit, readings.TemperatureUnit, units.PreviousTemperatureUnit,
                units.TemperatureUnitText, units.Loading,
-               {{conditions.LimitDew, ConvertTemperatureDifference},
-                {conditions.LimitTemp, ConvertTemperature}},
+               {{conditions.Limit[Quantity::Dew], ConvertTemperatureDifference},
+                {conditions.Limit[Quantity::Temperature], ConvertTemperature}},
                convertHistory);
 }
 

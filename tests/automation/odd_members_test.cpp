@@ -25,7 +25,7 @@ TEST_F(OddMembers, readCycleSelectsAnEntry) {
 }
 
 TEST_F(OddMembers, unitsAreChosenByTheirExactLetter) {
-    records().conditions.LimitWind[0].Value = 36;
+    records().conditions.Limit[Quantity::Wind][0].Value = 36;
     const QString speed = u"Kiv_SpeedUnits"_s;
     const QString temperature = u"Kiv_TemperatureUnits"_s;
     const struct {
@@ -87,7 +87,7 @@ TEST_F(OddMembers, verdictIsSetUnderLocalControlOnly) {
 }
 
 TEST_F(OddMembers, alarmBoxesNeedASound) {
-    const CheckBox& box = records().alarms.AlarmDay[2];
+    const CheckBox& box = records().alarms.Alarm[Quantity::Brightness][2];
     const auto expect = [&](int on, bool icons) {
         EXPECT_EQ(read(u"AlarmVLight"_s), on);
         EXPECT_EQ(box.HasIcons, icons);
@@ -108,7 +108,7 @@ TEST_F(OddMembers, alarmBoxesNeedASound) {
 
 // A client's True is -1, which no check box holds: refused, never taken for "not unsafe".
 TEST_F(OddMembers, checkBoxesTakeZeroAndOne) {
-    records().alarms.AlarmRain[2].Tag = u"/sounds/rain.wav"_s;
+    records().alarms.Alarm[Quantity::Rain][2].Tag = u"/sounds/rain.wav"_s;
     for (const QString& name : {u"SafeRain"_s, u"AlarmRain"_s, u"AlarmSuspendSound"_s}) {
         let(name, 1);
         for (const QVariant& wrong : {QVariant(true), QVariant(2), QVariant(-7)})
@@ -139,7 +139,7 @@ TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
         for (std::size_t i = 0; i < 3; ++i) {
             const QString& level = levels[static_cast<qsizetype>(i)];
             SCOPED_TRACE(qPrintable(level));
-            CheckBox& unsafe = controls.unsafe(quantity)[i];
+            CheckBox& unsafe = controls.Cond[quantity][i];
             let(u"Safe"_s + level, 0);
             EXPECT_EQ(unsafe.Value, 0);
             let(u"Safe"_s + level, 1);
@@ -147,17 +147,17 @@ TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
             if (quantity <= Quantity::Brightness) {
                 const QString sound = u"%1.wav"_s.arg(++next);
                 let(u"Sound"_s + level, sound);
-                EXPECT_EQ(records().alarms.alarms(quantity)[i].Tag.value(), sound);
+                EXPECT_EQ(records().alarms.Alarm[quantity][i].Tag.value(), sound);
                 EXPECT_EQ(read(u"Sound"_s + level), sound);
                 let(u"Alarm"_s + level, 1);
-                EXPECT_EQ(records().alarms.alarms(quantity)[i].Value, 1);
+                EXPECT_EQ(records().alarms.Alarm[quantity][i].Value, 1);
                 continue;
             }
             const QString limit = u"Thresh"_s + QString(level).replace(u"Temp"_s, u"TAmb"_s);
             let(limit, ++next + 0.5);
-            EXPECT_EQ(controls.limits(quantity)[i].Value, next + 0.5);
+            EXPECT_EQ(controls.Limit[quantity][i].Value, next + 0.5);
             EXPECT_EQ(read(limit), next + 0.5);
-            Label& swatch = controls.swatches(quantity)[i];
+            Label& swatch = controls.Color[quantity][i];
             let(u"Color"_s + level, ++next);
             EXPECT_EQ(swatch.BackColor, next);
             EXPECT_EQ(read(u"Color"_s + level), next);
@@ -170,8 +170,8 @@ TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
     }
     std::size_t i = 0;
     for (const QString& level : {u"Calm"_s, u"Windy"_s, u"VWindy"_s}) {
-        controls.DirectionWind[i].Caption = u"wind "_s + level;
-        controls.DirectionGust[i++].Caption = u"gust "_s + level;
+        controls.Direction[Quantity::Wind][i].Caption = u"wind "_s + level;
+        controls.Direction[Quantity::Gust][i++].Caption = u"gust "_s + level;
         EXPECT_EQ(read(u"DescDirWind"_s + level), u"wind "_s + level);
         EXPECT_EQ(read(u"DescDirGust"_s + level), u"gust "_s + level);
     }
@@ -179,13 +179,13 @@ TEST_F(OddMembers, levelsHaveOneIndexInEveryFamily) {
 
 TEST_F(OddMembers, dataDisplayed) {
     ReadingDisplay& display = records().display;
-    PaintLabel(display.LCondCloud, 0x0000FF, u"Overcast"_s);
-    PaintLabel(display.LCondHumidity, 0x0A, u"Fine"_s);
-    display.LValCloud.Caption = u"-21.5"_s;
-    display.LValWindGust.Caption = u"12"_s;
-    display.LValHumidity.Caption = u"58"_s;
-    display.LValBrightness.Caption = u"61"_s;
-    display.LValRain.Caption = u"2850"_s;
+    PaintLabel(display.LCond[Quantity::Cloud], 0x0000FF, u"Overcast"_s);
+    PaintLabel(display.LCond[Quantity::Humidity], 0x0A, u"Fine"_s);
+    display.LVal[Quantity::Cloud].Caption = u"-21.5"_s;
+    display.LVal[Quantity::Gust].Caption = u"12"_s;
+    display.LVal[Quantity::Humidity].Caption = u"58"_s;
+    display.LVal[Quantity::Brightness].Caption = u"61"_s;
+    display.LVal[Quantity::Rain].Caption = u"2850"_s;
     const QString color = u"color"_s, desc = u"desc"_s, value = u"value"_s, none = u"n/a"_s;
     const struct {
         QString info, ref, shown;
@@ -222,8 +222,8 @@ TEST_F(OddMembers, valuesOfReadings) {
                  {RainWet, CloudClear, SkyWet, true},
                  {RainRain, CloudCloudy, SkyWet, true}};
     for (const auto& [rain, cloud, sky, wet] : skies) {
-        readings.RainCondition = rain;
-        readings.CloudCondition = cloud;
+        readings.Condition[Quantity::Rain] = rain;
+        readings.Condition[Quantity::Cloud] = cloud;
         EXPECT_EQ(read(u"Condition_Sky"_s), sky);
         EXPECT_EQ(read(u"Condition_WetF"_s), wet);
     }
@@ -233,10 +233,10 @@ TEST_F(OddMembers, valuesOfReadings) {
     EXPECT_EQ(read(u"Kiv_SafeDelayValue"_s), 60);
 
     readings.StationTemperature = 11.25;
-    records().display.LValTemperature.Caption = u"11.3"_s;
+    records().display.LVal[Quantity::Temperature].Caption = u"11.3"_s;
     EXPECT_EQ(read(u"AmbientTemperature"_s), 11.3);
     EXPECT_EQ(read(u"TemperatureAmb"_s), 11.25);
-    records().display.LValTemperature.Caption = QString();
+    records().display.LVal[Quantity::Temperature].Caption = QString();
     EXPECT_EQ(read(u"AmbientTemperature"_s), 0.0);
 
     EXPECT_EQ(read(u"LastReading"_s), QVariant::fromValue(AutomationDate{0}));

@@ -22,11 +22,11 @@ std::function<void()> set(Field& field, Value value) {
 }
 
 struct Alarms : AlarmFixture {
-    CheckBox& box(const QString& id) { return alarms.alarms(quantityOf(id))[indexOf(id)]; }
+    CheckBox& box(const QString& id) { return alarms.Alarm[quantityOf(id)][indexOf(id)]; }
 
     // Makes the level unsafe and gives it an alarm with a sound of the same name.
     void enable(const QString& id) {
-        controls.unsafe(quantityOf(id))[indexOf(id)].Value = 1;
+        controls.Cond[quantityOf(id)][indexOf(id)].Value = 1;
         box(id).Tag = sound(id);
         box(id).Value = 1;
     }
@@ -48,8 +48,8 @@ struct Alarms : AlarmFixture {
         }
     }
 
-    std::function<void()> rain(std::int32_t to) { return set(readings.RainCondition, to); }
-    std::function<void()> cloud(std::int32_t to) { return set(readings.CloudCondition, to); }
+    std::function<void()> rain(std::int32_t to) { return set(readings.Condition[Quantity::Rain], to); }
+    std::function<void()> cloud(std::int32_t to) { return set(readings.Condition[Quantity::Cloud], to); }
     std::function<void()> suspend(int to) {
         return [this, to] {
             alarms.SuspendSoundAlarm.Value = to;
@@ -105,8 +105,8 @@ TEST_F(Alarms, AlarmSoundIdWalks) {
         };
     };
     // Another cause, unsafe without an alarm.
-    controls.CondHum[2].Value = 1;
-    const auto humid = set(readings.HumidityCondition, 3);
+    controls.Cond[Quantity::Humidity][2].Value = 1;
+    const auto humid = set(readings.Condition[Quantity::Humidity], 3);
     walk({
         {"safe", nothing, "-", ""},
         {"rain", rain(3), "R2", "R2"},
@@ -123,9 +123,9 @@ TEST_F(Alarms, AlarmSoundIdWalks) {
         {"a new rain", rain(3), "R2", "R2"},
         {"its alarm box cleared", set(boxR2.Value, 0), "-", ""},
         {"and ticked", set(boxR2.Value, 1), "R2", "R2"},
-        {"humid, and its unsafe box cleared", both(humid, set(controls.CondRain[2].Value, 0)), "-",
+        {"humid, and its unsafe box cleared", both(humid, set(controls.Cond[Quantity::Rain][2].Value, 0)), "-",
          ""},
-        {"ticked again", set(controls.CondRain[2].Value, 1), "R2", "R2"},
+        {"ticked again", set(controls.Cond[Quantity::Rain][2].Value, 1), "R2", "R2"},
         {"its sound taken away", set(boxR2.Tag, QString()), "", "R2"},
         {"dry, the other cause without a sound", rain(1), "-", ""},
         {"an alarm without a sound", rain(3), "-", ""},
@@ -137,7 +137,7 @@ TEST_F(Alarms, AlarmSoundIdWalks) {
         {"the sensor program's failure owns it", both(rain(1), set(readings.SensorError, true)), "",
          "R2"},
         {"the sensor program is back", set(readings.SensorError, false), "-", ""},
-        {"all safe", both(set(readings.HumidityCondition, 1), set(readings.AlarmSoundId, u"10"_s)),
+        {"all safe", both(set(readings.Condition[Quantity::Humidity], 1), set(readings.AlarmSoundId, u"10"_s)),
          "-", ""},
         {"a broken sound is not tried again", both(rain(3), set(media.openResult, 1)), "-", "R2"},
         {"even when it is mended", set(media.openResult, 0), "", "R2"},
@@ -167,8 +167,8 @@ TEST_F(Alarms, SafeThatIsHeldBackReleasesTheAlarm) {
 TEST_F(Alarms, CloudAndSectorsCountAsTheyDoForTheVerdict) {
     enable(u"C1"_s);
     enable(u"W2"_s);
-    controls.CondHum[2].Value = 1;
-    readings.HumidityCondition = 3; // unsafe throughout, without an alarm
+    controls.Cond[Quantity::Humidity][2].Value = 1;
+    readings.Condition[Quantity::Humidity] = 3; // unsafe throughout, without an alarm
     safety.CloudAlarmDelay = 20;
     walk({{"clear", nothing, "-", ""},
           {"cloudy", cloud(2), "-", ""},
@@ -179,8 +179,8 @@ TEST_F(Alarms, CloudAndSectorsCountAsTheyDoForTheVerdict) {
           {"clear again", cloud(1), "-", ""}});
 
     // A strong wind sounds once it has blown from its sector for a minute.
-    controls.DirectionWind[2].Caption = u"090  180  01"_s;
-    readings.WindCondition = 3;
+    controls.Direction[Quantity::Wind][2].Caption = u"090  180  01"_s;
+    readings.Condition[Quantity::Wind] = 3;
     walk({{"from outside", set(readings.WindDirection, 45.0), "-", ""},
           {"from inside, 10 s", set(readings.WindDirection, 100.0), "-", ""},
           {"50 s", [this] { clock.advanceSeconds(30); }, "-", ""},

@@ -19,7 +19,7 @@ struct Classification : Monitor {
             break;
         case Quantity::Temperature:
             readings.StationTemperature = value;
-            ClassifyTemperature(display.LCondTemp, value, readings, controls);
+            ClassifyTemperature(display.LCond[Quantity::Temperature], value, readings, controls);
             break;
         default:
             readings.HumidityValue = value;
@@ -28,16 +28,16 @@ struct Classification : Monitor {
     }
     void classifyDew(const QString& temperature, const QString& dewPoint,
                      const NumberForms& forms = {}) {
-        display.LValTemperature.Caption = temperature;
-        display.LValDewPoint.Caption = dewPoint;
+        display.LVal[Quantity::Temperature].Caption = temperature;
+        display.LVal[Quantity::Dew].Caption = dewPoint;
         ClassifyDew(display, readings, controls, forms);
     }
     void classifyCloud(std::int32_t cloud) {
-        readings.CloudCondition = cloud;
+        readings.Condition[Quantity::Cloud] = cloud;
         ClassifyCloud(display, readings, controls, safety, sensorDescription, clock.MsClock());
     }
     void classifyRainAndBrightness(std::int32_t both) {
-        readings.RainCondition = readings.BrightnessCondition = both;
+        readings.Condition[Quantity::Rain] = readings.Condition[Quantity::Brightness] = both;
         ClassifyRain(display, readings, controls, sensorDescription);
         ClassifyBrightness(display, readings, controls, sensorDescription);
     }
@@ -82,22 +82,22 @@ TEST_F(Classification, BandsOfTheStationQuantities) {
         SCOPED_TRACE(testing::Message()
                      << static_cast<int>(row.quantity) << ": " << row.value.value_or(kNan));
         classify(row.quantity, row.value);
-        EXPECT_EQ(readings.level(row.quantity), row.level);
-        expectShown(display.condition(row.quantity), row.text, row.colour);
+        EXPECT_EQ(readings.Condition[row.quantity], row.level);
+        expectShown(display.LCond[row.quantity], row.text, row.colour);
     }
     // Where the user wants it so, a value beyond the last limit is shown as unsafe.
     controls.BeyondLimitUnsafe.Value = 1;
     for (const Quantity quantity : {Wind, Gust, Temperature, Humidity}) {
         classify(quantity, 100);
-        expectShown(display.condition(quantity), u"Unknown"_s, kOrange);
+        expectShown(display.LCond[quantity], u"Unknown"_s, kOrange);
         classify(quantity, {});
-        expectShown(display.condition(quantity), {}, kYellow);
+        expectShown(display.LCond[quantity], {}, kYellow);
     }
     // Limits out of order give the lowest level that matches.
-    controls.LimitWind[0].Value = 20;
-    controls.LimitWind[1].Value = 10;
-    EXPECT_EQ(bandLevel(15, controls.LimitWind), 1);
-    EXPECT_EQ(bandLevel(21, controls.LimitWind), 3);
+    controls.Limit[Quantity::Wind][0].Value = 20;
+    controls.Limit[Quantity::Wind][1].Value = 10;
+    EXPECT_EQ(bandLevel(15, controls.Limit[Quantity::Wind]), 1);
+    EXPECT_EQ(bandLevel(21, controls.Limit[Quantity::Wind]), 3);
 }
 
 TEST_F(Classification, DewPointSpreadOfTheShownTexts) {
@@ -124,41 +124,41 @@ TEST_F(Classification, DewPointSpreadOfTheShownTexts) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(qPrintable(row.temperature + u" / "_s + row.dewPoint));
-        readings.DewCondition = DewMedium;
+        readings.Condition[Quantity::Dew] = DewMedium;
         classifyDew(row.temperature, row.dewPoint, row.forms);
-        EXPECT_EQ(readings.DewCondition, row.level);
-        expectShown(display.LCondDewPoint, row.text, row.colour);
+        EXPECT_EQ(readings.Condition[Quantity::Dew], row.level);
+        expectShown(display.LCond[Quantity::Dew], row.text, row.colour);
     }
 }
 
 TEST_F(Classification, InvalidStationDataBlanksTheTextsAndKeepsTheLevels) {
     readings.StationValid = false;
-    readings.WindCondition = WindVeryWindy;
-    readings.GustCondition = WindWindy;
-    readings.DewCondition = DewLow;
-    readings.HumidityCondition = HumidityHigh;
+    readings.Condition[Quantity::Wind] = WindVeryWindy;
+    readings.Condition[Quantity::Gust] = WindWindy;
+    readings.Condition[Quantity::Dew] = DewLow;
+    readings.Condition[Quantity::Humidity] = HumidityHigh;
     const CurrentReadings before = readings;
     classifyDew(u"20"_s, u"1"_s);
     for (const Quantity quantity : {Quantity::Wind, Quantity::Gust, Quantity::Humidity})
         classify(quantity, 1);
     for (const Quantity quantity :
          {Quantity::Wind, Quantity::Gust, Quantity::Dew, Quantity::Humidity}) {
-        EXPECT_EQ(readings.level(quantity), before.level(quantity));
-        expectShown(display.condition(quantity), {}, kOrange);
+        EXPECT_EQ(readings.Condition[quantity], before.level(quantity));
+        expectShown(display.LCond[quantity], {}, kOrange);
     }
 }
 
 TEST_F(Classification, WindOutsideItsSectorIsNotShownAsUnsafe) {
-    controls.DirectionWind[1].Caption = u"090  180  00"_s;
+    controls.Direction[Quantity::Wind][1].Caption = u"090  180  00"_s;
     readings.WindDirection = 270;
     classify(Quantity::Wind, 15);
-    EXPECT_EQ(display.LCondWind.ForeColor.value(), kYellow);
+    EXPECT_EQ(display.LCond[Quantity::Wind].ForeColor.value(), kYellow);
     EXPECT_EQ(sectors.WindOutsideSince, clock.MsClock());
     EXPECT_EQ(sectors.GustOutsideSince, 0);
 
     readings.WindDirection = 100;
     classify(Quantity::Wind, 15);
-    EXPECT_EQ(display.LCondWind.ForeColor.value(), kOrange);
+    EXPECT_EQ(display.LCond[Quantity::Wind].ForeColor.value(), kOrange);
 }
 
 TEST_F(Classification, SensorLevelsAreShownAsTheSensorProgramNamesThem) {
@@ -179,12 +179,12 @@ TEST_F(Classification, SensorLevelsAreShownAsTheSensorProgramNamesThem) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.level);
         classifyRainAndBrightness(row.level);
-        expectShown(display.LCondRain, row.rain, row.rainColour);
-        expectShown(display.LCondBrightness, row.brightness, row.brightnessColour);
+        expectShown(display.LCond[Quantity::Rain], row.rain, row.rainColour);
+        expectShown(display.LCond[Quantity::Brightness], row.brightness, row.brightnessColour);
     }
     // While the sensor program fails nothing is shown of it.
     readings.SensorError = true;
-    const std::array labels{&display.LCondRain, &display.LCondBrightness, &display.LCondCloud};
+    const std::array labels{&display.LCond[Quantity::Rain], &display.LCond[Quantity::Brightness], &display.LCond[Quantity::Cloud]};
     for (Label* label : labels)
         PaintLabel(*label, kGrey, u"last"_s);
     classifyRainAndBrightness(3);
@@ -194,25 +194,25 @@ TEST_F(Classification, SensorLevelsAreShownAsTheSensorProgramNamesThem) {
 }
 
 TEST_F(Classification, CloudyStaysYellowUntilItsDelayHasRunOut) {
-    controls.CondCloud[1].Value = 1;
+    controls.Cond[Quantity::Cloud][1].Value = 1;
     safety.CloudAlarmDelay = 300;
     classifyCloud(CloudClear);
-    expectShown(display.LCondCloud, u"Clear"_s, kYellow);
+    expectShown(display.LCond[Quantity::Cloud], u"Clear"_s, kYellow);
     classifyCloud(CloudCloudy);
-    expectShown(display.LCondCloud, u"Cloudy"_s, kYellow);
+    expectShown(display.LCond[Quantity::Cloud], u"Cloudy"_s, kYellow);
     clock.advanceSeconds(299);
     classifyCloud(CloudCloudy);
-    EXPECT_EQ(display.LCondCloud.ForeColor.value(), kYellow);
+    EXPECT_EQ(display.LCond[Quantity::Cloud].ForeColor.value(), kYellow);
     clock.advanceSeconds(1);
     classifyCloud(CloudCloudy);
-    EXPECT_EQ(display.LCondCloud.ForeColor.value(), kOrange);
+    EXPECT_EQ(display.LCond[Quantity::Cloud].ForeColor.value(), kOrange);
 
     // Changes are noted while the level is not flagged, too.
-    controls.CondCloud[1].Value = 0;
+    controls.Cond[Quantity::Cloud][1].Value = 0;
     classifyCloud(CloudClear);
     classifyCloud(CloudCloudy);
     EXPECT_EQ(safety.CloudChangeTime, clock.MsClock());
-    EXPECT_EQ(display.LCondCloud.ForeColor.value(), kYellow);
+    EXPECT_EQ(display.LCond[Quantity::Cloud].ForeColor.value(), kYellow);
 }
 
 } // namespace

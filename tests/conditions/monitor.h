@@ -5,7 +5,7 @@
 #include "support/manual_clock.h"
 
 #include "records/condition_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/reading_display.h"
 
 #include <QStringList>
@@ -36,31 +36,31 @@ struct Monitor : testing::Test {
         safety.PrevCloudLevel = CloudCloudy;
 
         readings.StationValid = true;
-        readings.CloudCondition = CloudClear;
-        readings.RainCondition = RainDry;
-        readings.BrightnessCondition = BrightnessDark;
-        readings.WindCondition = readings.GustCondition = WindCalm;
-        readings.TemperatureCondition = TemperatureMedium;
-        readings.DewCondition = DewHigh;
-        readings.HumidityCondition = HumidityLow;
+        readings.Condition[Quantity::Cloud] = CloudClear;
+        readings.Condition[Quantity::Rain] = RainDry;
+        readings.Condition[Quantity::Brightness] = BrightnessDark;
+        readings.Condition[Quantity::Wind] = readings.Condition[Quantity::Gust] = WindCalm;
+        readings.Condition[Quantity::Temperature] = TemperatureMedium;
+        readings.Condition[Quantity::Dew] = DewHigh;
+        readings.Condition[Quantity::Humidity] = HumidityLow;
     }
 
     // The sector of every level of wind and gust.
     void setDirections(const QString& sector) {
         for (std::size_t i = 0; i < 3; ++i) {
-            controls.DirectionWind[i].Caption = sector;
-            controls.DirectionGust[i].Caption = sector;
+            controls.Direction[Quantity::Wind][i].Caption = sector;
+            controls.Direction[Quantity::Gust][i].Caption = sector;
         }
     }
     void setFlags(Quantity quantity, const std::array<int, 3>& values) {
         for (std::size_t i = 0; i < 3; ++i)
-            controls.unsafe(quantity)[i].Value = values[i];
+            controls.Cond[quantity][i].Value = values[i];
     }
     void setLevels(Quantity quantity, const std::array<double, 3>& bounds,
                    const QString& descriptions, const std::array<int, 3>& flags) {
         for (std::size_t i = 0; i < 3; ++i) {
-            controls.limits(quantity)[i].Value = bounds[i];
-            controls.swatches(quantity)[i].Caption =
+            controls.Limit[quantity][i].Value = bounds[i];
+            controls.Color[quantity][i].Caption =
                 descriptions.split(u'/')[static_cast<qsizetype>(i)];
         }
         setFlags(quantity, flags);

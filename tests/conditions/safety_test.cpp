@@ -15,7 +15,7 @@ struct Safety : Monitor {
     }
     // One cycle whose raw decision is made by the rain alone.
     bool cycle(bool rawUnsafe) {
-        readings.RainCondition = rawUnsafe ? RainRain : RainDry;
+        readings.Condition[Quantity::Rain] = rawUnsafe ? RainRain : RainDry;
         decide();
         return readings.UnsafeFlag;
     }
@@ -75,10 +75,10 @@ TEST_F(Safety, WhatIsBeyondTheLastLimitIsNeverPassedOverSilently) {
     readings.WindSpeed = 105;
     readings.GustSpeed = 8;
     EXPECT_EQ(notes(), QString());
-    readings.WindCondition = WindUnknown;
-    readings.TemperatureCondition = TemperatureUnknown; // missing
+    readings.Condition[Quantity::Wind] = WindUnknown;
+    readings.Condition[Quantity::Temperature] = TemperatureUnknown; // missing
     EXPECT_EQ(notes(), u"Wind 105.0 km/h is beyond the last limit and is not judged"_s);
-    readings.DewCondition = DewUnknown;
+    readings.Condition[Quantity::Dew] = DewUnknown;
     readings.DewSpread = 100.25;
     readings.SpeedUnit = u"m"_s;
     EXPECT_EQ(notes({u","_s, {}}), u"Wind 105,0 m/s, Dew-point spread 100,3 °C are beyond the last "
@@ -96,16 +96,16 @@ TEST_F(Safety, WhatIsBeyondTheLastLimitIsNeverPassedOverSilently) {
                                                 {10.0, 99.0, 20.0},
                                                 {10.0, kNan, 99.0}}) {
         for (std::size_t i = 0; i < 3; ++i)
-            controls.LimitGust[i].Value = limits[i];
+            controls.Limit[Quantity::Gust][i].Value = limits[i];
         EXPECT_EQ(notes(), u"Limits of Gust are not in order"_s);
     }
 }
 
 TEST_F(Safety, EveryTestRunsEachCycleAndAllCausesAreNamedInOrder) {
     // The first test of the list is unsafe; the later ones must note what they see all the same.
-    readings.CloudCondition = CloudVeryCloudy;
-    readings.WindCondition = WindWindy;
-    readings.GustCondition = WindCalm; // not flagged
+    readings.Condition[Quantity::Cloud] = CloudVeryCloudy;
+    readings.Condition[Quantity::Wind] = WindWindy;
+    readings.Condition[Quantity::Gust] = WindCalm; // not flagged
     readings.WindDirection = 10;
     setDirections(u"090  180  00"_s);
     EXPECT_EQ(causes(decide()), u"Cloud: Overcast"_s);
@@ -115,13 +115,13 @@ TEST_F(Safety, EveryTestRunsEachCycleAndAllCausesAreNamedInOrder) {
 
     clock.advanceSeconds(10);
     readings.WindDirection = 100;
-    readings.RainCondition = RainWet;
-    readings.BrightnessCondition = BrightnessVerylight;
-    readings.TemperatureCondition = TemperatureLow;
-    readings.DewCondition = DewLow;
-    readings.HumidityCondition = HumidityHigh;
-    readings.GustCondition = WindVeryWindy;
-    controls.DirectionGust[2].Caption = QString();
+    readings.Condition[Quantity::Rain] = RainWet;
+    readings.Condition[Quantity::Brightness] = BrightnessVerylight;
+    readings.Condition[Quantity::Temperature] = TemperatureLow;
+    readings.Condition[Quantity::Dew] = DewLow;
+    readings.Condition[Quantity::Humidity] = HumidityHigh;
+    readings.Condition[Quantity::Gust] = WindVeryWindy;
+    controls.Direction[Quantity::Gust][2].Caption = QString();
     readings.StationDataOld = readings.SensorError = true;
     const SafetyDecision decision = decide();
     EXPECT_EQ(causes(decision), u"Cloud: Overcast, Rain: Wet, Wind: Windy, Gust: Very Gusty, "
@@ -191,7 +191,7 @@ TEST_F(Safety, SecondsOfTheWaitAreCountedByTheirBoundaries) {
 }
 
 TEST_F(Safety, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession) {
-    controls.CondCloud[1].Value = 1; // overcast is flagged, clear is not
+    controls.Cond[Quantity::Cloud][1].Value = 1; // overcast is flagged, clear is not
     safety.CloudAlarmDelay = 300;
     const struct {
         const char* what;
@@ -221,7 +221,7 @@ TEST_F(Safety, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession)
     for (const auto& step : steps) {
         SCOPED_TRACE(step.what);
         clock.advanceSeconds(step.seconds);
-        readings.CloudCondition = step.cloud;
+        readings.Condition[Quantity::Cloud] = step.cloud;
         decide();
         EXPECT_EQ(readings.UnsafeFlag, step.unsafe);
     }
@@ -235,7 +235,7 @@ TEST_F(Safety, TheCloudTestMayBeAskedByEachCallerOfACycle) {
                                         {CloudClear, true},
                                         {CloudCloudy, false},
                                         {CloudVeryCloudy, true}}) {
-        readings.CloudCondition = cloud;
+        readings.Condition[Quantity::Cloud] = cloud;
         clock.advanceSeconds(10);
         for (int asked = 0; asked < 2; ++asked)
             EXPECT_EQ(CloudLevelActive(cloud, readings, safety, clock.MsClock()), active);
@@ -251,7 +251,7 @@ TEST_F(Safety, AlarmsAreSelectedWithTheNewVerdictAndNothingRunsUnderLocalControl
 
     safety.LocalControl = true;
     readings.UnsafeFlag = false; // the client's verdict
-    readings.CloudCondition = CloudVeryCloudy;
+    readings.Condition[Quantity::Cloud] = CloudVeryCloudy;
     readings.StationDataOld = true;
     clock.advanceSeconds(10);
     EXPECT_EQ(causes(decide()), QString());

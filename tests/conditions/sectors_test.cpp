@@ -85,8 +85,8 @@ TEST_F(Sectors, TheMinutesCountFromTheLastCycleOutsideOrTheSessionStart) {
 TEST_F(Sectors, OnlyTheCurrentLevelIsTested) {
     const std::int64_t before = 1;
     sectors = {before, before};
-    readings.WindCondition = WindWindy;
-    readings.GustCondition = WindVeryWindy;
+    readings.Condition[Quantity::Wind] = WindWindy;
+    readings.Condition[Quantity::Gust] = WindVeryWindy;
     readings.WindDirection = 270;
     setDirections(u"090  180  00"_s);
     const std::int64_t now = clock.MsClock();
@@ -104,9 +104,9 @@ TEST_F(Sectors, OnlyTheCurrentLevelIsTested) {
     EXPECT_EQ(sectors.GustOutsideSince, now);
 
     // The gust's own sector, tested against the direction of the wind.
-    controls.DirectionGust[2].Caption = u"260  280  00"_s;
+    controls.Direction[Quantity::Gust][2].Caption = u"260  280  00"_s;
     EXPECT_TRUE(GustLevelHolds(3, readings, controls, sectors, now));
-    readings.WindCondition = WindUnknown;
+    readings.Condition[Quantity::Wind] = WindUnknown;
     EXPECT_FALSE(WindLevelHolds(0, readings, controls, sectors, now));
 }
 

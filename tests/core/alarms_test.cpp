@@ -11,7 +11,7 @@ class CoreAlarms : public CoreFixture {
   protected:
     CoreAlarms() {
         AlarmControls& alarms = records().alarms;
-        for (const auto& [box, name] : {std::pair{&alarms.AlarmRain[2], u"rain"_s},
+        for (const auto& [box, name] : {std::pair{&alarms.Alarm[Quantity::Rain][2], u"rain"_s},
                                         {&alarms.AlarmWS, u"station"_s},
                                         {&alarms.AlarmNB, u"sensor"_s}}) {
             box->Tag = sound(name);

@@ -80,16 +80,16 @@ TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
         QString text;
         Colour colour;
     } cases[] = {
-        {show.LValCloud, u"-25.3"_s, kGreen},
-        {show.LValRain, u"2850"_s, kGreen},
-        {show.LValBrightness, u"61"_s, kGreen},
-        {show.LValTemperature, u"12.0"_s, kGreen},
-        {show.LValWindSpeed, u"5"_s, kGreen},
+        {show.LVal[Quantity::Cloud], u"-25.3"_s, kGreen},
+        {show.LVal[Quantity::Rain], u"2850"_s, kGreen},
+        {show.LVal[Quantity::Brightness], u"61"_s, kGreen},
+        {show.LVal[Quantity::Temperature], u"12.0"_s, kGreen},
+        {show.LVal[Quantity::Wind], u"5"_s, kGreen},
         {show.LValWindDir, u"0.0"_s, kGreen},
-        {show.LCondCloud, u"Clear"_s, kYellow},
-        {show.LCondTemp, u"Fine"_s, kYellow},
-        {show.LCondDewPoint, u"Fine"_s, kYellow},
-        {show.LCondHumidity, u"Fine"_s, kYellow},
+        {show.LCond[Quantity::Cloud], u"Clear"_s, kYellow},
+        {show.LCond[Quantity::Temperature], u"Fine"_s, kYellow},
+        {show.LCond[Quantity::Dew], u"Fine"_s, kYellow},
+        {show.LCond[Quantity::Humidity], u"Fine"_s, kYellow},
         {show.Label3Station, u"16/11 22:00:00"_s, kGreen},
         {show.Label3Sensor, u"16/11 12:00:00"_s, kGreen},
         {show.LValSwitch, u"Opened"_s, kGreen},
@@ -105,7 +105,7 @@ TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
     rainCycle(3);
     EXPECT_TRUE(unsafe());
     EXPECT_EQ(cause(), u"Rain: Rain"_s);
-    EXPECT_EQ(show.LCondRain.ForeColor.value(), kOrange);
+    EXPECT_EQ(show.LCond[Quantity::Rain].ForeColor.value(), kOrange);
     EXPECT_EQ(show.LValSwitch.Caption.value(), u"Closed"_s);
     EXPECT_EQ(show.LValSwitch.ForeColor.value(), kRed);
     EXPECT_TRUE(sensor_.calls.contains(u"SetUnSafe(b true)"_s));
@@ -173,8 +173,8 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
             EXPECT_EQ(codes(), u"a31"_s);
             EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);
             EXPECT_EQ(show.SensorStatus.Caption.value(), u"NB error"_s);
-            EXPECT_EQ(show.LValCloud.Caption.value(), QString());
-            EXPECT_EQ(records().display.header(Header::Cloud).ForeColor.value(), kRed);
+            EXPECT_EQ(show.LVal[Quantity::Cloud].Caption.value(), QString());
+            EXPECT_EQ(records().display.Label0[Quantity::Cloud].ForeColor.value(), kRed);
             EXPECT_EQ(records().readings.ReadLedColour, kYellow);
             EXPECT_EQ(SecondsSinceGoodData(records().readings), 1000);
         }
@@ -188,7 +188,7 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
         cycle();
         EXPECT_FALSE(unsafe());
         EXPECT_EQ(codes(), QString());
-        EXPECT_EQ(show.LCondRain.Caption.value(), u"Dry"_s);
+        EXPECT_EQ(show.LCond[Quantity::Rain].Caption.value(), u"Dry"_s);
         EXPECT_EQ(SecondsSinceGoodData(records().readings), 3);
     }
     EXPECT_EQ(sensor_.created, 2); // the one that had gone was taken up again
@@ -239,7 +239,7 @@ TEST_F(ReadCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {
         EXPECT_EQ(codes(), code);
         EXPECT_TRUE(unsafe());
         EXPECT_FALSE(records().readings.StationValid);
-        EXPECT_EQ(records().display.LValWindSpeed.Caption.value(), QString());
+        EXPECT_EQ(records().display.LVal[Quantity::Wind].Caption.value(), QString());
         EXPECT_EQ(records().readings.WindSpeed, 5);
         cycle();
         EXPECT_FALSE(unsafe());
@@ -255,7 +255,7 @@ TEST_F(ReadCycle, oneDeadInstrumentHidesNoStorm) {
     records().alarms.AlarmWS.Tag = stationPath(); // any file will do as its sound
     records().alarms.AlarmWS.Value = 1;
     for (ThreeLabels* directions :
-         {&records().conditions.DirectionWind, &records().conditions.DirectionGust})
+         {&records().conditions.Direction[Quantity::Wind], &records().conditions.Direction[Quantity::Gust]})
         (*directions)[2].Caption = u"090  180  00"_s;
     ReadingDisplay& show = records().display;
     struct Case {
@@ -312,18 +312,18 @@ TEST_F(ReadCycle, oneDeadInstrumentHidesNoStorm) {
             EXPECT_EQ(status(), c.old ? u"Weather Station Data - value missing or not a number"_s
                                       : u"Weather Station Data - Refreshed"_s);
             EXPECT_EQ(records().readings.SpeedUnit, u"M"_s);
-            for (const auto& [quantity, header] : {std::pair{Quantity::Wind, Header::Wind},
-                                                   {Quantity::Gust, Header::Gust},
-                                                   {Quantity::Temperature, Header::Temperature},
-                                                   {Quantity::Humidity, Header::Humidity}}) {
+            for (const auto& [quantity, header] : {std::pair{Quantity::Wind, Quantity::Wind},
+                                                   {Quantity::Gust, Quantity::Gust},
+                                                   {Quantity::Temperature, Quantity::Temperature},
+                                                   {Quantity::Humidity, Quantity::Humidity}}) {
                 const bool missing = quantity == c.missing;
-                EXPECT_EQ(records().readings.level(quantity) == 0, missing);
-                EXPECT_EQ(show.condition(quantity).Caption.value().isEmpty(), missing);
-                EXPECT_EQ(show.header(header).ForeColor.value(), missing ? kRed : kCyan);
+                EXPECT_EQ(records().readings.Condition[quantity] == 0, missing);
+                EXPECT_EQ(show.LCond[quantity].Caption.value().isEmpty(), missing);
+                EXPECT_EQ(show.Label0[header].ForeColor.value(), missing ? kRed : kCyan);
             }
-            EXPECT_EQ(records().readings.DewCondition == 0, c.missing == Quantity::Temperature);
+            EXPECT_EQ(records().readings.Condition[Quantity::Dew] == 0, c.missing == Quantity::Temperature);
             EXPECT_EQ(show.LValWindDir.Caption.value(), c.old ? u"135.0"_s : QString());
-            EXPECT_EQ(show.header(Header::Direction).ForeColor.value(), c.old ? kCyan : kYellow);
+            EXPECT_EQ(show.Label0[Header::Direction].ForeColor.value(), c.old ? kCyan : kYellow);
         }
     }
     cycle();
@@ -341,14 +341,14 @@ TEST_F(ReadCycle, whatIsNotJudgedIsSaid) {
               u"All other conditions safe, Wind 105.0 km/h is beyond the last limit and is not "
               "judged"_s);
     records().conditions.BeyondLimitUnsafe.Value = 1;
-    records().conditions.LimitGust[0].Value = 30;
+    records().conditions.Limit[Quantity::Gust][0].Value = 30;
     cycle(page);
     EXPECT_TRUE(unsafe());
     EXPECT_EQ(cause(), u"Wind: beyond the last limit, Limits of Gust are not in order"_s);
 }
 
 TEST_F(ReadCycle, aSessionRemembersNothingOfTheOneBefore) {
-    records().conditions.unsafe(Quantity::Cloud)[1].Value = 1;
+    records().conditions.Cond[Quantity::Cloud][1].Value = 1;
     StartSession(*core_);
     cycle();
     EXPECT_FALSE(unsafe());
@@ -386,9 +386,9 @@ TEST_F(ReadCycle, displayFollowsTheStationsUnits) {
     EXPECT_EQ(records().units.UnitsTemp.Index, 1);
     EXPECT_EQ(records().units.UnitsSpeed.Index, 1);
     EXPECT_TRUE(sensor_.calls.contains(u"Kiv_TemperatureUnits=(s F)"_s));
-    EXPECT_EQ(records().conditions.LimitTemp[0].Value, 23);
-    EXPECT_EQ(records().conditions.LimitDew[0].Value, 5);
-    EXPECT_NEAR(records().conditions.LimitWind[0].Value, 6.2137, 0.001);
+    EXPECT_EQ(records().conditions.Limit[Quantity::Temperature][0].Value, 23);
+    EXPECT_EQ(records().conditions.Limit[Quantity::Dew][0].Value, 5);
+    EXPECT_NEAR(records().conditions.Limit[Quantity::Wind][0].Value, 6.2137, 0.001);
 }
 
 TEST_F(ReadCycle, safeIsHeldBackByTheDelay) {

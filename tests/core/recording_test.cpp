@@ -66,7 +66,7 @@ TEST_F(Recording, lineIsWrittenWhileSourcesFail) {
     RunReadCycle(*core_);
     // The display is blank; the readings keep their last state. A sensor program that does not
     // answer has no words.
-    EXPECT_EQ(records().display.LCondCloud.Caption.value(), QString());
+    EXPECT_EQ(records().display.LCond[Quantity::Cloud].Caption.value(), QString());
     EXPECT_EQ(lines(), (std::vector<std::string>{
                            R"("Cloud Condition","Wind Condition","Cloud Value","Wind Speed")",
                            R"("Clear","Calm","-25.3","5")", R"("Clear","Calm","-25.3","5")",

@@ -29,10 +29,10 @@ CurrentReadings someReadings() {
     readings.WindSpeed = 0.25;
     readings.HumidityValue = 1000;
     readings.DewPointValue = -0.04;
-    readings.CloudCondition = CloudVeryCloudy;
-    readings.WindCondition = WindWindy;
-    readings.RainCondition = RainDry;
-    readings.BrightnessCondition = BrightnessDark;
+    readings.Condition[Quantity::Cloud] = CloudVeryCloudy;
+    readings.Condition[Quantity::Wind] = WindWindy;
+    readings.Condition[Quantity::Rain] = RainDry;
+    readings.Condition[Quantity::Brightness] = BrightnessDark;
     readings.SpeedUnit = u"m"_s;
     return readings;
 }

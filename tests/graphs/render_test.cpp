@@ -27,8 +27,8 @@ class Render : public testing::Test {
         graphs.GraphImagePath.Caption = folder.path();
         for (const Quantity quantity : kStationQuantities) {
             for (std::size_t i = 0; i < 3; ++i) {
-                conditions.limits(quantity)[i].Value = std::array{10.0, 20.0, 99.0}[i];
-                conditions.swatches(quantity)[i].BackColor = kSwatchGreen;
+                conditions.Limit[quantity][i].Value = std::array{10.0, 20.0, 99.0}[i];
+                conditions.Color[quantity][i].BackColor = kSwatchGreen;
             }
         }
         // Quantity i stands at one sixth of the plot area lower than the one before.
@@ -102,9 +102,9 @@ TEST_F(Render, DrawsAgainOnlyWhatHasChanged) {
          },
          "xxxxxx"},
         {"a converted history", set(history.point(2).wind, 1), "x....."},
-        {"a limit", set(conditions.LimitDew[1].Value, 30), "...x.."},
-        {"a description", set(conditions.ColorHum[2].Caption, u"Wet"_s), "....x."},
-        {"a level's colour", set(conditions.ColorTemp[0].BackColor, kRed), ".....x"},
+        {"a limit", set(conditions.Limit[Quantity::Dew][1].Value, 30), "...x.."},
+        {"a description", set(conditions.Color[Quantity::Humidity][2].Caption, u"Wet"_s), "....x."},
+        {"a level's colour", set(conditions.Color[Quantity::Temperature][0].BackColor, kRed), ".....x"},
         {"a graph's colour", set(graphs.GraphColor[2][2].BackColor, kRed), "..x..."},
         {"the time span", set(graphs.GraphSpan.Caption, u"9000"_s), "xxxxxx"},
         {"a size", set(pictures[1].Size, QSize(700, 240)), ".x...."},

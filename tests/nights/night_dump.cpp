@@ -69,18 +69,18 @@ void dumpMonitor(const std::string& night, int cycle, const MemberTable& members
     for (const auto& labels : {std::span<const Label>(display.Label0),
                                {display.LblWSDesc},
                                {display.LblWSValue},
-                               {conditions.DirectionWind},
-                               {conditions.DirectionGust}}) {
+                               {conditions.Direction[Quantity::Wind]},
+                               {conditions.Direction[Quantity::Gust]}}) {
         for (const Label& label : labels)
             text += labelText(label);
     }
     for (const Label* label :
-         {&display.LValCloud,          &display.LValRain,        &display.LValBrightness,
-          &display.LValTemperature,    &display.LValWindSpeed,   &display.LValWindGust,
-          &display.LValWindDir,        &display.LValDewPoint,    &display.LValHumidity,
-          &display.LValSwitch,         &display.LCondCloud,      &display.LCondRain,
-          &display.LCondBrightness,    &display.LCondTemp,       &display.LCondWind,
-          &display.LCondGust,          &display.LCondDewPoint,   &display.LCondHumidity,
+         {&display.LVal[Quantity::Cloud],          &display.LVal[Quantity::Rain],        &display.LVal[Quantity::Brightness],
+          &display.LVal[Quantity::Temperature],    &display.LVal[Quantity::Wind],   &display.LVal[Quantity::Gust],
+          &display.LValWindDir,        &display.LVal[Quantity::Dew],    &display.LVal[Quantity::Humidity],
+          &display.LValSwitch,         &display.LCond[Quantity::Cloud],      &display.LCond[Quantity::Rain],
+          &display.LCond[Quantity::Brightness],    &display.LCond[Quantity::Temperature],       &display.LCond[Quantity::Wind],
+          &display.LCond[Quantity::Gust],          &display.LCond[Quantity::Dew],   &display.LCond[Quantity::Humidity],
           &display.Label3Sensor,       &display.Label3Station,   &display.LblSwitch,
           &display.SensorStatus,       &display.LblCause,        &display.NBAlarmMsg,
           &display.WSAlarmMsg,         &conditions.SafeDelayMsg, &conditions.LblStatus,

@@ -119,13 +119,13 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     const auto take = [&album](QDialog&& dialog, const char* name) {
         album.takeDialog(dialog, QString::fromLatin1(name));
     };
-    take(KivColor(r.conditions.ColorWind[1], &r.conditions.CondWind[1], &window), "level");
+    take(KivColor(r.conditions.Color[Quantity::Wind][1], &r.conditions.Cond[Quantity::Wind][1], &window), "level");
     take(KivColor(r.graphs.GraphColor[0][1], nullptr, &window), "colour");
-    take(KivWindPars(r.conditions.DirectionWind[2], &window), "sector");
+    take(KivWindPars(r.conditions.Direction[Quantity::Wind][2], &window), "sector");
     take(KivCardinalPoints(r.units.Cardinal, &window), "cardinal");
     take(KivUnitSymbols(r.units, &window), "units");
     take(KivFileStructForm(r.dataFile.Columns, &window), "columns");
-    take(KivSoundForm(r.alarms.AlarmRain[2], r.alarms.LastMusicDir, monitor.core().media, &window),
+    take(KivSoundForm(r.alarms.Alarm[Quantity::Rain][2], r.alarms.LastMusicDir, monitor.core().media, &window),
          "sound");
     take(KivLegend(&window), "codes");
     take(KivError({u"Safe delay 5 minutes: a return to safe is told five minutes late. Is that "
@@ -226,11 +226,11 @@ constexpr Moment kMoments[]{
          monitor.cycle();
          StopSession(monitor.core());
          // What settings and clients may leave: out of order, and with more than can be typed.
-         ThreeBoxes& limits = monitor.records().conditions.LimitTemp;
+         ThreeBoxes& limits = monitor.records().conditions.Limit[Quantity::Temperature];
          limits[0].Value = -20.5556;
          limits[1].Value = -75;
          limits[2].Value = -7.5;
-         monitor.records().conditions.LimitGust[2].Value = 999.9;
+         monitor.records().conditions.Limit[Quantity::Gust][2].Value = 999.9;
          reportSilence(monitor.records().alarms, u"no audio device"_s);
      }},
 };

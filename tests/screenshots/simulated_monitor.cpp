@@ -49,8 +49,8 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     r.graphs.GraphNoPoints.Value = 240; // two hours
     SetCapacity(r.history, r.graphs, r.session.RefreshRead);
     // Rain is told by a sound.
-    r.alarms.AlarmRain[2].Tag = u"/sounds/Rain.wav|repeat"_s;
-    r.alarms.AlarmRain[2].set(1);
+    r.alarms.Alarm[Quantity::Rain][2].Tag = u"/sounds/Rain.wav|repeat"_s;
+    r.alarms.Alarm[Quantity::Rain][2].set(1);
     r.upload.ServerAddress.Text = u"ftp.example.org"_s;
     r.upload.ServerPath.Text = u"weather"_s;
     r.upload.UserName.Text = u"observer"_s;

@@ -108,21 +108,21 @@ TEST_F(Settings, FreshStoreYieldsTheDefaults) {
         return std::array{boxes[0].checked(), boxes[1].checked(), boxes[2].checked()};
     };
     using Levels = std::array<bool, 3>;
-    EXPECT_EQ(unsafe(c.CondCloud), (Levels{false, false, true}));
-    EXPECT_EQ(unsafe(c.CondRain), (Levels{false, true, true}));
-    EXPECT_EQ(unsafe(c.CondDay), (Levels{false, false, true}));
-    EXPECT_EQ(unsafe(c.CondWind), (Levels{false, true, true}));
-    EXPECT_EQ(unsafe(c.CondGust), (Levels{false, true, true}));
-    EXPECT_EQ(unsafe(c.CondTemp), (Levels{true, false, true}));
-    EXPECT_EQ(unsafe(c.CondDew), (Levels{true, false, false}));
-    EXPECT_EQ(unsafe(c.CondHum), (Levels{false, false, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Cloud]), (Levels{false, false, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Rain]), (Levels{false, true, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Brightness]), (Levels{false, false, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Wind]), (Levels{false, true, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Gust]), (Levels{false, true, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Temperature]), (Levels{true, false, true}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Dew]), (Levels{true, false, false}));
+    EXPECT_EQ(unsafe(c.Cond[Quantity::Humidity]), (Levels{false, false, true}));
     EXPECT_TRUE(c.WSDataOldUnsafe.checked());
     EXPECT_TRUE(c.NBDataOldUnsafe.checked());
-    EXPECT_EQ(c.LimitTemp[0].Value.value(), -5);
-    EXPECT_EQ(c.ColorDew[0].BackColor.value(), kSwatchOrange);
-    EXPECT_EQ(c.CondTemp[2].Caption.value(), u"Hot"_s);
-    EXPECT_EQ(c.CondDay[2].Caption.value(), u"Very Light"_s);
-    EXPECT_EQ(c.DirectionGust[2].Caption.value(), u"000  359  01"_s);
+    EXPECT_EQ(c.Limit[Quantity::Temperature][0].Value.value(), -5);
+    EXPECT_EQ(c.Color[Quantity::Dew][0].BackColor.value(), kSwatchOrange);
+    EXPECT_EQ(c.Cond[Quantity::Temperature][2].Caption.value(), u"Hot"_s);
+    EXPECT_EQ(c.Cond[Quantity::Brightness][2].Caption.value(), u"Very Light"_s);
+    EXPECT_EQ(c.Direction[Quantity::Gust][2].Caption.value(), u"000  359  01"_s);
     EXPECT_EQ(records.units.UnitsSpeed.Index.value(), 0);
     EXPECT_EQ(records.units.Cardinal[15], u"NNW"_s);
     EXPECT_EQ(records.session.RefreshRead.chosen(), u"10 secs"_s);
@@ -287,8 +287,8 @@ TEST_F(Settings, SoundsAreLoadedBeforeAlarmsAreSwitchedOn) {
 
     Records records;
     AlarmControls& alarms = records.alarms;
-    const std::pair<CheckBox*, bool> boxes[] = {{&alarms.AlarmDew[0], true},
-                                                {&alarms.AlarmDew[2], false},
+    const std::pair<CheckBox*, bool> boxes[] = {{&alarms.Alarm[Quantity::Dew][0], true},
+                                                {&alarms.Alarm[Quantity::Dew][2], false},
                                                 {&alarms.AlarmWS, false},
                                                 {&alarms.AlarmNB, true}};
     for (const auto& [box, hasSound] : boxes)
@@ -299,8 +299,8 @@ TEST_F(Settings, SoundsAreLoadedBeforeAlarmsAreSwitchedOn) {
     LoadSettings(records, store_, kPoint);
     for (const auto& [box, hasSound] : boxes)
         EXPECT_EQ(box->checked(), hasSound);
-    EXPECT_TRUE(alarms.AlarmDew[0].HasIcons.value());
-    EXPECT_FALSE(alarms.AlarmDew[2].HasIcons.value());
+    EXPECT_TRUE(alarms.Alarm[Quantity::Dew][0].HasIcons.value());
+    EXPECT_FALSE(alarms.Alarm[Quantity::Dew][2].HasIcons.value());
 }
 
 TEST_F(Settings, DescriptionsStandBesideTheirUnsafeBoxes) {
@@ -308,9 +308,9 @@ TEST_F(Settings, DescriptionsStandBesideTheirUnsafeBoxes) {
     save(u"Description"_s, u"DewHigh"_s, u"Dry air"_s);
     Records records;
     LoadSettings(records, store_, kPoint);
-    EXPECT_EQ(records.conditions.ColorTemp[0].Caption.value(), u"Frost"_s);
-    EXPECT_EQ(records.conditions.CondTemp[0].Caption.value(), u"Frost"_s);
-    EXPECT_EQ(records.conditions.CondDew[2].Caption.value(), u"Dry air"_s);
+    EXPECT_EQ(records.conditions.Color[Quantity::Temperature][0].Caption.value(), u"Frost"_s);
+    EXPECT_EQ(records.conditions.Cond[Quantity::Temperature][0].Caption.value(), u"Frost"_s);
+    EXPECT_EQ(records.conditions.Cond[Quantity::Dew][2].Caption.value(), u"Dry air"_s);
 }
 
 TEST_F(Settings, WindowIsPlacedOnlyByTwoCoordinates) {

@@ -25,7 +25,7 @@ class AlarmsPage : public WindowFixture {
     }
 
     QString path(const char* name) const { return folder_->filePath(QLatin1String(name)); }
-    CheckBox& record() { return records().alarms.AlarmRain[2]; }
+    CheckBox& record() { return records().alarms.Alarm[Quantity::Rain][2]; }
     QAbstractButton* box() { return child<QAbstractButton>(*window_, "AlarmRain2"); }
     bool choose(const std::function<void(QDialog&)>& act) {
         return duringDialog([this] { click(*window_, "SoundAlarmRain2"); }, act);

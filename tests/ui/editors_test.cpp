@@ -60,10 +60,10 @@ class ItemEditors : public WindowFixture {
 
 TEST_F(ItemEditors, OpenByMousePencilAndKeysAndWriteOnOkOnly) {
     ConditionControls& conditions = records().conditions;
-    Label& level = conditions.ColorWind[0];
-    Label& sector = conditions.DirectionGust[2];
+    Label& level = conditions.Color[Quantity::Wind][0];
+    Label& sector = conditions.Direction[Quantity::Gust][2];
     Label& grid = records().graphs.GraphColor[2][2];
-    CheckBox& alarm = records().alarms.AlarmRain[1];
+    CheckBox& alarm = records().alarms.Alarm[Quantity::Rain][1];
     UnitControls& units = records().units;
     DataColumns& columns = records().dataFile.Columns;
     QProperty<QString>& stationFile = records().stationFile.HTMFile.Caption;

@@ -39,7 +39,7 @@ class LimitsPage : public WindowFixture {
             QTest::keyClick(box, Qt::Key_Tab);
         };
     }
-    double limit(std::size_t i) { return records().conditions.LimitWind[i].Value; }
+    double limit(std::size_t i) { return records().conditions.Limit[Quantity::Wind][i].Value; }
 
     KivGetNumber* calm_ = nullptr;
     KivGetNumber* windy_ = nullptr;
@@ -58,7 +58,7 @@ TEST_F(LimitsPage, ALimitOutOfOrderHoldsTheFocusUntilItIsCorrected) {
     EXPECT_FALSE(calm_->hasFocus());
 
     // A renamed level goes by its new name; an attempt to go back counts too.
-    records().conditions.ColorWind[1].Caption = u"breezy"_s;
+    records().conditions.Color[Quantity::Wind][1].Caption = u"breezy"_s;
     enter(windy_, u"3"_s, [this] { QTest::keyClick(windy_, Qt::Key_Backtab); });
     EXPECT_EQ(messages_, QStringList{u"BREEZY value CANNOT be smaller or equal than CALM value"_s});
     EXPECT_TRUE(windy_->hasFocus());
@@ -182,15 +182,15 @@ TEST_F(LimitsPage, LimitsOutOfOrderAreMarked) {
         return rows;
     };
     EXPECT_EQ(marked(), u"..."_s);
-    records().conditions.LimitWind[0].set(99);
+    records().conditions.Limit[Quantity::Wind][0].set(99);
     EXPECT_EQ(marked(), u"!!!"_s);
     EXPECT_EQ(child(*window_, "FaultWind0")->toolTip(), kCalmTooHigh);
-    records().conditions.LimitWind[2].set(120);
+    records().conditions.Limit[Quantity::Wind][2].set(120);
     EXPECT_EQ(marked(), u"!!."_s);
     click(*window_, "ButtStart");
     EXPECT_TRUE(running());
     EXPECT_EQ(messages_, QStringList());
-    records().conditions.LimitWind[0].set(10);
+    records().conditions.Limit[Quantity::Wind][0].set(10);
     EXPECT_EQ(marked(), u"..."_s);
 }
 
@@ -198,7 +198,7 @@ TEST_F(LimitsPage, AnotherWindowAndOtherProgramsAreNotAsked) {
     enter(calm_, u"30"_s, [this] {
         QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
         QApplication::sendEvent(calm_, &away);
-        records().conditions.LimitWind[1].set(5);
+        records().conditions.Limit[Quantity::Wind][1].set(5);
     });
     EXPECT_EQ(messages_, QStringList());
     window_.reset(); // with the focus in a limit that would be refused

@@ -91,10 +91,10 @@ TEST_F(Looks, NightShinesInRedAloneAndLeavesWhatIsStoredAsItWas) {
         EXPECT_EQ(firstColdPixel(*window_), u""_s) << "page " << i;
     }
     Records& r = records();
-    KivColor colour(r.conditions.ColorWind[0], &r.conditions.CondWind[0], window_.get());
-    KivWindPars sector(r.conditions.DirectionWind[0], window_.get());
+    KivColor colour(r.conditions.Color[Quantity::Wind][0], &r.conditions.Cond[Quantity::Wind][0], window_.get());
+    KivWindPars sector(r.conditions.Direction[Quantity::Wind][0], window_.get());
     KivUnitSymbols symbols(r.units, window_.get());
-    KivSoundForm sound(r.alarms.AlarmRain[0], r.alarms.LastMusicDir, media_, window_.get());
+    KivSoundForm sound(r.alarms.Alarm[Quantity::Rain][0], r.alarms.LastMusicDir, media_, window_.get());
     QFileDialog file(window_.get(), {}, folder_->path());
     for (QDialog* dialog :
          std::initializer_list<QDialog*>{&colour, &sector, &symbols, &sound, &file}) {
@@ -111,7 +111,7 @@ TEST_F(Looks, NightShinesInRedAloneAndLeavesWhatIsStoredAsItWas) {
     // The condition still stands in its word and its stated colour, the graph in its own colours.
     EXPECT_EQ(shown("LCondWind"), u"Windy"_s);
     EXPECT_EQ(child<Readout>(*window_, "LCondWind")->ink(), screenColour(kOrange));
-    EXPECT_EQ(r.conditions.ColorWind[0].BackColor.value(), kSwatchGreen);
+    EXPECT_EQ(r.conditions.Color[Quantity::Wind][0].BackColor.value(), kSwatchGreen);
     r.pictures[0].Size = graph.deviceIndependentSize().toSize();
     EXPECT_GT(r.pictures[0].Image.pixelColor(1, 1).green(), 0);
 }

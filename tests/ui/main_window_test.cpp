@@ -106,12 +106,12 @@ TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
     };
     openPage(Page::Limits);
     type("LimitWind0", u"7.5"_s);
-    EXPECT_EQ(records().conditions.LimitWind[0].Value, 7.5);
+    EXPECT_EQ(records().conditions.Limit[Quantity::Wind][0].Value, 7.5);
 
     openPage(Page::Unsafe);
-    const int before = records().conditions.CondDew[2].Value;
+    const int before = records().conditions.Cond[Quantity::Dew][2].Value;
     QTest::keyClick(child<QWidget>(*window_, "CondDew2"), Qt::Key_Space);
-    EXPECT_EQ(records().conditions.CondDew[2].Value, 1 - before);
+    EXPECT_EQ(records().conditions.Cond[Quantity::Dew][2].Value, 1 - before);
 
     // What has a rule waits until it is entered, at the latest by closing the window.
     openPage(Page::Graphs);

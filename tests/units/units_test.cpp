@@ -47,11 +47,11 @@ struct UnitChange : testing::Test {
     UnitChange() {
         for (std::size_t i = 0; i < 3; ++i) {
             const double step = static_cast<double>(i) * 10;
-            conditions.LimitWind[i].Value = 10 + step;
-            conditions.LimitGust[i].Value = 20 + step;
-            conditions.LimitTemp[i].Value = 0.5 + step;
-            conditions.LimitDew[i].Value = 2.5 + step;
-            conditions.LimitHum[i].Value = 50 + step;
+            conditions.Limit[Quantity::Wind][i].Value = 10 + step;
+            conditions.Limit[Quantity::Gust][i].Value = 20 + step;
+            conditions.Limit[Quantity::Temperature][i].Value = 0.5 + step;
+            conditions.Limit[Quantity::Dew][i].Value = 2.5 + step;
+            conditions.Limit[Quantity::Humidity][i].Value = 50 + step;
         }
         units.Loading = true;
         speed(0);
@@ -71,10 +71,10 @@ struct UnitChange : testing::Test {
         return {boxes[0].Value, boxes[1].Value, boxes[2].Value};
     }
     void expectLimits(const Limits& wind, const Limits& temperature, const Limits& dew) const {
-        EXPECT_EQ(values(conditions.LimitWind), wind);
-        EXPECT_EQ(values(conditions.LimitTemp), temperature);
-        EXPECT_EQ(values(conditions.LimitDew), dew);
-        EXPECT_EQ(values(conditions.LimitHum), (Limits{50, 60, 70}));
+        EXPECT_EQ(values(conditions.Limit[Quantity::Wind]), wind);
+        EXPECT_EQ(values(conditions.Limit[Quantity::Temperature]), temperature);
+        EXPECT_EQ(values(conditions.Limit[Quantity::Dew]), dew);
+        EXPECT_EQ(values(conditions.Limit[Quantity::Humidity]), (Limits{50, 60, 70}));
     }
 
     UnitControls units;
@@ -98,10 +98,10 @@ TEST_F(UnitChange, WhileSettingsLoadTheUnitIsOnlyRecorded) {
 }
 
 TEST_F(UnitChange, SpeedConvertsWindAndGustLimitsAndTheHistoryOnce) {
-    conditions.LimitWind[0].Value = 36;
+    conditions.Limit[Quantity::Wind][0].Value = 36;
     speed(2);
-    EXPECT_EQ(conditions.LimitWind[0].Value, 10.0);
-    EXPECT_DOUBLE_EQ(conditions.LimitGust[2].Value, 40 / 3.6);
+    EXPECT_EQ(conditions.Limit[Quantity::Wind][0].Value, 10.0);
+    EXPECT_DOUBLE_EQ(conditions.Limit[Quantity::Gust][2].Value, 40 / 3.6);
     EXPECT_EQ(readings.SpeedUnit, u"m"_s);
     EXPECT_EQ(units.SpeedUnitText.Caption.value(), u"m/s"_s);
     speed(0);
@@ -109,8 +109,8 @@ TEST_F(UnitChange, SpeedConvertsWindAndGustLimitsAndTheHistoryOnce) {
     speed(-1);
     EXPECT_EQ(readings.SpeedUnit, u"K"_s);
     EXPECT_EQ(converted, (QStringList{u"K>m"_s, u"m>K"_s}));
-    EXPECT_EQ(conditions.LimitWind[0].Value, 36.0);
-    EXPECT_EQ(values(conditions.LimitTemp), (Limits{0.5, 10.5, 20.5}));
+    EXPECT_EQ(conditions.Limit[Quantity::Wind][0].Value, 36.0);
+    EXPECT_EQ(values(conditions.Limit[Quantity::Temperature]), (Limits{0.5, 10.5, 20.5}));
 }
 
 TEST_F(UnitChange, TemperatureConvertsDewLimitsAsDifferences) {

@@ -41,15 +41,15 @@ QLabel* makeFaultMark(QWidget* group, Quantity quantity, std::size_t i,
         mark->setPixmap(drawVerdictIcon(VerdictIcon::Fault).pixmap(kSide));
     });
     const auto judge = [mark, quantity, i, &conditions] {
-        const double value = conditions.limits(quantity)[i].Value;
+        const double value = conditions.Limit[quantity][i].Value;
         const QString fault = limitFault(conditions, quantity, i, value);
         mark->setToolTip(fault);
         mark->setAccessibleName(fault);
         mark->setHidden(fault.isEmpty());
     };
-    for (NumberBox& limit : conditions.limits(quantity))
+    for (NumberBox& limit : conditions.Limit[quantity])
         follow(mark, limit.Value, [judge](double) { judge(); });
-    for (Label& level : conditions.swatches(quantity))
+    for (Label& level : conditions.Color[quantity])
         follow(mark, level.Caption, [judge](const QString&) { judge(); });
     return mark;
 }
@@ -58,8 +58,8 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
               ConditionControls& conditions, const ShowMessage& showMessage) {
     QWidget* group = grid->parentWidget();
     const QByteArray suffix(made.suffix);
-    Label& level = conditions.swatches(made.quantity)[i];
-    CheckBox& unsafe = conditions.unsafe(made.quantity)[i];
+    Label& level = conditions.Color[made.quantity][i];
+    CheckBox& unsafe = conditions.Cond[made.quantity][i];
 
     auto* swatch = new Swatch(group);
     swatch->setObjectName(indexed("Color" + suffix, i));
@@ -69,7 +69,7 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
                  [swatch, &level, &unsafe] { KivColor(level, &unsafe, swatch).exec(); });
 
     KivGetNumber* limit =
-        makeNumber(group, indexed("Limit" + suffix, i), conditions.limits(made.quantity)[i]);
+        makeNumber(group, indexed("Limit" + suffix, i), conditions.Limit[made.quantity][i]);
     limit->setToolTip(u"Upper limit of this level"_s);
     limit->setFixedWidth(60); // leaves room for the level's name
     holdFocusWhile(
@@ -77,7 +77,7 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
         [limit, i, &conditions, quantity = made.quantity] {
             // A box that is left empty would stand for 0.
             const double value =
-                limit->holdsNumber() ? conditions.limits(quantity)[i].Value.value() : 0;
+                limit->holdsNumber() ? conditions.Limit[quantity][i].Value.value() : 0;
             return limitFault(conditions, quantity, i, value);
         },
         [&showMessage](const QString& text) {
@@ -138,8 +138,8 @@ QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions,
 QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
                         const ShowMessage& showMessage, QWidget* parent) {
     const std::array<LimitGroup, 5> groups{{
-        {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, &conditions.DirectionWind},
-        {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, &conditions.DirectionGust},
+        {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, &conditions.Direction[Quantity::Wind]},
+        {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, &conditions.Direction[Quantity::Gust]},
         {u"Temperature"_s, "Temp", Quantity::Temperature, &units.TemperatureUnitText, nullptr},
         {u"Dew-point spread"_s, "Dew", Quantity::Dew, &units.TemperatureUnitText, nullptr},
         {u"Humidity (%)"_s, "Hum", Quantity::Humidity, nullptr, nullptr},

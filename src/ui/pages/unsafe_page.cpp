@@ -103,14 +103,14 @@ class AlarmTable {
         beginRow(made.title, made.indicator);
         for (std::size_t i = 0; i < 3; ++i) {
             if (hasLimits(made.quantity))
-                grid_->addWidget(makeLimit(conditions.limits(made.quantity)[i],
-                                           conditions.swatches(made.quantity)[i],
+                grid_->addWidget(makeLimit(conditions.Limit[made.quantity][i],
+                                           conditions.Color[made.quantity][i],
                                            indexed(QByteArray("Limit") + made.unsafe, i), parent_),
                                  row_, columnOf(static_cast<int>(i)) + 1, Qt::AlignVCenter);
-            CheckBox& record = conditions.unsafe(made.quantity)[i];
+            CheckBox& record = conditions.Cond[made.quantity][i];
             addLevel(static_cast<int>(i),
                      makeCheck(parent_, indexed(made.unsafe, i), made.levels[i], record),
-                     indexed(made.alarm, i), alarms_.alarms(made.quantity)[i],
+                     indexed(made.alarm, i), alarms_.Alarm[made.quantity][i],
                      u"%1, level %2"_s.arg(made.title).arg(i + 1),
                      hasLimits(made.quantity) ? 1 : kTwoColumns);
         }

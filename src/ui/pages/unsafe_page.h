@@ -4,7 +4,7 @@
 
 #include "platform/media_control.h"
 #include "records/alarm_controls.h"
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 #include "records/messages.h"
 
 class QWidget;

@@ -1,4 +1,4 @@
-#include "records/current_readings.h"
+#include "model/current_readings.h"
 
 namespace skyhold {
 

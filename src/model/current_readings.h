@@ -2,8 +2,8 @@
 // overwrites it; nobody sees a half-finished one.
 #pragma once
 
-#include "records/colours.h"
-#include "records/conditions.h"
+#include "model/colours.h"
+#include "model/quantity.h"
 
 #include <QDateTime>
 #include <QString>
