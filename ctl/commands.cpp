@@ -1,6 +1,7 @@
 #include "ctl/commands.h"
 
 #include "ctl/output.h"
+#include "ctl/state_document.h"
 #include "ctl/status.h"
 #include "ctl/values.h"
 #include "ctl/watch.h"
@@ -39,17 +40,25 @@ QString callFault(const Member& member, const AutomationReply& reply) {
     return member.name + u": "_s + plainLine(reply.text);
 }
 
+int runStateDocument() {
+    QString fault;
+    QJsonObject document = readStateDocument(fault);
+    if (document.isEmpty())
+        document = unreachableDocument(fault);
+    writeLine(document);
+    return exitStatus(verdictOf(document));
+}
+
 int runStatus(const Command& command) {
+    if (command.json)
+        return runStateDocument();
     Attachment monitor;
     const Status status = monitor.lost().isEmpty()
                               ? readStatus([&monitor](const QString& name, QVariantList arguments) {
                                     return monitor.invoke(name, kRead, arguments);
                                 })
                               : unknownStatus(monitor.lost());
-    if (command.json)
-        writeLine(statusJson(status));
-    else
-        write(statusText(status));
+    write(statusText(status));
     return exitStatus(status.verdict);
 }
 

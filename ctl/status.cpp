@@ -216,25 +216,4 @@ QString statusLine(const Status& status) {
     return parts.join(u" | "_s);
 }
 
-QJsonObject statusJson(const Status& status) {
-    const auto orNull = [](const auto& fact) {
-        return fact ? QJsonValue(*fact) : QJsonValue();
-    };
-    QJsonArray conditions;
-    for (const ConditionStatus& condition : status.conditions)
-        conditions.append(QJsonObject{{u"name"_s, condition.name},
-                                      {u"level"_s, condition.level},
-                                      {u"description"_s, condition.description},
-                                      {u"value"_s, condition.value},
-                                      {u"flaggedUnsafe"_s, condition.flagged}});
-    return {{u"verdict"_s, verdictName(status.verdict)},
-            {u"safe"_s, status.verdict == Verdict::Safe},
-            {u"causes"_s, QJsonArray::fromStringList(status.causes)},
-            {u"running"_s, orNull(status.facts.running)},
-            {u"dataReady"_s, orNull(status.facts.dataReady)},
-            {u"secondsSinceGoodData"_s, orNull(status.facts.sinceGoodData)},
-            {u"lastReading"_s, valueJson(status.lastReading)},
-            {u"conditions"_s, conditions}};
-}
-
 } // namespace skyhold

@@ -4,8 +4,6 @@
 #include "ctl/verdict.h"
 #include "platform/automation_value.h"
 
-#include <QJsonObject>
-
 #include <functional>
 #include <vector>
 
@@ -38,7 +36,5 @@ Status unknownStatus(const QString& cause);
 QString statusText(const Status& status);
 // The same on one line, without the time of the last reading.
 QString statusLine(const Status& status);
-// "safe" is true only for the verdict safe.
-QJsonObject statusJson(const Status& status);
 
 } // namespace skyhold

@@ -2,6 +2,7 @@
 
 #include "ctl/commands.h"
 #include "ctl/output.h"
+#include "ctl/state_document.h"
 #include "ctl/status.h"
 #include "ctl/values.h"
 
@@ -23,10 +24,11 @@ struct Sight {
     bool operator==(const Sight&) const = default;
 };
 
-Sight statusSight(const Status& status) {
-    QJsonObject json = statusJson(status);
-    json.remove(u"lastReading"_s); // changes with every cycle
-    return {statusLine(status), json};
+// A new document comes with every cycle, and whenever session or verdict change between two.
+Sight documentSight() {
+    QString fault;
+    const QJsonObject document = readStateDocument(fault);
+    return {{}, document.isEmpty() ? unreachableDocument(fault) : document};
 }
 
 Sight valueSight(const QString& name, const QVariant& value) {
@@ -39,11 +41,14 @@ Sight faultSight(const QString& name, const QString& fault) {
 
 class Watch {
   public:
-    explicit Watch(const QStringList& names)
-        : names_(names) {}
+    Watch(const QStringList& names, bool json)
+        : names_(names)
+        , json_(json) {}
 
     // How everything is now. Nothing when a name cannot be watched; `fault` says why.
     std::optional<std::vector<Sight>> look(QString& fault) {
+        if (names_.isEmpty() && json_)
+            return std::vector{documentSight()};
         if (!monitor_) {
             monitor_ = std::make_unique<Attachment>();
             if (!settleNames(fault))
@@ -82,7 +87,7 @@ class Watch {
         const AskMember ask = [this](const QString& name, QVariantList arguments) {
             return monitor_->invoke(name, kRead, arguments);
         };
-        return {statusSight(readStatus(ask))};
+        return {{statusLine(readStatus(ask)), {}}};
     }
 
     std::vector<Sight> lookAtValues() {
@@ -97,6 +102,7 @@ class Watch {
     }
 
     QStringList names_;
+    bool json_;
     std::unique_ptr<Attachment> monitor_; // nothing while there is no monitor
 };
 
@@ -105,7 +111,8 @@ bool show(const Sight& sight, bool json) {
     if (!json)
         return writeLine(now.toString(u"yyyy-MM-dd hh:mm:ss "_s) + sight.text);
     QJsonObject timed = sight.json;
-    timed.insert(u"time"_s, now.toString(Qt::ISODate));
+    if (!timed.contains(u"schema"_s)) // a state document has a time of its own
+        timed.insert(u"time"_s, now.toString(Qt::ISODate));
     return writeLine(timed);
 }
 
@@ -113,7 +120,7 @@ bool show(const Sight& sight, bool json) {
 
 int runWatch(const Command& command) {
     const auto intervalMs = static_cast<int>(command.everySeconds * 1000);
-    Watch watch(command.arguments);
+    Watch watch(command.arguments, command.json);
     std::vector<Sight> shown;
     do {
         QString fault;

@@ -95,8 +95,9 @@ void automationMembers(QByteArrayView bytes) {
                 "arguments stay as many");
         const CurrentReadings& readings = records.readings;
         for (const std::int32_t level :
-             {readings.Condition[Quantity::Cloud], readings.Condition[Quantity::Rain], readings.Condition[Quantity::Brightness],
-              readings.Condition[Quantity::Wind], readings.Condition[Quantity::Gust], readings.Condition[Quantity::Temperature],
+             {readings.Condition[Quantity::Cloud], readings.Condition[Quantity::Rain],
+              readings.Condition[Quantity::Brightness], readings.Condition[Quantity::Wind],
+              readings.Condition[Quantity::Gust], readings.Condition[Quantity::Temperature],
               readings.Condition[Quantity::Dew], readings.Condition[Quantity::Humidity]})
             require(level >= 0 && level <= 3, "a level is one of four");
         monitor.clock.advanceSeconds(input.byte());

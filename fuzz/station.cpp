@@ -1,9 +1,9 @@
 // What a station writes in its cells, and its file as a whole.
 #include "target.h"
 
-#include "conditions/classification.h"
 #include "datafiles/station_file.h"
 #include "datafiles/station_number.h"
+#include "judge/safety.h"
 #include "records/records.h"
 #include "settings/key_table.h"
 #include "units/cardinal.h"
@@ -89,14 +89,6 @@ void stationValue(QByteArrayView bytes) {
     require(u"KMmk"_s.contains(DetectSpeedUnit(text, units, u"m"_s)), "a speed unit is known");
 }
 
-// The station value table as it is shown.
-QStringList shownValues(const ReadingDisplay& display) {
-    QStringList values;
-    for (const Label& label : display.LblWSValue)
-        values << label.Caption.value();
-    return values;
-}
-
 void stationFile(QByteArrayView bytes) {
     static const QTemporaryDir folder;
     const UnitControls& units = usualUnits();
@@ -111,18 +103,26 @@ void stationFile(QByteArrayView bytes) {
     file.write(input.rest().toByteArray());
     file.close();
 
-    Records records;
-    ReadingDisplay& display = records.display;
     StationFileMemory memory;
+    StationObservation seen;
     const auto read = [&] {
-        return ReadStationFile(controls, units, forms, u"time"_s, memory, records.readings,
-                               display);
+        seen = {};
+        return ReadStationFile(controls, units, forms, QDateTime::currentDateTime(), memory, seen);
+    };
+    const auto shownValues = [&seen] {
+        QStringList values;
+        for (const std::optional<QString>& text : seen.texts)
+            values << text.value_or(QString());
+        return values;
+    };
+    const auto mayBeJudged = [](StationRead judged) {
+        return judged == StationRead::Valid || judged == StationRead::ValueMissing;
     };
     const StationRead result = read();
     require(result != StationRead::Missing && result != StationRead::Unreadable &&
                 result != StationRead::NotAFile && result != StationRead::TooLarge,
             "a file that is there is read");
-    const QStringList shown = shownValues(display);
+    const QStringList shown = shownValues();
     require(stationReadStatus(result).isEmpty() == (result == StationRead::Valid),
             "what is not valid is said");
     if (result == StationRead::NotText) {
@@ -134,16 +134,14 @@ void stationFile(QByteArrayView bytes) {
     require(second == StationRead::Valid || result != StationRead::Valid,
             "a valid file stays valid");
     require(mayBeJudged(second) || !mayBeJudged(result), "what may be judged once may be again");
-    require(read() == second && shownValues(display) == shown, "the same file reads the same");
-    require(std::isfinite(records.readings.BarometricPressure), "the pressure is finite");
-    require(!records.readings.StationDateTime.isNull() || shown[0].isEmpty(),
+    require(read() == second && shownValues() == shown, "the same file reads the same");
+    require(std::isfinite(seen.pressure.value_or(0)), "the pressure is finite");
+    require(!memory.recordTime.isNull() || shown[0].isEmpty(),
             "a date that is shown is the station's");
     for (const QString& text : shown)
         require(text.size() <= 255, "a shown value has an end");
 
-    ThreeBoxes limits;
-    for (std::size_t i = 0; i < 3; ++i)
-        limits[i].Value = 10.0 * static_cast<double>(i + 1);
+    constexpr std::array limits{10.0, 20.0, 30.0};
     bool blank = false;
     for (const int entry : {2, 3, 4, 5, 6, 7, 8, 9}) {
         const std::optional<double> number = numberFromText(shown[entry], forms);

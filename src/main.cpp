@@ -155,15 +155,15 @@ void end(MonitoringCore& core) {
 }
 
 // A line per cycle, and the end after as many as were asked for.
-void followCycles(MonitoringCore& core, const Options& options) {
-    core.cycleDone = [&core, options, done = 0]() mutable {
+[[nodiscard]] QPropertyNotifier followCycles(MonitoringCore& core, const Options& options) {
+    return core.records.session.CyclesDone.addNotifier([&core, options] {
         if (options.report) {
             std::printf("%s\n", qPrintable(cycleLine(core.records, core.clock.now())));
             std::fflush(stdout);
         }
-        if (++done == options.cycles)
+        if (core.records.session.CyclesDone == options.cycles)
             QTimer::singleShot(0, qApp, [&core] { end(core); });
-    };
+    });
 }
 
 void beginRecording(MonitoringCore& core, const Options& options) {
@@ -259,7 +259,7 @@ int main(int argc, char** argv) {
         StopSession(core); // ends a start that still waits, too
         end(core);
     });
-    followCycles(core, options);
+    const QPropertyNotifier following = followCycles(core, options);
     core.recordAtStart = options.record; // once the session has made the file's folder
     if (options.start)
         QTimer::singleShot(0, &application, [&core, &options] {

@@ -65,21 +65,22 @@ QString cycleLine(const Records& records, const QDateTime& now) {
     const QString delay = records.conditions.SafeDelayMsg.Caption;
     if (!delay.isEmpty())
         cause += QStringLiteral(", ") + delay;
-    const QStringList parts{formatDate(now, u"yyyy-mm-dd hh:mm:ss"),
-                            records.conditions.LblStatus.Caption.value().toUpper().leftJustified(6),
-                            cause,
-                            reading("cloud", show.LVal[Quantity::Cloud], show.LCond[Quantity::Cloud]),
-                            reading("rain", show.LVal[Quantity::Rain], show.LCond[Quantity::Rain]),
-                            reading("light", show.LVal[Quantity::Brightness], show.LCond[Quantity::Brightness]),
-                            reading("temperature", show.LVal[Quantity::Temperature], show.LCond[Quantity::Temperature]),
-                            reading("wind", show.LVal[Quantity::Wind], show.LCond[Quantity::Wind]),
-                            reading("gust", show.LVal[Quantity::Gust], show.LCond[Quantity::Gust]),
-                            reading("direction", show.LValWindDir, Label()),
-                            reading("dew point", show.LVal[Quantity::Dew], show.LCond[Quantity::Dew]),
-                            reading("humidity", show.LVal[Quantity::Humidity], show.LCond[Quantity::Humidity]),
-                            lamps(records),
-                            records.session.Statusbar1.Caption,
-                            records.session.Statusbar2.Caption};
+    const QStringList parts{
+        formatDate(now, u"yyyy-mm-dd hh:mm:ss"),
+        records.conditions.LblStatus.Caption.value().toUpper().leftJustified(6),
+        cause,
+        reading("cloud", show.LVal[Quantity::Cloud], show.LCond[Quantity::Cloud]),
+        reading("rain", show.LVal[Quantity::Rain], show.LCond[Quantity::Rain]),
+        reading("light", show.LVal[Quantity::Brightness], show.LCond[Quantity::Brightness]),
+        reading("temperature", show.LVal[Quantity::Temperature], show.LCond[Quantity::Temperature]),
+        reading("wind", show.LVal[Quantity::Wind], show.LCond[Quantity::Wind]),
+        reading("gust", show.LVal[Quantity::Gust], show.LCond[Quantity::Gust]),
+        reading("direction", show.LValWindDir, Label()),
+        reading("dew point", show.LVal[Quantity::Dew], show.LCond[Quantity::Dew]),
+        reading("humidity", show.LVal[Quantity::Humidity], show.LCond[Quantity::Humidity]),
+        lamps(records),
+        records.session.Statusbar1.Caption,
+        records.session.Statusbar2.Caption};
     return parts.join(QStringLiteral(" | "));
 }
 

@@ -1,11 +1,11 @@
 #include "automation/form_members.h"
 #include "automation/nubilo_table.h"
 #include "automation/sensor_calls.h"
-#include "conditions/safety.h"
 #include "core/alarms.h"
 #include "core/clients.h"
 #include "core/recording.h"
 #include "core/session.h"
+#include "core/verdict.h"
 #include "graphs/history.h"
 
 namespace skyhold {
@@ -50,7 +50,7 @@ MemberAct graphElement(const QString& name, std::int32_t GraphHistory::*local) {
 
 AutomationReply setCloudAlarmDelay(Core& core, QVariantList& arguments) {
     writeToSensor(core, u"Kiv_CloudAlarmDelay"_s, arguments[0]); // it need not be there
-    core.records.safety.CloudAlarmDelay = arguments[0].toInt();
+    core.records.conditions.CloudAlarmDelay = arguments[0].toInt();
     return answered();
 }
 
@@ -73,13 +73,11 @@ AutomationReply setDeviceSwitchCtrl(Core& core, QVariantList& arguments) {
 }
 
 AutomationReply setUnsafe(Core& core, QVariantList& arguments) {
-    Records& records = core.records;
-    if (!records.safety.LocalControl)
+    if (!clientDecides(core))
         return answered();
     const bool unsafe = arguments[0].toBool();
-    records.readings.UnsafeFlag = unsafe;
     core.decidedBy = core.caller;
-    Disp_UnsafeFlag(records.readings, records.conditions);
+    setVerdict(core, unsafe);
     if (!core.sensor.connected())
         return answered();
     return callSensor(core, u"SetUnSafe"_s, {unsafe});
@@ -106,7 +104,7 @@ void addSafeDelay(MemberList& list) {
         answering([](Core& core) { return safeDelayMessage(core.records); }));
     list.get(u"Kiv_SafeDelayWait"_s,
              {I4, u"seconds still to wait before safe is announced"_s, Activity::None},
-             answering([](Core& core) { return core.records.safety.SafeDelayRemaining; }));
+             answering([](Core& core) { return core.result.memory.SafeDelayRemaining; }));
 }
 
 void addGraphArrays(MemberList& list) {
@@ -222,7 +220,7 @@ void addRecorderAndVerdict(MemberList& list) {
     list.method(u"SetUnSafe"_s, {{u"iP"_s, Bool, false}},
                 {Empty, u"sets the verdict, while a client has control of it"_s}, setUnsafe);
     list.method(u"DeviceIsRunning"_s, {Bool, u"whether a monitoring session runs"_s},
-                answering([](Core& core) { return core.records.session.Running; }));
+                answering([](Core& core) { return core.records.session.running(); }));
 }
 
 void addWindow(MemberList& list) {

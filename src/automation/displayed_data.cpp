@@ -10,25 +10,23 @@ constexpr Colour kUnknownColour = 0xFFFF80;
 
 struct Shown {
     const char16_t* key;
-    Label ReadingDisplay::*condition;
-    Label ReadingDisplay::*value;
+    Quantity quantity;
     Label UnitControls::*unit; // nullptr: the text below
     const char16_t* unitText;
 };
 
-using Display = ReadingDisplay;
 constexpr auto kTemperatureUnit = &UnitControls::TemperatureUnitText;
 constexpr auto kSpeedUnit = &UnitControls::SpeedUnitText;
 
 constexpr std::array<Shown, 8> kShown{{
-    {u"cloud", Quantity::Cloud, &Display::LValCloud, kTemperatureUnit, nullptr},
-    {u"rain", Quantity::Rain, &Display::LValRain, nullptr, u"cycles"},
-    {u"wind", Quantity::Wind, &Display::LValWindSpeed, kSpeedUnit, nullptr},
-    {u"gust", Quantity::Gust, &Display::LValWindGust, kSpeedUnit, nullptr},
-    {u"dew", Quantity::Dew, &Display::LValDewPoint, kTemperatureUnit, nullptr},
-    {u"humididty", Quantity::Humidity, &Display::LValHumidity, nullptr, u"%"},
-    {u"temperature", Quantity::Temperature, &Display::LValTemperature, kTemperatureUnit, nullptr},
-    {u"brightnesss", Quantity::Brightness, &Display::LValBrightness, nullptr, u"K"},
+    {u"cloud", Quantity::Cloud, kTemperatureUnit, nullptr},
+    {u"rain", Quantity::Rain, nullptr, u"cycles"},
+    {u"wind", Quantity::Wind, kSpeedUnit, nullptr},
+    {u"gust", Quantity::Gust, kSpeedUnit, nullptr},
+    {u"dew", Quantity::Dew, kTemperatureUnit, nullptr},
+    {u"humididty", Quantity::Humidity, nullptr, u"%"},
+    {u"temperature", Quantity::Temperature, kTemperatureUnit, nullptr},
+    {u"brightnesss", Quantity::Brightness, nullptr, u"K"},
 }};
 
 } // namespace
@@ -46,14 +44,15 @@ QString Kiv_DataDisplayed(const ReadingDisplay& display, const UnitControls& uni
                                            [&](const Shown& row) { return key == row.key; });
     const bool known = shown != kShown.end();
     if (info == u"color"_s)
-        return colourText(known ? (display.*shown->condition).ForeColor.value() : kUnknownColour);
+        return colourText(known ? display.LCond[shown->quantity].ForeColor.value()
+                                : kUnknownColour);
     if (info != u"desc"_s && info != u"value"_s)
         return {};
     if (!known)
         return u"n/a"_s;
     if (info == u"desc"_s)
-        return (display.*shown->condition).Caption;
-    return (display.*shown->value).Caption.value() + u' ' +
+        return display.LCond[shown->quantity].Caption;
+    return display.LVal[shown->quantity].Caption.value() + u' ' +
            (shown->unit ? (units.*shown->unit).Caption.value()
                         : QString::fromUtf16(shown->unitText));
 }

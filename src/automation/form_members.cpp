@@ -1,9 +1,9 @@
 #include "automation/form_members.h"
 
 #include "automation/nubilo_table.h"
-#include "conditions/safety.h"
 #include "core/alarms.h"
 #include "core/clients.h"
+#include "core/present.h"
 #include "core/recording.h"
 #include "core/session.h"
 

@@ -2,11 +2,12 @@
 
 #include "automation/description.h"
 #include "automation/form_members.h"
+#include "automation/monitor_object.h"
 #include "automation/nubilo_members.h"
 #include "automation/nubilo_table.h"
 #include "automation/object_safety.h"
 #include "core/clients.h"
-#include "core/observation.h"
+#include "core/verdict.h"
 #include "platform/typed_interface.h"
 
 #include <utility>
@@ -21,7 +22,8 @@ class NubiloServer : public AutomationServer {
                  const std::shared_ptr<const MemberTable>& members)
         : AutomationServer(bus, QLatin1String(kProgramId), members,
                            [&core](int delta) { RegisterUsers(core.records, core.clock, delta); })
-        , core_(core) {
+        , core_(core)
+        , monitor_(bus, core) {
         for (InstanceInterface& interface :
              typedInterface(QLatin1String(kInterfaceName), nubiloInterfaceXml(), members))
             addInterface(std::move(interface));
@@ -50,6 +52,7 @@ class NubiloServer : public AutomationServer {
 
   private:
     MonitoringCore& core_;
+    MonitorObject monitor_;
 };
 
 } // namespace

@@ -12,18 +12,21 @@ using Core = MonitoringCore;
 
 // The sky as one condition: rain counts more than clouds.
 std::int32_t skyCondition(const CurrentReadings& readings) {
-    if (readings.Condition[Quantity::Rain] == RainUnknown || readings.Condition[Quantity::Cloud] == CloudUnknown)
+    if (readings.Condition[Quantity::Rain] == RainUnknown ||
+        readings.Condition[Quantity::Cloud] == CloudUnknown)
         return SkyUnknown;
     return readings.Condition[Quantity::Rain] == RainDry ? readings.Condition[Quantity::Cloud]
-                                             : static_cast<std::int32_t>(SkyWet);
+                                                         : static_cast<std::int32_t>(SkyWet);
 }
 
 bool isWet(const CurrentReadings& readings) {
-    return readings.Condition[Quantity::Rain] == RainRain || readings.Condition[Quantity::Rain] == RainWet;
+    return readings.Condition[Quantity::Rain] == RainRain ||
+           readings.Condition[Quantity::Rain] == RainWet;
 }
 
 double shownTemperature(const Core& core) {
-    return numberFromText(core.records.display.LVal[Quantity::Temperature].Caption.value(), core.forms)
+    return numberFromText(core.records.display.LVal[Quantity::Temperature].Caption.value(),
+                          core.forms)
         .value_or(0);
 }
 
@@ -47,6 +50,10 @@ MemberAct measured(std::optional<double> CurrentReadings::*field) {
     return answering([field](Core& core) { return (core.records.readings.*field).value_or(0); });
 }
 
+MemberAct level(Quantity quantity) {
+    return answering([quantity](Core& core) { return core.records.readings.Condition[quantity]; });
+}
+
 MemberAct sensorValue(std::size_t index) {
     return answering([index](Core& core) { return core.records.readings.SensorValues[index]; });
 }
@@ -68,25 +75,22 @@ void addConditions(MemberList& list) {
                 {R8, u"station temperature as the window shows it, 0 when it shows none"_s},
                 answering(shownTemperature));
     list.method(u"Condition_Brightness"_s, condition(u"BrightnessCond"_s, u"brightness"_s),
-                reading(Quantity::Brightness));
+                level(Quantity::Brightness));
     list.method(u"Condition_Cloud"_s, condition(u"CloudCond"_s, u"clouds"_s, kTimed),
-                reading(Quantity::Cloud));
+                level(Quantity::Cloud));
     list.method(u"Condition_DewCond"_s, condition(u"DewCond"_s, u"dew point"_s, kTimed),
-                reading(Quantity::Dew));
-    list.method(u"Condition_Gust"_s, condition(u"WindCond"_s, u"gusts"_s),
-                reading(Quantity::Gust));
+                level(Quantity::Dew));
+    list.method(u"Condition_Gust"_s, condition(u"WindCond"_s, u"gusts"_s), level(Quantity::Gust));
     list.method(u"Condition_HumCond"_s, condition(u"HumidityCond"_s, u"humidity"_s, kTimed),
-                reading(Quantity::Humidity));
-    list.method(u"Condition_Rain"_s, condition(u"RainCond"_s, u"rain"_s),
-                reading(Quantity::Rain));
+                level(Quantity::Humidity));
+    list.method(u"Condition_Rain"_s, condition(u"RainCond"_s, u"rain"_s), level(Quantity::Rain));
     list.method(u"Condition_Temp"_s, condition(u"TemperatureCond"_s, u"temperature"_s),
-                reading(Quantity::Temperature));
+                level(Quantity::Temperature));
     list.method(u"Condition_Sky"_s, condition(u"SkyCond"_s, u"clouds, or wet"_s, kTimed),
                 answering([](Core& core) { return skyCondition(core.records.readings); }));
     list.method(u"Condition_WetF"_s, {Bool, u"whether it is wet or rains"_s},
                 answering([](Core& core) { return isWet(core.records.readings); }));
-    list.method(u"Condition_Wind"_s, condition(u"WindCond"_s, u"wind"_s),
-                reading(Quantity::Wind));
+    list.method(u"Condition_Wind"_s, condition(u"WindCond"_s, u"wind"_s), level(Quantity::Wind));
 }
 
 void addFirstValues(MemberList& list) {

@@ -10,13 +10,11 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using enum AutomationType;
 using Core = MonitoringCore;
-using Controls = ConditionControls;
 
 // A family lists its names in interface order; the index is that of the condition's level.
-template <typename Three, typename Owner>
 struct Leveled {
     const char* name;
-    Three Owner::*controls;
+    Quantity quantity;
     std::size_t index;
 };
 
@@ -62,7 +60,7 @@ void addSensorThresholds(MemberList& list) {
     addSensorLimit(list, "CloudUnknowConditionValue", unknown, {"CloudLimit", 2});
 }
 
-constexpr std::array<Leveled<ThreeBoxes, Controls>, 15> kLimits{{
+constexpr std::array<Leveled, 15> kLimits{{
     {"ThreshWindCalm", Quantity::Wind, 0},
     {"ThreshWindWindy", Quantity::Wind, 1},
     {"ThreshWindVWindy", Quantity::Wind, 2},
@@ -81,9 +79,9 @@ constexpr std::array<Leveled<ThreeBoxes, Controls>, 15> kLimits{{
 }};
 
 void addLimits(MemberList& list) {
-    for (const auto& [name, boxes, index] : kLimits) {
-        const auto box = [boxes = boxes, index = index](Core& core) -> NumberBox& {
-            return (core.records.conditions.*boxes)[index];
+    for (const auto& [name, quantity, index] : kLimits) {
+        const auto box = [quantity = quantity, index = index](Core& core) -> NumberBox& {
+            return core.records.conditions.Limit[quantity][index];
         };
         list.property(latin(name), {R8, u"upper limit of the level, in display units"_s},
                       answering([box](Core& core) { return box(core).Value.value(); }),
@@ -97,27 +95,26 @@ void addLimits(MemberList& list) {
 struct Swatch {
     const char* colour;
     const char* description;
-    ThreeLabels Controls::*swatches;
-    ThreeChecks Controls::*unsafe; // its caption is the same description
+    Quantity quantity;
     std::size_t index;
 };
 
 constexpr std::array<Swatch, 15> kSwatches{{
-    {"ColorWindCalm", "DescWindCalm", Quantity::Wind, Quantity::Wind, 0},
-    {"ColorWindWindy", "DescWindWindy", Quantity::Wind, Quantity::Wind, 1},
-    {"ColorWindVWindy", "DescWindVWindy", Quantity::Wind, Quantity::Wind, 2},
-    {"ColorGustCalm", "DescGustCalm", Quantity::Gust, Quantity::Gust, 0},
-    {"ColorGustWindy", "DescGustWindy", Quantity::Gust, Quantity::Gust, 1},
-    {"ColorGustVWindy", "DescGustVWindy", Quantity::Gust, Quantity::Gust, 2},
-    {"ColorDewCondensation", "DescDewCondensation", Quantity::Dew, Quantity::Dew, 0},
-    {"ColorDewHumid", "DescDewHumid", Quantity::Dew, Quantity::Dew, 1},
-    {"ColorDewFine", "DescDewFine", Quantity::Dew, Quantity::Dew, 2},
-    {"ColorHumFine", "DescHumFine", Quantity::Humidity, Quantity::Humidity, 0},
-    {"ColorHumHumid", "DescHumHumid", Quantity::Humidity, Quantity::Humidity, 1},
-    {"ColorHumVHumid", "DescHumVHumid", Quantity::Humidity, Quantity::Humidity, 2},
-    {"ColorTempCold", "DescTempCold", Quantity::Temperature, Quantity::Temperature, 0},
-    {"ColorTempFine", "DescTempFine", Quantity::Temperature, Quantity::Temperature, 1},
-    {"ColorTempHot", "DescTempHot", Quantity::Temperature, Quantity::Temperature, 2},
+    {"ColorWindCalm", "DescWindCalm", Quantity::Wind, 0},
+    {"ColorWindWindy", "DescWindWindy", Quantity::Wind, 1},
+    {"ColorWindVWindy", "DescWindVWindy", Quantity::Wind, 2},
+    {"ColorGustCalm", "DescGustCalm", Quantity::Gust, 0},
+    {"ColorGustWindy", "DescGustWindy", Quantity::Gust, 1},
+    {"ColorGustVWindy", "DescGustVWindy", Quantity::Gust, 2},
+    {"ColorDewCondensation", "DescDewCondensation", Quantity::Dew, 0},
+    {"ColorDewHumid", "DescDewHumid", Quantity::Dew, 1},
+    {"ColorDewFine", "DescDewFine", Quantity::Dew, 2},
+    {"ColorHumFine", "DescHumFine", Quantity::Humidity, 0},
+    {"ColorHumHumid", "DescHumHumid", Quantity::Humidity, 1},
+    {"ColorHumVHumid", "DescHumVHumid", Quantity::Humidity, 2},
+    {"ColorTempCold", "DescTempCold", Quantity::Temperature, 0},
+    {"ColorTempFine", "DescTempFine", Quantity::Temperature, 1},
+    {"ColorTempHot", "DescTempHot", Quantity::Temperature, 2},
 }};
 // The descriptions of temperatures come later than the others.
 constexpr std::size_t kFirstTemperature = 12;
@@ -129,7 +126,7 @@ void addColours(MemberList& list) {
         {"ColorClear", "ColorCloudy", "ColorVCloudy", "ColorDry", "ColorWet", "ColorRain"});
     for (const Swatch& swatch : kSwatches) {
         const auto colour = [swatch](Core& core) -> QProperty<Colour>& {
-            return (core.records.conditions.*swatch.swatches)[swatch.index].BackColor;
+            return core.records.conditions.Color[swatch.quantity][swatch.index].BackColor;
         };
         list.property(latin(swatch.colour), {I4, u"colour of the level, 0x00BBGGRR"_s},
                       answering([colour](Core& core) { return colour(core).value(); }),
@@ -148,18 +145,18 @@ void addDescription(MemberList& list, const Swatch& swatch) {
     list.property(
         latin(swatch.description), {Text, u"description of the level"_s},
         answering([swatch](Core& core) {
-            return (core.records.conditions.*swatch.swatches)[swatch.index].Caption.value();
+            return core.records.conditions.Color[swatch.quantity][swatch.index].Caption.value();
         }),
         [swatch](Core& core, QVariantList& arguments) {
-            Controls& controls = core.records.conditions;
+            ConditionControls& controls = core.records.conditions;
             const QString text = arguments[0].toString();
-            (controls.*swatch.swatches)[swatch.index].Caption = text;
-            (controls.*swatch.unsafe)[swatch.index].Caption = text;
+            controls.Color[swatch.quantity][swatch.index].Caption = text;
+            controls.Cond[swatch.quantity][swatch.index].Caption = text;
             return answered();
         });
 }
 
-constexpr std::array<Leveled<ThreeLabels, Controls>, 6> kSectors{{
+constexpr std::array<Leveled, 6> kSectors{{
     {"DescDirWindCalm", Quantity::Wind, 0},
     {"DescDirWindWindy", Quantity::Wind, 1},
     {"DescDirWindVWindy", Quantity::Wind, 2},
@@ -175,11 +172,11 @@ void addDescriptions(MemberList& list) {
                      "DescriptionLight", "DescriptionVLight"});
     for (std::size_t i = 0; i < kFirstTemperature; ++i)
         addDescription(list, kSwatches[i]);
-    for (const auto& [name, labels, index] : kSectors) {
+    for (const auto& [name, quantity, index] : kSectors) {
         list.get(latin(name),
                  {Text, u"direction sector of the level: from, to, minutes"_s, Activity::None},
-                 answering([labels = labels, index = index](Core& core) {
-                     return (core.records.conditions.*labels)[index].Caption.value();
+                 answering([quantity = quantity, index = index](Core& core) {
+                     return core.records.conditions.Direction[quantity][index].Caption.value();
                  }));
     }
     for (std::size_t i = kFirstTemperature; i < kSwatches.size(); ++i)
@@ -188,10 +185,10 @@ void addDescriptions(MemberList& list) {
 
 struct AlarmBox {
     const char* level;
-    ThreeChecks AlarmControls::*boxes;
+    Quantity quantity;
     std::size_t index;
 
-    CheckBox& of(Core& core) const { return (core.records.alarms.*boxes)[index]; }
+    CheckBox& of(Core& core) const { return core.records.alarms.Alarm[quantity][index]; }
 };
 
 constexpr std::array<AlarmBox, 9> kAlarms{{
@@ -253,25 +250,37 @@ void addAlarms(MemberList& list) {
     }
 }
 
-constexpr std::array<Leveled<ThreeChecks, Controls>, 24> kUnsafe{{
-    {"SafeClear", Quantity::Cloud, 0},     {"SafeCloudy", Quantity::Cloud, 1},
-    {"SafeOvercast", Quantity::Cloud, 2},  {"SafeDry", Quantity::Rain, 0},
-    {"SafeWet", Quantity::Rain, 1},        {"SafeRain", Quantity::Rain, 2},
-    {"SafeDark", Quantity::Brightness, 0},        {"SafeLight", Quantity::Brightness, 1},
-    {"SafeVLight", Quantity::Brightness, 2},      {"SafeWindCalm", Quantity::Wind, 0},
-    {"SafeWindWindy", Quantity::Wind, 1},  {"SafeWindVWindy", Quantity::Wind, 2},
-    {"SafeGustCalm", Quantity::Gust, 0},   {"SafeGustWindy", Quantity::Gust, 1},
-    {"SafeGustVWindy", Quantity::Gust, 2}, {"SafeDewFine", Quantity::Dew, 2},
-    {"SafeDewHumid", Quantity::Dew, 1},    {"SafeDewCondensation", Quantity::Dew, 0},
-    {"SafeHumFine", Quantity::Humidity, 0},     {"SafeHumHumid", Quantity::Humidity, 1},
-    {"SafeHumVHumid", Quantity::Humidity, 2},   {"SafeTempCold", Quantity::Temperature, 0},
-    {"SafeTempFine", Quantity::Temperature, 1},   {"SafeTempHot", Quantity::Temperature, 2},
+constexpr std::array<Leveled, 24> kUnsafe{{
+    {"SafeClear", Quantity::Cloud, 0},
+    {"SafeCloudy", Quantity::Cloud, 1},
+    {"SafeOvercast", Quantity::Cloud, 2},
+    {"SafeDry", Quantity::Rain, 0},
+    {"SafeWet", Quantity::Rain, 1},
+    {"SafeRain", Quantity::Rain, 2},
+    {"SafeDark", Quantity::Brightness, 0},
+    {"SafeLight", Quantity::Brightness, 1},
+    {"SafeVLight", Quantity::Brightness, 2},
+    {"SafeWindCalm", Quantity::Wind, 0},
+    {"SafeWindWindy", Quantity::Wind, 1},
+    {"SafeWindVWindy", Quantity::Wind, 2},
+    {"SafeGustCalm", Quantity::Gust, 0},
+    {"SafeGustWindy", Quantity::Gust, 1},
+    {"SafeGustVWindy", Quantity::Gust, 2},
+    {"SafeDewFine", Quantity::Dew, 2},
+    {"SafeDewHumid", Quantity::Dew, 1},
+    {"SafeDewCondensation", Quantity::Dew, 0},
+    {"SafeHumFine", Quantity::Humidity, 0},
+    {"SafeHumHumid", Quantity::Humidity, 1},
+    {"SafeHumVHumid", Quantity::Humidity, 2},
+    {"SafeTempCold", Quantity::Temperature, 0},
+    {"SafeTempFine", Quantity::Temperature, 1},
+    {"SafeTempHot", Quantity::Temperature, 2},
 }};
 
 void addUnsafe(MemberList& list) {
-    for (const auto& [name, boxes, index] : kUnsafe) {
-        const auto box = [boxes = boxes, index = index](Core& core) -> CheckBox& {
-            return (core.records.conditions.*boxes)[index];
+    for (const auto& [name, quantity, index] : kUnsafe) {
+        const auto box = [quantity = quantity, index = index](Core& core) -> CheckBox& {
+            return core.records.conditions.Cond[quantity][index];
         };
         list.property(
             latin(name), {I4, u"1: the level makes the sky unsafe, 0: it does not"_s},

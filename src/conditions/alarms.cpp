@@ -1,11 +1,8 @@
 #include "conditions/alarms.h"
 
-#include "conditions/safety.h"
-#include "conditions/sectors.h"
 #include "platform/files.h"
 
 #include <algorithm>
-#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,93 +15,6 @@ constexpr int kRightButton = 2;
 
 const QString kStationAlarm = u"10"_s;
 const QString kSensorAlarm = u"20"_s;
-
-struct AlarmFamily {
-    char16_t letter;
-    Quantity quantity;
-};
-
-// The first active alarm wins.
-constexpr std::array<AlarmFamily, 8> kPriority{{{u'C', Quantity::Cloud},
-                                                {u'R', Quantity::Rain},
-                                                {u'W', Quantity::Wind},
-                                                {u'G', Quantity::Gust},
-                                                {u'P', Quantity::Dew},
-                                                {u'H', Quantity::Humidity},
-                                                {u'T', Quantity::Temperature},
-                                                {u'D', Quantity::Brightness}}};
-
-// One level of one quantity as an alarm.
-struct ConditionAlarm {
-    AlarmFamily family;
-    std::size_t index;
-
-    QString id() const { return QString(QChar(family.letter)) + QString::number(index); }
-    std::int32_t level() const { return static_cast<std::int32_t>(index) + 1; }
-};
-
-std::optional<ConditionAlarm> conditionAlarm(const QString& id) {
-    if (id.size() != 2 || id[1] < u'0' || id[1] > u'2')
-        return std::nullopt;
-    for (const AlarmFamily& family : kPriority) {
-        if (id[0] == family.letter)
-            return ConditionAlarm{family, static_cast<std::size_t>(id[1].digitValue())};
-    }
-    return std::nullopt;
-}
-
-struct Selection {
-    AlarmControls& alarms;
-    const CurrentReadings& readings;
-    const ConditionControls& conditions;
-    SafetyState& safety;
-    SectorState& sectors;
-    std::int64_t nowMs;
-
-    QString sound(const ConditionAlarm& alarm) const {
-        return alarms.Alarm[alarm.family.quantity][alarm.index].Tag;
-    }
-
-    bool wanted(const ConditionAlarm& alarm) const {
-        const Quantity quantity = alarm.family.quantity;
-        return conditions.Cond[quantity][alarm.index].checked() &&
-               alarms.Alarm[quantity][alarm.index].checked();
-    }
-
-    bool levelHolds(const ConditionAlarm& alarm) const {
-        switch (alarm.family.quantity) {
-        case Quantity::Cloud:
-            return CloudLevelActive(alarm.level(), readings, safety, nowMs);
-        case Quantity::Wind:
-            return WindLevelHolds(alarm.level(), readings, conditions, sectors, nowMs);
-        case Quantity::Gust:
-            return GustLevelHolds(alarm.level(), readings, conditions, sectors, nowMs);
-        default:
-            return readings.Condition[alarm.family.quantity] == alarm.level();
-        }
-    }
-
-    // The alarm that owns the sound keeps it while the plain cloud level stands.
-    bool goesOn(const ConditionAlarm& alarm) const {
-        const bool stands = alarm.family.quantity == Quantity::Cloud
-                                ? readings.Condition[Quantity::Cloud] == alarm.level()
-                                : levelHolds(alarm);
-        return stands && wanted(alarm);
-    }
-
-    std::optional<ConditionAlarm> first() const {
-        for (const AlarmFamily& family : kPriority) {
-            for (std::size_t index = 0; index < 3; ++index) {
-                const ConditionAlarm alarm{family, index};
-                // Asked whatever the boxes say: the cloud and sector tests note changes.
-                const bool holds = levelHolds(alarm);
-                if (holds && wanted(alarm) && !sound(alarm).isEmpty())
-                    return alarm;
-            }
-        }
-        return std::nullopt;
-    }
-};
 
 void sound(const AlarmPlayer& player, CurrentReadings& readings, const QString& id,
            const QString& spec) {
@@ -181,27 +91,24 @@ void SetAlarmIcons(CheckBox& box, bool hasSound) {
     box.HasIcons = hasSound;
 }
 
-void SelectConditionAlarm(const AlarmPlayer& player, CurrentReadings& readings,
-                          const ConditionControls& conditions, SafetyState& safety,
-                          SectorState& sectors, std::int64_t nowMs) {
-    if (readings.StationDataOld || readings.SensorError)
-        return; // their alarms own the sound
-    if (!readings.UnsafeFlag) {
-        releaseAlarm(player, readings);
-        return;
-    }
-
-    const Selection selection{player.controls, readings, conditions, safety, sectors, nowMs};
-    const std::optional<ConditionAlarm> owner = conditionAlarm(readings.AlarmSoundId);
-    if (owner && !selection.goesOn(*owner))
+void soundChosenAlarm(const AlarmChoice& choice, const AlarmPlayer& player,
+                      CurrentReadings& readings) {
+    if (choice.ownerEnded)
         readings.AlarmSoundId.clear();
-
-    const std::optional<ConditionAlarm> candidate = selection.first();
-    if (candidate && candidate->id() != readings.AlarmSoundId &&
-        !player.controls.SuspendSoundAlarm.checked())
-        sound(player, readings, candidate->id(), selection.sound(*candidate));
-    else if (readings.AlarmSoundId.isEmpty())
+    switch (choice.act) {
+    case AlarmAct::Leave:
+        break;
+    case AlarmAct::Start:
+        sound(player, readings, choice.alarm.id(),
+              player.controls.Alarm[choice.alarm.quantity][choice.alarm.index].Tag);
+        break;
+    case AlarmAct::Silence:
         AlarmStop(player);
+        break;
+    case AlarmAct::Release:
+        releaseAlarm(player, readings);
+        break;
+    }
 }
 
 void StationDataAlarm(StationFileState state, const AlarmPlayer& player, CurrentReadings& readings,

@@ -1,16 +1,14 @@
-// Alarms: which condition sounds, when its sound starts and stops, and who owns it.
-//
-// The id of an alarm is text: "C0".."D2" a letter and the box index for the levels of a quantity,
-// "10" old or missing station data, "20" a failed sensor program. `AlarmSoundId` is the alarm that
-// owns the sound. It stays when the user stops the sound, so that the same alarm does not begin
-// again before it has ended or another one has won.
+// Alarms: when a sound starts and stops, and who owns it. `AlarmSoundId` is the alarm that owns the
+// sound (its ids: judge/alarm_choice.h). It stays when the user stops the sound, so that the same
+// alarm does not begin again before it has ended or another one has won.
 #pragma once
 
-#include "conditions/staleness.h"
+#include "judge/alarm_choice.h"
+#include "model/current_readings.h"
+#include "model/observation.h"
 #include "platform/media_control.h"
 #include "platform/timer.h"
 #include "records/alarm_controls.h"
-#include "model/current_readings.h"
 
 #include <functional>
 
@@ -52,11 +50,9 @@ void TimerPlayer_Tick(const AlarmPlayer& player);
 void ShowPlayingAlarm(AlarmControls& controls, const QString& id);
 void SetAlarmIcons(CheckBox& box, bool hasSound);
 
-// The last step of the safe decision: releases an alarm that has ended, then starts the first of
-// the active ones unless it owns the sound already. Has side effects on the cloud and sector tests.
-void SelectConditionAlarm(const AlarmPlayer& player, CurrentReadings& readings,
-                          const ConditionControls& conditions, SafetyState& safety,
-                          SectorState& sectors, std::int64_t nowMs);
+// Lets the alarm that a cycle's judgement chose sound.
+void soundChosenAlarm(const AlarmChoice& choice, const AlarmPlayer& player,
+                      CurrentReadings& readings);
 
 // The alarm of old or missing station data, and its end. `stopSensorAlarm` silences the sensor
 // program's own alarm.

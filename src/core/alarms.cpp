@@ -1,6 +1,17 @@
 #include "core/alarms.h"
 
+#include "conditions/rules_of.h"
+
 namespace skyhold {
+
+namespace {
+
+// The sensor program's own alarm gives way to one of this program.
+void stopSensorAlarm(SensorLink& sensor) {
+    sensor.call(QStringLiteral("Kiv_AlarmStop"));
+}
+
+} // namespace
 
 AlarmPlayer alarmPlayer(MonitoringCore& core) {
     return {core.media, core.TimerPlayer, core.records.alarms};
@@ -14,8 +25,23 @@ void AlarmStop(MonitoringCore& core) {
     AlarmStop(alarmPlayer(core));
 }
 
-void stopSensorAlarm(SensorLink& sensor) {
-    sensor.call(QStringLiteral("Kiv_AlarmStop"));
+void soundStationAlarm(MonitoringCore& core, const StationObservation& station) {
+    StationDataAlarm(station.alarmState(), alarmPlayer(core), core.records.readings,
+                     [&core] { stopSensorAlarm(core.sensor); });
+}
+
+void soundSensorAlarm(MonitoringCore& core, const SensorObservation& sensor) {
+    SensorFailureAlarm(sensor.failed(), alarmPlayer(core), core.records.readings,
+                       [&core] { stopSensorAlarm(core.sensor); });
+}
+
+void soundConditionAlarm(MonitoringCore& core, const CycleResult& result) {
+    const Observation& seen = result.observation;
+    CurrentReadings& readings = core.records.readings;
+    const AlarmChoice choice =
+        SelectConditionAlarm(result.judgement, result.rules, alarmRulesOf(core.records.alarms),
+                             seen.station.faulty() || seen.sensor.failed(), readings.AlarmSoundId);
+    soundChosenAlarm(choice, alarmPlayer(core), readings);
 }
 
 void alarmRules(MonitoringCore& core) {

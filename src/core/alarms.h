@@ -13,8 +13,10 @@ void AlarmStart(MonitoringCore& core, const QString& spec);
 // The Stop Alarm button and automation: silence, but the alarm keeps the sound it owns.
 void AlarmStop(MonitoringCore& core);
 
-// The sensor program's own alarm gives way to one of this program.
-void stopSensorAlarm(SensorLink& sensor);
+// The alarms of the two sources, and the one of the conditions that the judgement chooses.
+void soundStationAlarm(MonitoringCore& core, const StationObservation& station);
+void soundSensorAlarm(MonitoringCore& core, const SensorObservation& sensor);
+void soundConditionAlarm(MonitoringCore& core, const CycleResult& result);
 
 // The tick of the player's timer, the click rule of the suspending box, and what is shown when a
 // sound is not heard.

@@ -1,8 +1,8 @@
 #include "core/clients.h"
 
 #include "core/alarms.h"
-#include "core/observation.h"
 #include "core/session.h"
+#include "core/verdict.h"
 
 #include <algorithm>
 
@@ -19,7 +19,6 @@ auto isOf(const QString& client) {
 // `text` is shown when nobody has control.
 void showControl(MonitoringCore& core, const QString& text) {
     const bool held = !core.controllers.empty();
-    core.records.safety.LocalControl = held;
     core.records.session.LblControl.Caption = held ? core.controllers.back().label : text;
     core.records.session.Frame3.Visible = !held;
     if (!held)
@@ -29,7 +28,7 @@ void showControl(MonitoringCore& core, const QString& text) {
 // Without cycles nobody would decide again.
 void distrust(MonitoringCore& core, const QString& cause) {
     if (core.TimerRead.enabled())
-        distrustVerdict(core.records, cause);
+        distrustVerdict(core, cause);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "core/alarms.h"
 #include "core/recording.h"
 #include "graphs/history.h"
+#include "records/status_lines.h"
 #include "units/unit_change.h"
 
 namespace skyhold {
@@ -106,6 +107,11 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     prepareUpload(*this);
     graphRules(records.history, records.graphs, records.session.RefreshRead);
     imageRules(records.graphs);
+    // At once, not only with the next cycle.
+    imageWriter.failedChanged = [this] {
+        if (imageWriter.failed())
+            SetErrorCodes(records.session.Statusbar2, QStringLiteral("i23"), kRed);
+    };
     records.dataFile.RecOption.Click = [this](int index) {
         RecOption_Click(*this, index);
     };

@@ -8,6 +8,7 @@
 #include "datafiles/station_file.h"
 #include "datafiles/user_data_file.h"
 #include "graphs/render.h"
+#include "model/cycle_result.h"
 #include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "platform/image_library.h"
@@ -50,6 +51,7 @@ struct MonitoringCore {
     Records records;
     SensorLink sensor;
     ImageLibrary images;
+    ImageWriter imageWriter{images};
 
     Timer TimerRead;   // one read cycle a tick
     Timer TimerUpload; // the upload hand-off when due
@@ -63,9 +65,12 @@ struct MonitoringCore {
                                                     // one like any other
     std::function<void()> closeNotices;             // those that are still shown
     std::function<void()> closeWindow;              // asks for the window to be closed
-    std::function<void()> cycleDone;                // after every read cycle
+    // Session or verdict have changed between two cycles.
+    std::function<void()> stateChanged = [] {
+    };
 
-    NumberForms forms; // the locale's separators, re-read by every cycle
+    CycleResult result; // of the last cycle
+    NumberForms forms;  // the locale's separators, re-read by every cycle
     StationFileMemory stationMemory;
     UserDataRecorder recorder;
     RenderedGraphs renderedGraphs;

@@ -12,7 +12,7 @@ void RecOption_Click(MonitoringCore& core, int index);
 void Record_Start(MonitoringCore& core, bool append);
 void Record_Stop(MonitoringCore& core);
 
-// The line of a read cycle, when one is due. One that is lost shows code d13.
-void WriteUserDataLine(MonitoringCore& core);
+// The line of a read cycle, when one is due. False when it is lost.
+bool WriteUserDataLine(MonitoringCore& core);
 
 } // namespace skyhold

@@ -2,6 +2,7 @@
 
 #include "conditions/threshold_rules.h"
 #include "core/alarms.h"
+#include "core/present.h"
 #include "core/read_cycle.h"
 #include "core/recording.h"
 #include "core/upload.h"
@@ -14,21 +15,21 @@ namespace skyhold {
 
 namespace {
 
+void setSession(MonitoringCore& core, SessionState state) {
+    if (core.records.session.State == state)
+        return;
+    core.records.session.State = state;
+    core.stateChanged();
+}
+
 void resetForSession(MonitoringCore& core) {
     Records& records = core.records;
-    SafetyState& safety = records.safety;
-    safety.SafeState = 0;
-    safety.SafeDelayRemaining = 0;
-    safety.PrevCloudLevel = 2;
-    safety.CloudChangeTime = 0;
+    core.result.number = 0;
+    core.result.distrusted.clear();
     records.readings.SessionStart = core.clock.now();
-    records.conditions.SafeDelayMsg.Caption = QString();
-    records.conditions.LblStatus.Caption = QString();
-    records.conditions.LEDUnsafe.FillColor = kGrey;
-    records.display.LblCause.Caption = QString();
     records.readings.StationDataOld = false;
     records.readings.SensorError = false;
-    records.display.NBAlarmMsg.Caption = QString();
+    presentNoVerdict(records);
     SetIdleControls(records, false);
     SetStatusText(records.session.Statusbar1, QString(), kNavy);
 }
@@ -109,12 +110,8 @@ void start(MonitoringCore& core, std::vector<Message>& messages) {
         StopSession(core);
         return;
     }
-    session.Running = true;
+    setSession(core, SessionState::Running);
     UpdateMenus(records);
-}
-
-bool isBegun(const SessionControls& session) {
-    return session.Running || session.Starting;
 }
 
 // What is to be said of a start that failed. It is over by then: Start is offered beside the
@@ -123,10 +120,11 @@ std::vector<Message> begin(MonitoringCore& core) {
     SessionControls& session = core.records.session;
     std::vector<Message> messages;
     core.closeNotices(); // of the last start
-    session.Starting = true;
     session.StartCancelled = false;
+    setSession(core, SessionState::Starting);
     start(core, messages);
-    session.Starting = false;
+    if (session.State == SessionState::Starting) // it has come to nothing
+        setSession(core, SessionState::Idle);
     if (core.closeWanted && core.closeWindow) {
         core.closeWanted = false;
         core.closeWindow();
@@ -138,10 +136,10 @@ std::vector<Message> begin(MonitoringCore& core) {
 
 void StartSession(MonitoringCore& core) {
     const SessionControls& session = core.records.session;
-    if (isBegun(session) || !acceptLimits(core.records.conditions, core.showMessage))
+    if (session.begun() || !acceptLimits(core.records.conditions, core.showMessage))
         return;
     for (const Message& message : begin(core)) {
-        if (!isBegun(session)) // a client may have started again while one was read
+        if (!session.begun()) // a client may have started again while one was read
             core.showMessage(message);
     }
 }
@@ -149,7 +147,8 @@ void StartSession(MonitoringCore& core) {
 void StopSession(MonitoringCore& core) {
     Records& records = core.records;
     SessionControls& session = records.session;
-    session.StartCancelled = session.Starting;
+    // A start that waits unwinds by itself.
+    session.StartCancelled = session.State == SessionState::Starting;
     session.ButtStop.Enabled = false;
     if (session.flgReadStation.checked()) {
         StopReading(core);
@@ -162,13 +161,14 @@ void StopSession(MonitoringCore& core) {
         session.ButtStop.Enabled = true;
     }
     releaseAlarm(alarmPlayer(core), records.readings);
-    session.Running = false;
+    if (session.running())
+        setSession(core, SessionState::Idle);
     UpdateMenus(records);
 }
 
 void Device_Start(MonitoringCore& core) {
     SessionControls& session = core.records.session;
-    if (isBegun(session))
+    if (session.begun())
         return;
     dropRefusedLimits(core.records.conditions); // a client must not wait for the user
     QStringList texts;
@@ -181,7 +181,7 @@ void Device_Start(MonitoringCore& core) {
 
 void Device_Stop(MonitoringCore& core) {
     SessionControls& session = core.records.session;
-    if (!isBegun(session))
+    if (!session.begun())
         return;
     StopSession(core);
     session.ButtStop.Visible = false;
@@ -226,7 +226,7 @@ void UpdateMenus(Records& records) {
         window.Visible = false;
 
     const bool clients = records.session.ClientCount > 0;
-    const bool running = records.session.Running;
+    const bool running = records.session.running();
     for (MenuEntry* entry : {&window.mPopStart, &window.mnuStart})
         entry->Visible = !clients && !running;
     for (MenuEntry* entry : {&window.mPopStop, &window.mnuStop})

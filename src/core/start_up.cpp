@@ -1,5 +1,6 @@
 #include "core/start_up.h"
 
+#include "conditions/rules_of.h"
 #include "conditions/threshold_rules.h"
 #include "core/session.h"
 #include "datafiles/upload_list.h"
@@ -19,7 +20,7 @@ namespace {
 // A session start that waits serves events meanwhile: a dialog in its midst would hold it until
 // somebody closes it, so the next tick asks again.
 void ShowNewsAtStart(MonitoringCore& core) {
-    if (core.records.session.Starting)
+    if (core.records.session.State == SessionState::Starting)
         return;
     core.Timer6.disarm();
     WindowControls& window = core.records.window;
@@ -70,6 +71,7 @@ void LoadMainWindow(MonitoringCore& core) {
                       QStringLiteral("Settings cut short - %1 restored: %2")
                           .arg(QString::number(restored.size()), firstNames(restored, 1)),
                       kRed);
+    core.result.rules = rulesOf(core.records.conditions);
     RefreshFileList(core.records.upload);
     ShowUploadReport(core.records.upload, readUploadReport(SettingsStore(kUploaderArea)));
     SetIdleControls(core.records, true);
@@ -88,7 +90,7 @@ bool RequestClose(MonitoringCore& core) {
     }
     if (!acceptLimits(core.records.conditions, core.showMessage))
         return false;
-    const bool starting = core.records.session.Starting;
+    const bool starting = core.records.session.State == SessionState::Starting;
     core.closeWanted = starting;
     StopSession(core);
     return !starting;
@@ -103,6 +105,7 @@ void Unload(MonitoringCore& core) {
              {}});
     if (core.sensor.connected())
         core.sensor.CloseSensor(core.records.readings);
+    core.imageWriter.finish();
     core.images.deInitialise();
     CloseUserDataFile(core.recorder);
 }

@@ -1,9 +1,9 @@
 // The weather file for CCDAutopilot: one record of fixed layout, rewritten in every cycle.
 #pragma once
 
+#include "model/current_readings.h"
 #include "platform/clock.h"
 #include "platform/text_forms.h"
-#include "model/current_readings.h"
 #include "records/file_controls.h"
 
 #include <QByteArray>

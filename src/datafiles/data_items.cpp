@@ -2,6 +2,8 @@
 
 #include "platform/text_encoding.h"
 
+#include <algorithm>
+
 namespace skyhold {
 
 namespace {
@@ -15,6 +17,15 @@ QStringView switchText(double value) {
     if (state == 1)
         return u"Opened";
     return state == 2 ? u"Closed" : QStringView();
+}
+
+// The quantity whose condition the item is, if it is one's.
+const QuantityRow* conditionItem(int item) {
+    const QuantityTable& table = quantityTable();
+    const auto* const found =
+        std::find_if(table.begin(), table.end(),
+                     [item](const QuantityRow& row) { return row.dataItem == item; });
+    return found == table.end() ? nullptr : found;
 }
 
 // Adds the value text of item 1..25.
@@ -32,30 +43,13 @@ void addDataItem(TextBuffer& line, int item, const DataItemSource& source) {
         if (readings.LastReading.isValid())
             appendDate(line, readings.LastReading, format);
     };
-    const auto condition = [&line, &source](Quantity quantity) {
-        appendText(line, source.describe(quantity, source.readings.Condition[quantity]));
-    };
+    if (const QuantityRow* row = conditionItem(item))
+        return appendText(line, source.describe(row->quantity, readings.Condition[row->quantity]));
     switch (item) {
     case 1:
         return date(u"yyyy-mm-dd");
     case 2:
         return date(u"hh:mm:ss");
-    case 3:
-        return condition(Quantity::Cloud);
-    case 4:
-        return condition(Quantity::Rain);
-    case 5:
-        return condition(Quantity::Wind);
-    case 6:
-        return condition(Quantity::Gust);
-    case 7:
-        return condition(Quantity::Temperature);
-    case 8:
-        return condition(Quantity::Dew);
-    case 9:
-        return condition(Quantity::Humidity);
-    case 10:
-        return condition(Quantity::Brightness);
     case 11:
         return number(readings.SensorValues[0], u"0.0");
     case 12:

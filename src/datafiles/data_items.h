@@ -1,8 +1,8 @@
 // What the user data file can hold: 25 items of the current readings, as texts of a line.
 #pragma once
 
-#include "platform/text_forms.h"
 #include "model/current_readings.h"
+#include "platform/text_forms.h"
 #include "records/file_controls.h"
 
 #include <QByteArray>

@@ -37,29 +37,31 @@ StationRead fromReadResult(ReadResult result) {
 // Fills the entries of the station value table, in index order.
 class EntryFiller {
   public:
-    EntryFiller(const StationTable& table, const StationValues& values, const UnitControls& units,
-                const NumberForms& forms, CurrentReadings& readings, ReadingDisplay& display)
+    EntryFiller(const StationTable& table, const UnitControls& units, const NumberForms& forms,
+                StationFileMemory& memory, StationObservation& seen)
         : table_(table)
-        , values_(values)
         , units_(units)
         , forms_(forms)
-        , readings_(readings)
-        , display_(display) {}
+        , memory_(memory)
+        , seen_(seen) {}
 
     void fillAll() {
         fillDate();
         fillTime();
-        showNumber(2, u"OutTemp", values_.temperature.number);
-        showNumber(3, u"WindSpeed", values_.wind.number);
-        showNumber(4, u"Gust", values_.gust.number);
-        showOneDecimal(5, u"WindDirection", values_.direction.number);
-        showNumber(6, u"RainDaily", dailyRain());
-        showNumber(7, u"OutHumidity", values_.humidity.number);
-        showNumber(8, u"DewPoint", values_.dewPoint.number);
-        fillPressure();
-        fillUnit(10, u"OutTemp");
-        fillUnit(11, u"WindSpeed");
-        fillUnit(12, u"Barometer");
+        showNumber(StationEntry::Temperature, seen_.numbers[Quantity::Temperature]);
+        showNumber(StationEntry::WindSpeed, seen_.numbers[Quantity::Wind]);
+        showNumber(StationEntry::Gust, seen_.numbers[Quantity::Gust]);
+        showOneDecimal(StationEntry::WindDirection, seen_.windDirection);
+        seen_.dailyRain = dailyRain();
+        showNumber(StationEntry::DailyRain, seen_.dailyRain);
+        showNumber(StationEntry::Humidity, seen_.numbers[Quantity::Humidity]);
+        showNumber(StationEntry::DewPoint, seen_.numbers[Quantity::Dew]);
+        seen_.pressure = pressure();
+        showOneDecimal(StationEntry::Pressure, seen_.pressure);
+        fillUnit(StationEntry::TemperatureUnit, u"OutTemp");
+        fillUnit(StationEntry::SpeedUnit, u"WindSpeed");
+        fillUnit(StationEntry::PressureUnit, u"Barometer");
+        seen_.tableFilled = true;
     }
 
   private:
@@ -73,70 +75,67 @@ class EntryFiller {
         return std::isfinite(rain) ? rain : 0;
     }
 
-    void describe(std::size_t entry, QStringView description) {
-        display_.LblWSDesc[entry].Caption = description.toString();
+    // A station without barometer has a pressure of 0.
+    std::optional<double> pressure() const {
+        if (FindRow(table_, u"Barometer") == 0)
+            return 0;
+        return ParseStationNumber(value(u"Barometer"), forms_);
     }
 
-    void show(std::size_t entry, QStringView text) {
-        display_.LblWSValue[entry].Caption =
+    void show(StationEntry entry, QStringView text) {
+        seen_.texts[static_cast<std::size_t>(entry)] =
             text.first(std::min(text.size(), kLongestShown)).toString();
     }
 
-    void showNumber(std::size_t entry, QStringView description, std::optional<double> number) {
-        describe(entry, description);
+    void showNumber(StationEntry entry, std::optional<double> number) {
         show(entry, number ? numberText(*number, forms_) : QString());
     }
 
-    void showOneDecimal(std::size_t entry, QStringView description, std::optional<double> number) {
-        describe(entry, description);
+    void showOneDecimal(StationEntry entry, std::optional<double> number) {
         show(entry, number ? formatNumber(*number, u"0.0", forms_) : QString());
     }
 
-    void fillPressure() {
-        std::optional<double> pressure = 0;
-        if (FindRow(table_, u"Barometer") > 0)
-            pressure = ParseStationNumber(value(u"Barometer"), forms_);
-        readings_.BarometricPressure = pressure.value_or(0);
-        showOneDecimal(9, u"Barometer", pressure);
-    }
-
-    void fillUnit(std::size_t entry, QStringView name) {
-        describe(entry, u"Units");
+    void fillUnit(StationEntry entry, QStringView name) {
         show(entry, table_.cell(kUnitCell, FindRow(table_, name)));
     }
 
     // A date that cannot be read leaves both the entry and the station's time as they were.
     void fillDate() {
-        describe(0, u"Date");
         const int dateFormat = units_.DateFormat.Index;
         date_ = ParseStationDate(value(u"Date"), dateFormat);
         if (!date_)
             return;
-        readings_.StationDateTime = QDateTime(*date_, QTime(0, 0));
-        show(0, formatDate(readings_.StationDateTime, dateFormat == 1 ? u"mm/dd" : u"dd/mm"));
+        memory_.recordTime = QDateTime(*date_, QTime(0, 0));
+        show(StationEntry::Date,
+             formatDate(memory_.recordTime, dateFormat == 1 ? u"mm/dd" : u"dd/mm"));
     }
 
     void fillTime() {
-        describe(1, u"Time");
         const QStringView cell = value(u"Time");
         const std::optional<QTime> time = parseStationTime(cell);
         if (!time) {
-            show(1, cell);
+            show(StationEntry::Time, cell);
             return;
         }
-        show(1, time->toString(QStringLiteral("HH:mm:ss")));
+        show(StationEntry::Time, time->toString(QStringLiteral("HH:mm:ss")));
         if (date_)
-            readings_.StationDateTime = QDateTime(*date_, *time);
+            memory_.recordTime = QDateTime(*date_, *time);
     }
 
     const StationTable& table_;
-    const StationValues& values_;
     const UnitControls& units_;
     const NumberForms& forms_;
-    CurrentReadings& readings_;
-    ReadingDisplay& display_;
+    StationFileMemory& memory_;
+    StationObservation& seen_;
     std::optional<QDate> date_; // of this read
 };
+
+void takeNumbers(const StationValues& values, StationObservation& seen) {
+    for (const Quantity quantity : kStationQuantities)
+        seen.numbers[quantity] = values.values[quantity].number;
+    seen.windDirection = values.direction.number;
+    seen.valuesMissing = values.anyMissing();
+}
 
 // True when a CSV text stops too early, as far as can be told. Nothing is remembered yet for the
 // first read of a session: what it lacks counts as torn off until a second one lacks it, too. What
@@ -161,9 +160,8 @@ QString beforeEndMark(QString text) {
 } // namespace
 
 StationRead ReadStationFile(const StationFileControls& controls, const UnitControls& units,
-                            const NumberForms& forms, const QString& fileTimeText,
-                            StationFileMemory& memory, CurrentReadings& readings,
-                            ReadingDisplay& display) {
+                            const NumberForms& forms, const QDateTime& modified,
+                            StationFileMemory& memory, StationObservation& seen) {
     const QString path = controls.HTMFile.Caption;
     const std::optional<QString> file = findFile(path);
     if (!file)
@@ -171,7 +169,7 @@ StationRead ReadStationFile(const StationFileControls& controls, const UnitContr
     const FileContents contents = readFile(*file, kStationFileLimit);
     if (contents.result != ReadResult::Ok)
         return fromReadResult(contents.result);
-    readings.LastFileTime = fileTimeText;
+    memory.lastFileTime = fileTimeText(modified);
     if (contents.bytes.contains('\0'))
         return StationRead::NotText;
 
@@ -181,8 +179,8 @@ StationRead ReadStationFile(const StationFileControls& controls, const UnitContr
     const StationTable table = csv ? ParseCsvTable(text) : ParseHtmlTable(text);
     const StationNames names = namesIn(table);
     memory.names = memory.names | names;
-    const StationValues values = stationValues(table, memory.names, units, forms);
-    EntryFiller(table, values, units, forms, readings, display).fillAll();
+    takeNumbers(stationValues(table, memory.names, units, forms), seen);
+    EntryFiller(table, units, forms, memory, seen).fillAll();
 
     const bool torn = csv && tornCsv(text, table, memory);
     if (!names.any())
@@ -190,7 +188,35 @@ StationRead ReadStationFile(const StationFileControls& controls, const UnitContr
     memory.anyRead = true;
     if (torn)
         return StationRead::Incomplete;
-    return values.anyMissing() ? StationRead::ValueMissing : StationRead::Valid;
+    return seen.valuesMissing ? StationRead::ValueMissing : StationRead::Valid;
+}
+
+StationObservation observeStation(const StationFileControls& controls, const UnitControls& units,
+                                  const NumberForms& forms, const Clock& clock,
+                                  StationFileMemory& memory) {
+    StationObservation seen;
+    seen.written = stationFileTime(controls.HTMFile.Caption);
+    const std::int64_t nowMs = clock.MsClock();
+    const StationFileVerdict verdict = judgeStationFile(
+        seen.written, memory.lastFileTime, memory.recordTime, clock.now(),
+        controls.TimeoutREAD.Value, static_cast<double>(nowMs - memory.rewrittenMs) / 1000);
+    seen.file = verdict.state;
+    seen.ageSeconds = verdict.ageSeconds;
+    seen.timeoutSeconds = controls.TimeoutREAD.Value * 60;
+    if (verdict.state == StationFileState::Refreshed)
+        memory.rewrittenMs = nowMs;
+
+    if (verdict.state == StationFileState::Old) {
+        seen.state = SourceState::Old;
+    } else if (verdict.state != StationFileState::Missing) {
+        const StationRead read =
+            ReadStationFile(controls, units, forms, seen.written, memory, seen);
+        const bool mayBeJudged = read == StationRead::Valid || read == StationRead::ValueMissing;
+        seen.state = mayBeJudged ? SourceState::Ok : SourceState::Unusable;
+        seen.detail = stationReadStatus(read);
+    }
+    seen.recordTime = memory.recordTime;
+    return seen;
 }
 
 QString stationReadStatus(StationRead read) {

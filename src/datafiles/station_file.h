@@ -1,11 +1,12 @@
-// The weather station's data file: found, read and shown in the station value table.
+// The weather station's data file: found, judged by its age, and read into an observation.
 #pragma once
 
+#include "datafiles/staleness.h"
 #include "datafiles/station_values.h"
+#include "model/observation.h"
+#include "platform/clock.h"
 #include "platform/text_forms.h"
-#include "model/current_readings.h"
 #include "records/file_controls.h"
-#include "records/reading_display.h"
 #include "records/unit_controls.h"
 
 namespace skyhold {
@@ -13,15 +14,25 @@ namespace skyhold {
 // A station's file is a few kilobytes; a larger one was chosen by mistake and is not read.
 constexpr std::int64_t kStationFileLimit = std::int64_t{16} * 1024 * 1024;
 
-// What earlier reads of the session found in the file. A file that is read while the station
-// writes it lacks something of that.
+// What is known of the file from one cycle to the next.
 struct StationFileMemory {
+    QString lastFileTime = neverReadFileTime(); // of the last open
+    QDateTime recordTime;                       // the last date and time that could be read
+    std::int64_t rewrittenMs = 0;               // when the file was last found rewritten
+
+    // What earlier reads of the session found in it. A file that is read while the station writes
+    // it lacks something of that.
     bool anyRead = false;
     StationNames names;
     bool endedInLineEnd = false; // of a CSV file
 
-    // At every session start.
-    void reset() { *this = {}; }
+    // The file must prove its age anew: at every session start, and after a gap.
+    void reset() {
+        lastFileTime = neverReadFileTime();
+        anyRead = false;
+        names = {};
+        endedInLineEnd = false;
+    }
 };
 
 enum class StationRead {
@@ -36,21 +47,19 @@ enum class StationRead {
     ValueMissing // a value that is judged is none, or its name is gone
 };
 
-// The values of the file may be judged, those that are missing left out.
-inline bool mayBeJudged(StationRead read) {
-    return read == StationRead::Valid || read == StationRead::ValueMissing;
-}
-
-// Fills the station value table and, from it, StationDateTime and BarometricPressure; records
-// `fileTimeText`, the modification time that the caller took before this read, as LastFileTime.
-// Up to NotText in the list above nothing is filled (and NotText alone records the time); after it
-// every entry is, a missing value with an empty text.
+// Reads the file into `seen`: the station value table and its numbers. Up to NotText in the list
+// above nothing is filled; after it every entry is, a missing value with an empty text. The file's
+// time becomes the last file time as soon as it could be opened.
 StationRead ReadStationFile(const StationFileControls& controls, const UnitControls& units,
-                            const NumberForms& forms, const QString& fileTimeText,
-                            StationFileMemory& memory, CurrentReadings& readings,
-                            ReadingDisplay& display);
+                            const NumberForms& forms, const QDateTime& modified,
+                            StationFileMemory& memory, StationObservation& seen);
 
 // The text for the status line, empty for Valid.
 QString stationReadStatus(StationRead read);
+
+// The station's part of a cycle: whether its file is there and fresh, and if so, what it says.
+StationObservation observeStation(const StationFileControls& controls, const UnitControls& units,
+                                  const NumberForms& forms, const Clock& clock,
+                                  StationFileMemory& memory);
 
 } // namespace skyhold

@@ -10,21 +10,11 @@ namespace skyhold {
 namespace {
 
 constexpr int kValueCell = 3;
+constexpr QStringView kDirection = u"WindDirection";
 
-struct JudgedRow {
-    QStringView name;
-    StationValue StationValues::*value;
-    bool StationNames::*found;
-};
-
-using V = StationValues;
-using N = StationNames;
-constexpr std::array<JudgedRow, 6> kJudgedRows{{{u"OutTemp", &V::temperature, &N::temperature},
-                                                {u"WindSpeed", &V::wind, &N::wind},
-                                                {u"Gust", &V::gust, &N::gust},
-                                                {u"OutHumidity", &V::humidity, &N::humidity},
-                                                {u"DewPoint", &V::dewPoint, &N::dewPoint},
-                                                {u"WindDirection", &V::direction, &N::direction}}};
+QString nameOf(Quantity quantity) {
+    return QString::fromLatin1(rowOf(quantity).valueMember);
+}
 
 QString withoutCharacters(QStringView text, const QString& characters) {
     QString rest;
@@ -36,57 +26,62 @@ QString withoutCharacters(QStringView text, const QString& characters) {
     return rest;
 }
 
+// The number of a value cell. Humidity comes with a sign that is no part of it.
+std::optional<double> numberIn(QStringView text, Quantity quantity, const UnitControls& units,
+                               const NumberForms& forms) {
+    if (quantity != Quantity::Humidity)
+        return ParseStationNumber(text, forms);
+    return ParseStationNumber(withoutCharacters(text, units.ExcChrHumidity), forms);
+}
+
 } // namespace
 
 bool StationValues::anyMissing() const {
-    return std::ranges::any_of(kJudgedRows,
-                               [this](const JudgedRow& q) { return (this->*q.value).missing; });
+    return direction.missing ||
+           std::ranges::any_of(values, [](const StationValue& value) { return value.missing; });
 }
 
 bool StationNames::any() const {
-    return std::ranges::any_of(kJudgedRows, [this](const JudgedRow& q) { return this->*q.found; });
+    return direction || std::ranges::any_of(found, [](bool there) { return there; });
 }
 
 bool StationNames::all() const {
-    return std::ranges::all_of(kJudgedRows, [this](const JudgedRow& q) { return this->*q.found; });
+    return direction && std::ranges::all_of(kStationQuantities,
+                                            [this](Quantity quantity) { return found[quantity]; });
 }
 
 StationNames namesIn(const StationTable& table) {
     StationNames names;
-    for (const JudgedRow& q : kJudgedRows)
-        names.*q.found = FindRow(table, q.name) > 0;
+    for (const Quantity quantity : kStationQuantities)
+        names.found[quantity] = FindRow(table, nameOf(quantity)) > 0;
+    names.direction = FindRow(table, kDirection) > 0;
     return names;
 }
 
 StationNames operator|(const StationNames& a, const StationNames& b) {
     StationNames both;
-    for (const JudgedRow& q : kJudgedRows)
-        both.*q.found = a.*q.found || b.*q.found;
+    for (const Quantity quantity : kStationQuantities)
+        both.found[quantity] = a.found[quantity] || b.found[quantity];
+    both.direction = a.direction || b.direction;
     return both;
 }
 
 StationValues stationValues(const StationTable& table, const StationNames& known,
                             const UnitControls& units, const NumberForms& forms) {
     StationValues values;
-    for (const JudgedRow& q : kJudgedRows) {
-        StationValue& value = values.*q.value;
-        const qsizetype row = FindRow(table, q.name);
-        if (row == 0) {
-            if (known.*q.found)
-                value = {.number = {}, .missing = true};
-            continue;
+    for (const Quantity quantity : kStationQuantities) {
+        StationValue& value = values.values[quantity];
+        if (const qsizetype row = FindRow(table, nameOf(quantity)); row > 0) {
+            value.number = numberIn(table.cell(kValueCell, row), quantity, units, forms);
+            value.missing = !value.number;
+        } else if (known.found[quantity]) {
+            value = {.number = {}, .missing = true};
         }
-        const QStringView text = table.cell(kValueCell, row);
-        if (q.value == &V::direction) {
-            value.number = CardinalToDegrees(text, units.Cardinal);
-            continue;
-        }
-        value.number =
-            q.value == &V::humidity
-                ? ParseStationNumber(withoutCharacters(text, units.ExcChrHumidity), forms)
-                : ParseStationNumber(text, forms);
-        value.missing = !value.number;
     }
+    if (const qsizetype row = FindRow(table, kDirection); row > 0)
+        values.direction.number = CardinalToDegrees(table.cell(kValueCell, row), units.Cardinal);
+    else if (known.direction)
+        values.direction = {.number = {}, .missing = true};
     return values;
 }
 
@@ -95,14 +90,17 @@ bool mayHaveLostValue(const StationTable& table) {
     QStringView field;
     for (int cell = StationTable::kCells; cell >= 1 && field.isEmpty(); --cell)
         field = table.cell(cell, last);
-    return std::ranges::any_of(kJudgedRows, [&](const JudgedRow& q) {
+    const auto mayBeLost = [&](QStringView name) {
         for (int cell = 1; cell <= StationTable::kCells; ++cell) {
-            if (table.cell(cell, last).compare(q.name, Qt::CaseInsensitive) == 0)
+            if (table.cell(cell, last).compare(name, Qt::CaseInsensitive) == 0)
                 return true;
         }
-        return !field.isEmpty() && FindRow(table, q.name) == 0 &&
-               q.name.startsWith(field, Qt::CaseInsensitive);
-    });
+        return !field.isEmpty() && FindRow(table, name) == 0 &&
+               name.startsWith(field, Qt::CaseInsensitive);
+    };
+    return mayBeLost(kDirection) || std::ranges::any_of(kStationQuantities, [&](Quantity quantity) {
+               return mayBeLost(nameOf(quantity));
+           });
 }
 
 } // namespace skyhold

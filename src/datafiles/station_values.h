@@ -2,6 +2,7 @@
 #pragma once
 
 #include "datafiles/station_table.h"
+#include "model/quantity.h"
 #include "platform/text_forms.h"
 #include "records/unit_controls.h"
 
@@ -18,7 +19,7 @@ struct StationValue {
 };
 
 struct StationValues {
-    StationValue temperature, wind, gust, humidity, dewPoint;
+    PerQuantity<StationValue> values; // of the station's quantities; of Dew the dew point
     // Degrees. A text that is no compass label is no number, but not missing: stations have none to
     // write in still air.
     StationValue direction;
@@ -28,11 +29,7 @@ struct StationValues {
 
 // The names of these that a station has written so far; one that is gone again is missing.
 struct StationNames {
-    bool temperature = false;
-    bool wind = false;
-    bool gust = false;
-    bool humidity = false;
-    bool dewPoint = false;
+    PerQuantity<bool> found;
     bool direction = false;
 
     bool any() const;

@@ -75,8 +75,8 @@ bool SavePicture(const ImageFile& file, ImageLibrary& library, SavedImage& saved
     if (!replacement.isOpen())
         return false;
 
-    const bool known = saved.drawing == file.drawing && saved.format == file.format &&
-                       saved.flags == file.flags;
+    const bool known =
+        saved.drawing == file.drawing && saved.format == file.format && saved.flags == file.flags;
     if (known)
         return replacement.write(saved.bytes) && replacement.commit();
 

@@ -56,7 +56,8 @@ void ImageWriter::work() {
     }
     working_ = false;
     lock.unlock();
-    QMetaObject::invokeMethod(&receiver_, [this] { report(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &receiver_, [this] { report(); }, Qt::QueuedConnection);
 }
 
 void ImageWriter::report() {

@@ -3,25 +3,25 @@
 #include "graphs/graph_paper.h"
 #include "platform/files.h"
 
+#include <optional>
+
 namespace skyhold {
 
 namespace {
 
 struct GraphKind {
     double GraphPoint::*field;
-    ThreeBoxes ConditionControls::*limits; // the direction has neither limits nor swatches
-    ThreeLabels ConditionControls::*swatches;
+    std::optional<Quantity> quantity; // none: the direction, which has no levels
     const char* fileName;
 };
 
-using C = ConditionControls;
 constexpr std::array<GraphKind, 6> kGraphs{
-    {{&GraphPoint::wind, Quantity::Wind, Quantity::Wind, "Kiv_ImageWindCondition"},
-     {&GraphPoint::gust, Quantity::Gust, Quantity::Gust, "Kiv_ImageGustCondition"},
-     {&GraphPoint::direction, nullptr, nullptr, "Kiv_ImageWindDirCondition"},
-     {&GraphPoint::spread, Quantity::Dew, Quantity::Dew, "Kiv_ImageDewCondition"},
-     {&GraphPoint::humidity, Quantity::Humidity, Quantity::Humidity, "Kiv_ImageHumCondition"},
-     {&GraphPoint::temperature, Quantity::Temperature, Quantity::Temperature, "Kiv_ImageTempCondition"}}};
+    {{&GraphPoint::wind, Quantity::Wind, "Kiv_ImageWindCondition"},
+     {&GraphPoint::gust, Quantity::Gust, "Kiv_ImageGustCondition"},
+     {&GraphPoint::direction, std::nullopt, "Kiv_ImageWindDirCondition"},
+     {&GraphPoint::spread, Quantity::Dew, "Kiv_ImageDewCondition"},
+     {&GraphPoint::humidity, Quantity::Humidity, "Kiv_ImageHumCondition"},
+     {&GraphPoint::temperature, Quantity::Temperature, "Kiv_ImageTempCondition"}}};
 
 ValueGraph valueGraph(const GraphKind& kind, GraphSeries series, const ConditionControls& controls,
                       const std::array<Label, 3>& colours) {
@@ -31,9 +31,9 @@ ValueGraph valueGraph(const GraphKind& kind, GraphSeries series, const Condition
                      .textColour = colours[0].BackColor,
                      .lineColour = colours[1].BackColor};
     for (std::size_t i = 0; i < 3; ++i) {
-        const Label& swatch = (controls.*kind.swatches)[i];
+        const Label& swatch = controls.Color[*kind.quantity][i];
         graph.bands[i] = {swatch.Caption, swatch.BackColor};
-        graph.thresholds[i] = (controls.*kind.limits)[i].Value;
+        graph.thresholds[i] = controls.Limit[*kind.quantity][i].Value;
     }
     return graph;
 }
@@ -62,7 +62,7 @@ void drawGraph(std::size_t index, const GraphSources& sources, Picture& picture,
     const std::array<Label, 3>& colours = sources.graphs.GraphColor[index];
     GraphSeries series = graphSeries(sources.history, kind.field,
                                      sources.graphs.GraphSpan.Caption.value().toDouble());
-    if (kind.limits != nullptr)
+    if (kind.quantity)
         drawWhenChanged(valueGraph(kind, std::move(series), sources.conditions, colours), picture,
                         rendered);
     else
@@ -98,11 +98,12 @@ QString SaveImages(const GraphControls& graphs, GraphPictures& pictures, ImageLi
             continue;
         if (pictures[i].Image.isNull()) // never drawn: an empty sheet
             const GraphPaper empty(pictures[i], 0);
-        writer.save(i, {.image = pictures[i].Image,
-                        .drawing = pictures[i].Drawings,
-                        .name = joinPath(folder, QString::fromLatin1(kGraphs[i].fileName) + extension),
-                        .format = png ? ImageFormat::Png : ImageFormat::Jpeg,
-                        .flags = ImageSaveFlags(graphs)});
+        writer.save(i,
+                    {.image = pictures[i].Image,
+                     .drawing = pictures[i].Drawings,
+                     .name = joinPath(folder, QString::fromLatin1(kGraphs[i].fileName) + extension),
+                     .format = png ? ImageFormat::Png : ImageFormat::Jpeg,
+                     .flags = ImageSaveFlags(graphs)});
     }
     if (wanted && missing)
         return QStringLiteral("i24");

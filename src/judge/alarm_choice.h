@@ -1,8 +1,8 @@
 // Which condition's alarm sounds: a function of the judgement and of who owns the sound.
 //
-// The id of an alarm is text: "C0".."D2" a letter and the level's index for a condition, "10" old or
-// missing station data, "20" a failed sensor program. An alarm owns the sound from its start until it
-// ends, so that one that the user stopped does not begin again before that.
+// The id of an alarm is text: "C0".."D2" a letter and the level's index for a condition, "10" old
+// or missing station data, "20" a failed sensor program. An alarm owns the sound from its start
+// until it ends, so that one that the user stopped does not begin again before that.
 #pragma once
 
 #include "model/judgement.h"

@@ -45,36 +45,41 @@ bool levelHolds(Quantity quantity, std::int32_t level, const Rules& rules, Judge
         return CloudLevelActive(level, rules.cloudDelaySeconds, memory, nowMs);
     if (!rowOf(quantity).hasSectors())
         return true;
-    std::int64_t& outsideSince =
-        quantity == Quantity::Wind ? memory.WindOutsideSince : memory.GustOutsideSince;
     return SectorHolds(rules.levels[quantity].sectors[indexOf(level)], memory.WindDirection,
-                       outsideSince, nowMs);
+                       memory.OutsideSince[quantity], nowMs);
 }
 
 // Notes since when something stands.
-std::int64_t sinceWhen(bool stands, std::int64_t& since, std::int64_t nowUtcMs) {
+void noteSince(bool stands, std::int64_t& since, std::int64_t nowUtcMs) {
     if (!stands)
         since = 0;
     else if (since == 0)
         since = nowUtcMs;
-    return since;
 }
 
 Causes findCauses(const Observation& observation, const Rules& rules, const Judgement& judgement,
                   JudgeMemory& memory, std::int64_t nowUtcMs) {
     Causes causes;
+    const auto beyondCounts = [&](Quantity quantity) {
+        return judgement.beyond[quantity] && rules.beyondIsUnsafe;
+    };
     for (const Quantity quantity : kDecisionOrder) {
-        const bool beyond = judgement.beyond[quantity] && rules.beyondIsUnsafe;
-        const bool counts = judgement.unsafe[quantity] || beyond;
-        const std::int64_t since = sinceWhen(counts, memory.causeSince[quantity], nowUtcMs);
-        if (counts)
-            causes.append({.kind = beyond ? CauseKind::Beyond : CauseKind::Level,
+        const bool counts = judgement.unsafe[quantity] || beyondCounts(quantity);
+        noteSince(counts, memory.causeSince[quantity], nowUtcMs);
+        if (judgement.unsafe[quantity])
+            causes.append({.kind = CauseKind::Level,
                            .quantity = quantity,
                            .level = judgement.levels[quantity],
-                           .sinceUtcMs = since});
+                           .sinceUtcMs = memory.causeSince[quantity]});
+    }
+    for (const Quantity quantity : kStationQuantities) {
+        if (beyondCounts(quantity))
+            causes.append({.kind = CauseKind::Beyond,
+                           .quantity = quantity,
+                           .sinceUtcMs = memory.causeSince[quantity]});
     }
     const auto source = [&](SourceName name, bool faulty, bool isUnsafe, std::int64_t& since) {
-        sinceWhen(faulty, since, nowUtcMs);
+        noteSince(faulty, since, nowUtcMs);
         if (faulty && isUnsafe)
             causes.append({.kind = CauseKind::Source, .source = name, .sinceUtcMs = since});
     };
@@ -83,12 +88,6 @@ Causes findCauses(const Observation& observation, const Rules& rules, const Judg
     source(SourceName::Sensor, observation.sensor.failed(), rules.sensorFailedIsUnsafe,
            memory.sensorFailedSince);
     return causes;
-}
-
-void setVerdict(bool unsafe, JudgeMemory& memory, std::int64_t nowUtcMs) {
-    if (memory.UnsafeFlag != unsafe || memory.verdictSince == 0)
-        memory.verdictSince = nowUtcMs;
-    memory.UnsafeFlag = unsafe;
 }
 
 } // namespace
@@ -121,7 +120,8 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
         }
         const DelayedVerdict verdict =
             applySafeDelay(unsafe, rules.safeDelaySeconds, memory, now.ms);
-        setVerdict(verdict.unsafe, memory, now.utcMs);
+        publishVerdict(memory, verdict.unsafe, now);
+        memory.SafeDelayRemaining = verdict.waitSeconds;
         judgement.waitSeconds = verdict.waitSeconds;
     }
     judgement.UnsafeFlag = memory.UnsafeFlag;
@@ -130,10 +130,10 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
 
 void beginSession(JudgeMemory& memory, Moment now) {
     memory.SafeState = 0;
+    memory.SafeDelayRemaining = 0;
     memory.PrevCloudLevel = CloudCloudy;
     memory.CloudChangeTime = 0;
-    memory.WindOutsideSince = now.ms;
-    memory.GustOutsideSince = now.ms;
+    memory.OutsideSince.values.fill(now.ms);
     memory.causeSince = {};
     memory.levelSince = {};
     memory.stationOldSince = 0;
@@ -142,9 +142,15 @@ void beginSession(JudgeMemory& memory, Moment now) {
     memory.lastUnsafeUtcMs = 0;
 }
 
+void publishVerdict(JudgeMemory& memory, bool unsafe, Moment now) {
+    if (memory.UnsafeFlag != unsafe || memory.verdictSince == 0)
+        memory.verdictSince = now.utcMs;
+    memory.UnsafeFlag = unsafe;
+}
+
 void distrust(JudgeMemory& memory, Moment now) {
     memory.SafeState = 1;
-    setVerdict(true, memory, now.utcMs);
+    publishVerdict(memory, true, now);
 }
 
 } // namespace skyhold

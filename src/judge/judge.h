@@ -18,6 +18,9 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
 // What a session starts with. `now` is when it started to read.
 void beginSession(JudgeMemory& memory, Moment now);
 
+// Makes `unsafe` the verdict, and notes since when it is.
+void publishVerdict(JudgeMemory& memory, bool unsafe, Moment now);
+
 // Nothing was read for a while: the verdict becomes unsafe, and the way back to safe is earned anew
 // with the whole delay.
 void distrust(JudgeMemory& memory, Moment now);

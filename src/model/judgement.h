@@ -44,7 +44,8 @@ struct JudgeMemory {
     PerQuantity<bool> beyond; // the last limit
 
     std::int32_t SafeState = 0; // 0 undecided in this session, 1 last was unsafe, 2 last was safe
-    std::int64_t SafeDelayStart = 0; // ms
+    std::int64_t SafeDelayStart = 0;     // ms
+    std::int32_t SafeDelayRemaining = 0; // whole seconds still to wait, 0 when not waiting
     bool UnsafeFlag = false;
 
     std::int32_t PrevCloudLevel = 0;
@@ -52,9 +53,8 @@ struct JudgeMemory {
 
     // Of the last usable reading; none when that had none.
     std::optional<double> WindDirection; // degrees
-    // The last time at which a sector test of the kind found the direction outside; ms.
-    std::int64_t WindOutsideSince = 0;
-    std::int64_t GustOutsideSince = 0;
+    // The last time at which the sector test of the quantity found the direction outside; ms.
+    PerQuantity<std::int64_t> OutsideSince;
 
     // Since when each cause has stood; 0 while it does not. UTC milliseconds.
     PerQuantity<std::int64_t> causeSince;

@@ -1,6 +1,6 @@
 // The judged quantities as rows of one table: what each is called, where its value comes from, its
-// levels with their keys and defaults, and its places in the orders of decision, alarms, data items
-// and graphs. Whoever handles quantities walks this table; state is PerQuantity.
+// levels with their keys and defaults, and its places in the orders of decision, alarms and data
+// items. Whoever handles quantities walks this table; state is PerQuantity.
 #pragma once
 
 #include "model/colours.h"
@@ -62,30 +62,37 @@ struct LevelRow {
     const char* unsafeKey; // in section "Unsafe"
     bool unsafe;
     const char* alarmKey; // in section "Alarms"; followed by "Stat" for the alarm's switch
-    // Of the station's quantities, in sections "Limit", "Description" and "Color".
-    const char* limitKey = nullptr;
-    const char* limit = nullptr;
-    const char* description = nullptr;
-    Colour colour = 0;
-    // Of the sensor program's quantities: the member that has the level's description.
-    const char* descriptionMember = nullptr;
+    // Of a station quantity the user's to change; of a sensor quantity what stands until the sensor
+    // program has been asked.
+    const char* description;
+    // Of station quantities, in sections "Limit", "Description" and "Color".
+    const char* limitKey;
+    const char* limit;
+    Colour colour;
+    // Of sensor quantities: the member that has the level's description.
+    const char* descriptionMember;
 };
 
 struct QuantityRow {
     Quantity quantity;
     const char16_t* name;    // "Dew point"
+    const char16_t* title;   // on pages: "Dew-point spread"
+    const char* header;      // over its value: "DewPoint"
     const char* settingName; // as the settings describe it: "dew-point spread"
     const char* key;         // in the state document: "dew_spread"
     SourceName source;
     Measure measure;
-    const char* valueMember; // of the sensor program, or the row's name in the station's file
-    const char* levelMember; // of the sensor program; null for the station's quantities
-    const char* suffix;      // of the names of its controls: "LimitTemp", "CondTemp", "AlarmTemp"
-    const char* sectorKey;   // "WindDir", followed by the level's index; null without sectors
-    char16_t alarmLetter;    // an alarm's id is this letter and the level's index
-    int indicator;           // which of the PlayAlarm indicators shows its alarm
-    int dataItem;            // its condition among the items of the user data file
-    int graph;               // which of the six graphs shows it, from 0; -1 for none
+    const char* valueMember;    // of the sensor program, or the row's name in the station's file
+    const char* levelMember;    // of the sensor program; null for the station's quantities
+    const char* valueLabel;     // of the names of its labels: "LValWindSpeed"
+    const char* conditionLabel; // "LCondWind"
+    const char* suffix;    // of the names of its controls: "LimitTemp", "CondTemp", "AlarmTemp"
+    const char* sectorKey; // "WindDir", followed by the level's index; null without sectors
+    char16_t alarmLetter;  // an alarm's id is this letter and the level's index
+    int indicator;         // which of the PlayAlarm indicators shows its alarm
+    int dataItem;          // its condition among the items of the user data file
+    int limitDecimals;     // digits that the number boxes of its limits take after the point
+    int negativeLimits;    // how many of its limits, from the first, may be negative
     std::array<LevelRow, kLevelCount> levels;
 
     bool hasLimits() const { return source == SourceName::Station; }

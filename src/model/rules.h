@@ -21,9 +21,9 @@ struct Rules {
     PerQuantity<LevelRules> levels;
     bool stationOldIsUnsafe = true;
     bool sensorFailedIsUnsafe = true;
-    bool beyondIsUnsafe = false;   // a value above the last limit, which has no level
-    double safeDelaySeconds = 0;   // 0 and less is no delay
-    double cloudDelaySeconds = 0;  // how long it must be cloudy before that counts
+    bool beyondIsUnsafe = false;  // a value above the last limit, which has no level
+    double safeDelaySeconds = 0;  // 0 and less is no delay
+    double cloudDelaySeconds = 0; // how long it must be cloudy before that counts
 };
 
 } // namespace skyhold

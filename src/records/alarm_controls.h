@@ -8,8 +8,7 @@ namespace skyhold {
 struct AlarmControls {
     // Checked: the alarm of level i + 1 is enabled. Tag: empty, a sound file, or a sound file
     // followed by "|repeat".
-    ThreeChecks AlarmCloud, AlarmRain, AlarmDay, AlarmWind, AlarmGust, AlarmTemp, AlarmDew,
-        AlarmHum;
+    PerQuantity<ThreeChecks> Alarm;
     CheckBox AlarmWS;          // station data old or missing
     CheckBox AlarmNB;          // sensor program failed
     Label TimeoutAlarmCaption; // over AlarmNB: "Timeout Alarm", or blank when it is hidden
@@ -19,8 +18,6 @@ struct AlarmControls {
     std::array<QProperty<bool>, 10> PlayAlarm; // which indicator shows that it plays
     Label SoundFault;                          // why the last sound was not heard; empty: it was
     QString LastMusicDir;                      // folder last used in the sound chooser
-
-    ThreeChecks& alarms(Quantity quantity);
 };
 
 } // namespace skyhold

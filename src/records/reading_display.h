@@ -8,25 +8,12 @@
 
 namespace skyhold {
 
-// The nine headers, by the quantity that they stand over.
-enum class Header {
-    Cloud,
-    Rain,
-    Brightness,
-    Wind,
-    Gust,
-    Direction,
-    DewPoint,
-    Humidity,
-    Temperature
-};
-
 struct ReadingDisplay {
-    std::array<Label, 9> Label0; // indexed by Header
-    Label LValCloud, LValRain, LValBrightness, LValTemperature, LValWindSpeed, LValWindGust,
-        LValWindDir, LValDewPoint, LValHumidity, LValSwitch;
-    Label LCondCloud, LCondRain, LCondBrightness, LCondTemp, LCondWind, LCondGust, LCondDewPoint,
-        LCondHumidity;
+    PerQuantity<Label> Label0; // headers
+    PerQuantity<Label> LVal;   // values; of Dew the dew point, though its spread is judged
+    PerQuantity<Label> LCond;  // descriptions of the levels
+    Label Label0Direction, LValWindDir;
+    Label LValSwitch;
     Label Label3Sensor;  // time of the sensor program's last reading
     Label Label3Station; // time of the station's last record
     Label LblSwitch;
@@ -41,9 +28,6 @@ struct ReadingDisplay {
     // 12 pressure unit text.
     std::array<Label, 13> LblWSDesc;
     std::array<Label, 13> LblWSValue;
-
-    Label& header(Header which) { return Label0[static_cast<std::size_t>(which)]; }
-    Label& condition(Quantity quantity);
 };
 
 // Sets a label's text colour and text.

@@ -33,10 +33,9 @@ Records::Records() {
     session.LblUsers.Caption = QStringLiteral("Attached Users: 0");
     dataFile.RecOption.Index = 1;
 
-    constexpr std::array names{"Cloud",     "Rain",     "Brightness", "Wind",       "Gust",
-                               "Direction", "DewPoint", "Humidity",   "Temperature"};
-    for (std::size_t i = 0; i < names.size(); ++i)
-        display.Label0[i].Caption = QString::fromLatin1(names[i]);
+    for (const QuantityRow& row : quantityTable())
+        display.Label0[row.quantity].Caption = QString::fromLatin1(row.header);
+    display.Label0Direction.Caption = QStringLiteral("Direction");
 }
 
 } // namespace skyhold

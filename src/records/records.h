@@ -2,9 +2,9 @@
 // takes the records that it works on, not this.
 #pragma once
 
+#include "model/current_readings.h"
 #include "records/alarm_controls.h"
 #include "records/condition_controls.h"
-#include "model/current_readings.h"
 #include "records/file_controls.h"
 #include "records/graph_history.h"
 #include "records/graph_pictures.h"
@@ -20,8 +20,6 @@ struct Records {
     CurrentReadings readings;
     ReadingDisplay display;
     ConditionControls conditions;
-    SafetyState safety;
-    SectorState sectors;
     AlarmControls alarms;
     UnitControls units;
     StationFileControls stationFile;

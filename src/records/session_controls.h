@@ -1,6 +1,7 @@
 // Session, status lines, automation activity, menus and the window's own state.
 #pragma once
 
+#include "model/session_state.h"
 #include "records/controls.h"
 
 #include <cstdint>
@@ -16,12 +17,16 @@ struct SessionControls {
     OptionGroup SWRole;         // 0 "Enabled": this program drives the switch; 1 "Disable"
     bool SwitchControl = false; // this program drives the switch itself
 
+    bool running() const { return State == SessionState::Running; }
+    bool begun() const { return State != SessionState::Idle; }
+
     Button ButtStart, ButtStop;
     Label Statusbar1; // status line
     Label Statusbar2; // status codes
-    bool Running = false;
-    bool Starting = false;       // a start waits for the sensor program's first data
-    bool StartCancelled = false; // it was stopped while it waited
+    QProperty<SessionState> State{SessionState::Idle};
+    bool StartCancelled = false;           // a start was stopped while it waited
+    QProperty<std::int64_t> CyclesDone{0}; // since the program began; for those who follow cycles
+    QProperty<Verdict> verdict{Verdict::None}; // of the last cycle, while there is a session
 
     std::int32_t ClientCount = 0;
     Label LblUsers;

@@ -1,6 +1,7 @@
 // Display units, the texts that name units in the station file, and the compass labels.
 #pragma once
 
+#include "model/quantity.h"
 #include "records/controls.h"
 
 #include <array>
@@ -27,5 +28,18 @@ struct UnitControls {
     std::array<QString, 16> Cardinal; // label k stands for k * 22.5 degrees
     Button ButtCardinal, ButtUnits;
 };
+
+// The label that shows the unit in force; null for a measure whose unit never changes.
+inline Label* unitLabel(Measure measure, UnitControls& units) {
+    switch (measure) {
+    case Measure::Speed:
+        return &units.SpeedUnitText;
+    case Measure::Temperature:
+    case Measure::TemperatureDifference:
+        return &units.TemperatureUnitText;
+    default:
+        return nullptr;
+    }
+}
 
 } // namespace skyhold

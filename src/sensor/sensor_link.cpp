@@ -368,7 +368,7 @@ void Disp_SwitchLabels(SessionControls& session, ReadingDisplay& display) {
 }
 
 void SetSwitch(SensorLink& sensor, const SessionControls& session, std::int32_t value) {
-    if (!session.Running || session.SWRole.Index != 1)
+    if (!session.running() || session.SWRole.Index != 1)
         return;
     if (sensor.readText(QStringLiteral("Kiv_DeviceRole")) != QStringLiteral("MASTER"))
         return;

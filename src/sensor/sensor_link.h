@@ -2,10 +2,10 @@
 // switch, reached through its automation object "Kiv_Nubilo.Nubilo".
 #pragma once
 
+#include "model/current_readings.h"
 #include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "records/alarm_controls.h"
-#include "model/current_readings.h"
 #include "records/messages.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"

@@ -6,68 +6,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-using Three = std::array<const char*, 3>;
-
-// One station quantity: its keys by level, the same in "Limit", "Description" and "Color".
-struct StationLevels {
-    const char* name;
-    Three keys;
-    Three limits;
-    Three descriptions;
-    std::array<Colour, 3> colours;
-};
-
-constexpr std::array<StationLevels, 5> kStationLevels{{
-    {"wind speed",
-     {"WindCalm", "WindWindy", "WindVWindy"},
-     {"10", "20", "99"},
-     {"Calm", "Windy", "Very Windy"},
-     {kSwatchGreen, kSwatchYellow, kSwatchOrange}},
-    {"gust speed",
-     {"GustCalm", "GustGusty", "GustVGusty"},
-     {"10", "20", "99"},
-     {"Calm", "Gusty", "Very Gusty"},
-     {kSwatchGreen, kSwatchYellow, kSwatchOrange}},
-    {"temperature",
-     {"TempLow", "TempMedium", "TempHigh"},
-     {"-5", "50", "99"},
-     {"Cold", "Fine", "Hot"},
-     {kSwatchYellow, kSwatchGreen, kSwatchOrange}},
-    {"dew-point spread",
-     {"DewLow", "DewMedium", "DewHigh"},
-     {"3", "5", "99"},
-     {"Condensation", "Humid", "Fine"},
-     {kSwatchOrange, kSwatchYellow, kSwatchGreen}},
-    {"humidity",
-     {"HumLow", "HumMedium", "HumHigh"},
-     {"80", "90", "99"},
-     {"Fine", "Humid", "Very Humid"},
-     {kSwatchGreen, kSwatchYellow, kSwatchOrange}},
-}};
-
-// Fields of the five station quantities, in the order of kStationLevels.
-template <class Conditions>
-auto stationLimits(Conditions& c) {
-    return std::array{&c.Limit[Quantity::Wind], &c.Limit[Quantity::Gust], &c.Limit[Quantity::Temperature], &c.Limit[Quantity::Dew], &c.Limit[Quantity::Humidity]};
-}
-template <class Conditions>
-auto stationSwatches(Conditions& c) {
-    return std::array{&c.Color[Quantity::Wind], &c.Color[Quantity::Gust], &c.Color[Quantity::Temperature], &c.Color[Quantity::Dew], &c.Color[Quantity::Humidity]};
-}
-template <class Conditions>
-auto stationUnsafe(Conditions& c) {
-    return std::array{&c.Cond[Quantity::Wind], &c.Cond[Quantity::Gust], &c.Cond[Quantity::Temperature], &c.Cond[Quantity::Dew], &c.Cond[Quantity::Humidity]};
-}
-
-// The check boxes of one quantity with their keys, by level.
-template <class AnyChecks>
-struct LevelKeys {
-    const char* name;
-    AnyChecks& boxes;
-    Three keys;
-    std::array<bool, 3> defaults{};
-};
-
 template <class Box>
 void soundRow(KeyRows& rows, const QString& key, Box& box, const QString& holds) {
     KeyRow& row = rows.text(key, QString(), box.Tag, holds);
@@ -79,116 +17,95 @@ void soundRow(KeyRows& rows, const QString& key, Box& box, const QString& holds)
         };
 }
 
+// Calls `add` for each level of each quantity: the level's row, its index, and what it is, in
+// words.
+template <class Add>
+void forEachLevel(const QString& words, Add add) {
+    for (const QuantityRow& row : quantityTable()) {
+        for (std::size_t i = 0; i < kLevelCount; ++i)
+            add(row, i, words.arg(latin(row.settingName)).arg(i + 1));
+    }
+}
+
+// The same for the quantities that the user's limits classify.
+template <class Add>
+void forEachLimit(const QString& words, Add add) {
+    forEachLevel(words, [&add](const QuantityRow& row, std::size_t i, const QString& holds) {
+        if (row.hasLimits())
+            add(row, i, holds);
+    });
+}
+
 } // namespace
 
 template <class Conditions>
 void limitRows(KeyRows& rows, Conditions& c) {
-    const auto boxes = stationLimits(c);
     rows.section(u"Limit"_s);
-    for (std::size_t q = 0; q < kStationLevels.size(); ++q) {
-        const StationLevels& levels = kStationLevels[q];
-        for (std::size_t i = 0; i < 3; ++i)
-            rows.number(latin(levels.keys[i]), latin(levels.limits[i]), (*boxes[q])[i],
-                        u"%1: highest value of level %2"_s.arg(latin(levels.name)).arg(i + 1));
-    }
+    forEachLimit(u"%1: highest value of level %2"_s,
+                 [&](const QuantityRow& row, std::size_t i, const QString& holds) {
+                     rows.number(latin(row.levels[i].limitKey), latin(row.levels[i].limit),
+                                 c.Limit[row.quantity][i], holds);
+                 });
 }
 
 // A level's description stands on its swatch and beside its unsafe check box.
 template <class Conditions>
 void descriptionRows(KeyRows& rows, Conditions& c) {
-    const auto swatches = stationSwatches(c);
-    const auto unsafe = stationUnsafe(c);
     rows.section(u"Description"_s);
-    for (std::size_t q = 0; q < kStationLevels.size(); ++q) {
-        const StationLevels& levels = kStationLevels[q];
-        for (std::size_t i = 0; i < 3; ++i) {
-            auto& swatch = (*swatches[q])[i];
-            auto& box = (*unsafe[q])[i];
-            KeyRow& row =
-                rows.text(latin(levels.keys[i]), latin(levels.descriptions[i]), swatch.Caption,
-                          u"%1: description of level %2"_s.arg(latin(levels.name)).arg(i + 1));
-            if constexpr (!std::is_const_v<Conditions>)
-                row.load = [&swatch, &box](const QString& stored, const NumberForms&) {
-                    swatch.Caption = stored;
-                    box.Caption = stored;
-                    return true;
-                };
-        }
-    }
+    forEachLimit(u"%1: description of level %2"_s, [&](const QuantityRow& row, std::size_t i,
+                                                       const QString& holds) {
+        auto& swatch = c.Color[row.quantity][i];
+        auto& box = c.Cond[row.quantity][i];
+        KeyRow& added = rows.text(latin(row.levels[i].limitKey), latin(row.levels[i].description),
+                                  swatch.Caption, holds);
+        if constexpr (!std::is_const_v<Conditions>)
+            added.load = [&swatch, &box](const QString& stored, const NumberForms&) {
+                swatch.Caption = stored;
+                box.Caption = stored;
+                return true;
+            };
+    });
 }
 
 template <class Conditions>
 void colourRows(KeyRows& rows, Conditions& c) {
-    const auto swatches = stationSwatches(c);
     rows.section(u"Color"_s);
-    for (std::size_t q = 0; q < kStationLevels.size(); ++q) {
-        const StationLevels& levels = kStationLevels[q];
-        for (std::size_t i = 0; i < 3; ++i)
-            rows.colour(latin(levels.keys[i]), levels.colours[i], (*swatches[q])[i],
-                        u"%1: colour of level %2"_s.arg(latin(levels.name)).arg(i + 1));
-    }
+    forEachLimit(u"%1: colour of level %2"_s,
+                 [&](const QuantityRow& row, std::size_t i, const QString& holds) {
+                     rows.colour(latin(row.levels[i].limitKey), row.levels[i].colour,
+                                 c.Color[row.quantity][i], holds);
+                 });
 }
 
-// Beware: the keys of temperature and dew point run against the levels here.
 template <class Conditions>
 void unsafeRows(KeyRows& rows, Conditions& c) {
-    using Keys = LevelKeys<std::remove_reference_t<decltype((c.Cond[Quantity::Cloud]))>>;
     rows.section(u"Unsafe"_s);
-    for (const Keys& quantity :
-         {Keys{"cloud", c.Cond[Quantity::Cloud], {"Clear", "Cloudy", "Overcast"}, {false, false, true}},
-          Keys{"rain", c.Cond[Quantity::Rain], {"Dry", "Wet", "Rain"}, {false, true, true}},
-          Keys{"wind", c.Cond[Quantity::Wind], {"Calm", "Windy", "VWindy"}, {false, true, true}},
-          Keys{"gust", c.Cond[Quantity::Gust], {"CalmGust", "WindyGust", "VWindyGust"}, {false, true, true}},
-          Keys{"temperature",
-               c.Cond[Quantity::Temperature],
-               {"TempHigh", "TempMedium", "TempLow"},
-               {true, false, true}},
-          Keys{"humidity", c.Cond[Quantity::Humidity], {"HumLow", "HumMedium", "HumHigh"}, {false, false, true}},
-          Keys{"dew-point spread",
-               c.Cond[Quantity::Dew],
-               {"DewHigh", "DewMedium", "DewLow"},
-               {true, false, false}},
-          Keys{"brightness", c.Cond[Quantity::Brightness], {"Dark", "Light", "VLight"}, {false, false, true}}}) {
-        for (std::size_t i = 0; i < 3; ++i)
-            rows.check(latin(quantity.keys[i]), quantity.defaults[i], quantity.boxes[i],
-                       u"%1: level %2 is unsafe"_s.arg(latin(quantity.name)).arg(i + 1));
-    }
-    for (int i = 0; i < 3; ++i) {
-        const auto level = static_cast<std::size_t>(i);
-        rows.text(u"WindDir%1"_s.arg(i), u"000  359  01"_s, c.Direction[Quantity::Wind][level].Caption,
-                  u"wind level %1: sector from, to (degrees) and minutes"_s.arg(i + 1));
-        rows.text(u"GustDir%1"_s.arg(i), u"000  359  01"_s, c.Direction[Quantity::Gust][level].Caption,
-                  u"gust level %1: sector from, to (degrees) and minutes"_s.arg(i + 1));
-    }
+    forEachLevel(u"%1: level %2 is unsafe"_s,
+                 [&](const QuantityRow& row, std::size_t i, const QString& holds) {
+                     rows.check(latin(row.levels[i].unsafeKey), row.levels[i].unsafe,
+                                c.Cond[row.quantity][i], holds);
+                 });
+    forEachLevel(u"%1, level %2: sector from, to (degrees) and minutes"_s,
+                 [&](const QuantityRow& row, std::size_t i, const QString& holds) {
+                     if (row.hasSectors())
+                         rows.text(latin(row.sectorKey) + QString::number(i), u"000  359  01"_s,
+                                   c.Direction[row.quantity][i].Caption, holds);
+                 });
 }
 
+// All sounds before all check marks: a box without a sound unchecks itself.
 template <class Alarms>
 void alarmRows(KeyRows& rows, Alarms& a) {
-    using Keys = LevelKeys<std::remove_reference_t<decltype((a.Alarm[Quantity::Cloud]))>>;
-    const std::array quantities{
-        Keys{"cloud", a.Alarm[Quantity::Cloud], {"Clear", "Cloudy", "Overcast"}},
-        Keys{"rain", a.Alarm[Quantity::Rain], {"Dry", "Wet", "Rain"}},
-        Keys{"brightness", a.Alarm[Quantity::Brightness], {"Dark", "Light", "VLight"}},
-        Keys{"wind", a.Alarm[Quantity::Wind], {"Calm", "Windy", "VWindy"}},
-        Keys{"gust", a.Alarm[Quantity::Gust], {"CalmGust", "WindyGust", "VWindyGust"}},
-        Keys{"temperature", a.Alarm[Quantity::Temperature], {"TempLow", "TempMedium", "TempHigh"}},
-        Keys{"humidity", a.Alarm[Quantity::Humidity], {"HumLow", "HumMedium", "HumHigh"}},
-        Keys{"dew-point spread", a.Alarm[Quantity::Dew], {"DewLow", "DewMedium", "DewHigh"}}};
-
-    // All sounds before all check marks: a box without a sound unchecks itself.
     rows.section(u"Alarms"_s);
-    for (const Keys& quantity : quantities) {
-        for (std::size_t i = 0; i < 3; ++i)
-            soundRow(rows, latin(quantity.keys[i]), quantity.boxes[i],
-                     u"%1: sound of level %2, followed by \"|repeat\" to repeat it"_s
-                         .arg(latin(quantity.name))
-                         .arg(i + 1));
-    }
-    for (const Keys& quantity : quantities) {
-        for (std::size_t i = 0; i < 3; ++i)
-            rows.check(latin(quantity.keys[i]) + u"Stat"_s, false, quantity.boxes[i],
-                       u"%1: alarm of level %2 is on"_s.arg(latin(quantity.name)).arg(i + 1));
-    }
+    forEachLevel(u"%1: sound of level %2, followed by \"|repeat\" to repeat it"_s,
+                 [&](const QuantityRow& row, std::size_t i, const QString& holds) {
+                     soundRow(rows, latin(row.levels[i].alarmKey), a.Alarm[row.quantity][i], holds);
+                 });
+    forEachLevel(u"%1: alarm of level %2 is on"_s,
+                 [&](const QuantityRow& row, std::size_t i, const QString& holds) {
+                     rows.check(latin(row.levels[i].alarmKey) + u"Stat"_s, false,
+                                a.Alarm[row.quantity][i], holds);
+                 });
 }
 
 template <class Alarms, class Conditions>

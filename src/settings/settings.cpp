@@ -22,18 +22,13 @@ void saveRows(const std::vector<KeyRow>& rows, SettingsStore& store, const Numbe
         store.SaveSetting(row.section, row.key, row.text(forms));
 }
 
-// The sensor program has the descriptions of its three quantities; until it is asked, the unsafe
-// check boxes show the usual ones.
+// The sensor program has the descriptions of its quantities; until it is asked, the unsafe check
+// boxes show the usual ones.
 void captionSensorLevels(ConditionControls& conditions) {
-    constexpr std::array<std::array<const char*, 3>, 3> captions{{
-        {"Clear", "Cloudy", "Overcast"},
-        {"Dry", "Wet", "Rain"},
-        {"Dark", "Light", "Very Light"},
-    }};
-    const std::array boxes{&conditions.Cond[Quantity::Cloud], &conditions.Cond[Quantity::Rain], &conditions.Cond[Quantity::Brightness]};
-    for (std::size_t q = 0; q < boxes.size(); ++q) {
-        for (std::size_t i = 0; i < 3; ++i)
-            (*boxes[q])[i].Caption = QString::fromLatin1(captions[q][i]);
+    for (const Quantity quantity : kSensorQuantities) {
+        for (std::size_t i = 0; i < kLevelCount; ++i)
+            conditions.Cond[quantity][i].Caption =
+                QString::fromLatin1(rowOf(quantity).levels[i].description);
     }
 }
 

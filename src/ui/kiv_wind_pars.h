@@ -1,7 +1,8 @@
 // The editor of a wind level's sector and minimum time.
 #pragma once
 
-#include "conditions/sectors.h"
+#include "conditions/sector_text.h"
+#include "records/controls.h"
 
 #include <QDialog>
 

@@ -47,6 +47,30 @@ LampWidget* makeLamp(QWidget* parent, const QString& name, int diameter) {
     return lamp;
 }
 
+constexpr std::array kTileOrder{Quantity::Cloud,       Quantity::Rain,    Quantity::Brightness,
+                                Quantity::Temperature, Quantity::Wind,    Quantity::Gust,
+                                Quantity::Dew,         Quantity::Humidity};
+static_assert(kTileOrder.size() == kQuantityCount);
+
+// What a tile draws below its value, from the history of the graphs. What one would call calm or
+// steady does not fill its strip.
+struct TrendOfQuantity {
+    Quantity quantity;
+    double (*value)(const GraphPoint&);
+    TrendScale scale;
+};
+constexpr TrendScale kAnySpeed{.leastSpan = 10, .lowest = 0};
+constexpr TrendScale kDegrees{.leastSpan = 4};
+constexpr std::array<TrendOfQuantity, 5> kTrends{{
+    {Quantity::Temperature, [](const GraphPoint& p) { return p.temperature; }, kDegrees},
+    {Quantity::Wind, [](const GraphPoint& p) { return p.wind; }, kAnySpeed},
+    {Quantity::Gust, [](const GraphPoint& p) { return p.gust; }, kAnySpeed},
+    {Quantity::Dew, [](const GraphPoint& p) { return p.temperature - p.spread; }, kDegrees},
+    {Quantity::Humidity,
+     [](const GraphPoint& p) { return p.humidity; },
+     {.leastSpan = 10, .lowest = 0, .highest = 100}},
+}};
+
 } // namespace
 
 MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
@@ -63,15 +87,16 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     layout->addLayout(top);
     layout->addWidget(makeTiles(core.records));
     layout->addWidget(makeSources(core));
-    // Blinks at the end of every read cycle.
-    follow(this, core.records.display.LEDRead.first.FillColor, [this, &core](Colour) {
+    SessionControls& session = core.records.session;
+    follow(this, session.CyclesDone, [this, &core, &session](std::int64_t) {
         showTrends(core.records, core.clock.now());
-        if (!core.records.session.ButtStart.Visible)
-            showLive(core.records, true);
+        showLive(core.records, session.begun());
     });
     // A session that starts has nothing to show before its first reading.
-    follow(this, core.records.session.ButtStart.Visible,
-           [this, &core](bool) { showLive(core.records, false); });
+    follow(this, session.State, [this, &core](SessionState state) {
+        if (state != SessionState::Running)
+            showLive(core.records, false);
+    });
 }
 
 // Without a session nothing has a colour of its own, and the last readings have their times.
@@ -102,10 +127,10 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     delay->setInk(screenColour(kYellow));
     bind(delay, records.conditions.SafeDelayMsg);
     const auto showCause = [=, &records] {
-        const bool idle = records.session.ButtStart.Visible;
+        const bool idle = !records.session.begun();
         const QString words = records.display.LblCause.Caption;
         const QString verdict = records.conditions.LblStatus.Caption;
-        const bool none = words.isEmpty() && records.conditions.LEDUnsafe.FillColor == kGreen;
+        const bool none = words.isEmpty() && records.session.verdict == Verdict::Safe;
         // Words without a verdict say why a start has failed.
         const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
         cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
@@ -120,8 +145,8 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
         delay->setHidden(idle);
     };
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
-    follow(cause, records.conditions.LEDUnsafe.FillColor, [=](Colour) { showCause(); });
-    follow(cause, records.session.ButtStart.Visible, [=](bool) { showCause(); });
+    follow(cause, records.session.verdict, [=](Verdict) { showCause(); });
+    follow(cause, records.session.State, [=](SessionState) { showCause(); });
     auto* automaticLayout = new QVBoxLayout(automatic);
     automaticLayout->setContentsMargins(0, 0, 0, 0);
     automaticLayout->setSpacing(2);
@@ -242,10 +267,9 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     left->reserve(left->text());
     const auto showLeft = [left, &core, &session] {
         const Label& roof = core.records.display.LValSwitch;
-        left->setVisible(session.ButtStart.Visible && roof.Visible &&
-                         roof.Caption.value() == u"Opened"_s);
+        left->setVisible(!session.begun() && roof.Visible && roof.Caption.value() == u"Opened"_s);
     };
-    follow(left, session.ButtStart.Visible, [showLeft](bool) { showLeft(); });
+    follow(left, session.State, [showLeft](SessionState) { showLeft(); });
     follow(left, core.records.display.LValSwitch.Caption,
            [showLeft](const QString&) { showLeft(); });
 
@@ -291,65 +315,41 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
 }
 
 QWidget* MonitorPanel::makeTiles(Records& records) {
-    struct Tile {
-        Header header;
-        const char* headerName;
-        Label& value;
-        const char* valueName;
-        Label* condition;
-        const char* conditionName;
-        Label* unit;
-        const char* fixedUnit;
-        double (*trend)(const GraphPoint&) = nullptr;
-        TrendScale scale = {};
-    };
-    Label* const temperature = &records.units.TemperatureUnitText;
-    Label* const speed = &records.units.SpeedUnitText;
-    ReadingDisplay& d = records.display;
-    // What one would call calm or steady does not fill its strip.
-    constexpr TrendScale anySpeed{.leastSpan = 10, .lowest = 0};
-    constexpr TrendScale degrees{.leastSpan = 4};
-    constexpr TrendScale percent{.leastSpan = 10, .lowest = 0, .highest = 100};
-    constexpr TrendScale compass{.lowest = 0, .highest = 360, .circular = true};
-    const std::array<Tile, 9> tiles{{
-        {Quantity::Cloud, "Label00", d.LVal[Quantity::Cloud], "LValCloud", &d.LCond[Quantity::Cloud], "LCondCloud",
-         temperature, ""},
-        {Quantity::Rain, "Label01", d.LVal[Quantity::Rain], "LValRain", &d.LCond[Quantity::Rain], "LCondRain", nullptr, ""},
-        {Quantity::Brightness, "Label07", d.LVal[Quantity::Brightness], "LValBrightness", &d.LCond[Quantity::Brightness],
-         "LCondBrightness", nullptr, ""},
-        {Quantity::Temperature, "Label08", d.LVal[Quantity::Temperature], "LValTemperature", &d.LCond[Quantity::Temperature],
-         "LCondTemp", temperature, "", [](const GraphPoint& p) { return p.temperature; }, degrees},
-        {Quantity::Wind, "Label02", d.LVal[Quantity::Wind], "LValWindSpeed", &d.LCond[Quantity::Wind], "LCondWind",
-         speed, "", [](const GraphPoint& p) { return p.wind; }, anySpeed},
-        {Quantity::Gust, "Label03", d.LVal[Quantity::Gust], "LValWindGust", &d.LCond[Quantity::Gust], "LCondGust", speed,
-         "", [](const GraphPoint& p) { return p.gust; }, anySpeed},
-        {Header::Direction, "Label04", d.LValWindDir, "LValWindDir", nullptr, "", nullptr, "°",
-         [](const GraphPoint& p) { return p.direction; }, compass},
-        {Quantity::Dew, "Label05", d.LVal[Quantity::Dew], "LValDewPoint", &d.LCond[Quantity::Dew],
-         "LCondDewPoint", temperature, "",
-         [](const GraphPoint& p) { return p.temperature - p.spread; }, degrees},
-        {Quantity::Humidity, "Label06", d.LVal[Quantity::Humidity], "LValHumidity", &d.LCond[Quantity::Humidity],
-         "LCondHumidity", nullptr, "%", [](const GraphPoint& p) { return p.humidity; }, percent},
-    }};
-
+    ReadingDisplay& display = records.display;
     auto* row = new QWidget(this);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
-    for (const Tile& tile : tiles) {
-        auto* card = new ReadingTile(d.Label0[tile.header], QString::fromLatin1(tile.headerName),
-                                     tile.value, QString::fromLatin1(tile.valueName), row);
-        if (tile.condition)
-            card->showCondition(*tile.condition, QString::fromLatin1(tile.conditionName));
-        if (tile.unit)
-            card->showUnit(*tile.unit);
+    const auto addTile = [&](Label& header, Label& value, const QString& valueName, bool sensor) {
+        auto* tile = new ReadingTile(header, u"Label0"_s + header.Caption, value, valueName, row);
+        layout->addWidget(tile, 1);
+        tiles_.emplace_back(tile, sensor);
+        return tile;
+    };
+    const auto addDirection = [&] {
+        ReadingTile* tile =
+            addTile(display.Label0Direction, display.LValWindDir, u"LValWindDir"_s, false);
+        tile->showUnit(u"°"_s);
+        trends_.push_back({tile, [](const GraphPoint& p) { return p.direction; },
+                           TrendScale{.lowest = 0, .highest = 360, .circular = true}});
+    };
+    for (const Quantity quantity : kTileOrder) {
+        const QuantityRow& shown = rowOf(quantity);
+        ReadingTile* tile = addTile(display.Label0[quantity], display.LVal[quantity],
+                                    u"LVal"_s + QLatin1String(shown.valueLabel),
+                                    shown.source == SourceName::Sensor);
+        tile->showCondition(display.LCond[quantity],
+                            u"LCond"_s + QLatin1String(shown.conditionLabel));
+        if (Label* unit = unitLabel(shown.measure, records.units))
+            tile->showUnit(*unit);
         else
-            card->showUnit(QString::fromUtf8(tile.fixedUnit));
-        tiles_.emplace_back(card, tile.header == Quantity::Cloud || tile.header == Quantity::Rain ||
-                                      tile.header == Quantity::Brightness);
-        if (tile.trend)
-            trends_.push_back({card, tile.trend, tile.scale});
-        layout->addWidget(card, 1);
+            tile->showUnit(shown.measure == Measure::Percent ? u"%"_s : QString());
+        for (const TrendOfQuantity& trend : kTrends) {
+            if (trend.quantity == quantity)
+                trends_.push_back({tile, trend.value, trend.scale});
+        }
+        if (quantity == Quantity::Gust)
+            addDirection();
     }
     return row;
 }
@@ -404,7 +404,7 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     const auto showAges = [&core, sensorAge, stationAge] {
         const CurrentReadings& readings = core.records.readings;
         const SessionControls& session = core.records.session;
-        const bool running = session.Running && !session.ButtStart.Visible;
+        const bool running = session.running();
         const QDateTime now = core.clock.now();
         const int interval = session.RefreshRead.chosenSeconds();
         const auto show = [&](Readout* age, const QDateTime& read, bool known, bool failed) {
@@ -417,8 +417,8 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
              readings.SensorError);
         show(stationAge, readings.StationDateTime, true, !readings.StationValid);
     };
-    follow(row, display.LEDRead.first.FillColor, [showAges](Colour) { showAges(); });
-    follow(row, session.ButtStart.Visible, [showAges](bool) { showAges(); });
+    follow(row, session.CyclesDone, [showAges](std::int64_t) { showAges(); });
+    follow(row, session.State, [showAges](SessionState) { showAges(); });
 
     auto* activity = new QWidget(row);
     activity->setObjectName(u"FrameCOM"_s);

@@ -35,8 +35,10 @@ StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     bind(codes, session.Statusbar2);
     // What a session said last, of a refreshed file perhaps, goes with it. The words of a start
     // that failed stay: it never ran.
-    follow(status, session.ButtStart.Visible, [status, &session](bool idle) {
-        const bool ended = idle && session.Running;
+    const auto ran = std::make_shared<bool>(false);
+    follow(status, session.State, [status, &session, ran](SessionState state) {
+        const bool ended = state == SessionState::Idle && *ran;
+        *ran = state == SessionState::Running;
         const Colour stated = session.Statusbar1.ForeColor;
         status->setText(ended ? u"Monitoring stopped"_s : session.Statusbar1.Caption.value());
         status->setInk(ended || stated == 0 ? QColor() : screenColour(stated));

@@ -41,18 +41,17 @@ Tray::Tray(MonitoringCore& core, KivSHMainform& window)
 
 void Tray::followVerdict() {
     Records& records = core_.records;
-    follow(this, records.session.ButtStart.Visible, [this](bool) { showVerdict(); });
-    follow(this, records.conditions.LEDUnsafe.FillColor, [this](Colour) { showVerdict(); });
-    // Blinks at the end of every read cycle, when the health of the sources is known.
-    follow(this, records.display.LEDRead.first.FillColor, [this](Colour) { showVerdict(); });
+    follow(this, records.session.State, [this](SessionState) { showVerdict(); });
+    follow(this, records.session.verdict, [this](Verdict) { showVerdict(); });
+    // The health of the sources may change while the verdict does not.
+    follow(this, records.session.CyclesDone, [this](std::int64_t) { showVerdict(); });
     followLook(this, [this] { showVerdict(); });
 }
 
 void Tray::showVerdict() {
     const Records& records = core_.records;
     const VerdictIcon verdict =
-        verdictIcon(records.session.ButtStart.Visible, records.conditions.LEDUnsafe.FillColor,
-                    records.readings);
+        verdictIcon(records.session.State, records.session.verdict, records.readings);
     const std::pair shown(verdict, lookInForce());
     if (shown_ == shown)
         return;

@@ -16,11 +16,16 @@ namespace skyhold {
 namespace {
 
 // The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
-QColor verdictGround(Colour lamp) {
-    if (lamp == kRed)
+QColor verdictGround(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Unsafe:
+    case Verdict::Waiting:
         return QColor(0xa1, 0x12, 0x1b);
-    if (lamp == kGreen)
+    case Verdict::Safe:
         return QColor(0x12, 0x6b, 0x35);
+    case Verdict::None:
+        break;
+    }
     return {};
 }
 
@@ -46,9 +51,9 @@ void showIdle(const Parts& parts, const QString& stopped) {
     parts.note->setHidden(stopped.isEmpty());
 }
 
-void showVerdict(const Parts& parts, const ConditionControls& conditions) {
+void showVerdict(const Parts& parts, Verdict verdict, const ConditionControls& conditions) {
     const QString words = conditions.LblStatus.Caption;
-    const QColor ground = verdictGround(conditions.LEDUnsafe.FillColor);
+    const QColor ground = verdictGround(verdict);
     parts.card->setFill(ground);
     parts.card->setEdge(Edge::None);
     parts.verdict->setGround(ground);
@@ -79,20 +84,21 @@ QWidget* makeVerdictCard(MonitoringCore& core, QWidget* parent) {
     ConditionControls& conditions = core.records.conditions;
     SessionControls& session = core.records.session;
     const auto stopped = std::make_shared<QString>(); // when the last session was
-    const auto refresh = [parts, stopped, &conditions, &session, &core] {
-        const bool idle = session.ButtStart.Visible;
-        // It runs until everything has been stopped, which the Start button shows before.
-        if (idle && session.Running)
-            *stopped = u"stopped "_s + formatDate(core.clock.now(), u"dd/mm hh:mm:ss");
-        parts.lamp->setUnlit(idle);
-        if (idle)
-            showIdle(parts, *stopped);
+    const auto refresh = [parts, stopped, &conditions, &session] {
+        parts.lamp->setUnlit(!session.begun());
+        if (session.begun())
+            showVerdict(parts, session.verdict, conditions);
         else
-            showVerdict(parts, conditions);
+            showIdle(parts, *stopped);
     };
-    follow(card, session.ButtStart.Visible, [refresh](bool) { refresh(); });
-    follow(card, conditions.LEDUnsafe.FillColor, [refresh](Colour) { refresh(); });
-    follow(card, conditions.LblStatus.Caption, [refresh](const QString&) { refresh(); });
+    const auto ran = std::make_shared<bool>(false);
+    follow(card, session.State, [refresh, stopped, ran, &core](SessionState state) {
+        if (state == SessionState::Idle && *ran)
+            *stopped = u"stopped "_s + formatDate(core.clock.now(), u"dd/mm hh:mm:ss");
+        *ran = state == SessionState::Running;
+        refresh();
+    });
+    follow(card, session.verdict, [refresh](Verdict) { refresh(); });
 
     auto* words = new QVBoxLayout;
     words->setSpacing(0);

@@ -76,14 +76,14 @@ void drawFault(QPainter& painter) {
 
 } // namespace
 
-VerdictIcon verdictIcon(bool idle, Colour lamp, const CurrentReadings& readings) {
-    if (idle)
+VerdictIcon verdictIcon(SessionState session, Verdict verdict, const CurrentReadings& readings) {
+    if (session == SessionState::Idle)
         return VerdictIcon::None;
     if (readings.SensorError || readings.StationDataOld || readings.StationFileMissing)
         return VerdictIcon::Fault;
-    if (lamp == kRed)
-        return VerdictIcon::Unsafe;
-    return lamp == kGreen ? VerdictIcon::Safe : VerdictIcon::None;
+    if (verdict == Verdict::None)
+        return VerdictIcon::None;
+    return verdict == Verdict::Safe ? VerdictIcon::Safe : VerdictIcon::Unsafe;
 }
 
 QIcon drawVerdictIcon(VerdictIcon which) {

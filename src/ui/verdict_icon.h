@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/current_readings.h"
+#include "model/session_state.h"
 
 #include <QIcon>
 
@@ -15,8 +16,7 @@ enum class VerdictIcon {
     Fault   // a source fails, whatever the verdict: an exclamation mark in a triangle
 };
 
-// `lamp` is the colour of the verdict's lamp.
-VerdictIcon verdictIcon(bool idle, Colour lamp, const CurrentReadings& readings);
+VerdictIcon verdictIcon(SessionState session, Verdict verdict, const CurrentReadings& readings);
 
 QIcon drawVerdictIcon(VerdictIcon which);
 

@@ -58,7 +58,8 @@ void UnitsSpeed_Click(int index, UnitControls& units, ConditionControls& conditi
         return;
     changeUnit(*unit, readings.SpeedUnit, units.PreviousSpeedUnit, units.SpeedUnitText,
                units.Loading,
-               {{conditions.Limit[Quantity::Wind], ConvertSpeed}, {conditions.Limit[Quantity::Gust], ConvertSpeed}},
+               {{conditions.Limit[Quantity::Wind], ConvertSpeed},
+                {conditions.Limit[Quantity::Gust], ConvertSpeed}},
                convertHistory);
 }
 

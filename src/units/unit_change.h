@@ -1,8 +1,8 @@
 // The change of the display unit: limits and graph history are converted to the new one.
 #pragma once
 
-#include "records/condition_controls.h"
 #include "model/current_readings.h"
+#include "records/condition_controls.h"
 #include "records/unit_controls.h"
 
 #include <functional>

@@ -23,14 +23,6 @@ namespace skyhold {
 
 namespace {
 
-struct LimitGroup {
-    QString title;
-    const char* suffix; // of the control names
-    Quantity quantity;
-    Label* unit;          // null: it stands in the title
-    ThreeLabels* sectors; // of wind and gust
-};
-
 // Stands beside a limit in force that would be refused if it were typed: settings, units and
 // automation clients are not asked.
 QLabel* makeFaultMark(QWidget* group, Quantity quantity, std::size_t i,
@@ -54,12 +46,12 @@ QLabel* makeFaultMark(QWidget* group, Quantity quantity, std::size_t i,
     return mark;
 }
 
-void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
+void addLevel(QGridLayout* grid, const QuantityRow& shown, std::size_t i,
               ConditionControls& conditions, const ShowMessage& showMessage) {
     QWidget* group = grid->parentWidget();
-    const QByteArray suffix(made.suffix);
-    Label& level = conditions.Color[made.quantity][i];
-    CheckBox& unsafe = conditions.Cond[made.quantity][i];
+    const QByteArray suffix(shown.suffix);
+    Label& level = conditions.Color[shown.quantity][i];
+    CheckBox& unsafe = conditions.Cond[shown.quantity][i];
 
     auto* swatch = new Swatch(group);
     swatch->setObjectName(indexed("Color" + suffix, i));
@@ -69,12 +61,12 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
                  [swatch, &level, &unsafe] { KivColor(level, &unsafe, swatch).exec(); });
 
     KivGetNumber* limit =
-        makeNumber(group, indexed("Limit" + suffix, i), conditions.Limit[made.quantity][i]);
+        makeNumber(group, indexed("Limit" + suffix, i), conditions.Limit[shown.quantity][i]);
     limit->setToolTip(u"Upper limit of this level"_s);
     limit->setFixedWidth(60); // leaves room for the level's name
     holdFocusWhile(
         limit,
-        [limit, i, &conditions, quantity = made.quantity] {
+        [limit, i, &conditions, quantity = shown.quantity] {
             // A box that is left empty would stand for 0.
             const double value =
                 limit->holdsNumber() ? conditions.Limit[quantity][i].Value.value() : 0;
@@ -86,7 +78,7 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
         });
 
     const int row = static_cast<int>(i) * 2 + 1;
-    QLabel* mark = makeFaultMark(group, made.quantity, i, conditions);
+    QLabel* mark = makeFaultMark(group, shown.quantity, i, conditions);
     mark->setObjectName(indexed("Fault" + suffix, i));
     grid->addWidget(swatch, row, 0);
     auto* number = new QHBoxLayout;
@@ -94,10 +86,10 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     number->addWidget(mark);
     number->addWidget(limit);
     grid->addLayout(number, row, 1, Qt::AlignRight);
-    if (!made.sectors)
+    if (!shown.hasSectors())
         return;
 
-    Label& sector = (*made.sectors)[i];
+    Label& sector = conditions.Direction[shown.quantity][i];
     auto* label = new Readout(group);
     label->setObjectName(indexed("Direction" + suffix, i));
     label->setPixelSize(13);
@@ -115,12 +107,13 @@ void addLevel(QGridLayout* grid, const LimitGroup& made, std::size_t i,
     grid->addLayout(line, row + 1, 0, 1, 2);
 }
 
-QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions,
+QWidget* makeGroup(const QuantityRow& shown, ConditionControls& conditions, UnitControls& units,
                    const ShowMessage& showMessage, QWidget* page) {
-    auto* group = new QGroupBox(made.title, page);
-    if (made.unit)
-        follow(group, made.unit->Caption, [group, title = made.title](const QString& unit) {
-            group->setTitle(u"%1 (%2)"_s.arg(title, unit));
+    const QString title = QString::fromUtf16(shown.title);
+    auto* group = new QGroupBox(u"%1 (%2)"_s.arg(title, u"%"_s), page);
+    if (Label* unit = unitLabel(shown.measure, units))
+        follow(group, unit->Caption, [group, title](const QString& text) {
+            group->setTitle(u"%1 (%2)"_s.arg(title, text));
         });
     auto* grid = new QGridLayout(group);
     grid->setContentsMargins(14, 8, 14, 10);
@@ -128,7 +121,7 @@ QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions,
     grid->setVerticalSpacing(6);
     grid->setColumnStretch(0, 1);
     for (std::size_t i = 0; i < 3; ++i)
-        addLevel(grid, made, i, conditions, showMessage);
+        addLevel(grid, shown, i, conditions, showMessage);
     grid->setRowStretch(7, 1);
     return group;
 }
@@ -137,13 +130,6 @@ QWidget* makeGroup(const LimitGroup& made, ConditionControls& conditions,
 
 QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
                         const ShowMessage& showMessage, QWidget* parent) {
-    const std::array<LimitGroup, 5> groups{{
-        {u"Wind"_s, "Wind", Quantity::Wind, &units.SpeedUnitText, &conditions.Direction[Quantity::Wind]},
-        {u"Gust"_s, "Gust", Quantity::Gust, &units.SpeedUnitText, &conditions.Direction[Quantity::Gust]},
-        {u"Temperature"_s, "Temp", Quantity::Temperature, &units.TemperatureUnitText, nullptr},
-        {u"Dew-point spread"_s, "Dew", Quantity::Dew, &units.TemperatureUnitText, nullptr},
-        {u"Humidity (%)"_s, "Hum", Quantity::Humidity, nullptr, nullptr},
-    }};
     auto* page = new QWidget(parent);
     QVBoxLayout* column = pageColumn(page);
     addHint(column, u"A value up to and including a limit belongs to that level. A pencil, a "
@@ -151,8 +137,8 @@ QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
                     u"sector."_s);
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kMargin);
-    for (const LimitGroup& made : groups)
-        row->addWidget(makeGroup(made, conditions, showMessage, page), 1);
+    for (const Quantity quantity : kStationQuantities)
+        row->addWidget(makeGroup(rowOf(quantity), conditions, units, showMessage, page), 1);
     column->addLayout(row);
     column->addStretch();
     return page;

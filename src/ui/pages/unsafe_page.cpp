@@ -22,17 +22,6 @@ namespace skyhold {
 
 namespace {
 
-// A row of the table: a quantity with its three levels.
-struct QuantityRow {
-    QString title;
-    const char* unsafe; // control names
-    const char* alarm;
-    Quantity quantity;
-    std::size_t indicator; // index in PlayAlarm
-    // The sensor program's own names may never have been heard.
-    std::array<QString, 3> levels;
-};
-
 // Columns: the quantity, then for each level its unsafe box, its limit on its colour, its alarm box
 // and its sound.
 constexpr int kTitle = 1;
@@ -40,12 +29,6 @@ constexpr int kPerLevel = 5; // the fifth keeps the levels apart
 constexpr int kTwoColumns = 2;
 constexpr int columnOf(int level) {
     return kTitle + 1 + level * kPerLevel;
-}
-
-// The sensor program knows the limits of its own quantities.
-bool hasLimits(Quantity quantity) {
-    return quantity != Quantity::Cloud && quantity != Quantity::Rain &&
-           quantity != Quantity::Brightness;
 }
 
 // The limit of a level on the level's colour.
@@ -99,20 +82,22 @@ class AlarmTable {
         }
     }
 
-    void addQuantity(const QuantityRow& made, ConditionControls& conditions) {
-        beginRow(made.title, made.indicator);
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (hasLimits(made.quantity))
-                grid_->addWidget(makeLimit(conditions.Limit[made.quantity][i],
-                                           conditions.Color[made.quantity][i],
-                                           indexed(QByteArray("Limit") + made.unsafe, i), parent_),
+    void addQuantity(const QuantityRow& shown, ConditionControls& conditions) {
+        const QByteArray suffix(shown.suffix);
+        const QString title = QString::fromUtf16(shown.title);
+        beginRow(title, static_cast<std::size_t>(shown.indicator));
+        for (std::size_t i = 0; i < kLevelCount; ++i) {
+            // The sensor program knows the limits of its own quantities.
+            if (shown.hasLimits())
+                grid_->addWidget(makeLimit(conditions.Limit[shown.quantity][i],
+                                           conditions.Color[shown.quantity][i],
+                                           indexed("LimitCond" + suffix, i), parent_),
                                  row_, columnOf(static_cast<int>(i)) + 1, Qt::AlignVCenter);
-            CheckBox& record = conditions.Cond[made.quantity][i];
+            CheckBox& record = conditions.Cond[shown.quantity][i];
             addLevel(static_cast<int>(i),
-                     makeCheck(parent_, indexed(made.unsafe, i), made.levels[i], record),
-                     indexed(made.alarm, i), alarms_.Alarm[made.quantity][i],
-                     u"%1, level %2"_s.arg(made.title).arg(i + 1),
-                     hasLimits(made.quantity) ? 1 : kTwoColumns);
+                     makeCheck(parent_, indexed("Cond" + suffix, i), record.Caption, record),
+                     indexed("Alarm" + suffix, i), alarms_.Alarm[shown.quantity][i],
+                     u"%1, level %2"_s.arg(title).arg(i + 1), shown.hasLimits() ? 1 : kTwoColumns);
         }
     }
 
@@ -210,29 +195,8 @@ QWidget* makeMasterNote(CheckBox& unsafe, QWidget* parent) {
 }
 
 void addQuantities(AlarmTable& table, ConditionControls& conditions) {
-    const std::array<QString, 3> none;
-    const std::array<QuantityRow, 8> rows{{
-        {u"Cloud"_s,
-         "CondCloud",
-         "AlarmCloud",
-         Quantity::Cloud,
-         0,
-         {u"Clear"_s, u"Cloudy"_s, u"Overcast"_s}},
-        {u"Rain"_s, "CondRain", "AlarmRain", Quantity::Rain, 1, {u"Dry"_s, u"Wet"_s, u"Rain"_s}},
-        {u"Brightness"_s,
-         "CondDay",
-         "AlarmDay",
-         Quantity::Brightness,
-         7,
-         {u"Dark"_s, u"Light"_s, u"Very light"_s}},
-        {u"Wind"_s, "CondWind", "AlarmWind", Quantity::Wind, 2, none},
-        {u"Gust"_s, "CondGust", "AlarmGust", Quantity::Gust, 3, none},
-        {u"Temperature"_s, "CondTemp", "AlarmTemp", Quantity::Temperature, 4, none},
-        {u"Dew-point spread"_s, "CondDew", "AlarmDew", Quantity::Dew, 5, none},
-        {u"Humidity"_s, "CondHum", "AlarmHum", Quantity::Humidity, 6, none},
-    }};
-    for (const QuantityRow& row : rows)
-        table.addQuantity(row, conditions);
+    for (const QuantityRow& shown : quantityTable())
+        table.addQuantity(shown, conditions);
 }
 
 } // namespace

@@ -2,9 +2,9 @@
 // safe is delayed.
 #pragma once
 
+#include "model/current_readings.h"
 #include "platform/media_control.h"
 #include "records/alarm_controls.h"
-#include "model/current_readings.h"
 #include "records/messages.h"
 
 class QWidget;

@@ -1,13 +1,7 @@
 // Whether the weather station's file is there and its data fresh.
 #pragma once
 
-#include "platform/clock.h"
-#include "model/current_readings.h"
-#include "records/file_controls.h"
-#include "records/reading_display.h"
-#include "records/session_controls.h"
-
-#include <functional>
+#include "model/observation.h"
 
 namespace skyhold {
 
@@ -20,14 +14,6 @@ QString fileTimeText(const QDateTime& time);
 
 // The last file time before the first read of a session, older than any file's.
 QString neverReadFileTime();
-
-enum class StationFileState {
-    Missing,   // no such file, or it cannot be read
-    Old,       // not rewritten since it was last read, and its latest record or that rewriting too
-               // long ago; or, before the first read, not rewritten for that long
-    Unchanged, // not rewritten since it was last read, its latest record recent enough
-    Refreshed  // rewritten since it was last read
-};
 
 struct StationFileVerdict {
     StationFileState state = StationFileState::Missing;
@@ -42,11 +28,5 @@ struct StationFileVerdict {
 StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& lastFileTime,
                                     const QDateTime& stationDateTime, const QDateTime& now,
                                     double timeoutMinutes, double sinceRewritten = 0);
-
-// Judges the station file and tells it: status line, health flags, WSAlarmMsg, read lamp colour,
-// then `soundAlarm`, then the codes a41 and a42. True when the station's data is fresh.
-bool CheckStationStaleness(const StationFileControls& file, CurrentReadings& readings,
-                           ReadingDisplay& display, SessionControls& session, const Clock& clock,
-                           const std::function<void(StationFileState)>& soundAlarm);
 
 } // namespace skyhold

@@ -1,0 +1,58 @@
+#include "core/readings.h"
+
+namespace skyhold {
+
+namespace {
+
+// A value that could not be read keeps its last state.
+template <typename Value, typename Read>
+void keep(Value& value, const std::optional<Read>& read) {
+    if (read)
+        value = *read;
+}
+
+void takeSensor(const Observation& observation, CurrentReadings& readings) {
+    const SensorObservation& sensor = observation.sensor;
+    keep(readings.SensorValues[0], observation.values[Quantity::Cloud]);
+    keep(readings.SensorValues[1], observation.values[Quantity::Rain]);
+    keep(readings.SensorValues[2], observation.values[Quantity::Brightness]);
+    keep(readings.SensorValues[3], sensor.coverTemperature);
+    keep(readings.SensorValues[4], sensor.rainHeaterPercent);
+    keep(readings.SensorValues[5], sensor.rainHeaterTemperature);
+    keep(readings.SkySensorTemperature, sensor.skySensorTemperature);
+    keep(readings.AmbientTemperature, sensor.ambientTemperature);
+    keep(readings.RainHeaterStatus, sensor.rainHeaterStatus);
+    if (sensor.lastReading.isValid())
+        readings.LastReading = sensor.lastReading;
+    readings.SensorError = sensor.failed();
+}
+
+void takeStation(const StationObservation& station, CurrentReadings& readings) {
+    readings.StationValid = station.usable();
+    readings.StationFileMissing = station.state == SourceState::Absent;
+    readings.StationDataOld = station.faulty();
+    readings.StationDateTime = station.recordTime;
+    if (station.tableFilled)
+        readings.BarometricPressure = station.pressure.value_or(0);
+    if (!station.usable())
+        return;
+    readings.StationTemperature = station.numbers[Quantity::Temperature];
+    readings.WindSpeed = station.numbers[Quantity::Wind];
+    readings.GustSpeed = station.numbers[Quantity::Gust];
+    readings.WindDirection = station.windDirection;
+    readings.DewPointValue = station.numbers[Quantity::Dew];
+    readings.HumidityValue = station.numbers[Quantity::Humidity];
+}
+
+} // namespace
+
+void takeReadings(const CycleResult& result, CurrentReadings& readings) {
+    takeSensor(result.observation, readings);
+    takeStation(result.observation.station, readings);
+    readings.Condition = result.judgement.levels;
+    readings.UnsafeFlag = result.judgement.UnsafeFlag;
+    const bool good = !readings.StationDataOld && !readings.SensorError;
+    readings.ReadLedColour = good ? kGreen : kYellow;
+}
+
+} // namespace skyhold

@@ -1,0 +1,219 @@
+#include "core/wording.h"
+
+#include "conditions/threshold_rules.h"
+
+#include <cmath>
+
+namespace skyhold {
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+QString shortNumber(double value, const NumberForms& forms) {
+    return numberText(std::round(value * 10) / 10, forms);
+}
+
+QString valueText(Quantity quantity, double value, const CycleResult& result,
+                  const NumberForms& forms) {
+    const Measure measure = rowOf(quantity).measure;
+    const bool whole = measure == Measure::Cycles || measure == Measure::Kelvin;
+    const QString number = formatNumber(value, whole ? u"0" : u"0.0", forms);
+    const QString unit = unitText(measure, result.temperatureUnit, result.speedUnit);
+    return unit.isEmpty() ? number : number + u' ' + unit;
+}
+
+// What the level says about its limit: level 1 ends at the first one, the others begin above one.
+QString limitText(Quantity quantity, std::int32_t level, const Rules& rules,
+                  const NumberForms& forms) {
+    const auto& limits = rules.levels[quantity].limits;
+    if (level == 1)
+        return u", not above "_s + shortNumber(limits[0], forms);
+    return u", above "_s + shortNumber(limits[static_cast<std::size_t>(level - 2)], forms);
+}
+
+QString levelText(const Cause& cause, const CycleResult& result, const NumberForms& forms) {
+    const QuantityRow& row = rowOf(cause.quantity);
+    const QString name = QString::fromUtf16(row.title);
+    const std::optional<double> value = result.observation.values[cause.quantity];
+    if (row.hasLimits()) {
+        if (!value)
+            return name + u" at its last level, "_s + QString::number(cause.level);
+        return name + u' ' + valueText(cause.quantity, *value, result, forms) +
+               limitText(cause.quantity, cause.level, result.rules, forms);
+    }
+    const QString label = result.observation.givenLabels[cause.quantity].trimmed();
+    const QString level = label.isEmpty() ? u"level %1"_s.arg(cause.level) : label;
+    return value ? name + u": "_s + level + u" at "_s +
+                       valueText(cause.quantity, *value, result, forms)
+                 : name + u": "_s + level;
+}
+
+QString sourceText(const Cause& cause, const CycleResult& result, const NumberForms& forms) {
+    if (cause.source == SourceName::Sensor)
+        return result.observation.sensor.state == SourceState::Absent ? u"Kiv_Nubilo is not there"_s
+                                                                      : u"Kiv_Nubilo fails"_s;
+    const StationObservation& station = result.observation.station;
+    switch (station.state) {
+    case SourceState::Absent:
+        return u"Station data file is not there"_s;
+    case SourceState::Old:
+        return u"Station data %1 s old, more than %2"_s.arg(
+            formatNumber(station.ageSeconds, u"0", forms),
+            formatNumber(station.timeoutSeconds, u"0", forms));
+    default:
+        return u"Station data: "_s + station.detail;
+    }
+}
+
+QString quantityName(Quantity quantity) {
+    return QString::fromUtf16(rowOf(quantity).name);
+}
+
+QString verdictCauses(const CycleResult& result, const ConditionControls& controls) {
+    QStringList causes;
+    for (const Cause& cause : result.judgement.causes) {
+        switch (cause.kind) {
+        case CauseKind::Level: {
+            // While the sensor program fails, its words are not shown.
+            const bool nameless =
+                !rowOf(cause.quantity).hasLimits() && result.observation.sensor.failed();
+            const QString label =
+                nameless ? QString() : levelLabel(cause.quantity, result, controls);
+            causes += quantityName(cause.quantity) + u": "_s +
+                      (label.trimmed().isEmpty() ? u"level %1"_s.arg(cause.level) : label);
+            break;
+        }
+        case CauseKind::Beyond:
+            causes += quantityName(cause.quantity) + u": beyond the last limit"_s;
+            break;
+        case CauseKind::Source:
+            causes += cause.source == SourceName::Station
+                          ? u"Weather station: data old or missing"_s
+                          : u"Sensor program: failed"_s;
+            break;
+        }
+    }
+    return causes.join(u", "_s);
+}
+
+// What a verdict leaves out or may be wrong about, whatever it is.
+QStringList verdictNotes(const CycleResult& result, const ConditionControls& controls,
+                         const NumberForms& forms) {
+    QStringList beyond;
+    for (const Quantity quantity : kStationQuantities) {
+        if (result.judgement.beyond[quantity] && !result.rules.beyondIsUnsafe)
+            beyond +=
+                QString::fromUtf16(rowOf(quantity).title) + u' ' +
+                valueText(quantity, result.observation.values[quantity].value_or(0), result, forms);
+    }
+    QStringList notes;
+    if (beyond.size() == 1)
+        notes += beyond[0] + u" is beyond the last limit and is not judged"_s;
+    else if (!beyond.isEmpty())
+        notes += beyond.join(u", "_s) + u" are beyond the last limit and are not judged"_s;
+    for (const Quantity quantity : kStationQuantities) {
+        if (!limitsInOrder(controls.Limit[quantity]))
+            notes += u"Limits of %1 are not in order"_s.arg(quantityName(quantity));
+    }
+    return notes;
+}
+
+bool anyBeyond(const CycleResult& result) {
+    return std::ranges::any_of(kStationQuantities, [&result](Quantity quantity) {
+        return result.judgement.beyond[quantity];
+    });
+}
+
+} // namespace
+
+QString unitText(Measure measure, const QString& temperatureUnit, const QString& speedUnit) {
+    switch (measure) {
+    case Measure::Speed:
+        if (speedUnit == u"M")
+            return u"mph"_s;
+        if (speedUnit == u"m")
+            return u"m/s"_s;
+        return speedUnit == u"k" ? u"kn"_s : u"km/h"_s;
+    case Measure::Temperature:
+    case Measure::TemperatureDifference:
+        return temperatureUnit == u"F" ? u"°F"_s : u"°C"_s;
+    case Measure::Percent:
+        return u"%"_s;
+    case Measure::Cycles:
+    case Measure::Kelvin:
+        break;
+    }
+    return {};
+}
+
+QString levelLabel(Quantity quantity, const CycleResult& result,
+                   const ConditionControls& controls) {
+    const std::int32_t level = result.judgement.levels[quantity];
+    if (level == 0)
+        return u"Unknown"_s;
+    if (level < 1 || level > static_cast<std::int32_t>(kLevelCount))
+        return {};
+    return rowOf(quantity).hasLimits()
+               ? controls.Color[quantity][static_cast<std::size_t>(level - 1)].Caption.value()
+               : result.observation.givenLabels[quantity];
+}
+
+QString causeLine(const CycleResult& result, const ConditionControls& controls,
+                  const NumberForms& forms) {
+    QStringList words;
+    if (!result.judgement.causes.isEmpty())
+        words += verdictCauses(result, controls);
+    else
+        words += (anyBeyond(result) ? u"All other conditions safe"_s : u"All conditions safe"_s) +
+                 (result.judgement.UnsafeFlag ? u" again"_s : QString());
+    return (words + verdictNotes(result, controls, forms)).join(u", "_s);
+}
+
+QString delayText(const CycleResult& result) {
+    const JudgeMemory& memory = result.memory;
+    QString text = u"Safe in "_s + durationText(result.judgement.waitSeconds);
+    if (memory.lastUnsafeUtcMs > 0) {
+        const Cause& cause = memory.lastUnsafe;
+        const QString what = cause.kind != CauseKind::Source      ? quantityName(cause.quantity)
+                             : cause.source == SourceName::Sensor ? u"Kiv_Nubilo"_s
+                                                                  : u"station data"_s;
+        text += u"; last reset by %1 at %2"_s.arg(what, clockText(memory.lastUnsafeUtcMs));
+    }
+    return text;
+}
+
+QString durationText(std::int64_t seconds) {
+    const std::int64_t hours = seconds / 3600;
+    const std::int64_t minutes = seconds / 60 % 60;
+    if (hours > 0)
+        return u"%1 h %2 min"_s.arg(hours).arg(minutes);
+    if (minutes > 0)
+        return u"%1 min %2 s"_s.arg(minutes).arg(seconds % 60);
+    return u"%1 s"_s.arg(seconds);
+}
+
+QString clockText(std::int64_t utcMs) {
+    return QDateTime::fromMSecsSinceEpoch(utcMs).toString(u"HH:mm:ss"_s);
+}
+
+QString causeText(const Cause& cause, const CycleResult& result, const NumberForms& forms) {
+    QString text;
+    switch (cause.kind) {
+    case CauseKind::Level:
+        text = levelText(cause, result, forms);
+        break;
+    case CauseKind::Beyond:
+        text = QString::fromUtf16(rowOf(cause.quantity).title) + u' ' +
+               valueText(cause.quantity, result.observation.values[cause.quantity].value_or(0),
+                         result, forms) +
+               u", beyond the last limit"_s;
+        break;
+    case CauseKind::Source:
+        text = sourceText(cause, result, forms);
+        break;
+    }
+    return cause.sinceUtcMs > 0 ? text + u", since "_s + clockText(cause.sinceUtcMs) : text;
+}
+
+} // namespace skyhold

@@ -1,0 +1,35 @@
+// What a cycle came to, in sentences that a person can read aloud. Each is composed here and
+// nowhere else.
+#pragma once
+
+#include "model/cycle_result.h"
+#include "platform/text_forms.h"
+#include "records/condition_controls.h"
+
+namespace skyhold {
+
+// "Wind 23.4 km/h, above 20, since 05:09:30". Clock times are local; numbers have the separators of
+// `forms`.
+QString causeText(const Cause& cause, const CycleResult& result, const NumberForms& forms);
+
+// The name of a quantity's level in force: "Unknown" for none, the user's or the sensor program's
+// words for 1..3, else empty.
+QString levelLabel(Quantity quantity, const CycleResult& result, const ConditionControls& controls);
+
+// Why the verdict is what it is, in one line: "Rain: Wet, Wind: Windy".
+QString causeLine(const CycleResult& result, const ConditionControls& controls,
+                  const NumberForms& forms);
+
+// "Safe in 2 min 10 s; last reset by Gust at 23:52:30".
+QString delayText(const CycleResult& result);
+
+// The unit of a quantity's value: "°C", "km/h", "%"; empty for a plain count.
+QString unitText(Measure measure, const QString& temperatureUnit, const QString& speedUnit);
+
+// "2 h 5 min", "2 min 10 s", "40 s".
+QString durationText(std::int64_t seconds);
+
+// "hh:mm:ss", local.
+QString clockText(std::int64_t utcMs);
+
+} // namespace skyhold

@@ -1,0 +1,28 @@
+// One read cycle as a value: what was observed, and how it was judged by which rules. It is stored
+// once; outlets, window and other programs follow it.
+#pragma once
+
+#include "model/judgement.h"
+#include "model/observation.h"
+#include "model/rules.h"
+
+namespace skyhold {
+
+struct CycleResult {
+    std::int64_t number = 0; // counts from 1 in a session; 0 before the first cycle
+    Moment end;
+    QDateTime localTime; // of the same moment
+    int intervalSeconds = 0;
+
+    Observation observation;
+    Rules rules;
+    Judgement judgement;
+    JudgeMemory memory;      // after this cycle, and before the next
+    QString temperatureUnit; // codes in force: "C", "F" or " "
+    QString speedUnit;       // "K" km/h, "M" mph, "m" m/s, "k" knots
+
+    // Why the verdict was taken back since this cycle, in words; empty while it stands.
+    QString distrusted;
+};
+
+} // namespace skyhold
