@@ -37,6 +37,8 @@ class TheRule(unittest.TestCase):
         ("core/a.cpp", '// like #include "ui/b.h"', None),
         ("core/a.cpp", '#include "ui/b.h"', "runs up"),
         ("platform/a.h", ' # include "records/b.h"', "runs up"),
+        ("model/a.h", '#include "judge/b.h"', "runs up"),
+        ("judge/a.cpp", '#include "platform/b.h"', "runs sideways"),
         ("conditions/a.cpp", '#include "datafiles/b.h"', "runs sideways"),
         ("automation/a.cpp", '#include "ui/b.h"', "runs sideways"),
         ("core/a.cpp", "#include <QLabel>", "Qt Widgets"),

@@ -9,7 +9,8 @@ import re
 
 # From the ground up.
 ROWS = [
-    {"platform"},
+    {"model"},
+    {"judge", "platform"},
     {"records"},
     {"settings", "units", "sensor"},
     {"conditions", "datafiles", "graphs", "update"},

@@ -110,7 +110,7 @@ TEST_F(EveryMember, withoutTheSensorProgram) {
                   member.activity == Activity::SignalWithPeriod);
         EXPECT_EQ(sensor_.takeCalls(), QStringList());
     }
-    EXPECT_EQ(records().safety.CloudAlarmDelay, 1); // kept here without the sensor program, too
+    EXPECT_EQ(records().conditions.CloudAlarmDelay, 1); // kept here without the sensor program, too
 }
 
 TEST_F(EveryMember, withTheSensorProgram) {

@@ -336,12 +336,12 @@ TEST_F(OddMembers, windowIsAnObjectOfItsOwn) {
     EXPECT_TRUE(window.Placed);
 
     EXPECT_TRUE(ask(u"Device_Start"_s, kMethod).ok());
-    EXPECT_TRUE(records().session.Running);
+    EXPECT_TRUE(records().session.running());
     EXPECT_EQ(ask(u"SecondsSinceGoodData"_s, kRead).result, 3);
     EXPECT_TRUE(ask(u"HasControl"_s, kMethod, {true, u"x"_s}).ok());
-    EXPECT_TRUE(records().safety.LocalControl);
+    EXPECT_TRUE(clientDecides(*core_));
     EXPECT_TRUE(ask(u"Device_Stop"_s, kMethod).ok());
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(records().session.running());
     for (const QString& withheld : {u"RegisterUsers"_s, u"SetAlarmIcons"_s})
         EXPECT_EQ(ask(withheld, kMethod, {1}).error, AutomationError::UnknownName);
     EXPECT_EQ(ask(u"Record_Start"_s, kMethod).error, AutomationError::BadParamCount);

@@ -1,6 +1,5 @@
 // Which condition alarm sounds.
 #include "alarm_fixture.h"
-#include "conditions/safety.h"
 
 namespace skyhold {
 
@@ -34,9 +33,12 @@ struct Alarms : AlarmFixture {
     // Ten seconds later: the verdict and, after it, the alarm. What was heard of it.
     std::string cycle() {
         clock.advanceSeconds(10);
-        DecideSafety(readings, controls, safety, sectors, clock.MsClock(), [this] {
-            SelectConditionAlarm(player, readings, controls, safety, sectors, clock.MsClock());
-        });
+        const Rules rules = rulesOf(controls);
+        const Judgement judgement = judge(seen, rules, memory, {clock.MsClock(), clock.MsClock()});
+        const bool faulty = seen.station.faulty() || seen.sensor.failed();
+        soundChosenAlarm(SelectConditionAlarm(judgement, rules, alarmRulesOf(alarms), faulty,
+                                              readings.AlarmSoundId),
+                         player, readings);
         return media.heard().toStdString();
     }
     void walk(const std::vector<Step>& steps) {
@@ -48,8 +50,13 @@ struct Alarms : AlarmFixture {
         }
     }
 
-    std::function<void()> rain(std::int32_t to) { return set(readings.Condition[Quantity::Rain], to); }
-    std::function<void()> cloud(std::int32_t to) { return set(readings.Condition[Quantity::Cloud], to); }
+    std::function<void()> to(Quantity quantity, std::int32_t level) {
+        return [this, quantity, level] {
+            setLevel(quantity, level);
+        };
+    }
+    std::function<void()> rain(std::int32_t level) { return to(Quantity::Rain, level); }
+    std::function<void()> cloud(std::int32_t level) { return to(Quantity::Cloud, level); }
     std::function<void()> suspend(int to) {
         return [this, to] {
             alarms.SuspendSoundAlarm.Value = to;
@@ -58,12 +65,7 @@ struct Alarms : AlarmFixture {
     }
     static void nothing() {}
 
-    static Quantity quantityOf(const QString& id) {
-        constexpr std::array order{Quantity::Cloud,       Quantity::Rain,      Quantity::Wind,
-                                   Quantity::Gust,        Quantity::Dew,       Quantity::Humidity,
-                                   Quantity::Temperature, Quantity::Brightness};
-        return order[static_cast<std::size_t>(u"CRWGPHTD"_s.indexOf(id[0]))];
-    }
+    static Quantity quantityOf(const QString& id) { return conditionAlarm(id)->quantity; }
     static std::size_t indexOf(const QString& id) {
         return static_cast<std::size_t>(id[1].digitValue());
     }
@@ -72,12 +74,11 @@ struct Alarms : AlarmFixture {
 TEST_F(Alarms, TheFirstOfTheListWins) {
     const QStringList order = u"C R W G P H T D"_s.split(u' ');
     const QList<int> indicators{0, 1, 2, 3, 5, 6, 4, 7};
-    setDirections({});
     for (int index = 0; index < 3; ++index) {
         const QString digit = QString::number(index);
         for (const QString& letter : order) {
             enable(letter + digit);
-            level(quantityOf(letter)) = index + 1;
+            setLevel(quantityOf(letter + digit), index + 1);
         }
         // One after another ends; the next in the list takes over.
         for (qsizetype i = 0; i < order.size(); ++i) {
@@ -86,7 +87,7 @@ TEST_F(Alarms, TheFirstOfTheListWins) {
             EXPECT_EQ(readings.AlarmSoundId, id);
             EXPECT_EQ(lit(), indicators[i]);
             EXPECT_EQ(cycle(), "") << qPrintable(id);
-            level(quantityOf(id)) = 0;
+            setLevel(quantityOf(id), 0);
         }
         EXPECT_EQ(cycle(), "-");
         EXPECT_EQ(readings.AlarmSoundId, QString());
@@ -106,7 +107,7 @@ TEST_F(Alarms, AlarmSoundIdWalks) {
     };
     // Another cause, unsafe without an alarm.
     controls.Cond[Quantity::Humidity][2].Value = 1;
-    const auto humid = set(readings.Condition[Quantity::Humidity], 3);
+    const auto humid = to(Quantity::Humidity, 3);
     walk({
         {"safe", nothing, "-", ""},
         {"rain", rain(3), "R2", "R2"},
@@ -123,22 +124,21 @@ TEST_F(Alarms, AlarmSoundIdWalks) {
         {"a new rain", rain(3), "R2", "R2"},
         {"its alarm box cleared", set(boxR2.Value, 0), "-", ""},
         {"and ticked", set(boxR2.Value, 1), "R2", "R2"},
-        {"humid, and its unsafe box cleared", both(humid, set(controls.Cond[Quantity::Rain][2].Value, 0)), "-",
-         ""},
+        {"humid, and its unsafe box cleared",
+         both(humid, set(controls.Cond[Quantity::Rain][2].Value, 0)), "-", ""},
         {"ticked again", set(controls.Cond[Quantity::Rain][2].Value, 1), "R2", "R2"},
         {"its sound taken away", set(boxR2.Tag, QString()), "", "R2"},
         {"dry, the other cause without a sound", rain(1), "-", ""},
         {"an alarm without a sound", rain(3), "-", ""},
         {"old station data owns the sound",
-         both(both(set(boxR2.Tag, sound(u"R2"_s)), set(readings.StationDataOld, true)),
+         both(both(set(boxR2.Tag, sound(u"R2"_s)), set(seen.station.state, SourceState::Old)),
               set(readings.AlarmSoundId, u"10"_s)),
          "", "10"},
-        {"fresh again, its id left", set(readings.StationDataOld, false), "R2", "R2"},
-        {"the sensor program's failure owns it", both(rain(1), set(readings.SensorError, true)), "",
-         "R2"},
-        {"the sensor program is back", set(readings.SensorError, false), "-", ""},
-        {"all safe", both(set(readings.Condition[Quantity::Humidity], 1), set(readings.AlarmSoundId, u"10"_s)),
-         "-", ""},
+        {"fresh again, its id left", set(seen.station.state, SourceState::Ok), "R2", "R2"},
+        {"the sensor program's failure owns it",
+         both(rain(1), set(seen.sensor.state, SourceState::Failed)), "", "R2"},
+        {"the sensor program is back", set(seen.sensor.state, SourceState::Ok), "-", ""},
+        {"all safe", both(to(Quantity::Humidity, 1), set(readings.AlarmSoundId, u"10"_s)), "-", ""},
         {"a broken sound is not tried again", both(rain(3), set(media.openResult, 1)), "-", "R2"},
         {"even when it is mended", set(media.openResult, 0), "", "R2"},
     });
@@ -161,32 +161,32 @@ TEST_F(Alarms, SafeThatIsHeldBackReleasesTheAlarm) {
     enable(u"R2"_s);
     controls.SafeDelayVal.Value = 60;
     walk({{"rain", rain(3), "R2", "R2"}, {"dry", rain(1), "-", ""}});
-    EXPECT_TRUE(readings.UnsafeFlag);
+    EXPECT_TRUE(memory.UnsafeFlag);
 }
 
 TEST_F(Alarms, CloudAndSectorsCountAsTheyDoForTheVerdict) {
     enable(u"C1"_s);
     enable(u"W2"_s);
     controls.Cond[Quantity::Humidity][2].Value = 1;
-    readings.Condition[Quantity::Humidity] = 3; // unsafe throughout, without an alarm
-    safety.CloudAlarmDelay = 20;
+    setLevel(Quantity::Humidity, 3); // unsafe throughout, without an alarm
+    controls.CloudAlarmDelay = 20;
     walk({{"clear", nothing, "-", ""},
           {"cloudy", cloud(2), "-", ""},
           {"for 10 s", nothing, "-", ""},
           {"for 20 s", nothing, "C1", "C1"},
           // What has begun goes on while the plain level stands.
-          {"a longer delay", set(safety.CloudAlarmDelay, 1000), "", "C1"},
+          {"a longer delay", set(controls.CloudAlarmDelay, 1000), "", "C1"},
           {"clear again", cloud(1), "-", ""}});
 
     // A strong wind sounds once it has blown from its sector for a minute.
     controls.Direction[Quantity::Wind][2].Caption = u"090  180  01"_s;
-    readings.Condition[Quantity::Wind] = 3;
-    walk({{"from outside", set(readings.WindDirection, 45.0), "-", ""},
-          {"from inside, 10 s", set(readings.WindDirection, 100.0), "-", ""},
+    setLevel(Quantity::Wind, 3);
+    walk({{"from outside", set(seen.station.windDirection, 45.0), "-", ""},
+          {"from inside, 10 s", set(seen.station.windDirection, 100.0), "-", ""},
           {"50 s", [this] { clock.advanceSeconds(30); }, "-", ""},
           {"60 s", nothing, "W2", "W2"},
           {"it stays", nothing, "", "W2"},
-          {"outside again", set(readings.WindDirection, 45.0), "-", ""}});
+          {"outside again", set(seen.station.windDirection, 45.0), "-", ""}});
 }
 
 } // namespace

@@ -42,6 +42,20 @@ TEST(ThresholdRules, AnEntryMustKeepTheOrder) {
         EXPECT_EQ(ValidateLimit(quantity, index, {limits, names}).toStdString(), message);
 }
 
+TEST(ThresholdRules, LimitsFromElsewhereMayBeOutOfOrder) {
+    const std::pair<std::array<double, 3>, bool> rows[] = {{{10, 20, 99}, true},
+                                                           {{20, 10, 99}, false},
+                                                           {{10, 10, 99}, false},
+                                                           {{10, 99, 20}, false},
+                                                           {{10, qQNaN(), 99}, false}};
+    for (const auto& [values, ordered] : rows) {
+        ThreeBoxes limits;
+        for (std::size_t i = 0; i < limits.size(); ++i)
+            limits[i].Value = values[i];
+        EXPECT_EQ(limitsInOrder(limits), ordered) << values[0] << ' ' << values[1];
+    }
+}
+
 } // namespace
 
 } // namespace skyhold

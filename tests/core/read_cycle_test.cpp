@@ -254,8 +254,8 @@ TEST_F(ReadCycle, oneDeadInstrumentHidesNoStorm) {
     records().conditions.WSDataOldUnsafe.Value = 0;
     records().alarms.AlarmWS.Tag = stationPath(); // any file will do as its sound
     records().alarms.AlarmWS.Value = 1;
-    for (ThreeLabels* directions :
-         {&records().conditions.Direction[Quantity::Wind], &records().conditions.Direction[Quantity::Gust]})
+    for (ThreeLabels* directions : {&records().conditions.Direction[Quantity::Wind],
+                                    &records().conditions.Direction[Quantity::Gust]})
         (*directions)[2].Caption = u"090  180  00"_s;
     ReadingDisplay& show = records().display;
     struct Case {
@@ -321,9 +321,10 @@ TEST_F(ReadCycle, oneDeadInstrumentHidesNoStorm) {
                 EXPECT_EQ(show.LCond[quantity].Caption.value().isEmpty(), missing);
                 EXPECT_EQ(show.Label0[header].ForeColor.value(), missing ? kRed : kCyan);
             }
-            EXPECT_EQ(records().readings.Condition[Quantity::Dew] == 0, c.missing == Quantity::Temperature);
+            EXPECT_EQ(records().readings.Condition[Quantity::Dew] == 0,
+                      c.missing == Quantity::Temperature);
             EXPECT_EQ(show.LValWindDir.Caption.value(), c.old ? u"135.0"_s : QString());
-            EXPECT_EQ(show.Label0[Header::Direction].ForeColor.value(), c.old ? kCyan : kYellow);
+            EXPECT_EQ(show.Label0Direction.ForeColor.value(), c.old ? kCyan : kYellow);
         }
     }
     cycle();

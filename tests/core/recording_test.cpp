@@ -162,6 +162,7 @@ TEST_F(Recording, historyFollowsTheCyclesTheBoxesAndTheUnits) {
 TEST_F(Recording, CyclesDrawAndSaveTheHistory) {
     const QString wind = folder_->filePath(u"Kiv_ImageWindCondition.png"_s);
     StartSession(*core_);
+    core_->imageWriter.finish();
     EXPECT_EQ(records().pictures[0].Drawings, 1);
     EXPECT_EQ(QImage(wind).size(), QSize(600, 200));
 

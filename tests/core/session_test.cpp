@@ -361,9 +361,9 @@ TEST_F(Session, controlEndsWithItsLastHolderAndItsLossIsUnsafe) {
         cycle();
         EXPECT_EQ(unsafe(), distrusted);
         if (*controller != 0) {
-            records().readings.UnsafeFlag = false;
+            setVerdict(*core_, false);
         } else if (distrusted) {
-            EXPECT_EQ(records().safety.SafeDelayRemaining, 60);
+            EXPECT_EQ(core_->result.memory.SafeDelayRemaining, 60);
             cycle({}, 60);
             EXPECT_FALSE(unsafe());
         }

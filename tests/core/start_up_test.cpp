@@ -101,11 +101,11 @@ TEST_F(StartUp, newsAndUpdateStatusAreShownOnce) {
     records().window.Kiv_News = u"new"_s;
     records().window.LastUpdateMsg = u"updated"_s;
     core_->Timer6.arm(10);
-    records().session.Starting = true; // which a dialog would hold
+    records().session.State = SessionState::Starting; // which a dialog would hold
     core_->Timer6.Tick();
     EXPECT_EQ(messages_, QStringList());
     EXPECT_TRUE(core_->Timer6.enabled());
-    records().session.Starting = false;
+    records().session.State = SessionState::Idle;
     EXPECT_EQ(tick(), (QStringList{u"new"_s, u"updated"_s}));
     EXPECT_EQ(tick(), QStringList{u"new"_s});
 

@@ -170,11 +170,10 @@ TEST(StatusReading, theCauseIsToldAsFarAsItIsKnown) {
         const Status status = monitor.status();
         EXPECT_EQ(status.verdict, verdict);
         EXPECT_EQ(status.causes, causes) << qPrintable(status.causes.join(u", "_s));
-        EXPECT_EQ(statusJson(status)[u"safe"_s], verdict == Verdict::Safe);
     }
 }
 
-TEST(StatusReading, isShownAsTextLineAndJson) {
+TEST(StatusReading, isShownAsTextAndLine) {
     ScriptedMonitor monitor;
     monitor.answers.insert(u"Safe"_s, false);
     monitor.answers.insert(u"SafeDry"_s, 1);
@@ -191,18 +190,8 @@ TEST(StatusReading, isShownAsTextLineAndJson) {
         u"UNSAFE | Rain: Dry | Cloud 7 x Fine | Rain 2600 cycles Dry | "_s));
     EXPECT_FALSE(statusLine(status).contains(u'\n'));
 
-    const QJsonObject json = statusJson(status);
-    EXPECT_EQ(json[u"verdict"_s], u"unsafe"_s);
-    EXPECT_EQ(json[u"lastReading"_s], u"2026-11-16T18:00:00"_s);
-    EXPECT_EQ(json[u"secondsSinceGoodData"_s], 3);
-    const QJsonObject rain = json[u"conditions"_s].toArray()[1].toObject();
-    EXPECT_EQ(rain[u"value"_s], u"2600 cycles"_s);
-    EXPECT_EQ(rain[u"flaggedUnsafe"_s], true);
-
     const Status unknown = unknownStatus(u"no bus"_s);
     EXPECT_EQ(statusText(unknown), u"UNKNOWN  no bus\n"_s);
-    EXPECT_EQ(statusJson(unknown)[u"safe"_s], false);
-    EXPECT_TRUE(statusJson(unknown)[u"running"_s].isNull());
 }
 
 } // namespace

@@ -47,12 +47,12 @@ TEST(CcdapFile, RecordByteByByte) {
                          "046343.00001 3 2 1 1"));
 
     CurrentReadings wet = someReadings();
-    wet.RainCondition = RainUnknown;
+    wet.Condition[Quantity::Rain] = RainUnknown;
     wet.TemperatureUnit = u" "_s;
     wet.SpeedUnit = QString();
     wet.StationDataOld = true;
     wet.DewPointValue.reset(); // missing: the record has no other word for it than 0
-    wet.CloudCondition = CloudUnknown;
+    wet.Condition[Quantity::Cloud] = CloudUnknown;
     const ManualClock noon(QDateTime(QDate(2026, 11, 16), QTime(12, 0)));
     EXPECT_EQ(ccdapRecord(wet, noon, kComma),
               QByteArray("2026-11-16 12:00:00.00     "

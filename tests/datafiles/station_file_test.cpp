@@ -11,6 +11,8 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using enum StationRead;
 
+const QDateTime kModified(QDate(2026, 11, 16), QTime(9, 5, 2));
+
 struct Row {
     const char* name;
     const char* unit;
@@ -67,43 +69,41 @@ class StationFile : public testing::Test {
     void write(const QByteArray& bytes) {
         folder.write(controls.HTMFile.Caption.value().section(u'/', -1), bytes);
     }
+    // An entry that could not be read stays as it was.
     StationRead read() {
-        return ReadStationFile(controls, units, forms, u"time of the file"_s, memory, readings,
-                               display);
+        seen = {};
+        const StationRead result = ReadStationFile(controls, units, forms, kModified, memory, seen);
+        for (std::size_t i = 0; i < shown.size(); ++i)
+            shown[i] = seen.texts[i].value_or(shown[i]);
+        return result;
     }
     StationRead readBytes(const QByteArray& bytes) {
         write(bytes);
         return read();
     }
-    QString entry(std::size_t i) const { return display.LblWSValue[i].Caption; }
-    // The entries, or their descriptions, parted by " | ".
-    static QString joined(const auto& labels) {
-        QStringList texts;
-        for (const Label& label : labels)
-            texts << label.Caption;
-        return texts.join(u" | "_s);
+    QString entry(std::size_t i) const { return shown[i]; }
+    QString entries() const { return QStringList(shown.begin(), shown.end()).join(u" | "_s); }
+    static bool mayBeJudged(StationRead result) {
+        return result == Valid || result == ValueMissing;
     }
-    QString entries() const { return joined(display.LblWSValue); }
 
     TestFolder folder;
     StationFileControls controls;
     UnitControls units;
     NumberForms forms;
     StationFileMemory memory;
-    CurrentReadings readings;
-    ReadingDisplay display;
+    StationObservation seen; // of the last read
+    std::array<QString, kStationEntries> shown;
 };
 
 TEST_F(StationFile, FillsEveryEntryFromAPage) {
     ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
     EXPECT_EQ(entries(), u"16/11 | 09:05:00 | -2.5 | 25.75 | 31.5 | 22.5 | 2.5 | 85 | -4.25 | "
                          "1012.5 | °C | km/h | hPa"_s);
-    EXPECT_EQ(joined(display.LblWSDesc),
-              u"Date | Time | OutTemp | WindSpeed | Gust | WindDirection | RainDaily | OutHumidity "
-              "| DewPoint | Barometer | Units | Units | Units"_s);
-    EXPECT_EQ(readings.StationDateTime, QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
-    EXPECT_EQ(readings.BarometricPressure, 1012.54);
-    EXPECT_EQ(readings.LastFileTime, u"time of the file"_s);
+    EXPECT_EQ(memory.recordTime, QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
+    EXPECT_EQ(seen.pressure, 1012.54);
+    EXPECT_EQ(seen.numbers[Quantity::Wind], 25.75);
+    EXPECT_EQ(memory.lastFileTime, fileTimeText(kModified));
     EXPECT_EQ(stationReadStatus(Valid), QString());
 
     // The rain goes through the locale's conversion, to which "1.5" is 15.
@@ -116,7 +116,6 @@ TEST_F(StationFile, FillsEveryEntryFromAPage) {
 TEST_F(StationFile, FillsEveryEntryFromCsvWithEitherLineEnd) {
     choose(u"a.csv.txt"_s);
     for (const char* lineEnd : {"\r\n", "\n"}) {
-        readings = {};
         ASSERT_EQ(readBytes(csvText(kRows, lineEnd)), Valid);
         EXPECT_EQ(entries(), u"16/11 | 09:05:00 | -2.5 | 25.75 | 31.5 | 22.5 | 2.5 | 85 | -4.25 | "
                              "1012.5 | &deg;C | km/h | hPa"_s);
@@ -125,14 +124,14 @@ TEST_F(StationFile, FillsEveryEntryFromCsvWithEitherLineEnd) {
 
 TEST_F(StationFile, DateAndTimeThatDoNotConvert) {
     ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
-    const QDateTime before = readings.StationDateTime;
+    const QDateTime before = memory.recordTime;
 
     std::vector<Row> rows = kRows;
     rows[0].value = "17/11/2026 10:00";
     rows[1].value = "17/11/2026 10:00";
     rows[6].value = "3";
     ASSERT_EQ(readBytes(htmlPage(rows)), Valid);
-    EXPECT_EQ(readings.StationDateTime, before) << "a time without a date changes nothing";
+    EXPECT_EQ(memory.recordTime, before) << "a time without a date changes nothing";
     EXPECT_EQ(entry(0), u"16/11"_s);
     EXPECT_EQ(entry(1), u"10:00:00"_s);
     EXPECT_EQ(entry(3), u"3"_s) << "the other entries are still filled";
@@ -141,7 +140,7 @@ TEST_F(StationFile, DateAndTimeThatDoNotConvert) {
     rows[1].value = "noon";
     units.DateFormat.Index = 1;
     ASSERT_EQ(readBytes(htmlPage(rows)), Valid);
-    EXPECT_EQ(readings.StationDateTime, QDateTime(QDate(2026, 11, 17), QTime(0, 0)));
+    EXPECT_EQ(memory.recordTime, QDateTime(QDate(2026, 11, 17), QTime(0, 0)));
     EXPECT_EQ(entry(0), u"11/17"_s);
     EXPECT_EQ(entry(1), u"noon"_s);
 }
@@ -174,7 +173,7 @@ TEST_F(StationFile, LongCellsAreCutAndHarmless) {
 TEST_F(StationFile, WhatIsNoStationFileFillsNothing) {
     ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
     const QString before = entries();
-    readings.LastFileTime.clear();
+    memory.lastFileTime.clear();
 
     ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder"_s));
     ASSERT_EQ(mkfifo(qPrintable(path(u"pipe"_s)), 0600), 0);
@@ -185,7 +184,7 @@ TEST_F(StationFile, WhatIsNoStationFileFillsNothing) {
                                        {u"large"_s, TooLarge}}) {
         choose(name);
         EXPECT_EQ(read(), result) << qPrintable(name);
-        EXPECT_EQ(readings.LastFileTime, QString());
+        EXPECT_EQ(memory.lastFileTime, QString());
     }
     controls.HTMFile.Caption = QString();
     EXPECT_EQ(read(), Missing);

@@ -136,7 +136,7 @@ TEST_F(Judging, WithoutUsableInputLevelsStayAndAMissingValueHasNone) {
     set(Wind, 120);
     set(Rain, RainWet);
     rules.beyondIsUnsafe = true;
-    const std::string stands = "Rain 2, Wind beyond, Humidity 3";
+    const std::string stands = "Rain 2, Humidity 3, Wind beyond";
     EXPECT_EQ(causes(after(1)), stands);
 
     // What an unusable file holds is not judged, and of a silent sensor the last level is.
@@ -169,8 +169,8 @@ TEST_F(Judging, EveryTestRunsInEachCycleAndAllCausesAreNamedInOrder) {
     setSector(Gust, Sector{90, 170, 0});
     EXPECT_EQ(causes(after(1)), "Cloud 3");
     EXPECT_EQ(memory.PrevCloudLevel, CloudVeryCloudy);
-    EXPECT_EQ(memory.WindOutsideSince, now.ms);
-    EXPECT_EQ(memory.GustOutsideSince, now.ms);
+    EXPECT_EQ(memory.OutsideSince[Quantity::Wind], now.ms);
+    EXPECT_EQ(memory.OutsideSince[Quantity::Gust], now.ms);
 
     const Moment begin = now;
     observation.station.windDirection = 100;
@@ -314,9 +314,9 @@ TEST_F(Judging, SectorBoundsAreInclusiveAndANegativeStartWrapsThroughNorth) {
     const auto expect = [this](std::optional<double> direction, bool inside) {
         SCOPED_TRACE(direction.value_or(-1));
         observation.station.windDirection = direction;
-        memory.WindOutsideSince = 1;
+        memory.OutsideSince[Quantity::Wind] = 1;
         EXPECT_EQ(causes(after(1)), inside ? "Wind 2" : "");
-        EXPECT_EQ(memory.WindOutsideSince, inside ? 1 : now.ms);
+        EXPECT_EQ(memory.OutsideSince[Quantity::Wind], inside ? 1 : now.ms);
     };
     for (const auto& [sector, inside, outside] : rows) {
         setSector(Wind, sector);
@@ -365,21 +365,21 @@ TEST_F(Judging, SectorMinutesCountFromTheLastCycleOutsideOrTheSessionStart) {
     observation.station.state = SourceState::Old;
     observation.station.windDirection = 100;
     EXPECT_EQ(causes(after(600)), "Gust 3, Station");
-    EXPECT_EQ(memory.WindOutsideSince, now.ms);
+    EXPECT_EQ(memory.OutsideSince[Quantity::Wind], now.ms);
 }
 
 TEST_F(Judging, OnlyTheSectorOfThePresentLevelIsTested) {
     rules.levels[Wind].sectors = {std::nullopt, Sector{0, 359, 0}, Sector{0, 10, 0}};
     set(Wind, 15);
-    const std::int64_t before = memory.WindOutsideSince;
+    const std::int64_t before = memory.OutsideSince[Quantity::Wind];
     EXPECT_EQ(causes(after(5)), "Wind 2");
     set(Wind, 999); // no level, and so no test
     EXPECT_EQ(causes(after(5)), "");
-    EXPECT_EQ(memory.WindOutsideSince, before);
+    EXPECT_EQ(memory.OutsideSince[Quantity::Wind], before);
     set(Wind, 25);
     EXPECT_EQ(causes(after(5)), "");
-    EXPECT_EQ(memory.WindOutsideSince, now.ms);
-    EXPECT_EQ(memory.GustOutsideSince, before);
+    EXPECT_EQ(memory.OutsideSince[Quantity::Wind], now.ms);
+    EXPECT_EQ(memory.OutsideSince[Quantity::Gust], before);
 }
 
 TEST_F(Judging, WhileAClientDecidesTheVerdictStaysAndLevelsAreFound) {

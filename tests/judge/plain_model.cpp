@@ -137,8 +137,6 @@ PlainAnswer PlainModel::cycle(const Observation& observation, const Rules& rules
         answer.counts[quantity] = levelCounts && level >= 1 && level <= 3;
         if (answer.counts[quantity] && flagged(rules.levels[quantity], level))
             answer.causes.push_back(nameOf(quantity) + (" " + std::to_string(level)));
-        if (beyond_[quantity] && rules.beyondIsUnsafe)
-            answer.causes.push_back(nameOf(quantity) + std::string(" beyond"));
     };
     // Of wind and gust only the sector of the present level is tested.
     const auto testInSector = [&](Quantity quantity, long double& outsideSince) {
@@ -161,6 +159,10 @@ PlainAnswer PlainModel::cycle(const Observation& observation, const Rules& rules
     const bool stationFaulty =
         observation.station.state != SourceState::Ok || observation.station.valuesMissing;
     const bool sensorFailed = observation.sensor.state != SourceState::Ok;
+    for (const Quantity quantity : kStationQuantities) {
+        if (beyond_[quantity] && rules.beyondIsUnsafe)
+            answer.causes.push_back(nameOf(quantity) + std::string(" beyond"));
+    }
     if (rules.stationOldIsUnsafe && stationFaulty)
         answer.causes.push_back("Station");
     if (rules.sensorFailedIsUnsafe && sensorFailed)

@@ -66,27 +66,53 @@ void dumpMonitor(const std::string& night, int cycle, const MemberTable& members
     const ConditionControls& conditions = records.conditions;
     const SessionControls& session = records.session;
     QString text = u"cycle %1\n"_s.arg(cycle);
-    for (const auto& labels : {std::span<const Label>(display.Label0),
-                               {display.LblWSDesc},
+    for (const Quantity quantity :
+         {Quantity::Cloud, Quantity::Rain, Quantity::Brightness, Quantity::Wind, Quantity::Gust})
+        text += labelText(display.Label0[quantity]);
+    text += labelText(display.Label0Direction);
+    for (const Quantity quantity : {Quantity::Dew, Quantity::Humidity, Quantity::Temperature})
+        text += labelText(display.Label0[quantity]);
+    for (const auto& labels : {std::span<const Label>(display.LblWSDesc),
                                {display.LblWSValue},
                                {conditions.Direction[Quantity::Wind]},
                                {conditions.Direction[Quantity::Gust]}}) {
         for (const Label& label : labels)
             text += labelText(label);
     }
-    for (const Label* label :
-         {&display.LVal[Quantity::Cloud],          &display.LVal[Quantity::Rain],        &display.LVal[Quantity::Brightness],
-          &display.LVal[Quantity::Temperature],    &display.LVal[Quantity::Wind],   &display.LVal[Quantity::Gust],
-          &display.LValWindDir,        &display.LVal[Quantity::Dew],    &display.LVal[Quantity::Humidity],
-          &display.LValSwitch,         &display.LCond[Quantity::Cloud],      &display.LCond[Quantity::Rain],
-          &display.LCond[Quantity::Brightness],    &display.LCond[Quantity::Temperature],       &display.LCond[Quantity::Wind],
-          &display.LCond[Quantity::Gust],          &display.LCond[Quantity::Dew],   &display.LCond[Quantity::Humidity],
-          &display.Label3Sensor,       &display.Label3Station,   &display.LblSwitch,
-          &display.SensorStatus,       &display.LblCause,        &display.NBAlarmMsg,
-          &display.WSAlarmMsg,         &conditions.SafeDelayMsg, &conditions.LblStatus,
-          &session.Statusbar1,         &session.Statusbar2,      &session.LblControl,
-          &session.COMCalls,           &session.COMPeriod,       &records.units.TemperatureUnitText,
-          &records.units.SpeedUnitText})
+    for (const Label* label : {&display.LVal[Quantity::Cloud],
+                               &display.LVal[Quantity::Rain],
+                               &display.LVal[Quantity::Brightness],
+                               &display.LVal[Quantity::Temperature],
+                               &display.LVal[Quantity::Wind],
+                               &display.LVal[Quantity::Gust],
+                               &display.LValWindDir,
+                               &display.LVal[Quantity::Dew],
+                               &display.LVal[Quantity::Humidity],
+                               &display.LValSwitch,
+                               &display.LCond[Quantity::Cloud],
+                               &display.LCond[Quantity::Rain],
+                               &display.LCond[Quantity::Brightness],
+                               &display.LCond[Quantity::Temperature],
+                               &display.LCond[Quantity::Wind],
+                               &display.LCond[Quantity::Gust],
+                               &display.LCond[Quantity::Dew],
+                               &display.LCond[Quantity::Humidity],
+                               &display.Label3Sensor,
+                               &display.Label3Station,
+                               &display.LblSwitch,
+                               &display.SensorStatus,
+                               &display.LblCause,
+                               &display.NBAlarmMsg,
+                               &display.WSAlarmMsg,
+                               &conditions.SafeDelayMsg,
+                               &conditions.LblStatus,
+                               &session.Statusbar1,
+                               &session.Statusbar2,
+                               &session.LblControl,
+                               &session.COMCalls,
+                               &session.COMPeriod,
+                               &records.units.TemperatureUnitText,
+                               &records.units.SpeedUnitText})
         text += labelText(*label);
     for (const AutomationMember& member : members.members()) {
         if (!onlyReads(member))

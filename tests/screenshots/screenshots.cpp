@@ -119,13 +119,16 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     const auto take = [&album](QDialog&& dialog, const char* name) {
         album.takeDialog(dialog, QString::fromLatin1(name));
     };
-    take(KivColor(r.conditions.Color[Quantity::Wind][1], &r.conditions.Cond[Quantity::Wind][1], &window), "level");
+    take(KivColor(r.conditions.Color[Quantity::Wind][1], &r.conditions.Cond[Quantity::Wind][1],
+                  &window),
+         "level");
     take(KivColor(r.graphs.GraphColor[0][1], nullptr, &window), "colour");
     take(KivWindPars(r.conditions.Direction[Quantity::Wind][2], &window), "sector");
     take(KivCardinalPoints(r.units.Cardinal, &window), "cardinal");
     take(KivUnitSymbols(r.units, &window), "units");
     take(KivFileStructForm(r.dataFile.Columns, &window), "columns");
-    take(KivSoundForm(r.alarms.Alarm[Quantity::Rain][2], r.alarms.LastMusicDir, monitor.core().media, &window),
+    take(KivSoundForm(r.alarms.Alarm[Quantity::Rain][2], r.alarms.LastMusicDir,
+                      monitor.core().media, &window),
          "sound");
     take(KivLegend(&window), "codes");
     take(KivError({u"Safe delay 5 minutes: a return to safe is told five minutes late. Is that "

@@ -70,7 +70,7 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
 }
 
 void SimulatedMonitor::runUntil(QTime time) {
-    if (!records().session.Running) {
+    if (!records().session.running()) {
         showWeather();
         StartSession(core());
     }

@@ -5,6 +5,7 @@
 #include "core/read_cycle.h"
 #include "core/session.h"
 #include "core/start_up.h"
+#include "core/verdict.h"
 #include "support/manual_clock.h"
 #include "support/scripted_media.h"
 #include "support/scripted_sensor.h"
@@ -48,7 +49,7 @@ class CoreFixture : public testing::Test {
     QString codes() { return records().session.Statusbar2.Caption; }
     QString cause() { return records().display.LblCause.Caption; }
     bool unsafe() { return records().readings.UnsafeFlag; }
-    bool running() { return records().session.Running; }
+    bool running() { return records().session.running(); }
 
     QByteArray stationBytes(const StationPage& page) const {
         const QDateTime now = clock_.now();
@@ -83,12 +84,17 @@ class CoreFixture : public testing::Test {
     void cycle(const StationPage& page = {}, int seconds = 10) {
         clock_.advanceSeconds(seconds);
         writeStation(page);
-        RunReadCycle(*core_);
+        runCycle();
     }
     // The same with the station file as it is.
     void cycleWithoutStation(int seconds = 10) {
         clock_.advanceSeconds(seconds);
+        runCycle();
+    }
+    // With its images on the disk.
+    void runCycle() {
         RunReadCycle(*core_);
+        core_->imageWriter.finish();
     }
     void rainCycle(int level) {
         sensor_.values[u"Condition_Rain"_s] = level;

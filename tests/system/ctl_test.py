@@ -107,8 +107,9 @@ class CtlTest(unittest.TestCase):
             monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE")
             self.expect(monitored.ctl("status"), SAFE, r"^SAFE\nCloud +-?[\d.]+ °C  Overcast\n")
             status = json.loads(monitored.read("status", "--json"))
-            self.assertEqual([status["verdict"], status["safe"], status["causes"],
-                              len(status["conditions"])], ["safe", True, [], 8])
+            self.assertEqual([status["schema"], status["verdict"], status["safe"],
+                              status["causes"], status["readings"]["rain"]["label"],
+                              status["attached"]], [1, "safe", True, [], "Rain", 0])
 
             # What does not reach its reader is not said.
             with open("/dev/full", "w", encoding="ascii") as full:

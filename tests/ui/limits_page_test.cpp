@@ -88,7 +88,7 @@ TEST_F(LimitsPage, ARefusedClickDoesNothing) {
     enter(calm_, u"30"_s, clickStart);
     EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
     EXPECT_TRUE(calm_->hasFocus());
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(records().session.running());
 
     auto* gust = child<KivGetNumber>(*window_, "LimitGust2");
     enter(calm_, u"30"_s, [gust] { QTest::mouseClick(gust, Qt::LeftButton); });
@@ -106,7 +106,7 @@ TEST_F(LimitsPage, ARefusedClickDoesNothing) {
 
     enter(calm_, u"3"_s, clickStart);
     EXPECT_EQ(messages_, QStringList());
-    EXPECT_TRUE(records().session.Running);
+    EXPECT_TRUE(records().session.running());
 }
 
 // Every way out of the box by the user ends in the same message, with the box as it was.

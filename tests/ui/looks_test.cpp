@@ -91,10 +91,12 @@ TEST_F(Looks, NightShinesInRedAloneAndLeavesWhatIsStoredAsItWas) {
         EXPECT_EQ(firstColdPixel(*window_), u""_s) << "page " << i;
     }
     Records& r = records();
-    KivColor colour(r.conditions.Color[Quantity::Wind][0], &r.conditions.Cond[Quantity::Wind][0], window_.get());
+    KivColor colour(r.conditions.Color[Quantity::Wind][0], &r.conditions.Cond[Quantity::Wind][0],
+                    window_.get());
     KivWindPars sector(r.conditions.Direction[Quantity::Wind][0], window_.get());
     KivUnitSymbols symbols(r.units, window_.get());
-    KivSoundForm sound(r.alarms.Alarm[Quantity::Rain][0], r.alarms.LastMusicDir, media_, window_.get());
+    KivSoundForm sound(r.alarms.Alarm[Quantity::Rain][0], r.alarms.LastMusicDir, media_,
+                       window_.get());
     QFileDialog file(window_.get(), {}, folder_->path());
     for (QDialog* dialog :
          std::initializer_list<QDialog*>{&colour, &sector, &symbols, &sound, &file}) {

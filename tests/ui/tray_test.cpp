@@ -42,18 +42,21 @@ TEST(TrayProtocol, EventCodesComeInPixelsAndTwips) {
 }
 
 TEST(VerdictIcons, AFailingSourceNeverLooksSafe) {
+    using enum Verdict;
+    constexpr SessionState kRunning = SessionState::Running;
     CurrentReadings healthy;
-    EXPECT_EQ(verdictIcon(true, kRed, healthy), VerdictIcon::None);
-    EXPECT_EQ(verdictIcon(false, kGrey, healthy), VerdictIcon::None);
-    EXPECT_EQ(verdictIcon(false, kGreen, healthy), VerdictIcon::Safe);
-    EXPECT_EQ(verdictIcon(false, kRed, healthy), VerdictIcon::Unsafe);
+    EXPECT_EQ(verdictIcon(SessionState::Idle, Unsafe, healthy), VerdictIcon::None);
+    EXPECT_EQ(verdictIcon(SessionState::Starting, None, healthy), VerdictIcon::None);
+    EXPECT_EQ(verdictIcon(kRunning, Safe, healthy), VerdictIcon::Safe);
+    EXPECT_EQ(verdictIcon(kRunning, Waiting, healthy), VerdictIcon::Unsafe);
+    EXPECT_EQ(verdictIcon(kRunning, Unsafe, healthy), VerdictIcon::Unsafe);
     for (bool CurrentReadings::*fault :
          {&CurrentReadings::SensorError, &CurrentReadings::StationDataOld,
           &CurrentReadings::StationFileMissing}) {
         CurrentReadings failing;
         failing.*fault = true;
-        EXPECT_EQ(verdictIcon(false, kGreen, failing), VerdictIcon::Fault);
-        EXPECT_EQ(verdictIcon(false, kRed, failing), VerdictIcon::Fault);
+        for (const Verdict verdict : {Safe, Waiting, Unsafe})
+            EXPECT_EQ(verdictIcon(kRunning, verdict, failing), VerdictIcon::Fault);
     }
 }
 
@@ -144,14 +147,14 @@ TEST_F(TrayedWindow, MenusOfferWhatCanBeDone) {
     };
     expectMenus(true, false, true);
     entry("mPopStart")->trigger();
-    EXPECT_TRUE(records().session.Running);
+    EXPECT_TRUE(records().session.running());
     expectMenus(false, true, true);
     RegisterUsers(records(), clock_, 1);
     expectMenus(false, false, false);
     RegisterUsers(records(), clock_, -1);
     expectMenus(false, true, true);
     entry("mnuStop")->trigger();
-    EXPECT_FALSE(records().session.Running);
+    EXPECT_FALSE(records().session.running());
     expectMenus(true, false, true);
 }
 

@@ -1,15 +1,20 @@
-#include "conditions/staleness.h"
+#include "datafiles/station_file.h"
 
-#include "monitor.h"
+#include "support/manual_clock.h"
 #include "support/test_folder.h"
+
+#include <limits>
 
 namespace skyhold {
 
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
 using enum StationFileState;
 
-TEST(StationFile, Judgement) {
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(StationFileAge, Judgement) {
     const QDateTime written(QDate(2026, 11, 16), QTime(21, 0, 0, 250));
     const QDateTime now(QDate(2026, 11, 16), QTime(22, 0));
     const QString same = fileTimeText(written);
@@ -56,82 +61,65 @@ struct StationFileCheck : testing::Test {
     StationFileCheck() {
         controls.HTMFile.Caption = path;
         controls.TimeoutREAD.Value = 3;
-        readings.StationDateTime = clock.now();
+        units.DateFormat.Index = 0;
     }
     void writeNow() const {
-        folder.write(u"Station.htm"_s, "<table></table>");
+        QByteArray page = "<table>";
+        for (const auto& [name, value] : {std::pair{u"Date"_s, u"dd/MM/yyyy"_s},
+                                          {u"Time"_s, u"hh:mm:ss"_s},
+                                          {u"WindSpeed"_s, u"'5'"_s}})
+            page +=
+                u"<tr><td>%1</td><td></td><td>%2</td></tr>"_s.arg(name, clock.now().toString(value))
+                    .toUtf8();
+        folder.write(u"Station.htm"_s, page + "</table>");
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(clock.now(), QFileDevice::FileModificationTime));
     }
-    // Checks, and leaves the file as read when its data is fresh. The alarm sees the health flags
-    // of this check and the codes of the last one.
-    bool check() {
-        const QString codes = session.Statusbar2.Caption;
-        const bool fresh = CheckStationStaleness(
-            controls, readings, display, session, clock, [&](StationFileState state) {
-                EXPECT_EQ(readings.StationFileMissing, state == Missing);
-                EXPECT_EQ(readings.StationDataOld, state == Missing || state == Old);
-                EXPECT_EQ(session.Statusbar2.Caption.value(), codes);
-                judged = state;
-            });
-        if (fresh)
-            readings.LastFileTime = fileTimeText(stationFileTime(path));
-        return fresh;
-    }
+    StationObservation look() { return observeStation(controls, units, {}, clock, memory); }
 
     ManualClock clock;
     TestFolder folder;
     const QString path = folder.filePath(u"Station.htm"_s);
     StationFileControls controls;
-    CurrentReadings readings;
-    ReadingDisplay display;
-    SessionControls session;
-    StationFileState judged{}; // what the alarm was told
+    UnitControls units;
+    StationFileMemory memory;
 };
 
 TEST_F(StationFileCheck, FromMissingToFreshToOldAndBack) {
-    session.Statusbar2.Caption = u"d11"_s;
-    const auto expect = [this](StationFileState state, const QString& status, const QString& code,
-                               const QString& alarm) {
-        SCOPED_TRACE(qPrintable(status));
-        const bool fresh = state == Refreshed || state == Unchanged;
-        EXPECT_EQ(check(), fresh);
-        EXPECT_EQ(judged, state);
-        EXPECT_EQ(readings.StationFileMissing, state == Missing);
-        EXPECT_EQ(readings.StationDataOld, !fresh);
-        EXPECT_EQ(session.Statusbar1.Caption.value(), u"Weather Station Data "_s + status);
-        EXPECT_EQ(session.Statusbar1.ForeColor.value(), fresh ? kNavy : kRed);
-        EXPECT_EQ(session.Statusbar2.Caption.value(), code);
-        EXPECT_EQ(session.Statusbar2.ForeColor.value(), kRed);
-        EXPECT_EQ(display.WSAlarmMsg.Caption.value(), alarm);
-        EXPECT_EQ(readings.ReadLedColour, fresh ? kGreen : kYellow);
+    const auto expect = [this](StationFileState file, SourceState state, double age = 0) {
+        const StationObservation seen = look();
+        EXPECT_EQ(seen.file, file);
+        EXPECT_EQ(seen.state, state);
+        EXPECT_NEAR(seen.ageSeconds, age, 1e-6);
+        EXPECT_EQ(seen.usable(), seen.numbers[Quantity::Wind].has_value());
+        EXPECT_EQ(seen.faulty(), state != SourceState::Ok);
     };
-    expect(Missing, u"- file not available"_s, u"a42"_s, u"WS data file absent"_s);
+    expect(Missing, SourceState::Absent);
     writeNow();
-    expect(Refreshed, u"- Refreshed"_s, {}, {});
+    expect(Refreshed, SourceState::Ok);
     clock.advanceMs(119'500);
-    expect(Unchanged, u"- 120s old"_s, {}, {});
+    expect(Unchanged, SourceState::Ok, 119.5);
     clock.advanceMs(60'600);
-    expect(Old, u"too old - 180s old"_s, u"a41"_s, u"WS data too old"_s);
+    expect(Old, SourceState::Old, 180.1);
     writeNow();
-    expect(Refreshed, u"- Refreshed"_s, {}, {});
-    readings.StationDateTime = {};
-    EXPECT_FALSE(check());
-    EXPECT_EQ(judged, Old);
+    expect(Refreshed, SourceState::Ok);
     ASSERT_TRUE(QFile::remove(path));
-    expect(Missing, u"- file not available"_s, u"a42"_s, u"WS data file absent"_s);
+    expect(Missing, SourceState::Absent);
 }
 
 TEST_F(StationFileCheck, TheNameIsFoundWithoutRegardToCaseAndAFolderIsNoFile) {
     writeNow();
     controls.HTMFile.Caption = folder.filePath(u"STATION.HTM"_s);
-    EXPECT_TRUE(check());
+    EXPECT_TRUE(look().usable());
     for (const QString& name : {folder.path(), QString(), folder.filePath(u"other.htm"_s)}) {
         controls.HTMFile.Caption = name;
-        EXPECT_FALSE(check()) << qPrintable(name);
-        EXPECT_EQ(judged, Missing);
+        EXPECT_EQ(look().state, SourceState::Absent) << qPrintable(name);
     }
+    // What is there and says nothing of use is as good as old for its alarm.
+    controls.HTMFile.Caption = folder.write(u"empty.htm"_s);
+    EXPECT_EQ(look().state, SourceState::Unusable);
+    EXPECT_EQ(look().alarmState(), Old);
 }
 
 } // namespace

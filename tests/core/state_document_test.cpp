@@ -1,0 +1,96 @@
+#include "core/state_document.h"
+
+#include "core/clients.h"
+#include "support/core_fixture.h"
+
+#include <QJsonArray>
+
+namespace skyhold {
+namespace {
+
+class StateDocument : public CoreFixture {
+  protected:
+    QJsonObject document() { return stateDocument(*core_); }
+    // "session verdict safe wait" and the causes as "kind:name text".
+    QStringList said() {
+        const QJsonObject state = document();
+        QStringList words{u"%1 %2 %3 %4"_s.arg(state[u"session"_s].toString(),
+                                               state[u"verdict"_s].toString(),
+                                               state[u"safe"_s].toBool() ? u"SAFE"_s : u"-"_s,
+                                               QString::number(state[u"wait_s"_s].toInt()))};
+        for (const QJsonValue& cause : state[u"causes"_s].toArray())
+            words += u"%1:%2 %3"_s.arg(cause[u"kind"_s].toString(), cause[u"name"_s].toString(),
+                                       cause[u"text"_s].toString());
+        return words;
+    }
+};
+
+TEST_F(StateDocument, saysWhetherItIsSafeAndWhy) {
+    records().conditions.SafeDelayVal.Value = 30;
+    EXPECT_EQ(said(), (QStringList{u"idle none - 0"_s, u"session: Nothing is monitored"_s}));
+    StartSession(*core_);
+    EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+
+    // The wind has to have blown for a minute.
+    cycle({.wind = u"23.4"_s}, 60);
+    const QString windy = u"level:wind Wind 23.4 km/h, above 20, since 22:01:00"_s;
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s, windy}));
+    sensor_.values[u"Condition_Rain"_s] = 2;
+    cycle({.wind = u"23.4"_s});
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"level:rain Rain: Wet at 2850, since 22:01:10"_s, windy}));
+    sensor_.values[u"Condition_Rain"_s] = 1;
+    cycle({.temperature = u"-5"_s, .dewPoint = u"-7.5"_s});
+    EXPECT_EQ(
+        said(),
+        (QStringList{u"running unsafe - 0"_s,
+                     u"level:dew_spread Dew-point spread 2.5 °C, not above 3, since 22:01:20"_s,
+                     u"level:temperature Temperature -5.0 °C, not above -5, since 22:01:20"_s}));
+    cycle();
+    EXPECT_EQ(said(), (QStringList{u"running waiting - 30"_s,
+                                   u"delay: Safe in 30 s; last reset by Dew point at 22:01:20"_s}));
+    cycle({}, 30);
+    EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+
+    cycleWithoutStation(300);
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"source:station Station data 300 s old, more than 180, since "
+                                   u"22:07:00"_s}));
+    EXPECT_EQ(document()[u"sources"_s][u"station"_s][u"state"_s], u"old"_s);
+    EXPECT_EQ(document()[u"codes"_s].toArray(), QJsonArray{u"a41"_s});
+    sensor_.answering = false;
+    cycle();
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"source:sensor Kiv_Nubilo fails, since 22:07:10"_s}));
+    EXPECT_TRUE(document()[u"readings"_s][u"cloud"_s][u"value"_s].isNull());
+    EXPECT_EQ(document()[u"roof"_s][u"state"_s], u"unknown"_s);
+    StopSession(*core_);
+    EXPECT_EQ(said()[0], u"idle none - 0"_s);
+}
+
+TEST_F(StateDocument, isNotSafeWhenAClientOrAGapSaysSo) {
+    int changes = 0;
+    core_->stateChanged = [&changes] {
+        ++changes;
+    };
+    StartSession(*core_);
+    EXPECT_EQ(changes, 2); // starting, running
+    core_->caller = u":1.7"_s;
+    HasControl(*core_, true, u"Dome"_s);
+    setVerdict(*core_, true);
+    cycle();
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s, u"control: Unsafe by Dome"_s}));
+    EXPECT_EQ(document()[u"controller"_s], u"Dome"_s);
+    setVerdict(*core_, false);
+    EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+    HasControl(*core_, false, {});
+    EXPECT_EQ(changes, 4);
+
+    distrustAfterGap(*core_);
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"session: Nothing has been read for a while"_s}));
+    EXPECT_EQ(changes, 5);
+}
+
+} // namespace
+} // namespace skyhold
