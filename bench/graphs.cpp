@@ -73,8 +73,10 @@ struct Monitor {
     }
 
     bool render() {
-        RenderGraphs({history, conditions, graphs}, pictures, rendered, library, statusbar2);
-        return statusbar2.Caption.value().isEmpty();
+        DrawGraphs({history, conditions, graphs}, pictures, rendered);
+        const QString code = SaveImages(graphs, pictures, library, writer);
+        writer.finish();
+        return code.isEmpty() && !writer.failed();
     }
 
     QTemporaryDir folder;
@@ -88,7 +90,7 @@ struct Monitor {
     GraphPictures pictures;
     RenderedGraphs rendered;
     ImageLibrary library;
-    Label statusbar2;
+    ImageWriter writer{library};
 };
 
 void renderEach(benchmark::State& state, int points, bool png, bool newPoint) {

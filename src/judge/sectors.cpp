@@ -1,5 +1,7 @@
 #include "judge/sectors.h"
 
+#include <cmath>
+
 namespace skyhold {
 
 namespace {
@@ -18,7 +20,8 @@ bool SectorHolds(const std::optional<Sector>& sector, std::optional<double> dire
                  std::int64_t& outsideSince, std::int64_t nowMs) {
     if (!sector)
         return true;
-    if (direction && !isInside(*sector, *direction)) {
+    const bool known = direction && std::isfinite(*direction);
+    if (known && !isInside(*sector, *direction)) {
         outsideSince = nowMs;
         return false;
     }

@@ -1,20 +1,18 @@
-#include "datafiles/station_file.h"
+#include "datafiles/staleness.h"
 
+#include "datafiles/station_file.h"
 #include "support/manual_clock.h"
 #include "support/test_folder.h"
 
-#include <limits>
+using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
 using enum StationFileState;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-TEST(StationFileAge, Judgement) {
+TEST(StationFileVerdict, Judgement) {
     const QDateTime written(QDate(2026, 11, 16), QTime(21, 0, 0, 250));
     const QDateTime now(QDate(2026, 11, 16), QTime(22, 0));
     const QString same = fileTimeText(written);
@@ -43,7 +41,7 @@ TEST(StationFileAge, Judgement) {
         {"a record of the future", written, same, now.addSecs(181), now, 3, Old, 181},
         {"a clock as wrong as the stop is long", written, same, now, now, 3, Old, 3600, 3600},
         {"no minutes allowed", written, same, now, now, 0, Unchanged},
-        {"a limit that is no number", written, same, now, now, kNan, Old},
+        {"a limit that is no number", written, same, now, now, qQNaN(), Old},
         {"the hour after summer time", written, same, summer, winter, 3, Unchanged, 120},
     };
     for (const auto& row : rows) {
@@ -57,69 +55,81 @@ TEST(StationFileAge, Judgement) {
     EXPECT_EQ(judgeStationFile(written, same, {}, now, 1e12).state, Old);
 }
 
-struct StationFileCheck : testing::Test {
-    StationFileCheck() {
+struct Staleness : testing::Test {
+    Staleness() {
         controls.HTMFile.Caption = path;
         controls.TimeoutREAD.Value = 3;
-        units.DateFormat.Index = 0;
     }
-    void writeNow() const {
-        QByteArray page = "<table>";
-        for (const auto& [name, value] : {std::pair{u"Date"_s, u"dd/MM/yyyy"_s},
-                                          {u"Time"_s, u"hh:mm:ss"_s},
-                                          {u"WindSpeed"_s, u"'5'"_s}})
-            page +=
-                u"<tr><td>%1</td><td></td><td>%2</td></tr>"_s.arg(name, clock.now().toString(value))
-                    .toUtf8();
-        folder.write(u"Station.htm"_s, page + "</table>");
+    void writeNow(const QString& name = u"WindSpeed"_s) const {
+        const QString row = u"<tr><td>%1</td><td></td><td>%2</td></tr>"_s;
+        folder.write(u"Station.htm"_s,
+                     (u"<table>"_s + row.arg(u"Date"_s, clock.now().toString(u"dd/MM/yyyy"_s)) +
+                      row.arg(u"Time"_s, clock.now().toString(u"HH:mm:ss"_s)) +
+                      row.arg(name, u"5"_s) + u"</table>"_s)
+                         .toUtf8());
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(clock.now(), QFileDevice::FileModificationTime));
     }
-    StationObservation look() { return observeStation(controls, units, {}, clock, memory); }
+    StationObservation observe() {
+        return observeStation(controls, UnitControls(), {}, clock, memory);
+    }
 
     ManualClock clock;
     TestFolder folder;
     const QString path = folder.filePath(u"Station.htm"_s);
     StationFileControls controls;
-    UnitControls units;
     StationFileMemory memory;
 };
 
-TEST_F(StationFileCheck, FromMissingToFreshToOldAndBack) {
-    const auto expect = [this](StationFileState file, SourceState state, double age = 0) {
-        const StationObservation seen = look();
-        EXPECT_EQ(seen.file, file);
+TEST_F(Staleness, FromMissingToFreshToOldAndBack) {
+    const auto expect = [this](SourceState state, StationFileState file, double age,
+                               StationFileState alarm) {
+        SCOPED_TRACE(testing::Message() << static_cast<int>(file) << ", " << age << " s");
+        const StationObservation seen = observe();
         EXPECT_EQ(seen.state, state);
-        EXPECT_NEAR(seen.ageSeconds, age, 1e-6);
-        EXPECT_EQ(seen.usable(), seen.numbers[Quantity::Wind].has_value());
-        EXPECT_EQ(seen.faulty(), state != SourceState::Ok);
+        EXPECT_EQ(seen.file, file);
+        EXPECT_EQ(seen.ageSeconds, age);
+        EXPECT_EQ(seen.timeoutSeconds, 180);
+        EXPECT_EQ(seen.alarmState(), alarm);
+        EXPECT_EQ(seen.detail.isEmpty(), state != SourceState::Unusable);
+        EXPECT_EQ(seen.windSpeed.has_value(), state == SourceState::Ok);
+        EXPECT_EQ(seen.recordTime, memory.recordTime);
     };
-    expect(Missing, SourceState::Absent);
+    expect(SourceState::Absent, Missing, 0, Missing);
     writeNow();
-    expect(Refreshed, SourceState::Ok);
+    expect(SourceState::Ok, Refreshed, 0, Refreshed);
     clock.advanceMs(119'500);
-    expect(Unchanged, SourceState::Ok, 119.5);
+    expect(SourceState::Ok, Unchanged, 119.5, Unchanged);
     clock.advanceMs(60'600);
-    expect(Old, SourceState::Old, 180.1);
+    expect(SourceState::Old, Old, 180.1, Old);
     writeNow();
-    expect(Refreshed, SourceState::Ok);
+    expect(SourceState::Ok, Refreshed, 0, Refreshed);
+    // The records that a station writes after it stopped come of age by themselves.
+    memory.recordTime = clock.now().addSecs(180);
+    clock.advanceSeconds(181);
+    expect(SourceState::Old, Old, 181, Old);
     ASSERT_TRUE(QFile::remove(path));
-    expect(Missing, SourceState::Absent);
+    expect(SourceState::Absent, Missing, 0, Missing);
+    writeNow();
+    memory.reset();
+    expect(SourceState::Ok, Refreshed, 0, Refreshed);
+    clock.advanceSeconds(1);
+    writeNow(u"Soil"_s);
+    const StationObservation seen = observe();
+    EXPECT_EQ(seen.state, SourceState::Unusable);
+    EXPECT_EQ(seen.alarmState(), Old);
+    EXPECT_EQ(seen.detail, stationReadStatus(StationRead::NoReadings));
 }
 
-TEST_F(StationFileCheck, TheNameIsFoundWithoutRegardToCaseAndAFolderIsNoFile) {
+TEST_F(Staleness, TheNameIsFoundWithoutRegardToCaseAndAFolderIsNoFile) {
     writeNow();
     controls.HTMFile.Caption = folder.filePath(u"STATION.HTM"_s);
-    EXPECT_TRUE(look().usable());
+    EXPECT_TRUE(observe().usable());
     for (const QString& name : {folder.path(), QString(), folder.filePath(u"other.htm"_s)}) {
         controls.HTMFile.Caption = name;
-        EXPECT_EQ(look().state, SourceState::Absent) << qPrintable(name);
+        EXPECT_EQ(observe().state, SourceState::Absent) << qPrintable(name);
     }
-    // What is there and says nothing of use is as good as old for its alarm.
-    controls.HTMFile.Caption = folder.write(u"empty.htm"_s);
-    EXPECT_EQ(look().state, SourceState::Unusable);
-    EXPECT_EQ(look().alarmState(), Old);
 }
 
 } // namespace

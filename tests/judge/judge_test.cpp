@@ -14,6 +14,7 @@ namespace {
 
 using enum Quantity;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 // A calm, clear, dry night, judged by what a fresh store has. Sectors are those of a test.
 struct Judging : testing::Test {
@@ -308,7 +309,7 @@ TEST_F(Judging, SectorBoundsAreInclusiveAndANegativeStartWrapsThroughNorth) {
         {Sector{180, 90, 0}, {}, {120}},
         // Without a sector, or a direction to test, nothing is restricted.
         {std::nullopt, {123, std::nullopt}, {}},
-        {Sector{90, 180, 0}, {std::nullopt}, {}},
+        {Sector{90, 180, 0}, {std::nullopt, kNan, kInfinite, -kInfinite}, {}},
     };
     set(Wind, 15);
     const auto expect = [this](std::optional<double> direction, bool inside) {

@@ -55,6 +55,8 @@ void PlainModel::readLevels(const Observation& observation, const Rules& rules) 
     if (observation.station.state != SourceState::Ok)
         return; // levels and direction stay
     direction_ = observation.station.windDirection;
+    if (direction_ && !std::isfinite(*direction_))
+        direction_.reset();
     for (const Quantity quantity : {Wind, Gust, Temperature, Dew, Humidity}) {
         const std::optional<double> value = observation.values[quantity];
         const std::array<double, 3>& limits = rules.levels[quantity].limits;

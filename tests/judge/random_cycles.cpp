@@ -2,11 +2,15 @@
 
 #include "plain_model.h"
 
+#include <limits>
 #include <sstream>
 
 namespace skyhold {
 
 using enum Quantity;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 std::optional<Sector> RandomCycles::randomSector() {
     const auto degrees = [this] {
@@ -67,7 +71,7 @@ void RandomCycles::changeDirection() {
         rules.levels[oneIn(2) ? Wind : Gust].sectors[below(kLevelCount)];
     direction_ = 22.5 * static_cast<double>(below(16));
     if (oneIn(15))
-        direction_.reset();
+        direction_ = pick<std::optional<double>>({std::nullopt, kNan, kInfinite, -kInfinite});
     else if (sector && !oneIn(3)) {
         const double bound = pick({sector->from, sector->to, (sector->from + sector->to) / 2});
         const double beside = bound + pick({0.0, 0.0, 0.1, -0.1});
