@@ -93,7 +93,7 @@ TEST_F(Staleness, FromMissingToFreshToOldAndBack) {
         EXPECT_EQ(seen.timeoutSeconds, 180);
         EXPECT_EQ(seen.alarmState(), alarm);
         EXPECT_EQ(seen.detail.isEmpty(), state != SourceState::Unusable);
-        EXPECT_EQ(seen.windSpeed.has_value(), state == SourceState::Ok);
+        EXPECT_EQ(seen.numbers[Quantity::Wind].has_value(), state == SourceState::Ok);
         EXPECT_EQ(seen.recordTime, memory.recordTime);
     };
     expect(SourceState::Absent, Missing, 0, Missing);
