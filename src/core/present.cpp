@@ -157,13 +157,11 @@ void present(const CycleResult& result, const QString& codes, const NumberForms&
 }
 
 void presentVerdict(const CycleResult& result, Records& records) {
-    const bool unsafe = result.memory.UnsafeFlag;
-    records.readings.UnsafeFlag = unsafe;
     Disp_UnsafeFlag(records.readings, records.conditions);
     const bool waiting = result.distrusted.isEmpty() && result.judgement.waiting();
-    records.session.verdict = !unsafe   ? Verdict::Safe
-                              : waiting ? Verdict::Waiting
-                                        : Verdict::Unsafe;
+    records.session.verdict = !records.readings.UnsafeFlag ? Verdict::Safe
+                              : waiting                    ? Verdict::Waiting
+                                                           : Verdict::Unsafe;
 }
 
 void presentNoVerdict(Records& records) {
@@ -176,8 +174,14 @@ void presentNoVerdict(Records& records) {
 }
 
 void Disp_UnsafeFlag(const CurrentReadings& readings, ConditionControls& controls) {
-    controls.LblStatus.Caption = readings.UnsafeFlag ? u"Unsafe"_s : u"Safe"_s;
+    controls.LblStatus.Caption = SafeText(readings.UnsafeFlag ? -1 : 0);
     controls.LEDUnsafe.FillColor = readings.UnsafeFlag ? kRed : kGreen;
+}
+
+QString SafeText(int flag) {
+    if (flag == -1)
+        return u"Unsafe"_s;
+    return flag == 0 ? u"Safe"_s : QString();
 }
 
 } // namespace skyhold

@@ -16,11 +16,14 @@ QString sourceCode(const Observation& observation);
 void present(const CycleResult& result, const QString& codes, const NumberForms& forms,
              Records& records);
 
-// Shows the verdict alone, which may change between two cycles.
+// Shows the verdict alone, which may change between two cycles. The readings hold it.
 void presentVerdict(const CycleResult& result, Records& records);
 
 // Shows the published verdict as text and lamp.
 void Disp_UnsafeFlag(const CurrentReadings& readings, ConditionControls& controls);
+
+// "Unsafe" for -1, which is how a set flag travels, and "Safe" for 0; else empty.
+QString SafeText(int flag);
 
 // Shows that there is no verdict: a session begins.
 void presentNoVerdict(Records& records);

@@ -22,13 +22,14 @@ void RunReadCycle(MonitoringCore& core) {
     Records& records = core.records;
     core.sensor.beginCycle(
         {records.readings, records.session, records.alarms, records.conditions, records.display});
+    records.readings.SensorDataReady = false;
     core.forms = localeNumberForms();
 
     Observation seen;
     seen.station = observeStation(records.stationFile, records.units, core.forms, core.clock,
                                   core.stationMemory);
-    soundStationAlarm(core,
-                      seen.station); // before the sensor program is read, whose own it silences
+    // Before the sensor program is read, whose own alarm it silences.
+    soundStationAlarm(core, seen.station);
     followUnits(seen.station, core);
     takeStationValues(seen, core.forms);
     ReadSensor(core.sensor, core.forms, seen);

@@ -2,6 +2,7 @@
 
 #include "core/verdict.h"
 #include "core/wording.h"
+#include "model/compass.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -65,12 +66,10 @@ QJsonObject reading(Quantity quantity, const MonitoringCore& core) {
 }
 
 QJsonValue compassLabel(std::optional<double> direction) {
-    static const QStringList labels{u"N"_s,  u"NNE"_s, u"NE"_s, u"ENE"_s, u"E"_s,  u"ESE"_s,
-                                    u"SE"_s, u"SSE"_s, u"S"_s,  u"SSW"_s, u"SW"_s, u"WSW"_s,
-                                    u"W"_s,  u"WNW"_s, u"NW"_s, u"NNW"_s};
     if (!direction || !std::isfinite(*direction))
         return QJsonValue::Null;
-    return labels[static_cast<qsizetype>(std::lround(*direction / 22.5)) % labels.size()];
+    const auto point = static_cast<std::size_t>(std::lround(*direction / 22.5));
+    return QLatin1String(kCompassPoints[point % kCompassPoints.size()]);
 }
 
 QJsonObject readings(const MonitoringCore& core) {
@@ -169,13 +168,22 @@ QJsonObject plainCause(const QString& kind, const QString& text, std::int64_t si
             {u"text"_s, text}};
 }
 
-QString verdictText(const MonitoringCore& core) {
-    const CycleResult& result = core.result;
-    if (core.records.session.State != SessionState::Running || result.number == 0)
+// The verdict that the window shows; none without a session, though the window still tells the
+// last one.
+QString verdictText(const SessionControls& session) {
+    if (!session.running())
         return u"none"_s;
-    if (!result.memory.UnsafeFlag)
+    switch (session.verdict.value()) {
+    case Verdict::Safe:
         return u"safe"_s;
-    return result.judgement.waiting() ? u"waiting"_s : u"unsafe"_s;
+    case Verdict::Waiting:
+        return u"waiting"_s;
+    case Verdict::Unsafe:
+        return u"unsafe"_s;
+    case Verdict::None:
+        break;
+    }
+    return u"none"_s;
 }
 
 QJsonArray causes(const MonitoringCore& core, const QString& verdict) {
@@ -240,7 +248,7 @@ QString sessionText(SessionState state) {
 QJsonObject stateDocument(const MonitoringCore& core) {
     const CycleResult& result = core.result;
     const Records& records = core.records;
-    const QString verdict = verdictText(core);
+    const QString verdict = verdictText(records.session);
     const QString codes = records.session.Statusbar2.Caption;
     return {
         {u"schema"_s, kStateSchema},
@@ -256,7 +264,7 @@ QJsonObject stateDocument(const MonitoringCore& core) {
         {u"safe"_s, verdict == u"safe" && sourcesGood(core)},
         {u"verdict"_s, verdict},
         {u"since"_s, timeValue(verdict == u"none" ? 0 : result.memory.verdictSince)},
-        {u"wait_s"_s, result.judgement.waitSeconds},
+        {u"wait_s"_s, verdict == u"waiting" ? result.judgement.waitSeconds : 0},
         {u"decided_by"_s, result.judgement.byClient ? u"client"_s : u"rules"_s},
         {u"controller"_s,
          result.judgement.byClient ? records.session.LblControl.Caption.value() : QString()},

@@ -5,14 +5,27 @@
 
 namespace skyhold {
 
+namespace {
+
+// Outside a cycle: everything that holds the verdict, and those who follow it.
+void showVerdict(MonitoringCore& core) {
+    core.records.readings.UnsafeFlag = core.result.memory.UnsafeFlag;
+    presentVerdict(core.result, core.records);
+    core.stateChanged();
+}
+
+} // namespace
+
 Moment momentOf(const Clock& clock) {
     return {clock.MsClock(), clock.now().toMSecsSinceEpoch()};
 }
 
 void setVerdict(MonitoringCore& core, bool unsafe) {
     publishVerdict(core.result.memory, unsafe, momentOf(core.clock));
-    presentVerdict(core.result, core.records);
-    core.stateChanged();
+    core.result.judgement.byClient = true;
+    core.result.judgement.UnsafeFlag = unsafe;
+    core.result.distrusted.clear();
+    showVerdict(core);
 }
 
 void distrustAfterGap(MonitoringCore& core) {
@@ -24,9 +37,10 @@ void distrustAfterGap(MonitoringCore& core) {
 void distrustVerdict(MonitoringCore& core, const QString& reason) {
     distrust(core.result.memory, momentOf(core.clock));
     core.result.distrusted = reason;
-    presentVerdict(core.result, core.records);
+    core.result.judgement.byClient = false;
+    core.result.judgement.UnsafeFlag = true;
     core.records.display.LblCause.Caption = reason;
-    core.stateChanged();
+    showVerdict(core);
 }
 
 } // namespace skyhold

@@ -66,11 +66,11 @@ struct LevelRow {
     // program has been asked.
     const char* description;
     // Of station quantities, in sections "Limit", "Description" and "Color".
-    const char* limitKey;
-    const char* limit;
-    Colour colour;
+    const char* limitKey = nullptr;
+    const char* limit = nullptr;
+    Colour colour = 0;
     // Of sensor quantities: the member that has the level's description.
-    const char* descriptionMember;
+    const char* descriptionMember = nullptr;
 };
 
 struct QuantityRow {
@@ -82,17 +82,17 @@ struct QuantityRow {
     const char* key;         // in the state document: "dew_spread"
     SourceName source;
     Measure measure;
-    const char* valueMember;    // of the sensor program, or the row's name in the station's file
-    const char* levelMember;    // of the sensor program; null for the station's quantities
-    const char* valueLabel;     // of the names of its labels: "LValWindSpeed"
-    const char* conditionLabel; // "LCondWind"
-    const char* suffix;    // of the names of its controls: "LimitTemp", "CondTemp", "AlarmTemp"
-    const char* sectorKey; // "WindDir", followed by the level's index; null without sectors
-    char16_t alarmLetter;  // an alarm's id is this letter and the level's index
-    int indicator;         // which of the PlayAlarm indicators shows its alarm
-    int dataItem;          // its condition among the items of the user data file
-    int limitDecimals;     // digits that the number boxes of its limits take after the point
-    int negativeLimits;    // how many of its limits, from the first, may be negative
+    const char* valueMember; // of the sensor program, or the row's name in the station's file
+    const char* levelMember = nullptr; // of the sensor program; none for the station's quantities
+    const char* valueLabel;            // of the names of its labels: "LValWindSpeed"
+    const char* conditionLabel;        // "LCondWind"
+    const char* suffix; // of the names of its controls: "LimitTemp", "CondTemp", "AlarmTemp"
+    const char* sectorKey = nullptr; // "WindDir", followed by the level's index; none: no sectors
+    char16_t alarmLetter;            // an alarm's id is this letter and the level's index
+    int indicator;                   // which of the PlayAlarm indicators shows its alarm
+    int dataItem;                    // its condition among the items of the user data file
+    int limitDecimals = 0;  // digits that the number boxes of its limits take after the point
+    int negativeLimits = 0; // how many of its limits, from the first, may be negative
     std::array<LevelRow, kLevelCount> levels;
 
     bool hasLimits() const { return source == SourceName::Station; }

@@ -1,5 +1,6 @@
 #include "settings/key_table.h"
 
+#include "model/compass.h"
 #include "platform/files.h"
 #include "settings/level_keys.h"
 
@@ -8,9 +9,6 @@ namespace skyhold {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-constexpr std::array kCardinalPoints{"N", "NNE", "NE", "ENE", "E", "ESE", "SE", "SSE",
-                                     "S", "SSW", "SW", "WSW", "W", "WNW", "NW", "NNW"};
 
 constexpr std::array kColumnHeaders{"Date",
                                     "Time",
@@ -117,7 +115,7 @@ void cardinalAndFolderRows(KeyRows& rows, AnyRecords& r) {
     rows.section(u"Window"_s);
     for (int k = 0; k < 16; ++k) {
         const auto i = static_cast<std::size_t>(k);
-        rows.text(twoDigitKey("Cadinal", k + 1), latin(kCardinalPoints[i]), r.units.Cardinal[i],
+        rows.text(twoDigitKey("Cadinal", k + 1), latin(kCompassPoints[i]), r.units.Cardinal[i],
                   u"label for a wind from %1°"_s.arg(k * 22.5));
     }
     rows.text(u"FileNameCCDAP4"_s, u"Kiv_CCDAP4_II.dat"_s, r.ccdap.FileNameCCDAP4.Text,

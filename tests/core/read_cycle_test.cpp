@@ -1,3 +1,4 @@
+#include "core/present.h"
 #include "support/core_fixture.h"
 
 namespace skyhold {
@@ -31,7 +32,13 @@ TEST_F(ReadCycle, sensorProgramSeesItsCallsInOrder) {
                                u"DescriptionDark"_s,      u"SetUnSafe(b false)"_s,
                                u"Kiv_SetSwitch(d 1)"_s,   u"DataReady"_s};
     EXPECT_EQ(start.sliced(opening.size()), expected);
+    // Until it has said so, its data is not ready.
+    sensor_.onCall = [this](const QString& name) {
+        EXPECT_TRUE(name == u"DataReady"_s || !records().readings.SensorDataReady)
+            << qPrintable(name);
+    };
     cycle();
+    sensor_.onCall = {};
     EXPECT_EQ(sensor_.takeCalls(), expected);
 
     StopSession(*core_);
@@ -101,6 +108,8 @@ TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
         EXPECT_EQ(label.ForeColor.value(), colour) << qPrintable(text);
     }
     EXPECT_EQ(cause(), u"All conditions safe"_s);
+    EXPECT_EQ(QStringList({SafeText(-1), SafeText(0), SafeText(1)}),
+              (QStringList{u"Unsafe"_s, u"Safe"_s, QString()}));
 
     rainCycle(3);
     EXPECT_TRUE(unsafe());

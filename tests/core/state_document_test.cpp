@@ -78,8 +78,11 @@ TEST_F(StateDocument, isNotSafeWhenAClientOrAGapSaysSo) {
     core_->caller = u":1.7"_s;
     HasControl(*core_, true, u"Dome"_s);
     setVerdict(*core_, true);
+    const QStringList byClient{u"running unsafe - 0"_s, u"control: Unsafe by Dome"_s};
+    EXPECT_EQ(said(), byClient) << "before the next cycle as after it";
+    EXPECT_EQ(document()[u"decided_by"_s], u"client"_s);
     cycle();
-    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s, u"control: Unsafe by Dome"_s}));
+    EXPECT_EQ(said(), byClient);
     EXPECT_EQ(document()[u"controller"_s], u"Dome"_s);
     setVerdict(*core_, false);
     EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
@@ -90,6 +93,28 @@ TEST_F(StateDocument, isNotSafeWhenAClientOrAGapSaysSo) {
     EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
                                    u"session: Nothing has been read for a while"_s}));
     EXPECT_EQ(changes, 5);
+}
+
+TEST_F(StateDocument, whatEndsAWaitIsNoWait) {
+    records().conditions.SafeDelayVal.Value = 30;
+    StartSession(*core_);
+    const auto wait = [this] {
+        cycle({.temperature = u"-5"_s});
+        cycle();
+        ASSERT_EQ(said()[0], u"running waiting - 30"_s);
+        EXPECT_EQ(records().session.verdict.value(), Verdict::Waiting);
+    };
+    wait();
+    distrustAfterGap(*core_);
+    EXPECT_EQ(said()[0], u"running unsafe - 0"_s);
+    EXPECT_EQ(records().session.verdict.value(), Verdict::Unsafe);
+
+    wait();
+    core_->caller = u":1.7"_s;
+    HasControl(*core_, true, u"Dome"_s);
+    setVerdict(*core_, true);
+    EXPECT_EQ(said()[0], u"running unsafe - 0"_s);
+    EXPECT_EQ(records().session.verdict.value(), Verdict::Unsafe);
 }
 
 } // namespace
