@@ -2,8 +2,6 @@
 
 #include "platform/files.h"
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
@@ -15,6 +13,16 @@ constexpr int kRightButton = 2;
 
 const QString kStationAlarm = u"10"_s;
 const QString kSensorAlarm = u"20"_s;
+
+// Which of PlayAlarm shows that the alarm plays; none for an empty id.
+std::optional<int> indicatorOf(const QString& id) {
+    if (id == kStationAlarm)
+        return 8;
+    if (id == kSensorAlarm)
+        return 9;
+    const std::optional<ConditionAlarm> alarm = conditionAlarm(id);
+    return alarm ? std::optional(rowOf(alarm->quantity).indicator) : std::nullopt;
+}
 
 void sound(const AlarmPlayer& player, CurrentReadings& readings, const QString& id,
            const QString& spec) {
@@ -82,9 +90,9 @@ void TimerPlayer_Tick(const AlarmPlayer& player) {
 }
 
 void ShowPlayingAlarm(AlarmControls& controls, const QString& id) {
-    const qsizetype lit = id.isEmpty() ? -1 : u"CRWGTPHD12"_s.indexOf(id[0]);
+    const std::optional<int> lit = indicatorOf(id);
     for (std::size_t i = 0; i < controls.PlayAlarm.size(); ++i)
-        controls.PlayAlarm[i] = static_cast<qsizetype>(i) == lit;
+        controls.PlayAlarm[i] = lit == static_cast<int>(i);
 }
 
 void SetAlarmIcons(CheckBox& box, bool hasSound) {

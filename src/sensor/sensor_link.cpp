@@ -343,20 +343,15 @@ bool SensorLink::sendCommand(const QString& name, unsigned use, const QVariantLi
 }
 
 QString SensorLink::levelDescription(Quantity quantity, std::int32_t level) {
-    static const std::array<std::array<QString, 3>, 3> names{
-        {{QStringLiteral("DescriptionClear"), QStringLiteral("DescriptionCloudy"),
-          QStringLiteral("DescriptionVCloudy")},
-         {QStringLiteral("DescriptionDry"), QStringLiteral("DescriptionWet"),
-          QStringLiteral("DescriptionRain")},
-         {QStringLiteral("DescriptionDark"), QStringLiteral("DescriptionLight"),
-          QStringLiteral("DescriptionVLight")}}};
-    const auto row = static_cast<std::size_t>(quantity);
-    if (row >= names.size() || level < 1 || level > 3)
+    const QuantityRow& row = rowOf(quantity);
+    if (row.source != SourceName::Sensor || level < 1 ||
+        level > static_cast<std::int32_t>(kLevelCount))
         return {};
-    Description& description = descriptions_[row];
-    if (description.level != level)
-        description = {
-            level, readText(names[row][static_cast<std::size_t>(level - 1)]).value_or(QString())};
+    Description& description = descriptions_[quantity];
+    if (description.level != level) {
+        const char* member = row.levels[static_cast<std::size_t>(level - 1)].descriptionMember;
+        description = {level, readText(QString::fromLatin1(member)).value_or(QString())};
+    }
     return description.text;
 }
 

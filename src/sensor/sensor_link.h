@@ -12,8 +12,6 @@
 
 #include <QElapsedTimer>
 
-#include <array>
-
 namespace skyhold {
 
 // The records that opening the link reads and settles.
@@ -115,7 +113,7 @@ class SensorLink {
         std::int32_t level = 0;
         QString text;
     };
-    std::array<Description, 3> descriptions_; // of this cycle
+    PerQuantity<Description> descriptions_; // of this cycle
 };
 
 // Shows or hides the switch labels and sets whether this program drives the switch.
