@@ -113,8 +113,7 @@ QJsonValue ageSeconds(const QDateTime& then, const CycleResult& result) {
     if (!then.isValid() || result.number == 0)
         return QJsonValue::Null;
     // A station's clock may be ahead.
-    return static_cast<double>(std::max<qint64>(result.end.utcMs - then.toMSecsSinceEpoch(), 0) /
-                               1000);
+    return std::max<qint64>(result.end.utcMs - then.toMSecsSinceEpoch(), 0) / 1000;
 }
 
 QJsonObject sources(const CycleResult& result) {

@@ -47,10 +47,20 @@ LampWidget* makeLamp(QWidget* parent, const QString& name, int diameter) {
     return lamp;
 }
 
-constexpr std::array kTileOrder{Quantity::Cloud,       Quantity::Rain,    Quantity::Brightness,
-                                Quantity::Temperature, Quantity::Wind,    Quantity::Gust,
-                                Quantity::Dew,         Quantity::Humidity};
-static_assert(kTileOrder.size() == kQuantityCount);
+// The tiles from left to right, with the number of each one's header.
+struct TileOfQuantity {
+    Quantity quantity;
+    int header;
+};
+constexpr std::array<TileOfQuantity, kQuantityCount> kTiles{{{Quantity::Cloud, 0},
+                                                             {Quantity::Rain, 1},
+                                                             {Quantity::Brightness, 7},
+                                                             {Quantity::Temperature, 8},
+                                                             {Quantity::Wind, 2},
+                                                             {Quantity::Gust, 3},
+                                                             {Quantity::Dew, 5},
+                                                             {Quantity::Humidity, 6}}};
+constexpr int kDirectionHeader = 4; // behind the gust's
 
 // What a tile draws below its value, from the history of the graphs. What one would call calm or
 // steady does not fill its strip.
@@ -320,22 +330,23 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
-    const auto addTile = [&](Label& header, Label& value, const QString& valueName, bool sensor) {
-        auto* tile = new ReadingTile(header, u"Label0"_s + header.Caption, value, valueName, row);
+    const auto addTile = [&](Label& header, int number, Label& value, const QString& valueName,
+                             bool sensor) {
+        auto* tile = new ReadingTile(header, u"Label0%1"_s.arg(number), value, valueName, row);
         layout->addWidget(tile, 1);
         tiles_.emplace_back(tile, sensor);
         return tile;
     };
     const auto addDirection = [&] {
-        ReadingTile* tile =
-            addTile(display.Label0Direction, display.LValWindDir, u"LValWindDir"_s, false);
+        ReadingTile* tile = addTile(display.Label0Direction, kDirectionHeader, display.LValWindDir,
+                                    u"LValWindDir"_s, false);
         tile->showUnit(u"°"_s);
         trends_.push_back({tile, [](const GraphPoint& p) { return p.direction; },
                            TrendScale{.lowest = 0, .highest = 360, .circular = true}});
     };
-    for (const Quantity quantity : kTileOrder) {
+    for (const auto& [quantity, header] : kTiles) {
         const QuantityRow& shown = rowOf(quantity);
-        ReadingTile* tile = addTile(display.Label0[quantity], display.LVal[quantity],
+        ReadingTile* tile = addTile(display.Label0[quantity], header, display.LVal[quantity],
                                     u"LVal"_s + QLatin1String(shown.valueLabel),
                                     shown.source == SourceName::Sensor);
         tile->showCondition(display.LCond[quantity],
