@@ -133,7 +133,8 @@ QJsonObject sources(const CycleResult& result) {
                                        {u"detail"_s, station.detail}}}};
 }
 
-QJsonObject causeValue(const Cause& cause, const CycleResult& result) {
+QJsonObject causeValue(const Cause& cause, const CycleResult& result,
+                       const ConditionControls& controls) {
     QJsonObject value{{u"since"_s, timeValue(cause.sinceUtcMs)},
                       {u"text"_s, causeText(cause, result, {})}};
     if (cause.kind == CauseKind::Source) {
@@ -146,6 +147,8 @@ QJsonObject causeValue(const Cause& cause, const CycleResult& result) {
     value[u"kind"_s] = beyond ? u"beyond"_s : u"level"_s;
     value[u"name"_s] = QLatin1String(row.key);
     value[u"level"_s] = cause.level;
+    if (!beyond)
+        value[u"label"_s] = levelLabel(cause.quantity, result, controls);
     value[u"value"_s] = numberValue(result.observation.values[cause.quantity]);
     value[u"unit"_s] = unitOf(cause.quantity, result);
     if (!row.hasLimits())
@@ -203,7 +206,7 @@ QJsonArray causes(const MonitoringCore& core, const QString& verdict) {
                               u"Unsafe by "_s + core.records.session.LblControl.Caption.value(),
                               result.memory.verdictSince));
     for (const Cause& cause : result.judgement.causes)
-        all.append(causeValue(cause, result));
+        all.append(causeValue(cause, result, core.records.conditions));
     if (result.judgement.waiting())
         all.append(plainCause(u"delay"_s, delayText(result), result.memory.lastUnsafeUtcMs));
     return all;

@@ -4,6 +4,7 @@
 #include "support/core_fixture.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 
 namespace skyhold {
 namespace {
@@ -35,6 +36,18 @@ TEST_F(StateDocument, saysWhetherItIsSafeAndWhy) {
     cycle({.wind = u"23.4"_s}, 60);
     const QString windy = u"level:wind Wind 23.4 km/h, above 20, since 22:01:00"_s;
     EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s, windy}));
+    const QJsonObject cause{{u"kind"_s, u"level"_s},
+                            {u"name"_s, u"wind"_s},
+                            {u"level"_s, 3},
+                            {u"label"_s, u"Very Windy"_s},
+                            {u"value"_s, 23.4},
+                            {u"unit"_s, u"km/h"_s},
+                            {u"limit"_s, 20},
+                            {u"relation"_s, u">"_s},
+                            {u"since"_s, clock_.now().toUTC().toString(Qt::ISODate)},
+                            {u"text"_s, windy.section(u' ', 1)}};
+    EXPECT_EQ(QJsonDocument(document()[u"causes"_s][0].toObject()).toJson().toStdString(),
+              QJsonDocument(cause).toJson().toStdString());
     sensor_.values[u"Condition_Rain"_s] = 2;
     cycle({.wind = u"23.4"_s});
     EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,

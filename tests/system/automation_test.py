@@ -1,5 +1,6 @@
 """The automation server of the whole program, as other programs see it."""
 
+import json
 import os
 import pathlib
 import signal
@@ -92,6 +93,41 @@ class AutomationTest(unittest.TestCase):
         self.assertIn(self.instance.path.rpartition("/")[2], children)
         names = [part.get("name") for part in ElementTree.fromstring(xml).iter("interface")]
         self.assertEqual(len(names), len(set(names)), names)
+
+    def test_state_document_is_signalled_and_attaches_nobody(self):
+        interface = "Kiv.Skyhold.Monitor1"
+        monitor = "/Kiv_Skyhold/Monitor"
+
+        def read(name):
+            return self.instance.ask(PROPERTIES, "Get", "ss", interface, name, path=monitor)[1][0]
+
+        with subprocess.Popen(["dbus-monitor", "--session", f"interface='{interface}'"],
+                              env=self.monitored.run.variables, stdout=subprocess.PIPE,
+                              text=True) as watch:
+            self.addCleanup(watch.kill)
+
+            def next_of(member):
+                for line in watch.stdout:
+                    if f"member={member}" in line:
+                        text = next(watch.stdout).strip()
+                        return json.loads(text.removeprefix('string "').removesuffix('"'))
+                return self.fail(f"no {member} came")
+
+            first, second = next_of("CycleDone"), next_of("CycleDone")
+            self.assertEqual([second["cycle"], second["schema"], second["attached"]],
+                             [first["cycle"] + 1, 1, 1])
+            self.assertEqual(read("Version"), 1)
+            state = json.loads(read("State"))
+            self.assertEqual([state["session"], state["attached"]], ["running", 1])
+
+            self.instance.invoke("Kiv_LocalControl", METHOD, [True, "Dome"])
+            self.instance.invoke("SetUnSafe", METHOD, [True])
+            changed = next_of("StateChanged")
+            self.instance.invoke("Kiv_LocalControl", METHOD, [False, ""])
+            self.assertEqual([changed["safe"], changed["verdict"], changed["decided_by"],
+                              changed["controller"], changed["causes"][0]["text"]],
+                             [False, "unsafe", "client", "Dome", "Unsafe by Dome"])
+            watch.kill()
 
     def test_typed_members_answer_with_their_types(self):
         instance = self.instance
