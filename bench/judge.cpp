@@ -23,7 +23,7 @@ static void judgeCycles(benchmark::State& state) {
         cycles.push_back({random.observation, random.rules, random.now, random.byClient});
     }
     JudgeMemory memory;
-    beginSession(memory, cycles.front().now);
+    beginSession(cycles.front().rules, memory, cycles.front().now);
     std::size_t i = 0;
     for ([[maybe_unused]] auto _ : state) {
         const Cycle& cycle = cycles[i++ % cycles.size()];

@@ -60,7 +60,7 @@ void StartReading(MonitoringCore& core) {
     const QDateTime now = core.clock.now();
     records.readings.LastReading = now;
     records.readings.ReadingStart = now;
-    beginSession(core.result.memory, momentOf(core.clock));
+    beginSession(rulesOf(records.conditions), core.result.memory, momentOf(core.clock));
     core.sensor.takeCallFailure();
 
     RunReadCycle(core);

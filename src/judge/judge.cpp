@@ -118,8 +118,13 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
             memory.lastUnsafe = judgement.causes.front();
             memory.lastUnsafeUtcMs = now.utcMs;
         }
-        const DelayedVerdict verdict =
-            applySafeDelay(unsafe, rules.safeDelaySeconds, memory, now.ms);
+        judgement.delaySeconds = delayInForce(rules, memory.flap, now.ms);
+        const bool wasSafe = memory.SafeState != 0 && !memory.UnsafeFlag;
+        const DelayedVerdict verdict = applySafeDelay(unsafe, judgement.delaySeconds, memory,
+                                                      now.ms, rules.calm.earnFirstSafe);
+        if (wasSafe && verdict.unsafe)
+            noteClosure(rules, memory.flap, now.ms);
+        judgement.lengthened = memory.flap.doublings > 0;
         publishVerdict(memory, verdict.unsafe, now);
         memory.SafeDelayRemaining = verdict.waitSeconds;
         judgement.waitSeconds = verdict.waitSeconds;
@@ -128,12 +133,14 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
     return judgement;
 }
 
-void beginSession(JudgeMemory& memory, Moment now) {
+void beginSession(const Rules& rules, JudgeMemory& memory, Moment now) {
+    constexpr std::int64_t kLongAgoMs = 86'400'000; // more than any sector's minutes
     memory.SafeState = 0;
     memory.SafeDelayRemaining = 0;
     memory.PrevCloudLevel = CloudCloudy;
     memory.CloudChangeTime = 0;
-    memory.OutsideSince.values.fill(now.ms);
+    memory.OutsideSince.values.fill(rules.calm.earnFirstSafe ? now.ms - kLongAgoMs : now.ms);
+    memory.flap = {};
     memory.causeSince = {};
     memory.levelSince = {};
     memory.stationOldSince = 0;

@@ -16,7 +16,7 @@ Judgement judge(const Observation& observation, const Rules& rules, JudgeMemory&
                 bool byClient = false);
 
 // What a session starts with. `now` is when it started to read.
-void beginSession(JudgeMemory& memory, Moment now);
+void beginSession(const Rules& rules, JudgeMemory& memory, Moment now);
 
 // Makes `unsafe` the verdict, and notes since when it is.
 void publishVerdict(JudgeMemory& memory, bool unsafe, Moment now);

@@ -10,6 +10,9 @@ namespace skyhold {
 namespace {
 
 constexpr double kLongestDelay = 2'147'483'647; // seconds
+constexpr std::int64_t kQuietMs = 3'600'000;
+constexpr double kLeastDoubledDelay = 60; // seconds
+constexpr std::int32_t kMostDoublings = 30;
 
 // The second that a moment lies in, before the clock's zero, too.
 double wholeSeconds(std::int64_t ms) {
@@ -48,14 +51,14 @@ bool CloudLevelActive(std::int32_t level, double delaySeconds, JudgeMemory& memo
 }
 
 DelayedVerdict applySafeDelay(bool unsafe, double delaySeconds, JudgeMemory& memory,
-                              std::int64_t nowMs) {
+                              std::int64_t nowMs, bool earnFirst) {
     // Bounded, so that stamps and the countdown stay in range; in this order of the arguments a
     // delay that is no number is the longest one.
     const double delay = std::max(-kLongestDelay, std::min(kLongestDelay, delaySeconds));
 
     const std::int32_t before = memory.SafeState;
     memory.SafeState = unsafe ? 1 : 2;
-    if (before == 0) {
+    if (before == 0 && !earnFirst) {
         memory.SafeDelayStart = nowMs - std::llround(delay * 1000);
         return {unsafe, 0};
     }
@@ -68,6 +71,30 @@ DelayedVerdict applySafeDelay(bool unsafe, double delaySeconds, JudgeMemory& mem
     if (delay <= elapsed)
         return {false, 0};
     return {true, static_cast<std::int32_t>(std::nearbyint(delay - elapsed))};
+}
+
+double delayInForce(const Rules& rules, FlapMemory& flap, std::int64_t nowMs) {
+    if (rules.calm.closures <= 0 || nowMs - flap.lastClosure >= kQuietMs)
+        flap = {};
+    if (flap.doublings == 0)
+        return rules.safeDelaySeconds;
+    // Twice nothing would be nothing.
+    const double base = std::max(kLeastDoubledDelay, rules.safeDelaySeconds);
+    const double lengthened = std::min(std::ldexp(base, flap.doublings), rules.calm.longestSeconds);
+    // It only ever lengthens; a delay that is no number stays one.
+    return lengthened > rules.safeDelaySeconds ? lengthened : rules.safeDelaySeconds;
+}
+
+void noteClosure(const Rules& rules, FlapMemory& flap, std::int64_t nowMs) {
+    if (rules.calm.closures <= 0)
+        return;
+    flap.lastClosure = nowMs;
+    flap.closures.removeIf([nowMs](std::int64_t then) { return nowMs - then >= kQuietMs; });
+    flap.closures.append(nowMs);
+    if (flap.closures.size() < rules.calm.closures)
+        return;
+    flap.closures.clear();
+    flap.doublings = std::min(flap.doublings + 1, kMostDoublings);
 }
 
 } // namespace skyhold

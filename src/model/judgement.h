@@ -36,6 +36,15 @@ struct Cause {
 
 using Causes = QVarLengthArray<Cause, 12>;
 
+// What the guard against flapping remembers. A closure is a verdict that turns from safe to unsafe
+// by the rules.
+struct FlapMemory {
+    QVarLengthArray<std::int64_t, 8> closures; // of the last hour, since the last doubling; ms
+    std::int64_t lastClosure = 0;              // ms; counts while there is a doubling
+    std::int32_t doublings = 0;                // of the safe delay
+    bool operator==(const FlapMemory&) const = default;
+};
+
 // The last verdict and how it came about; what a rule itself must remember from cycle to cycle. A
 // value: it can be copied, compared and saved.
 struct JudgeMemory {
@@ -47,6 +56,7 @@ struct JudgeMemory {
     std::int64_t SafeDelayStart = 0;     // ms
     std::int32_t SafeDelayRemaining = 0; // whole seconds still to wait, 0 when not waiting
     bool UnsafeFlag = false;
+    FlapMemory flap;
 
     std::int32_t PrevCloudLevel = 0;
     std::int64_t CloudChangeTime = 0; // ms; 0: long ago
@@ -76,6 +86,8 @@ struct Judgement {
     Causes causes;                // what speaks for unsafe in this cycle, in the order of the tests
     bool UnsafeFlag = false;      // the verdict
     std::int32_t waitSeconds = 0; // what is left of the safe delay; 0 when not waiting
+    double delaySeconds = 0;      // the safe delay in force
+    bool lengthened = false;      // that delay, by the guard against flapping
     bool byClient = false;        // a client decides: the verdict is not of these causes
 
     // The rules say safe, and the verdict is held back.

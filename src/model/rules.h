@@ -17,6 +17,17 @@ struct LevelRules {
     bool ordered() const { return limits[0] < limits[1] && limits[1] < limits[2]; }
 };
 
+// What only ever holds a safe back for longer.
+struct CalmRules {
+    // Each `closures` closures within an hour double the safe delay, up to `longestSeconds`; an
+    // hour without one undoes it. 0: never.
+    std::int32_t closures = 0;
+    double longestSeconds = 3600;
+    // A session's first safe waits for the delay like any other, and a wind that stands in its
+    // sector when a session begins counts at once.
+    bool earnFirstSafe = false;
+};
+
 struct Rules {
     PerQuantity<LevelRules> levels;
     bool stationOldIsUnsafe = true;
@@ -24,6 +35,8 @@ struct Rules {
     bool beyondIsUnsafe = false;  // a value above the last limit, which has no level
     double safeDelaySeconds = 0;  // 0 and less is no delay
     double cloudDelaySeconds = 0; // how long it must be cloudy before that counts
+
+    CalmRules calm;
 };
 
 } // namespace skyhold

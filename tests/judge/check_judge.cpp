@@ -43,10 +43,11 @@ bool plainlyBad(const Observation& observation, const Rules& rules) {
 }
 
 // Never safe before every armed input was good throughout the delay; only the first decision of a
-// session needs no time before it.
+// session needs no time before it, unless that is earned, too.
 struct Promise {
     bool mustWait = false;
     bool good = false;
+    bool decided = false; // the rules, in this session
     std::int64_t goodSinceMs = 0;
     void bad() {
         mustWait = true;
@@ -99,8 +100,8 @@ TEST(CheckJudge, AgreesWithThePlainModelAndKeepsThePromiseOfTheDelay) {
             model = {};
         }
         if (random.newSession) {
-            beginSession(memory, random.now);
-            model.beginSession(random.now);
+            beginSession(rules, memory, random.now);
+            model.beginSession(rules, random.now);
             promise = {};
         }
         if (random.distrusted) {
@@ -117,6 +118,8 @@ TEST(CheckJudge, AgreesWithThePlainModelAndKeepsThePromiseOfTheDelay) {
         const PlainAnswer judged = plain(judgement);
         const PlainAnswer expected =
             model.cycle(random.observation, rules, random.now, random.byClient);
+        if (!random.byClient && !std::exchange(promise.decided, true) && rules.calm.earnFirstSafe)
+            promise.bad();
         const auto report = [&] {
             std::ostringstream out;
             out << "cycle " << i << " of seed " << seed << "\n"
@@ -138,6 +141,8 @@ TEST(CheckJudge, AgreesWithThePlainModelAndKeepsThePromiseOfTheDelay) {
             if (isLevel && !judged.counts[quantity])
                 ++seen[nameOf(quantity) + std::string(" does not count")];
         }
+        if (judgement.lengthened && judgement.waiting())
+            ++seen["waiting longer"];
         for (const std::string& cause : judged.causes)
             ++seen[cause];
         ++seen[random.byClient    ? "by a client"
@@ -151,9 +156,10 @@ TEST(CheckJudge, AgreesWithThePlainModelAndKeepsThePromiseOfTheDelay) {
         for (const char* level : {" 1", " 2", " 3"})
             EXPECT_GT(seen[nameOf(quantity) + std::string(level)], cycles / 1000) << level;
     }
-    for (const char* what : {"Cloud does not count", "Wind does not count", "Gust does not count",
-                             "Wind beyond", "Humidity beyond", "Station", "Sensor", "by a client",
-                             "waiting", "unsafe", "safe again", "safe from the start"})
+    for (const char* what :
+         {"Cloud does not count", "Wind does not count", "Gust does not count", "Wind beyond",
+          "Humidity beyond", "Station", "Sensor", "by a client", "waiting", "waiting longer",
+          "unsafe", "safe again", "safe from the start"})
         EXPECT_GT(seen[what], cycles / 300) << what;
     if (HasFailure() || qEnvironmentVariableIsSet("SKYHOLD_CHECK_CYCLES")) {
         for (const auto& [what, times] : seen)

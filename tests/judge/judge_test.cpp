@@ -37,7 +37,7 @@ struct Judging : testing::Test {
             set(quantity, value);
         observation.station.state = observation.sensor.state = SourceState::Ok;
         observation.station.windDirection = 180;
-        beginSession(memory, now);
+        beginSession(rules, memory, now);
     }
 
     // A level of the sensor's quantities, a value of the station's.
@@ -210,6 +210,7 @@ TEST_F(Judging, SafeDelayWalks) {
         const char* name;
         double delay;
         std::vector<Step> steps;
+        CalmRules calm{};
     } walks[] = {
         {"first cycle of a session safe", 60, {{0, kSafe}, {10, kSafe}}},
         {"unsafe at any time at once", 60, {{0, kUnsafe}, {5, kUnsafe}, {5, 60}}},
@@ -228,12 +229,40 @@ TEST_F(Judging, SafeDelayWalks) {
         {"that began before the clock's zero", 2.5, {{0.1, kSafe}, {0.5, kSafe}}},
         {"beyond every range", 1e300, {{0, kUnsafe}, {5, 2'147'483'647}}},
         {"no number", kNan, {{0, kUnsafe}, {5, 2'147'483'647}}},
+        {"two closures within an hour double the delay, an hour without one undoes it",
+         60,
+         {{0, kSafe},
+          {5, kUnsafe},
+          {5, 60},
+          {60, kSafe},
+          {5, kUnsafe},
+          {5, 120},
+          {60, 60},
+          {60, kSafe},
+          {3400, kUnsafe},
+          {1, 120},
+          {120, kSafe},
+          {3480, kUnsafe},
+          {5, 60}},
+         {.closures = 2}},
+        {"up to a bound, from a minute on, and again at each further number",
+         0,
+         {{0, kSafe}, {5, kUnsafe}, {5, 120}, {120, kSafe}, {5, kUnsafe}, {5, 200}},
+         {.closures = 1, .longestSeconds = 200}},
+        {"never shorter",
+         60,
+         {{0, kSafe}, {5, kUnsafe}, {5, 60}},
+         {.closures = 1, .longestSeconds = 5}},
+        {"the first safe is earned", 60, {{0, 60}, {59, 1}, {1, kSafe}}, {.earnFirstSafe = true}},
+        {"from unsafe, too", 60, {{0, kUnsafe}, {5, 60}, {60, kSafe}}, {.earnFirstSafe = true}},
+        {"with no delay", 0, {{0, kSafe}}, {.earnFirstSafe = true}},
     };
     for (const Moment& start : {now, Moment{0, 1'800'000'000'000}}) {
-        for (const auto& [name, delay, steps] : walks) {
+        for (const auto& [name, delay, steps, calm] : walks) {
             now = start;
-            beginSession(memory, now);
             rules.safeDelaySeconds = delay;
+            rules.calm = calm;
+            beginSession(rules, memory, now);
             for (std::size_t i = 0; i < steps.size(); ++i) {
                 SCOPED_TRACE(testing::Message() << name << ", step " << i);
                 const int outcome = steps[i].outcome;
@@ -286,7 +315,7 @@ TEST_F(Judging, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession
     // Whatever the clock's zero: a clock may begin with the machine.
     for (const Moment& start : {now, Moment{10'000, 1'800'000'000'000}}) {
         now = start;
-        beginSession(memory, now);
+        beginSession(rules, memory, now);
         for (const auto& [what, seconds, cloud, unsafe] : steps) {
             SCOPED_TRACE(what);
             set(Cloud, cloud);

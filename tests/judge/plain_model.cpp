@@ -33,12 +33,17 @@ static std::int32_t band(double x, const std::array<double, 3>& limits) {
     return 0;
 }
 
-void PlainModel::beginSession(Moment now) {
+void PlainModel::beginSession(const Rules& rules, Moment now) {
     safeState_ = 0;
     previousCloud_ = 2;
     cloudChange_.reset();
     standing_.clear();
     windOutside_ = gustOutside_ = static_cast<long double>(now.ms);
+    if (rules.calm.earnFirstSafe)
+        windOutside_ = gustOutside_ = -1e30L;
+    closures_.clear();
+    counted_ = 0;
+    doublings_ = 0;
 }
 
 // As if the last decision had been unsafe.
@@ -101,7 +106,9 @@ bool PlainModel::sectorHolds(const std::optional<Sector>& sector, long double& o
 }
 
 // Returns the seconds to wait.
-std::int64_t PlainModel::decide(bool unsafe, double delay) {
+std::int64_t PlainModel::decide(bool unsafe, double delay, bool earnFirst) {
+    if (safeState_ == 0 && earnFirst)
+        safeState_ = 1;
     if (safeState_ == 0) {
         delayStart_ = now_ - delay * 1000.0L;
         safeState_ = unsafe ? 1 : 2;
@@ -124,6 +131,30 @@ std::int64_t PlainModel::decide(bool unsafe, double delay) {
     const long double remaining = std::nearbyint(delay - elapsed); // halves to even
     const std::int32_t most = std::numeric_limits<std::int32_t>::max();
     return remaining > most ? most : static_cast<std::int64_t>(remaining);
+}
+
+double PlainModel::lengthened(const Rules& rules) const {
+    double delay = rules.safeDelaySeconds < 60 ? 60 : rules.safeDelaySeconds;
+    for (int i = 0; i < doublings_ && delay < rules.calm.longestSeconds; ++i)
+        delay *= 2;
+    if (delay > rules.calm.longestSeconds)
+        delay = rules.calm.longestSeconds;
+    if (doublings_ == 0 || delay < rules.safeDelaySeconds)
+        return rules.safeDelaySeconds;
+    return delay;
+}
+
+void PlainModel::closed(const Rules& rules) {
+    closures_.push_back(now_);
+    std::size_t within = 0;
+    for (std::size_t i = counted_; i < closures_.size(); ++i) {
+        if (now_ - closures_[i] < 3'600'000)
+            ++within;
+    }
+    if (static_cast<std::int64_t>(within) < rules.calm.closures)
+        return;
+    counted_ = closures_.size();
+    ++doublings_;
 }
 
 PlainAnswer PlainModel::cycle(const Observation& observation, const Rules& rules, Moment now,
@@ -183,8 +214,18 @@ PlainAnswer PlainModel::cycle(const Observation& observation, const Rules& rules
     }
     standing_ = standing;
 
-    if (!byClient)
-        answer.wait = decide(!answer.causes.empty(), rules.safeDelaySeconds);
+    if (!byClient) {
+        if (rules.calm.closures <= 0 ||
+            (!closures_.empty() && now_ - closures_.back() >= 3'600'000)) {
+            closures_.clear();
+            counted_ = 0;
+            doublings_ = 0;
+        }
+        const bool wasSafe = safeState_ != 0 && !unsafeFlag_;
+        answer.wait = decide(!answer.causes.empty(), lengthened(rules), rules.calm.earnFirstSafe);
+        if (wasSafe && unsafeFlag_ && rules.calm.closures > 0)
+            closed(rules);
+    }
     answer.unsafe = unsafeFlag_;
     return answer;
 }

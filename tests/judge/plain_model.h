@@ -25,7 +25,7 @@ struct PlainAnswer {
 
 class PlainModel {
   public:
-    void beginSession(Moment now);
+    void beginSession(const Rules& rules, Moment now);
     void distrust();
     void clientSays(bool unsafe) { unsafeFlag_ = unsafe; }
     PlainAnswer cycle(const Observation& observation, const Rules& rules, Moment now,
@@ -35,7 +35,9 @@ class PlainModel {
     void readLevels(const Observation& observation, const Rules& rules);
     bool cloudCounts(double delaySeconds);
     bool sectorHolds(const std::optional<Sector>& sector, long double& outsideSince) const;
-    std::int64_t decide(bool unsafe, double delaySeconds);
+    std::int64_t decide(bool unsafe, double delaySeconds, bool earnFirst);
+    double lengthened(const Rules& rules) const;
+    void closed(const Rules& rules);
 
     long double now_ = 0; // milliseconds, as all times here
     PerQuantity<std::int32_t> levels_;
@@ -48,6 +50,9 @@ class PlainModel {
     int safeState_ = 0;                      // 0 undecided, 1 was unsafe, 2 was safe
     long double delayStart_ = 0;
     bool unsafeFlag_ = false;
+    std::vector<long double> closures_; // all of the session
+    std::size_t counted_ = 0;           // those that have led to a doubling
+    int doublings_ = 0;
     std::map<std::string, std::int64_t> standing_; // since when, by the cause's first word
 };
 

@@ -54,6 +54,9 @@ void RandomCycles::changeRules() {
     rules.beyondIsUnsafe = oneIn(2);
     rules.safeDelaySeconds =
         pick({0.0, 0.0, -5.0, 1.0, 2.5, 10.0, 60.0, 60.0, 300.0, 1e6, 2'147'483'647.0});
+    rules.calm.closures = pick({0, 0, 1, 2, 3, 7});
+    rules.calm.longestSeconds = pick({0.0, 90.0, 600.0, 3600.0, 1e5});
+    rules.calm.earnFirstSafe = oneIn(2);
     rules.cloudDelaySeconds = pick({0.0, -1.0, 5.0, 60.0, 300.0, 3600.0, 1e300});
 }
 
@@ -152,7 +155,9 @@ std::string RandomCycles::describe() const {
         out << *observation.station.windDirection;
     out << "\nold station " << rules.stationOldIsUnsafe << ", failed sensor "
         << rules.sensorFailedIsUnsafe << ", beyond " << rules.beyondIsUnsafe << ", safe delay "
-        << rules.safeDelaySeconds << " s, cloud delay " << rules.cloudDelaySeconds << " s";
+        << rules.safeDelaySeconds << " s, cloud delay " << rules.cloudDelaySeconds << " s, flaps "
+        << rules.calm.closures << " up to " << rules.calm.longestSeconds << " s, first earned "
+        << rules.calm.earnFirstSafe;
     for (const Quantity quantity : kAllQuantities) {
         out << "\n" << nameOf(quantity) << ":";
         if (observation.givenLevels[quantity])
