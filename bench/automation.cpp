@@ -211,7 +211,7 @@ qint64 busProcess() {
 }
 
 // Holds the processes, this one and what it starts from now on to the processors.
-void keepOn(const cpu_set_t& processors, const std::vector<qint64>& processes) {
+void pinTo(const cpu_set_t& processors, const std::vector<qint64>& processes) {
     for (const qint64 process : processes) {
         const QDir threads(u"/proc/%1/task"_s.arg(process));
         for (const QString& thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
@@ -225,9 +225,9 @@ bool compareOnOneProcessor(const std::vector<qint64>& processes) {
     sched_getaffinity(0, sizeof all, &all);
     CPU_ZERO(&one);
     CPU_SET(sched_getcpu(), &one);
-    keepOn(one, processes);
+    pinTo(one, processes);
     const bool compared = compare("one client on one processor", 1);
-    keepOn(all, processes);
+    pinTo(all, processes);
     return compared;
 }
 

@@ -8,9 +8,9 @@
 #include "platform/automation_value.h"
 #include "platform/settings_text.h"
 #include "platform/text_encoding.h"
-#include "settings/settings.h"
+#include "settings/load_save.h"
 #include "settings/stored_text.h"
-#include "ui/number_text.h"
+#include "ui/widgets/number_text.h"
 #include "units/cardinal.h"
 #include "units/detection.h"
 
@@ -58,7 +58,7 @@ struct Shape {
 };
 
 template <class Value>
-void keep(const Value& value) {
+void useResult(const Value& value) {
     asm volatile("" : : "r"(&value) : "memory");
 }
 
@@ -119,32 +119,34 @@ bool tables() {
                  {"entities in entities", "<table><tr><td>&", "amp;", "</td></tr></table>"},
                  {"every entity", "<table><tr><td>", "&nbsp;&amp;&quot;&deg;&#&lt;&gt;%20'\r\n",
                   "</td></tr></table>"}},
-                [](const QByteArray&, const QString& text) { keep(ParseHtmlTable(text)); });
-    linear = measure("CSV table",
-                     {{"a file of records", {}, "OutTemp,\"C\",12.5\r\n", {}},
-                      {"one long line", {}, "abcdefgh", {}},
-                      {"quotes", {}, "\"", {}},
-                      {"a quote that does not end", "\"", "a,\n", {}},
-                      {"commas", {}, ",", {}},
-                      {"line ends", {}, "\r\n", {}},
-                      {"blanks", {}, " ", {}},
-                      {"blanks behind a field", "a", " ", "b"},
-                      {"quoted fields", {}, "\"a\",", {}}},
-                     [](const QByteArray&, const QString& text) { keep(ParseCsvTable(text)); }) &&
-             linear;
-    linear = measure("bytes to text",
-                     {{"ASCII", {}, "abcdefgh", {}},
-                      {"UTF-8", {}, "\xc2\xb0\x43", {}},
-                      {"ANSI", {}, "\xb0\x80\x99", {}},
-                      {"ANSI in the last byte", {}, "\xc2\xb0", "\xb0"}},
-                     [](const QByteArray& bytes, const QString&) { keep(decodeText(bytes)); }) &&
-             linear;
+                [](const QByteArray&, const QString& text) { useResult(ParseHtmlTable(text)); });
+    linear =
+        measure("CSV table",
+                {{"a file of records", {}, "OutTemp,\"C\",12.5\r\n", {}},
+                 {"one long line", {}, "abcdefgh", {}},
+                 {"quotes", {}, "\"", {}},
+                 {"a quote that does not end", "\"", "a,\n", {}},
+                 {"commas", {}, ",", {}},
+                 {"line ends", {}, "\r\n", {}},
+                 {"blanks", {}, " ", {}},
+                 {"blanks behind a field", "a", " ", "b"},
+                 {"quoted fields", {}, "\"a\",", {}}},
+                [](const QByteArray&, const QString& text) { useResult(ParseCsvTable(text)); }) &&
+        linear;
+    linear =
+        measure("bytes to text",
+                {{"ASCII", {}, "abcdefgh", {}},
+                 {"UTF-8", {}, "\xc2\xb0\x43", {}},
+                 {"ANSI", {}, "\xb0\x80\x99", {}},
+                 {"ANSI in the last byte", {}, "\xc2\xb0", "\xb0"}},
+                [](const QByteArray& bytes, const QString&) { useResult(decodeText(bytes)); }) &&
+        linear;
     return measure("find a row", {{"a name that is not there", {}, "Name,C,1\n", {}}},
                    [](const QByteArray&, const QString& text) {
                        // Once for each of twelve names.
                        const StationTable table = ParseCsvTable(text);
                        for (int name = 0; name < 12; ++name)
-                           keep(FindRow(table, u"Gust"));
+                           useResult(FindRow(table, u"Gust"));
                    }) &&
            linear;
 }
@@ -160,32 +162,33 @@ bool values() {
     units.StringDC = u"C;degC"_s;
     units.StringKPH = u"KM/HR KM/H KPH"_s;
     bool linear = measure("station value", shapes, [&](const QByteArray&, const QString& text) {
-        keep(ParseStationNumber(text, comma));
-        keep(parseLocaleNumber(text, comma));
-        keep(ParseStationDate(text, 0));
-        keep(parseStationTime(text));
-        keep(CardinalToDegrees(text, labels));
-        keep(DetectTemperatureUnit(text, units));
-        keep(DetectSpeedUnit(text, units, u"K"_s));
+        useResult(ParseStationNumber(text, comma));
+        useResult(parseLocaleNumber(text, comma));
+        useResult(ParseStationDate(text, 0));
+        useResult(parseStationTime(text));
+        useResult(CardinalToDegrees(text, labels));
+        useResult(DetectTemperatureUnit(text, units));
+        useResult(DetectSpeedUnit(text, units, u"K"_s));
     });
     linear = measure("sector text", shapes,
                      [](const QByteArray&, const QString& text) {
-                         keep(parseSector(text));
-                         keep(sectorForEditing(text));
+                         useResult(parseSector(text));
+                         useResult(sectorForEditing(text));
                      }) &&
              linear;
-    linear =
-        measure("stored number", shapes,
-                [&](const QByteArray&, const QString& text) { keep(storedNumber(text, comma)); }) &&
-        linear;
+    linear = measure("stored number", shapes,
+                     [&](const QByteArray&, const QString& text) {
+                         useResult(storedNumber(text, comma));
+                     }) &&
+             linear;
     const NumberEntry entry{.AllowNegative = true, .forms = comma};
     return measure("number box", shapes,
                    [&](const QByteArray&, const QString& text) {
-                       keep(numberOfText(text, entry.forms));
-                       keep(beginsWithNumber(text, entry.forms));
-                       keep(textAfterChange(text, entry));
-                       keep(canBeTyped(text, entry));
-                       keep(keyPasses(u'1', text, {text.size(), 0}, entry));
+                       useResult(numberOfText(text, entry.forms));
+                       useResult(beginsWithNumber(text, entry.forms));
+                       useResult(textAfterChange(text, entry));
+                       useResult(canBeTyped(text, entry));
+                       useResult(keyPasses(u'1', text, {text.size(), 0}, entry));
                    }) &&
            linear;
 }
@@ -226,7 +229,7 @@ bool automation() {
                        // As many bytes as the numbers have on the bus.
                        QVariantList numbers(bytes.size() / 12, QVariant(1.5));
                        numbers.append(QVariant(numbers));
-                       keep(toBus(fromBus(QVariant(numbers))));
+                       useResult(toBus(fromBus(QVariant(numbers))));
                    });
 }
 

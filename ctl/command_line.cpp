@@ -53,15 +53,15 @@ QString noSuchCommand(const QString& name) {
 }
 
 // What the options say, and the other arguments in their order.
-struct Sorted {
+struct Options {
     QStringList plain;
     bool json = false;
     std::optional<QString> every;
 };
 
-std::optional<Sorted> sorted(const QStringList& arguments, QString& fault) {
+std::optional<Options> parseOptions(const QStringList& arguments, QString& fault) {
     const QString every = u"--every"_s;
-    Sorted found;
+    Options found;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
         if (argument == u"--"_s) {
@@ -93,7 +93,7 @@ std::optional<Command> parseCommandLine(const QStringList& arguments, QString& f
         return Command{u"help"_s, {}};
     if (arguments == QStringList{u"--version"_s} || arguments == QStringList{u"-v"_s})
         return Command{u"version"_s, {}};
-    const std::optional<Sorted> found = sorted(arguments, fault);
+    const std::optional<Options> found = parseOptions(arguments, fault);
     if (!found)
         return std::nullopt;
     if (found->plain.isEmpty()) {

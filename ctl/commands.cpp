@@ -25,7 +25,7 @@ int fail(const QString& text) {
 }
 
 // The member of that name; nothing when there is none or it cannot be asked for.
-std::optional<Member> lookUp(Attachment& monitor, const QString& name, QString& fault) {
+std::optional<Member> lookUp(MonitorConnection& monitor, const QString& name, QString& fault) {
     const std::vector<Member> members = describedMembers(monitor, fault);
     if (members.empty())
         return std::nullopt;
@@ -52,7 +52,7 @@ int runStateDocument() {
 int runStatus(const Command& command) {
     if (command.json)
         return runStateDocument();
-    Attachment monitor;
+    MonitorConnection monitor;
     const Status status = monitor.lost().isEmpty()
                               ? readStatus([&monitor](const QString& name, QVariantList arguments) {
                                     return monitor.invoke(name, kRead, arguments);
@@ -63,7 +63,7 @@ int runStatus(const Command& command) {
 }
 
 int runGet(const Command& command) {
-    Attachment monitor;
+    MonitorConnection monitor;
     QString fault;
     const std::optional<Member> member = lookUp(monitor, command.arguments[0], fault);
     if (!member)
@@ -82,7 +82,7 @@ int runGet(const Command& command) {
 }
 
 int runSet(const Command& command) {
-    Attachment monitor;
+    MonitorConnection monitor;
     QString fault;
     const std::optional<Member> member = lookUp(monitor, command.arguments[0], fault);
     if (!member)
@@ -110,7 +110,7 @@ int runSet(const Command& command) {
 }
 
 int runCall(const Command& command) {
-    Attachment monitor;
+    MonitorConnection monitor;
     QString fault;
     const std::optional<Member> member = lookUp(monitor, command.arguments[0], fault);
     if (!member)
@@ -137,7 +137,7 @@ int runList(const Command& command) {
     QString fault;
     std::vector<Member> members;
     {
-        Attachment monitor;
+        MonitorConnection monitor;
         members = describedMembers(monitor, fault);
     }
     if (members.empty())
@@ -164,7 +164,7 @@ int runList(const Command& command) {
 }
 
 // Whether monitoring runs; nothing when the monitor does not say.
-std::optional<bool> isRunning(Attachment& monitor, QString& fault) {
+std::optional<bool> isRunning(MonitorConnection& monitor, QString& fault) {
     QVariantList none;
     const AutomationReply reply = monitor.invoke(u"DeviceIsRunning"_s, kMethod, none);
     if (reply.ok() && reply.result.typeId() == QMetaType::Bool)
@@ -173,7 +173,7 @@ std::optional<bool> isRunning(Attachment& monitor, QString& fault) {
     return std::nullopt;
 }
 
-int switchMonitoring(Attachment& monitor, bool wanted, int patienceMs) {
+int switchMonitoring(MonitorConnection& monitor, bool wanted, int patienceMs) {
     QString fault;
     // Asked at first too, so that a monitor that hangs is not waited for as long as one that
     // starts.
@@ -196,12 +196,12 @@ int switchMonitoring(Attachment& monitor, bool wanted, int patienceMs) {
 }
 
 int runStart(const Command&) {
-    Attachment monitor(WhenAbsent::Start);
+    MonitorConnection monitor(WhenAbsent::Start);
     return switchMonitoring(monitor, true, kStartPatienceMs);
 }
 
 int runStop(const Command&) {
-    Attachment monitor;
+    MonitorConnection monitor;
     return switchMonitoring(monitor, false, kPatienceMs);
 }
 
@@ -219,7 +219,7 @@ int runVersion(const Command&) {
 
 } // namespace
 
-std::vector<Member> describedMembers(Attachment& monitor, QString& fault) {
+std::vector<Member> describedMembers(MonitorConnection& monitor, QString& fault) {
     const AutomationReply described = monitor.introspection();
     if (!described.ok()) {
         fault = described.text;

@@ -50,7 +50,7 @@ class Watch {
         if (names_.isEmpty() && json_)
             return std::vector{documentSight()};
         if (!monitor_) {
-            monitor_ = std::make_unique<Attachment>();
+            monitor_ = std::make_unique<MonitorConnection>();
             if (!settleNames(fault))
                 return std::nullopt;
         }
@@ -103,7 +103,7 @@ class Watch {
 
     QStringList names_;
     bool json_;
-    std::unique_ptr<Attachment> monitor_; // nothing while there is no monitor
+    std::unique_ptr<MonitorConnection> monitor_; // nothing while there is no monitor
 };
 
 bool show(const Sight& sight, bool json) {

@@ -4,7 +4,7 @@
 #include "graphs/history.h"
 #include "graphs/render.h"
 #include "platform/clock.h"
-#include "settings/settings.h"
+#include "settings/load_save.h"
 #include "simulators/scenario.h"
 
 #include <QGuiApplication>

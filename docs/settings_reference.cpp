@@ -1,5 +1,5 @@
 // Prints docs/settings.md.
-#include "settings/settings_reference.h"
+#include "settings/reference_page.h"
 
 #include <QCoreApplication>
 

@@ -2,8 +2,8 @@
 #include "target.h"
 #include "variants.h"
 
-#include "automation/nubilo_members.h"
-#include "automation/nubilo_table.h"
+#include "automation/all_members.h"
+#include "automation/member_calls.h"
 #include "core/start_up.h"
 #include "settings/key_table.h"
 #include "settings/stored_text.h"
@@ -28,7 +28,7 @@ struct Monitor {
     Monitor()
         : store((qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit()), u"Kiv_Skyhold"_s))
         , core(clock, store, sensor.creator(), media, ProgramVersion{2, 30, 4})
-        , members(nubiloMembers(core)) {
+        , members(memberCalls(core)) {
         core.showMessage = [](const Message&) {
             return MessageAnswer::Ok;
         };
@@ -74,7 +74,7 @@ void requireSoundSettings(Records& records) {
 }
 
 void automationMembers(QByteArrayView bytes) {
-    static const std::vector<NubiloMember> table = nubiloTable();
+    static const std::vector<PublicMember> table = allMembers();
     Input input(bytes);
     Monitor monitor;
     Records& records = monitor.core.records;
@@ -82,7 +82,7 @@ void automationMembers(QByteArrayView bytes) {
     monitor.sensor.present = choice % 2 == 1;
     monitor.sensor.answering = choice / 2 % 2 == 0;
     while (!input.atEnd()) {
-        const NubiloMember& member = table[input.number<std::uint16_t>() % table.size()];
+        const PublicMember& member = table[input.number<std::uint16_t>() % table.size()];
         // What the sensor program answers next, whether it makes sense or not.
         monitor.sensor.values.insert(member.name, arrivedValue(input));
         QVariantList arguments;

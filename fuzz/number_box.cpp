@@ -1,7 +1,7 @@
 // A number box: what is typed, pasted into and shown by it.
 #include "target.h"
 
-#include "ui/number_text.h"
+#include "ui/widgets/number_text.h"
 
 #include <algorithm>
 #include <cmath>

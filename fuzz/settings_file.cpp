@@ -2,7 +2,7 @@
 #include "target.h"
 
 #include "settings/key_table.h"
-#include "settings/settings.h"
+#include "settings/load_save.h"
 #include "settings/stored_text.h"
 
 #include <QDir>

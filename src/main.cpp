@@ -1,5 +1,5 @@
 // The program: options, one instance, first start, updater, window or terminal, and the end.
-#include "automation/nubilo_server.h"
+#include "automation/automation_object.h"
 #include "core/clients.h"
 #include "core/recording.h"
 #include "core/session.h"
@@ -12,14 +12,14 @@
 #include "platform/session_bus.h"
 #include "platform/sudden_exit.h"
 #include "terminal.h"
-#include "ui/kiv_error.h"
-#include "ui/kiv_setup_form.h"
-#include "ui/look.h"
-#include "ui/main_window.h"
-#include "ui/news_window.h"
-#include "ui/simulators.h"
-#include "ui/tray.h"
-#include "ui/update_window.h"
+#include "ui/dialogs/kiv_error.h"
+#include "ui/dialogs/kiv_setup_form.h"
+#include "ui/dialogs/news_window.h"
+#include "ui/dialogs/update_window.h"
+#include "ui/look/look.h"
+#include "ui/window/main_window.h"
+#include "ui/window/simulators.h"
+#include "ui/window/tray.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -127,7 +127,7 @@ class Automation {
         , bus_(bus) {}
 
     void begin() {
-        servers_.push_back(makeNubiloServer(bus_.connection(), core_));
+        servers_.push_back(makeAutomationObject(bus_.connection(), core_));
         const bool on = servers_.back()->start();
         ShowAutomation(core_.records.session, on);
         if (!on)

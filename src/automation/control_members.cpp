@@ -1,5 +1,5 @@
+#include "automation/all_members.h"
 #include "automation/form_members.h"
-#include "automation/nubilo_table.h"
 #include "automation/sensor_calls.h"
 #include "core/alarms.h"
 #include "core/clients.h"

@@ -1,6 +1,6 @@
 #include "automation/description.h"
 
-#include "automation/nubilo_table.h"
+#include "automation/all_members.h"
 #include "automation/object_safety.h"
 #include "platform/typed_interface.h"
 
@@ -47,7 +47,7 @@ QString numbered(const Enumeration& enumeration) {
 // The table without a core behind it: what it says of the members, not what they do.
 MemberTable declarations() {
     MemberTable table;
-    for (const NubiloMember& row : nubiloTable())
+    for (const PublicMember& row : allMembers())
         table.add({row.name, row.id, row.use, row.result, row.parameters, {}, row.enumeration});
     return table;
 }
@@ -74,7 +74,7 @@ QString typeName(AutomationType type) {
     return {};
 }
 
-QString kindCell(const NubiloMember& member) {
+QString kindCell(const PublicMember& member) {
     QStringList parameters;
     for (const AutomationParameter& parameter : member.parameters)
         parameters.append(parameter.name + u' ' + typeName(parameter.type) +
@@ -85,7 +85,7 @@ QString kindCell(const NubiloMember& member) {
            (result.isEmpty() ? QString() : u" → "_s + result);
 }
 
-QString propertyCell(const NubiloMember& get, const NubiloMember* let) {
+QString propertyCell(const PublicMember& get, const PublicMember* let) {
     if (!let)
         return u"get, "_s + typeName(get.result);
     return u"get/let, "_s + typeName(get.result) +
@@ -117,10 +117,10 @@ QString activityCell(Activity activity) {
 }
 
 QString memberRows() {
-    const std::vector<NubiloMember> rows = nubiloTable();
+    const std::vector<PublicMember> rows = allMembers();
     QString page;
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const NubiloMember& row = rows[i];
+        const PublicMember& row = rows[i];
         if (row.use == kPropertyPut)
             continue;
         const bool settable = i + 1 < rows.size() && rows[i + 1].use == kPropertyPut;
@@ -221,7 +221,7 @@ QString automationReference() {
     for (const Enumeration& enumeration : enumerations())
         page += u"| `%1` | %2 |\n"_s.arg(enumeration.name,
                                          numbered(enumeration).replace(u" "_s, u", "_s));
-    return page + kMembersPreface.arg(nubiloTable().size()) + memberRows();
+    return page + kMembersPreface.arg(allMembers().size()) + memberRows();
 }
 
 } // namespace skyhold

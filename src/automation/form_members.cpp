@@ -1,6 +1,6 @@
 #include "automation/form_members.h"
 
-#include "automation/nubilo_table.h"
+#include "automation/all_members.h"
 #include "core/alarms.h"
 #include "core/clients.h"
 #include "core/present.h"

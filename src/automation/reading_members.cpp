@@ -1,5 +1,5 @@
+#include "automation/all_members.h"
 #include "automation/displayed_data.h"
-#include "automation/nubilo_table.h"
 #include "automation/sensor_calls.h"
 
 namespace skyhold {

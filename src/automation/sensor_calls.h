@@ -3,7 +3,7 @@
 // takes a default for a reading.
 #pragma once
 
-#include "automation/nubilo_member.h"
+#include "automation/public_member.h"
 
 namespace skyhold {
 

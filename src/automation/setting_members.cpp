@@ -1,4 +1,4 @@
-#include "automation/nubilo_table.h"
+#include "automation/all_members.h"
 #include "automation/read_interval.h"
 #include "automation/sensor_calls.h"
 #include "conditions/alarms.h"

@@ -72,7 +72,7 @@ void ReadSensor(SensorLink& sensor, const NumberForms& forms, Observation& obser
 
     const bool running = sensor.readBoolean(u"DeviceIsRunning"_s).value_or(false);
     const bool transferError = sensor.readBoolean(u"Kiv_XFERFileErr"_s).value_or(true);
-    const bool callFailed = sensor.takeCallFailure();
+    const bool callFailed = sensor.consumeCallFailure();
     if (!sensor.connected())
         seen.state = SourceState::Absent;
     else
@@ -86,7 +86,7 @@ void readRoleAndLabels(SensorLink& sensor, const PerQuantity<std::int32_t>& last
         const QString master = u"MASTER"_s;
         observation.sensor.master = sensor.readText(u"Kiv_DeviceRole"_s).value_or(master) == master;
         // What failed in here belongs to the failure that is being reported.
-        sensor.takeCallFailure();
+        sensor.consumeCallFailure();
     }
     for (const Quantity quantity : kSensorQuantities) {
         const std::int32_t level = observation.givenLevels[quantity].value_or(lastLevels[quantity]);

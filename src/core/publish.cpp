@@ -53,7 +53,7 @@ QString askWhetherDataIsReady(MonitoringCore& core, const CycleResult&) {
     return {};
 }
 
-QString keepReadings(MonitoringCore& core, const CycleResult& result) {
+QString storeReadings(MonitoringCore& core, const CycleResult& result) {
     takeReadings(result, core.records.readings);
     return {};
 }
@@ -83,7 +83,7 @@ QString drawGraphs(MonitoringCore& core, const CycleResult&) {
 // The sensor program expects its calls in this order; the records and files come after it, since
 // they hold what it answers. The display comes last, below.
 constexpr std::array<Outlet, 9> kOutlets{
-    soundAlarm,    sendVerdict,   driveSwitch, askWhetherDataIsReady, keepReadings, writeCcdapFile,
+    soundAlarm,    sendVerdict,   driveSwitch, askWhetherDataIsReady, storeReadings, writeCcdapFile,
     writeDataLine, addGraphPoint, drawGraphs};
 
 // A lost data line is shown beside what this cycle has raised already; every other code replaces

@@ -61,7 +61,7 @@ void StartReading(MonitoringCore& core) {
     records.readings.LastReading = now;
     records.readings.ReadingStart = now;
     beginSession(rulesOf(records.conditions), core.result.memory, momentOf(core.clock));
-    core.sensor.takeCallFailure();
+    core.sensor.consumeCallFailure();
 
     RunReadCycle(core);
     core.TimerRead.Overdue = [&core] {

@@ -6,22 +6,22 @@ namespace {
 
 // A value that could not be read keeps its last state.
 template <typename Value, typename Read>
-void keep(Value& value, const std::optional<Read>& read) {
+void updateIfRead(Value& value, const std::optional<Read>& read) {
     if (read)
         value = *read;
 }
 
 void takeSensor(const Observation& observation, CurrentReadings& readings) {
     const SensorObservation& sensor = observation.sensor;
-    keep(readings.SensorValues[0], observation.values[Quantity::Cloud]);
-    keep(readings.SensorValues[1], observation.values[Quantity::Rain]);
-    keep(readings.SensorValues[2], observation.values[Quantity::Brightness]);
-    keep(readings.SensorValues[3], sensor.coverTemperature);
-    keep(readings.SensorValues[4], sensor.rainHeaterPercent);
-    keep(readings.SensorValues[5], sensor.rainHeaterTemperature);
-    keep(readings.SkySensorTemperature, sensor.skySensorTemperature);
-    keep(readings.AmbientTemperature, sensor.ambientTemperature);
-    keep(readings.RainHeaterStatus, sensor.rainHeaterStatus);
+    updateIfRead(readings.SensorValues[0], observation.values[Quantity::Cloud]);
+    updateIfRead(readings.SensorValues[1], observation.values[Quantity::Rain]);
+    updateIfRead(readings.SensorValues[2], observation.values[Quantity::Brightness]);
+    updateIfRead(readings.SensorValues[3], sensor.coverTemperature);
+    updateIfRead(readings.SensorValues[4], sensor.rainHeaterPercent);
+    updateIfRead(readings.SensorValues[5], sensor.rainHeaterTemperature);
+    updateIfRead(readings.SkySensorTemperature, sensor.skySensorTemperature);
+    updateIfRead(readings.AmbientTemperature, sensor.ambientTemperature);
+    updateIfRead(readings.RainHeaterStatus, sensor.rainHeaterStatus);
     if (sensor.lastReading.isValid())
         readings.LastReading = sensor.lastReading;
     readings.SensorError = sensor.failed();

@@ -6,7 +6,7 @@
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
 #include "records/status_lines.h"
-#include "settings/settings.h"
+#include "settings/load_save.h"
 #include "update/update_check.h"
 
 #include <QFile>

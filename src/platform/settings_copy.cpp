@@ -83,7 +83,7 @@ Texts behind(const Texts& kept, const Texts& copied) {
 
 } // namespace
 
-bool keepWholeCopy(const QString& path) {
+bool writeWholeCopy(const QString& path) {
     const FileContents found = readFile(path, kMostBytes);
     return found.result == ReadResult::Ok && replace(copyOf(path), found.bytes);
 }

@@ -10,7 +10,7 @@ namespace skyhold {
 
 // Copies the file, which has just been saved whole, to beside it. False when that failed; the copy
 // is then the one before.
-bool keepWholeCopy(const QString& path);
+bool writeWholeCopy(const QString& path);
 
 // Gives a file that was cut short the keys of its copy that stood behind the cut, and returns their
 // names ("Section/Key"). A file was cut when it holds zero bytes, as a crashed file system leaves

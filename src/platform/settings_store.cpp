@@ -153,8 +153,8 @@ void SettingsStore::saveNow(const QString& section, const QString& key, const QS
     flush();
 }
 
-bool SettingsStore::keepCopy() {
-    return keepWholeCopy(path_);
+bool SettingsStore::writeCopy() {
+    return writeWholeCopy(path_);
 }
 
 bool SettingsStore::flush() {

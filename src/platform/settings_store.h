@@ -30,7 +30,7 @@ class SettingsStore {
     // Writes to disk; false when that failed (folder not writable, disk full).
     bool flush();
     // Keeps a copy of the file, to be called when it holds every key. False when that failed.
-    bool keepCopy();
+    bool writeCopy();
     // The names of the keys that a file which had been cut short got back from its copy.
     const QStringList& restored() const { return restored_; }
 

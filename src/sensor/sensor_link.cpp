@@ -239,7 +239,7 @@ void SensorLink::beginRequest() {
         object_->beginCalls(kCycleTime);
 }
 
-bool SensorLink::takeCallFailure() {
+bool SensorLink::consumeCallFailure() {
     return std::exchange(callFailed_, false);
 }
 

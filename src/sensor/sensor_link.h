@@ -48,7 +48,7 @@ class SensorLink {
     void beginRequest();
     // True when a call has failed since this was last asked. Asked once in each cycle, so that a
     // failure lasts until as much as a whole cycle has passed without one.
-    bool takeCallFailure();
+    bool consumeCallFailure();
 
     // Calls of members by name. Without a value when there is no object, the call failed, or the
     // answer does not convert.

@@ -2,7 +2,7 @@
 
 #include "model/compass.h"
 #include "platform/files.h"
-#include "settings/level_keys.h"
+#include "settings/level_rows.h"
 
 namespace skyhold {
 

@@ -82,7 +82,7 @@ bool writeInstructions(const UpdateControls& update, const QString& folder,
            file.commit();
 }
 
-void keepNews(const QString& news, WindowControls& window, SettingsStore& settings) {
+void saveNews(const QString& news, WindowControls& window, SettingsStore& settings) {
     window.Kiv_News = news;
     settings.saveNow(u"Window"_s, u"Kiv_News"_s, news);
 }
@@ -122,7 +122,7 @@ void CheckForUpdate(UpdateControls& update, WindowControls& window, SettingsStor
         update.StatusLine.Caption = u"Cannot write "_s + instructionFile(source.instructionFolder);
         return;
     }
-    keepNews(found->news, window, settings);
+    saveNews(found->news, window, settings);
     update.Label2.Caption = found->version;
     update.DownloadFrame.Visible = true;
     if (isNews(found->news))
@@ -152,7 +152,7 @@ void RunUpdaterIfChosen(const UpdateControls& update, const QString& programFold
 }
 
 void DiscardNews(WindowControls& window, SettingsStore& settings) {
-    keepNews({}, window, settings);
+    saveNews({}, window, settings);
 }
 
 } // namespace skyhold

@@ -1,7 +1,7 @@
 // Every member once, without and with the sensor program: what it answers, what reaches the sensor
 // program, and what shows as activity, as the table says. docs/automation.md, which is compared
 // with the table, holds on to what the table says.
-#include "automation/nubilo_table.h"
+#include "automation/all_members.h"
 #include "nubilo_fixture.h"
 
 namespace skyhold {
@@ -37,11 +37,11 @@ const QMap<QString, QString> kForwarded{
 
 // Those whose client is told that the sensor program is missing. The delay of the cloud alarm is
 // kept here, too.
-bool isUnchecked(const NubiloMember& member) {
+bool isUnchecked(const PublicMember& member) {
     return member.source == Source::SensorUnchecked && member.name != u"Kiv_CloudAlarmDelay"_s;
 }
 
-bool asksSensor(const NubiloMember& member) {
+bool asksSensor(const PublicMember& member) {
     return member.source == Source::Sensor || isUnchecked(member);
 }
 
@@ -65,7 +65,7 @@ QVariant valueOf(AutomationType type) {
 }
 
 // Graph 1 is the sensor program's; for the members with "iP" it is 0 that asks the sensor program.
-QVariantList argumentsOf(const NubiloMember& member) {
+QVariantList argumentsOf(const PublicMember& member) {
     QVariantList arguments;
     for (const AutomationParameter& parameter : member.parameters)
         arguments.append(parameter.name == u"iP"_s && parameter.type == AutomationType::I4
@@ -74,7 +74,7 @@ QVariantList argumentsOf(const NubiloMember& member) {
     return arguments;
 }
 
-QString kindAndName(const NubiloMember& member) {
+QString kindAndName(const PublicMember& member) {
     const QString kind = member.use == kMethod        ? u"method "_s
                          : member.use == kPropertyGet ? u"get "_s
                                                       : u"let "_s;
@@ -87,7 +87,7 @@ bool hasType(const QVariant& value, AutomationType type) {
 }
 
 TEST_F(EveryMember, withoutTheSensorProgram) {
-    for (const NubiloMember& member : nubiloTable()) {
+    for (const PublicMember& member : allMembers()) {
         SCOPED_TRACE(qPrintable(kindAndName(member)));
         if (member.name == u"Device_Start"_s)
             continue; // it would bring the sensor program
@@ -114,7 +114,7 @@ TEST_F(EveryMember, withoutTheSensorProgram) {
 }
 
 TEST_F(EveryMember, withTheSensorProgram) {
-    for (const NubiloMember& member : nubiloTable()) {
+    for (const PublicMember& member : allMembers()) {
         if (asksSensor(member) && member.use != kPropertyPut)
             sensor_.values.insert(member.name, valueOf(member.result));
     }
@@ -132,7 +132,7 @@ TEST_F(EveryMember, withTheSensorProgram) {
                            {u"MForm.CloudLimit"_s, path("/MForm/CloudLimit")}});
     connectSensor();
 
-    for (const NubiloMember& member : nubiloTable()) {
+    for (const PublicMember& member : allMembers()) {
         SCOPED_TRACE(qPrintable(kindAndName(member)));
         if (member.name.startsWith(u"Device_"_s) || member.name == u"Kiv_DeviceStop"_s)
             continue; // a session's own calls
@@ -156,7 +156,7 @@ TEST_F(EveryMember, withTheSensorProgram) {
 TEST_F(EveryMember, ofAFailingSensorProgram) {
     connectSensor();
     sensor_.answering = false;
-    for (const NubiloMember& member : nubiloTable()) {
+    for (const PublicMember& member : allMembers()) {
         if (!asksSensor(member) || kindAndName(member) == u"get Kiv_DeviceSwitchCtrl"_s)
             continue;
         EXPECT_EQ(use(member.name, member.use, argumentsOf(member)).error,
@@ -166,7 +166,7 @@ TEST_F(EveryMember, ofAFailingSensorProgram) {
     EXPECT_EQ(read(u"Kiv_CloudAlarmDelay"_s), 0);
 
     sensor_.answering = true;
-    for (const NubiloMember& member : nubiloTable()) {
+    for (const PublicMember& member : allMembers()) {
         const bool number =
             member.result == AutomationType::I4 || member.result == AutomationType::R8;
         if (member.source == Source::Sensor && number) {

@@ -1,7 +1,7 @@
 // The shape of the public interface: how many members, their numbers, names and types, and that the
 // checked-in descriptions say the same.
+#include "automation/all_members.h"
 #include "automation/description.h"
-#include "automation/nubilo_table.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,13 +16,13 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 TEST(MemberTable, holdsEveryMemberOnce) {
-    const std::vector<NubiloMember> table = nubiloTable();
+    const std::vector<PublicMember> table = allMembers();
     EXPECT_EQ(table.size(), 342U);
 
     QMap<QString, std::int32_t> ids;
     QSet<std::int32_t> taken;
     QSet<QString> halves;
-    for (const NubiloMember& member : table) {
+    for (const PublicMember& member : table) {
         const QString key = member.name.toLower();
         EXPECT_EQ(ids.value(key, member.id), member.id) << qPrintable(member.name);
         if (!ids.contains(key)) {
@@ -45,7 +45,7 @@ TEST(MemberTable, holdsEveryMemberOnce) {
 
 TEST(MemberTable, numbersRunAsPublished) {
     QMap<QString, std::int32_t> ids;
-    for (const NubiloMember& member : nubiloTable())
+    for (const PublicMember& member : allMembers())
         ids[member.name] = member.id;
     // First and last of every run, and the members around each change between the runs.
     const QStringList published =

@@ -1,7 +1,7 @@
 // The member table at work on a monitor with a scripted sensor program.
 #pragma once
 
-#include "automation/nubilo_members.h"
+#include "automation/member_calls.h"
 #include "core/clients.h"
 #include "support/core_fixture.h"
 
@@ -39,7 +39,7 @@ class NubiloFixture : public CoreFixture {
     }
     int callsShown() { return records().session.CallCounter; }
 
-    std::shared_ptr<const MemberTable> table_ = nubiloMembers(*core_);
+    std::shared_ptr<const MemberTable> table_ = memberCalls(*core_);
     QVariantList after_; // the arguments after the last call
 };
 

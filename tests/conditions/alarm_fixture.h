@@ -28,7 +28,7 @@ struct AlarmFixture : testing::Test {
             setLevel(quantity, 1);
         setLevel(Quantity::Temperature, 2);
         setLevel(Quantity::Dew, 3);
-        beginSession(memory, {clock.MsClock(), clock.MsClock()});
+        beginSession({}, memory, {clock.MsClock(), clock.MsClock()});
     }
 
     // 0 is above the last limit.

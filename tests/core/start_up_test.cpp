@@ -1,4 +1,4 @@
-#include "settings/settings.h"
+#include "settings/load_save.h"
 #include "support/core_fixture.h"
 
 #include <sys/stat.h>

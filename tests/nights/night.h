@@ -11,7 +11,7 @@
 // The words are those of `Night::happen` and `Night::use`.
 #pragma once
 
-#include "automation/nubilo_members.h"
+#include "automation/member_calls.h"
 #include "simulators/station_text.h"
 #include "support/core_fixture.h"
 
@@ -51,7 +51,7 @@ class Night : public CoreFixture, public testing::WithParamInterface<std::string
     QString outcomes_;
     QString outcome_, began_; // the last one, how often it came in a row, and since when
     int repeats_ = 0;
-    std::shared_ptr<const MemberTable> members_ = nubiloMembers(*core_);
+    std::shared_ptr<const MemberTable> members_ = memberCalls(*core_);
 };
 
 } // namespace skyhold

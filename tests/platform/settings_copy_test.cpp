@@ -19,7 +19,7 @@ const QByteArray kMark = "\n[End]\nWhole=1\n";
 TEST(SettingsCopy, FileCutAtAnyByteIsCompleted) {
     const TestFolder folder;
     const QString path = folder.write(kName, kWhole);
-    ASSERT_TRUE(keepWholeCopy(path));
+    ASSERT_TRUE(writeWholeCopy(path));
     // A piece of the mark lacks nothing else.
     const qsizetype keys = kWhole.size() - kMark.size();
     for (qsizetype size = 0; size < kWhole.size() - 1; ++size) {
@@ -36,7 +36,7 @@ TEST(SettingsCopy, FileCutAtAnyByteIsCompleted) {
 TEST(SettingsCopy, OnlyWhatStoodBehindTheCutComesBack) {
     const TestFolder folder;
     const QString path = folder.write(kName, kWhole);
-    ASSERT_TRUE(keepWholeCopy(path));
+    ASSERT_TRUE(writeWholeCopy(path));
     // The user had taken out one limit and changed another; the file of that was cut.
     folder.write(kName, "[Limit]\nWindCalm=7\n\n[Setup]\nPassword=other\n\n[Window]\nLe");
     EXPECT_EQ(completeCutSettings(path), (QStringList{u"Window/Left"_s, u"Window/Top"_s}));
@@ -51,7 +51,7 @@ TEST(SettingsCopy, OtherFilesAreLeftAlone) {
     const QString path = folder.write(kName, "[Limit]\nDewL");
     EXPECT_EQ(completeCutSettings(path), QStringList()) << "there is no copy";
     folder.write(kName, kWhole);
-    ASSERT_TRUE(keepWholeCopy(path));
+    ASSERT_TRUE(writeWholeCopy(path));
     const auto without = [](const QByteArray& bytes, const QByteArray& taken) {
         return QByteArray(bytes).replace(taken, "");
     };

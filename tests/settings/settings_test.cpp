@@ -1,6 +1,6 @@
 #include "settings/key_table.h"
-#include "settings/settings.h"
-#include "settings/settings_reference.h"
+#include "settings/load_save.h"
+#include "settings/reference_page.h"
 
 #include "support/test_folder.h"
 

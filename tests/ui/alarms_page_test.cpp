@@ -1,7 +1,7 @@
 #include "window_fixture.h"
 
 #include "core/alarms.h"
-#include "ui/alarm_box.h"
+#include "ui/widgets/alarm_box.h"
 
 #include <QDir>
 #include <QLineEdit>

@@ -1,7 +1,7 @@
-#include "ui/bind.h"
+#include "ui/widgets/bind.h"
 
-#include "ui/look.h"
-#include "ui/readout.h"
+#include "ui/look/look.h"
+#include "ui/widgets/readout.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>

@@ -1,12 +1,12 @@
 #include "dialog_driver.h"
 
-#include "ui/kiv_cardinal_points.h"
-#include "ui/kiv_color.h"
-#include "ui/kiv_error.h"
-#include "ui/kiv_setup_form.h"
-#include "ui/kiv_unit_symbols.h"
-#include "ui/kiv_wind_pars.h"
-#include "ui/simulators.h"
+#include "ui/dialogs/kiv_cardinal_points.h"
+#include "ui/dialogs/kiv_color.h"
+#include "ui/dialogs/kiv_error.h"
+#include "ui/dialogs/kiv_setup_form.h"
+#include "ui/dialogs/kiv_unit_symbols.h"
+#include "ui/dialogs/kiv_wind_pars.h"
+#include "ui/window/simulators.h"
 
 #include <QLabel>
 #include <QLineEdit>

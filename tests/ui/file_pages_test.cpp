@@ -1,7 +1,7 @@
 #include "window_fixture.h"
 
 #include "datafiles/upload_list.h"
-#include "ui/kiv_file_struct_form.h"
+#include "ui/dialogs/kiv_file_struct_form.h"
 
 #include <QClipboard>
 #include <QContextMenuEvent>

@@ -1,6 +1,6 @@
 #include "window_fixture.h"
 
-#include "ui/look.h"
+#include "ui/look/look.h"
 
 #include <QLabel>
 

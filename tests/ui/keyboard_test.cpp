@@ -1,12 +1,12 @@
 // The window and its dialogs for hands that never leave the keyboard.
 #include "window_fixture.h"
 
-#include "ui/help_window.h"
-#include "ui/kiv_error.h"
-#include "ui/kiv_legend.h"
-#include "ui/kiv_setup_form.h"
-#include "ui/news_window.h"
-#include "ui/simulators.h"
+#include "ui/dialogs/help_window.h"
+#include "ui/dialogs/kiv_error.h"
+#include "ui/dialogs/kiv_legend.h"
+#include "ui/dialogs/kiv_setup_form.h"
+#include "ui/dialogs/news_window.h"
+#include "ui/window/simulators.h"
 
 #include <QAbstractItemView>
 #include <QButtonGroup>

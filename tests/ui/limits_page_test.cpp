@@ -1,7 +1,7 @@
 #include "window_fixture.h"
 
 #include "core/clients.h"
-#include "ui/kiv_get_number.h"
+#include "ui/widgets/kiv_get_number.h"
 
 #include <QTabBar>
 

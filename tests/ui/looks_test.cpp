@@ -1,14 +1,14 @@
 #include "window_fixture.h"
 
 #include "core/clients.h"
-#include "ui/age_text.h"
-#include "ui/kiv_color.h"
-#include "ui/kiv_sound_form.h"
-#include "ui/kiv_unit_symbols.h"
-#include "ui/kiv_wind_pars.h"
-#include "ui/look.h"
-#include "ui/settings_pages.h"
-#include "ui/shades.h"
+#include "ui/dialogs/kiv_color.h"
+#include "ui/dialogs/kiv_sound_form.h"
+#include "ui/dialogs/kiv_unit_symbols.h"
+#include "ui/dialogs/kiv_wind_pars.h"
+#include "ui/look/look.h"
+#include "ui/look/shades.h"
+#include "ui/pages/settings_pages.h"
+#include "ui/window/age_text.h"
 
 #include <QClipboard>
 #include <QFileDialog>

@@ -1,10 +1,10 @@
 #include "window_fixture.h"
 
 #include "core/clients.h"
-#include "ui/kiv_error.h"
-#include "ui/kiv_legend.h"
-#include "ui/look.h"
-#include "ui/readout.h"
+#include "ui/dialogs/kiv_error.h"
+#include "ui/dialogs/kiv_legend.h"
+#include "ui/look/look.h"
+#include "ui/widgets/readout.h"
 
 #include <QAction>
 #include <QLabel>

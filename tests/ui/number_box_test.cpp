@@ -1,6 +1,6 @@
-#include "ui/kiv_get_number.h"
+#include "ui/widgets/kiv_get_number.h"
 
-#include "ui/bind.h"
+#include "ui/widgets/bind.h"
 
 #include <QApplication>
 #include <QClipboard>

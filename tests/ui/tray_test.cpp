@@ -1,4 +1,4 @@
-#include "ui/tray.h"
+#include "ui/window/tray.h"
 #include "window_fixture.h"
 
 #include "core/clients.h"

@@ -1,8 +1,8 @@
-#include "ui/update_window.h"
+#include "ui/dialogs/update_window.h"
 
 #include "platform/files.h"
 #include "support/web_server.h"
-#include "ui/news_window.h"
+#include "ui/dialogs/news_window.h"
 #include "window_fixture.h"
 
 #include <QCheckBox>

@@ -4,9 +4,9 @@
 #include "dialog_driver.h"
 
 #include "support/core_fixture.h"
-#include "ui/main_window.h"
-#include "ui/readout.h"
-#include "ui/settings_pages.h"
+#include "ui/pages/settings_pages.h"
+#include "ui/widgets/readout.h"
+#include "ui/window/main_window.h"
 
 #include <QAction>
 

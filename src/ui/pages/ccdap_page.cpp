@@ -1,6 +1,6 @@
 #include "ui/pages/ccdap_page.h"
 
-#include "ui/look.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
 
 #include <QGridLayout>

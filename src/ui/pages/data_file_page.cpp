@@ -1,12 +1,12 @@
 #include "ui/pages/data_file_page.h"
 
 #include "datafiles/user_data_file.h"
-#include "ui/bind.h"
-#include "ui/kiv_file_struct_form.h"
-#include "ui/kiv_get_number.h"
-#include "ui/look.h"
-#include "ui/open_editor.h"
+#include "ui/dialogs/kiv_file_struct_form.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/kiv_get_number.h"
+#include "ui/widgets/open_editor.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

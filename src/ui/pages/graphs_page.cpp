@@ -1,13 +1,13 @@
 #include "ui/pages/graphs_page.h"
 
-#include "ui/bind.h"
-#include "ui/graph_view.h"
-#include "ui/kiv_color.h"
-#include "ui/kiv_get_number.h"
-#include "ui/look.h"
-#include "ui/open_editor.h"
+#include "ui/dialogs/kiv_color.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/graph_view.h"
+#include "ui/widgets/kiv_get_number.h"
+#include "ui/widgets/open_editor.h"
+#include "ui/widgets/readout.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

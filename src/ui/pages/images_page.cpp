@@ -1,8 +1,8 @@
 #include "ui/pages/images_page.h"
 
-#include "ui/bind.h"
-#include "ui/look.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
+#include "ui/widgets/bind.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>

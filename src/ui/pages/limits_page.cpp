@@ -1,16 +1,16 @@
 #include "ui/pages/limits_page.h"
 
 #include "conditions/threshold_rules.h"
-#include "ui/bind.h"
-#include "ui/hold_focus.h"
-#include "ui/kiv_color.h"
-#include "ui/kiv_get_number.h"
-#include "ui/kiv_wind_pars.h"
-#include "ui/look.h"
-#include "ui/open_editor.h"
+#include "ui/dialogs/kiv_color.h"
+#include "ui/dialogs/kiv_wind_pars.h"
+#include "ui/look/look.h"
+#include "ui/look/verdict_icon.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
-#include "ui/verdict_icon.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/hold_focus.h"
+#include "ui/widgets/kiv_get_number.h"
+#include "ui/widgets/open_editor.h"
+#include "ui/widgets/readout.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

@@ -1,11 +1,11 @@
 #include "ui/pages/page_parts.h"
 
-#include "ui/bind.h"
-#include "ui/choose_path.h"
-#include "ui/dialog_parts.h"
-#include "ui/hold_focus.h"
-#include "ui/kiv_get_number.h"
-#include "ui/look.h"
+#include "ui/dialogs/choose_path.h"
+#include "ui/dialogs/dialog_parts.h"
+#include "ui/look/look.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/hold_focus.h"
+#include "ui/widgets/kiv_get_number.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>

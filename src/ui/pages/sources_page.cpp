@@ -1,15 +1,15 @@
 #include "ui/pages/sources_page.h"
 
-#include "ui/bind.h"
-#include "ui/choose_path.h"
-#include "ui/kiv_cardinal_points.h"
-#include "ui/kiv_get_number.h"
-#include "ui/kiv_unit_symbols.h"
-#include "ui/look.h"
-#include "ui/open_editor.h"
+#include "ui/dialogs/choose_path.h"
+#include "ui/dialogs/kiv_cardinal_points.h"
+#include "ui/dialogs/kiv_unit_symbols.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
-#include "ui/simulators.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/kiv_get_number.h"
+#include "ui/widgets/open_editor.h"
+#include "ui/widgets/readout.h"
+#include "ui/window/simulators.h"
 
 #include <QApplication>
 #include <QCheckBox>

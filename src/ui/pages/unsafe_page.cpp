@@ -1,15 +1,15 @@
 #include "ui/pages/unsafe_page.h"
 
 #include "conditions/alarms.h"
-#include "ui/alarm_box.h"
-#include "ui/bind.h"
-#include "ui/dialog_parts.h"
-#include "ui/kiv_get_number.h"
-#include "ui/kiv_sound_form.h"
-#include "ui/look.h"
-#include "ui/open_editor.h"
+#include "ui/dialogs/dialog_parts.h"
+#include "ui/dialogs/kiv_sound_form.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
+#include "ui/widgets/alarm_box.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/kiv_get_number.h"
+#include "ui/widgets/open_editor.h"
+#include "ui/widgets/readout.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

@@ -1,12 +1,12 @@
 #include "ui/pages/upload_page.h"
 
 #include "datafiles/upload_list.h"
-#include "ui/bind.h"
-#include "ui/kiv_file_list.h"
-#include "ui/kiv_get_number.h"
-#include "ui/look.h"
+#include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
-#include "ui/readout.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/kiv_file_list.h"
+#include "ui/widgets/kiv_get_number.h"
+#include "ui/widgets/readout.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,0 +1,13 @@
+// The member table at work on one core: what the bus calls.
+#pragma once
+
+#include "core/monitoring_core.h"
+#include "platform/automation_server.h"
+
+#include <memory>
+
+namespace skyhold {
+
+std::shared_ptr<const MemberTable> memberCalls(MonitoringCore& core);
+
+} // namespace skyhold

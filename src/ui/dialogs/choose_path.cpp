@@ -1,0 +1,56 @@
+#include "ui/dialogs/choose_path.h"
+
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QTreeView>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+// What was chosen; nothing when it was cancelled.
+QStringList ask(QFileDialog& dialog) {
+    // There when the platform has no dialog of its own; its columns cut sizes and dates.
+    if (auto* list = dialog.findChild<QTreeView*>(u"treeView"_s)) {
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+        dialog.resize(760, 480);
+    }
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles() : QStringList();
+}
+
+} // namespace
+
+QString chooseStationFile(QWidget* parent, const QString& current) {
+    QFileDialog dialog(
+        parent, u"Select data file"_s, {},
+        u"HTM files(*.htm) (*.htm*);;CSV files(*.csv) (*.csv*);;All files(*.*) (*)"_s);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    if (!current.isEmpty())
+        dialog.selectFile(current);
+    return ask(dialog).value(0);
+}
+
+QStringList chooseUploadFiles(QWidget* parent) {
+    QFileDialog dialog(
+        parent, u"Select Files to UPLOAD"_s, {},
+        u"PNG images(*.png) (*.png);;JPG Images(*.jpg) (*.jpg);;GIF Images(*.gif) (*.gif);;"
+        u"BMP Images(*.bmp) (*.bmp);;HTML Files(*.htm*) (*.htm*);;"
+        u"SCRIPT Files (*.vbs;*.js) (*.vbs *.js);;"
+        u"ALL Images (*.bmp;*.jpg;*.gif;*.png) (*.bmp *.jpg *.gif *.png);;ALL Files(*.*) (*)"_s);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    return ask(dialog);
+}
+
+QString chooseFolder(QWidget* parent, const QString& title, const QString& current) {
+    QFileDialog dialog(parent, title, current);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return ask(dialog).value(0);
+}
+
+} // namespace skyhold

@@ -1,0 +1,349 @@
+#include "ui/dialogs/kiv_setup_form.h"
+
+#include "platform/files.h"
+#include "ui/dialogs/choose_path.h"
+#include "ui/dialogs/dialog_parts.h"
+#include "ui/dialogs/kiv_error.h"
+#include "ui/look/look.h"
+#include "ui/window/simulators.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kWidth = 720;
+constexpr int kIndent = 24; // of what belongs to a radio button
+
+// Rows that belong together, at the width of a step.
+QVBoxLayout* addBlock(QVBoxLayout* step, int indent) {
+    auto* block = new QWidget(step->parentWidget());
+    auto* column = new QVBoxLayout(block);
+    column->setContentsMargins(indent, 0, 0, 0);
+    column->setSpacing(look::kGap);
+    step->addWidget(block);
+    return column;
+}
+
+} // namespace
+
+KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators, const QString& title)
+    : settings_(settings)
+    , simulators_(simulators)
+    , progress_(new QLabel(this))
+    , steps_(new QStackedWidget(this)) {
+    setObjectName(u"KivSetupForm"_s);
+    setWindowTitle(title);
+    QVBoxLayout* column = dialogColumn(this);
+    progress_->setObjectName(u"LblProgress"_s);
+    column->addWidget(progress_);
+    steps_->setFixedWidth(kWidth);
+    column->addWidget(steps_);
+    addStationStep();
+    addUnitsStep();
+    addFilesStep();
+    addButtons(column);
+    chooseStation();
+    showStep(0);
+}
+
+QVBoxLayout* KivSetupForm::addStep(const QString& heading, const QString& introduction) {
+    auto* step = new QWidget(steps_);
+    auto* column = new QVBoxLayout(step);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(look::kGap);
+    auto* title = new QLabel(heading, step);
+    QFont large = title->font();
+    large.setPixelSize(20);
+    large.setBold(true);
+    title->setFont(large);
+    column->addWidget(title);
+    addExplanation(column, introduction);
+    steps_->addWidget(step);
+    return column;
+}
+
+void KivSetupForm::addStationStep() {
+    QVBoxLayout* step = addStep(
+        u"Where does the weather come from?"_s,
+        u"Two sources are judged: a weather station, through the file that its own program "
+        u"writes, and a cloud and rain sensor, through its program Kiv_Nubilo, which the monitor "
+        u"finds by itself when a session starts."_s);
+    auto* own =
+        new QRadioButton(u"&My weather station's program writes a file"_s, step->parentWidget());
+    own->setObjectName(u"OptStation0"_s);
+    own->setChecked(true);
+    step->addWidget(own);
+    QVBoxLayout* block = addBlock(step, kIndent);
+    ownStation_ = block->parentWidget();
+    stationFile_ =
+        addPath(block, u"&Weather station data file"_s, u"HTMFile"_s,
+                [this](const QString& current) { return chooseStationFile(this, current); });
+    addExplanation(block, u"An HTML page with one table, or a CSV file, rewritten every few "
+                          u"seconds. It is only read. If it is the wrong one or goes missing, the "
+                          u"monitor says so and calls the sky unsafe. It can be changed later, on "
+                          u"the page Sources."_s);
+    dateFormat_ =
+        addChoice(block, u"Dates in that file"_s, "DateFormat", {u"&dd/mm/yy"_s, u"mm/dd/&yy"_s});
+    addExplanation(block, u"Does the day or the month come first in the file? With the wrong "
+                          u"answer new data can look old, and old data is unsafe."_s);
+    addTryOut(step);
+    step->addStretch();
+    connect(own, &QRadioButton::toggled, this, &KivSetupForm::chooseStation);
+}
+
+void KivSetupForm::addTryOut(QVBoxLayout* step) {
+    tryOut_ = new QRadioButton(u"I have &no hardware yet: try it with made-up weather"_s,
+                               step->parentWidget());
+    tryOut_->setObjectName(u"OptStation1"_s);
+    step->addWidget(tryOut_);
+    QVBoxLayout* block = addBlock(step, kIndent);
+    addExplanation(
+        block, u"Two simulators that come with the program play both sources: "
+               u"Kiv_NubiloSim answers in the place of the sensor's program, "
+               u"Kiv_StationSim writes the file %1. They start with OK, end with the "
+               u"monitor, and start again from the page Sources."_s.arg(Simulators::stationFile()));
+    auto* warning = new QLabel(u"Their weather is made up. It must never move a real roof."_s,
+                               block->parentWidget());
+    QFont bold = warning->font();
+    bold.setBold(true);
+    warning->setFont(bold);
+    block->addWidget(warning);
+    if (!Simulators::installed()) {
+        tryOut_->setEnabled(false);
+        tryOut_->setText(u"Try it with made-up weather: the simulators are not installed"_s);
+        block->parentWidget()->hide();
+    }
+}
+
+void KivSetupForm::addUnitsStep() {
+    QVBoxLayout* step =
+        addStep(u"Which units and limits do you think in?"_s,
+                u"Values are shown and limits are set in these units. While the station's file is "
+                u"read the units follow the file, and limits are converted: a wrong answer here "
+                u"puts itself right."_s);
+    unitsTemp_ = addChoice(step, u"Temperature"_s, "UnitsTemp", {u"°&C"_s, u"°&F"_s});
+    unitsSpeed_ = addChoice(step, u"Wind speed"_s, "UnitsSpeed",
+                            {u"&km/hr"_s, u"&mph"_s, u"m/&s"_s, u"kno&t"_s});
+    addExplanation(step, u"Take what your station's program shows."_s);
+    beyondLimit_ =
+        new QCheckBox(u"&Values beyond the last limit are unsafe"_s, step->parentWidget());
+    beyondLimit_->setObjectName(u"BeyondLimitUnsafe"_s);
+    beyondLimit_->setChecked(true);
+    step->addSpacing(look::kGap);
+    step->addWidget(beyondLimit_);
+    addExplanation(step, u"Each quantity has three levels, each up to its limit; you say which are "
+                         u"unsafe. A storm above the third limit has no level: unticked, it is "
+                         u"told but not judged. It can be changed later, on the page Unsafe."_s);
+    step->addStretch();
+}
+
+void KivSetupForm::addFilesStep() {
+    QVBoxLayout* step = addStep(u"Where do files go?"_s,
+                                u"Choose folders that you may write to. If one cannot be written, "
+                                u"the monitor says so and goes on watching."_s);
+    const auto folder = [this](const QString& what) {
+        return [this, what](const QString& current) {
+            return chooseFolder(this, what, current);
+        };
+    };
+    dataFolder_ = addPath(step, u"User &data folder"_s, u"PathName"_s,
+                          folder(u"Select a folder to store the user data file."_s));
+    dataFolder_->setText(writableProgramFolder());
+    addExplanation(step, u"For the record of all readings, a CSV file that a spreadsheet opens. "
+                         u"Recording is off until you switch it on. The folder shown will do."_s);
+    ccdapFolder_ = addPath(step, u"CCDAuto&pilot folder"_s, u"PathNameCCDAP4"_s,
+                           folder(u"Select a folder to store the CCDAP4 file."_s));
+    addExplanation(step, u"Only for CCDAutopilot, which reads the weather from a file there. "
+                         u"Without CCDAutopilot leave it empty; with a wrong folder CCDAutopilot "
+                         u"finds no weather."_s);
+    imageFolder_ = addPath(step, u"&Image folder"_s, u"GraphImagePath"_s,
+                           folder(u"Select a folder to store the image files."_s));
+    addExplanation(step, u"For pictures of the six graphs, for a web page. Leave it empty to save "
+                         u"none."_s);
+    for (QLineEdit* optional : {ccdapFolder_, imageFolder_})
+        optional->setPlaceholderText(u"None: nothing is written"_s);
+    step->addStretch();
+}
+
+QLineEdit* KivSetupForm::addPath(QVBoxLayout* step, const QString& caption, const QString& name,
+                                 std::function<QString(const QString&)> choose) {
+    QWidget* parent = step->parentWidget();
+    auto* label = new QLabel(caption, parent);
+    auto* edit = new QLineEdit(parent);
+    edit->setObjectName(name);
+    auto* browse = new QPushButton(u"Browse…"_s, parent);
+    browse->setObjectName(u"Browse"_s + name);
+    browse->setAutoDefault(false);
+    connect(browse, &QPushButton::clicked, this, [edit, choose = std::move(choose)] {
+        const QString chosen = choose(edit->text());
+        if (!chosen.isEmpty())
+            edit->setText(chosen);
+    });
+    label->setBuddy(edit);
+    label->setFixedWidth(180);
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 6, 0, 0);
+    row->setSpacing(look::kGap);
+    row->addWidget(label);
+    row->addWidget(edit, 1);
+    row->addWidget(browse);
+    step->addLayout(row);
+    return edit;
+}
+
+QButtonGroup* KivSetupForm::addChoice(QVBoxLayout* step, const QString& caption,
+                                      const char* control, const QStringList& options) {
+    QWidget* parent = step->parentWidget();
+    auto* holder = new QWidget(parent); // exclusive among themselves alone
+    auto* row = new QHBoxLayout(holder);
+    row->setContentsMargins(0, 6, 0, 0);
+    row->setSpacing(look::kMargin);
+    auto* label = new QLabel(caption, holder);
+    label->setFixedWidth(180);
+    row->addWidget(label);
+    auto* group = new QButtonGroup(holder);
+    for (qsizetype i = 0; i < options.size(); ++i) {
+        auto* option = new QRadioButton(options[i], holder);
+        option->setObjectName(QString::fromLatin1(control) + QString::number(i));
+        group->addButton(option, static_cast<int>(i));
+        row->addWidget(option);
+    }
+    row->addStretch();
+    group->button(0)->setChecked(true);
+    step->addWidget(holder);
+    return group;
+}
+
+void KivSetupForm::addExplanation(QVBoxLayout* step, const QString& text) {
+    QLabel* label = makeDimmed(text, step->parentWidget());
+    label->setWordWrap(true);
+    step->addWidget(label);
+}
+
+void KivSetupForm::addButtons(QVBoxLayout* column) {
+    const OkAndCancel buttons = addOkAndCancel(this, column);
+    ok_ = buttons.ok;
+    buttons.cancel->setObjectName(u"Command1"_s);
+    buttons.cancel->setToolTip(u"End without a setup: the program closes"_s);
+    auto* row = static_cast<QHBoxLayout*>(column->itemAt(column->count() - 1)->layout());
+    const auto makeButton = [this, row](const QString& name, const QString& text, int by, int at) {
+        auto* button = new QPushButton(text, this);
+        button->setObjectName(name);
+        button->setMinimumSize(96, 32);
+        connect(button, &QPushButton::clicked, this,
+                [this, by] { showStep(steps_->currentIndex() + by); });
+        row->insertWidget(at, button);
+        return button;
+    };
+    back_ = makeButton(u"ButtBack"_s, u"&Back"_s, -1, 0);
+    next_ = makeButton(u"ButtNext"_s, u"Ne&xt"_s, 1, 1);
+    setTabOrder(back_, next_);
+    setTabOrder(next_, ok_);
+    setTabOrder(ok_, buttons.cancel);
+}
+
+// Return goes on to the next step, and from the last one it ends the setup.
+void KivSetupForm::showStep(int step) {
+    const int last = steps_->count() - 1;
+    const bool moved = step != steps_->currentIndex();
+    steps_->setCurrentIndex(step);
+    progress_->setText(u"Before the first start: step %1 of %2"_s.arg(step + 1).arg(last + 1));
+    back_->setEnabled(step > 0);
+    next_->setEnabled(step < last);
+    QPushButton* goesOn = step < last ? next_ : ok_;
+    goesOn->setDefault(true);
+    if (!moved)
+        return;
+    for (QWidget* widget = steps_->currentWidget()->nextInFocusChain();
+         steps_->currentWidget()->isAncestorOf(widget); widget = widget->nextInFocusChain()) {
+        if (widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus)) {
+            widget->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
+}
+
+void KivSetupForm::chooseStation() {
+    ownStation_->setEnabled(!tryOut_->isChecked());
+    if (tryOut_->isChecked())
+        dateFormat_->button(0)->setChecked(true); // as the simulated station writes them
+}
+
+void KivSetupForm::tell(const QString& text) {
+    KivError({text, MessageStyle::Ok, {}}, windowTitle(), this).ask();
+}
+
+// False, with the reason told, when no station's file is known or the simulators do not run.
+bool KivSetupForm::prepareStation() {
+    if (tryOut_->isChecked()) {
+        const QString fault = simulators_.start();
+        if (!fault.isEmpty())
+            tell(u"The simulators do not run. "_s + fault);
+        return fault.isEmpty();
+    }
+    if (!stationFile_->text().trimmed().isEmpty())
+        return true;
+    tell(u"Please define path for Weather Station Data File"_s);
+    showStep(0);
+    stationFile_->setFocus();
+    return false;
+}
+
+void KivSetupForm::accept() {
+    if (!prepareStation())
+        return;
+    save(tryOut_->isChecked() ? Simulators::stationFile() : stationFile_->text().trimmed());
+    QDialog::accept();
+}
+
+void KivSetupForm::save(const QString& station) {
+    const QString ccdap = ccdapFolder_->text().trimmed();
+    const QString images = imageFolder_->text().trimmed();
+    settings_.SaveSetting(u"Setup"_s, u"HTMFile"_s, station);
+    const QString data = dataFolder_->text().trimmed();
+    settings_.SaveSetting(u"Window"_s, u"PathName"_s,
+                          data.isEmpty() ? writableProgramFolder() : data);
+    settings_.SaveSetting(u"Window"_s, u"PathNameCCDAP4"_s, ccdap);
+    settings_.SaveSetting(u"Graphs"_s, u"GraphImagePath"_s, images);
+    saveOptions(u"UnitsTemp"_s, *unitsTemp_);
+    saveOptions(u"UnitsSpeed"_s, *unitsSpeed_);
+    saveOptions(u"DateFormat"_s, *dateFormat_);
+    settings_.SaveSetting(u"Verdict"_s, u"BeyondLimitUnsafe"_s,
+                          beyondLimit_->isChecked() ? u"1"_s : u"0"_s);
+    if (ccdap.isEmpty())
+        settings_.SaveSetting(u"Window"_s, u"FileNameCCDAP4"_s, QString());
+    if (images.isEmpty()) {
+        for (const char* graph : {"Wind", "Gust", "Dir", "Hum", "Dew", "Temp"})
+            settings_.SaveSetting(u"Graphs"_s, u"Image"_s + QString::fromLatin1(graph), u"0"_s);
+    }
+    if (!settings_.flush())
+        tell(u"The settings could not be saved to "_s + settings_.filePath());
+}
+
+void KivSetupForm::saveOptions(const QString& key, const QButtonGroup& group) {
+    for (QAbstractButton* option : group.buttons()) {
+        const int index = group.id(option);
+        settings_.SaveSetting(u"Limit"_s, key + QString::number(index),
+                              index == group.checkedId() ? u"True"_s : u"False"_s);
+    }
+}
+
+bool runSetupForm(SettingsStore& settings, Simulators& simulators) {
+    const QString title = u"%1 (v%2)"_s.arg(QCoreApplication::applicationName(),
+                                            QCoreApplication::applicationVersion());
+    return KivSetupForm(settings, simulators, title).exec() == QDialog::Accepted;
+}
+
+} // namespace skyhold

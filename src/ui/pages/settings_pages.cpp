@@ -1,0 +1,189 @@
+#include "ui/pages/settings_pages.h"
+
+#include "ui/pages/ccdap_page.h"
+#include "ui/pages/data_file_page.h"
+#include "ui/pages/graphs_page.h"
+#include "ui/pages/images_page.h"
+#include "ui/pages/limits_page.h"
+#include "ui/pages/sources_page.h"
+#include "ui/pages/unsafe_page.h"
+#include "ui/pages/upload_page.h"
+#include "ui/widgets/bind.h"
+
+#include <QApplication>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+// Scrolls to the kept position as soon as, and whenever, the pane is long enough, and keeps where
+// the user scrolls to.
+void followScroll(QScrollBar* bar, QProperty<int>& position) {
+    QObject::connect(bar, &QScrollBar::rangeChanged, bar,
+                     [bar, &position] { bar->setValue(position); });
+    QObject::connect(bar, &QScrollBar::valueChanged, bar, [bar, &position](int value) {
+        const bool cutShort = value == bar->maximum() && value < position;
+        if (!cutShort)
+            position = value;
+    });
+}
+
+// Brings what the keyboard goes to into view. What a pressed mouse goes to must not move away
+// under it.
+void followFocus(QScrollArea* pane) {
+    QObject::connect(qApp, &QApplication::focusChanged, pane, [pane](QWidget*, QWidget* now) {
+        constexpr int kAround = 24;
+        if (now && pane->isAncestorOf(now) && QApplication::mouseButtons() == Qt::NoButton)
+            pane->ensureWidgetVisible(now, kAround, kAround);
+    });
+}
+
+} // namespace
+
+SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
+    : QTabWidget(parent)
+    , core_(core) {
+    setObjectName(u"SSTab1"_s);
+    setDocumentMode(true);
+    addPages();
+    const auto pane = [this](int index, const QString& name) {
+        auto* area = static_cast<QScrollArea*>(widget(index));
+        area->setObjectName(name);
+        return area;
+    };
+    const auto rememberScroll = [this](QScrollBar* bar, const QString& name,
+                                       QProperty<int>& position) {
+        bar->setObjectName(name);
+        followScroll(bar, position);
+    };
+    WindowControls& window = core_.records.window;
+    rememberScroll(pane(0, u"PicFrame0"_s)->verticalScrollBar(), u"VScrol0"_s, window.VScrollPos0);
+    rememberScroll(pane(1, u"PicFrame1"_s)->verticalScrollBar(), u"VScrol1"_s, window.VScrollPos1);
+    rememberScroll(pane(2, u"PicFrame2"_s)->horizontalScrollBar(), u"HScrol2"_s,
+                   window.HScrollPos2);
+    rememberScroll(pane(3, u"Picture3"_s)->verticalScrollBar(), u"VScrol3"_s, window.VScrollPos3);
+    connect(new QShortcut(QKeySequence::NextChild, this), &QShortcut::activated, this,
+            [this] { step(1); });
+    connect(new QShortcut(QKeySequence::PreviousChild, this), &QShortcut::activated, this,
+            [this] { step(-1); });
+    makeShownSheet();
+}
+
+void SettingsPages::addPages() {
+    Records& records = core_.records;
+    WindowControls& window = records.window;
+    addSheet(this, u"S&ources"_s,
+             [this](QWidget* parent) { return makeSourcesPage(core_, parent); });
+
+    QTabWidget* conditions = addStrip(u"SSTab2"_s, u"&Conditions"_s);
+    addSheet(conditions, u"Li&mits"_s, [this, &records](QWidget* parent) {
+        return makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
+    });
+    addSheet(conditions, u"&Unsafe and alarms"_s, [this, &records](QWidget* parent) {
+        return makeUnsafePage(records.conditions, records.alarms, records.readings, core_.media,
+                              core_.showMessage, parent);
+    });
+
+    addSheet(this, u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
+
+    QTabWidget* files = addStrip(u"SSTab3"_s, u"Fi&les"_s);
+    addSheet(files, u"&Data file"_s,
+             [&records](QWidget* parent) { return makeDataFilePage(records.dataFile, parent); });
+    addSheet(files, u"CCDAuto&pilot file"_s,
+             [&records](QWidget* parent) { return makeCcdapPage(records.ccdap, parent); });
+    addSheet(files, u"&Images"_s,
+             [&records](QWidget* parent) { return makeImagesPage(records.graphs, parent); });
+    addSheet(files, u"&Upload"_s, [&records](QWidget* parent) {
+        return makeUploadPage(records.upload, records.session.flgUpload, parent);
+    });
+
+    followStrip(this, window.SSTab1);
+    followStrip(conditions, window.SSTab2);
+    followStrip(files, window.SSTab3);
+}
+
+void SettingsPages::addSheet(QTabWidget* strip, const QString& title, MakePage make) {
+    auto* holder = new QWidget;
+    auto* column = new QVBoxLayout(holder);
+    column->setContentsMargins(0, 0, 0, 0);
+    sheets_.push_back({strip, holder, std::move(make)});
+    if (strip == this)
+        addPane(holder, title);
+    else
+        strip->addTab(holder, title);
+}
+
+QTabWidget* SettingsPages::addStrip(const QString& name, const QString& title) {
+    auto* strip = new QTabWidget;
+    strip->setObjectName(name);
+    strip->setDocumentMode(true);
+    addPane(strip, title);
+    return strip;
+}
+
+void SettingsPages::addPane(QWidget* content, const QString& title) {
+    auto* pane = new QScrollArea(this);
+    pane->setWidgetResizable(true);
+    pane->setFrameShape(QFrame::NoFrame);
+    pane->setFocusPolicy(Qt::NoFocus); // it scrolls with the focus of what stands in it
+    pane->setWidget(content);
+    followFocus(pane);
+    addTab(pane, title);
+}
+
+void SettingsPages::followStrip(QTabWidget* strip, QProperty<int>& index) {
+    follow(strip, index, [strip](int saved) {
+        if (saved >= 0 && saved < strip->count())
+            strip->setCurrentIndex(saved);
+    });
+    connect(strip, &QTabWidget::currentChanged, this, [this, &index](int chosen) {
+        index = chosen;
+        makeShownSheet();
+    });
+}
+
+void SettingsPages::open(Page page) {
+    openSheet(static_cast<std::size_t>(page));
+}
+
+void SettingsPages::openSheet(std::size_t index) {
+    const Sheet& sheet = sheets_[index];
+    for (int i = 0; i < count(); ++i) {
+        if (widget(i)->isAncestorOf(sheet.holder))
+            setCurrentIndex(i);
+    }
+    if (sheet.strip != this)
+        sheet.strip->setCurrentWidget(sheet.holder);
+}
+
+void SettingsPages::step(int by) {
+    const std::size_t many = sheets_.size();
+    openSheet((shownSheet() + many + static_cast<std::size_t>(by)) % many);
+}
+
+std::size_t SettingsPages::shownSheet() const {
+    std::size_t shown = 0;
+    for (std::size_t i = 0; i < sheets_.size(); ++i) {
+        const Sheet& sheet = sheets_[i];
+        const bool onTop = sheet.strip == this || sheet.strip->currentWidget() == sheet.holder;
+        if (onTop && currentWidget()->isAncestorOf(sheet.holder))
+            shown = i;
+    }
+    return shown;
+}
+
+void SettingsPages::makeShownSheet() {
+    Sheet& sheet = sheets_[shownSheet()];
+    if (!sheet.make)
+        return;
+    sheet.holder->layout()->addWidget(sheet.make(sheet.holder));
+    sheet.make = nullptr;
+}
+
+} // namespace skyhold

@@ -1,0 +1,252 @@
+#include "ui/widgets/readout.h"
+
+#include "ui/look/look.h"
+
+#include <QFontMetrics>
+#include <QPaintEvent>
+#include <QPainter>
+
+namespace skyhold {
+
+Readout::Readout(QWidget* parent)
+    : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void Readout::setText(const QString& text) {
+    if (text == text_)
+        return;
+    text_ = text;
+    update();
+    Q_EMIT textChanged(text);
+}
+
+void Readout::setInk(const QColor& ink) {
+    if (ink == ink_)
+        return;
+    ink_ = ink;
+    update();
+}
+
+void Readout::setTone(Tone tone) {
+    if (tone == tone_)
+        return;
+    tone_ = tone;
+    update();
+}
+
+void Readout::setOld(bool old) {
+    if (old == old_)
+        return;
+    old_ = old;
+    update();
+}
+
+void Readout::setGround(const QColor& ground) {
+    if (ground == ground_)
+        return;
+    ground_ = ground;
+    update();
+}
+
+QColor Readout::shownInk() const {
+    if (old_)
+        return look::kDimText;
+    if (ink_.isValid())
+        return look::ink(ink_, ground_.isValid() ? look::ground(ground_) : look::kCard);
+    switch (tone_) {
+    case Tone::Text:
+        break;
+    case Tone::Dim:
+        return look::kDimText;
+    case Tone::Disabled:
+        return look::kDisabledText;
+    case Tone::Accent:
+        return look::ink(look::kAccent, look::kCard);
+    case Tone::Strip:
+        return look::kStripText;
+    }
+    return palette().color(foregroundRole());
+}
+
+void Readout::setPixelSize(int size, bool bold) {
+    QFont changed = font();
+    changed.setPixelSize(size);
+    changed.setBold(bold);
+    setFont(changed);
+}
+
+void Readout::reserve(const QString& widest) {
+    widest_ = widest;
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    updateGeometry();
+}
+
+QSize Readout::sizeHint() const {
+    const QFontMetrics metrics(font());
+    return QSize(metrics.horizontalAdvance(widest_) + 2, metrics.height() * (wrap_ ? 2 : 1))
+        .grownBy(contentsMargins());
+}
+
+QSize Readout::minimumSizeHint() const {
+    return sizeHint();
+}
+
+int Readout::textFlags() const {
+    return static_cast<int>(alignment_) | (wrap_ ? Qt::TextWordWrap : 0);
+}
+
+bool Readout::fits(const QFont& font) const {
+    const QRect room = contentsRect();
+    const QRect needed = QFontMetrics(font).boundingRect(room, textFlags(), text_);
+    return needed.width() <= room.width() && needed.height() <= room.height();
+}
+
+QFont Readout::fittedFont() const {
+    QFont fitted = font();
+    const int smallest = cutInMiddle_ ? fitted.pixelSize() : fitted.pixelSize() * 2 / 3;
+    while (fitted.pixelSize() > smallest && !fits(fitted))
+        fitted.setPixelSize(fitted.pixelSize() - 1);
+    return fitted;
+}
+
+void Readout::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    if (hasFocus()) {
+        painter.setPen(look::kAccent);
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+    if (text_.isEmpty())
+        return;
+    painter.setPen(isEnabled() ? shownInk() : palette().color(foregroundRole()));
+    const QFont fitted = fittedFont();
+    painter.setFont(fitted);
+
+    QString shown = text_;
+    const QRect room = contentsRect();
+    if (!fits(fitted)) {
+        const QFontMetrics metrics(fitted);
+        // A wrapped text leaves some of each line's end empty.
+        const int lines = wrap_ ? std::max(1, room.height() / metrics.height()) : 1;
+        shown = metrics.elidedText(text_, cutInMiddle_ ? Qt::ElideMiddle : Qt::ElideRight,
+                                   room.width() * lines - (lines - 1) * 60);
+    }
+    painter.drawText(room, textFlags(), shown);
+}
+
+Swatch::Swatch(QWidget* parent)
+    : Readout(parent) {
+    setAlignment(Qt::AlignCenter);
+    setFixedHeight(26);
+}
+
+void Swatch::setFill(const QColor& fill) {
+    if (fill == fill_)
+        return;
+    fill_ = fill;
+    update();
+}
+
+QColor Swatch::shownInk() const {
+    return look::inkOn(fill_);
+}
+
+void Swatch::paintEvent(QPaintEvent* event) {
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QColor fill = look::ground(fill_);
+        painter.setPen(QPen(hasFocus() ? look::kAccent : fill.darker(130), hasFocus() ? 2 : 1));
+        painter.setBrush(fill);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    }
+    Readout::paintEvent(event);
+}
+
+LampWidget::LampWidget(int diameter, QWidget* parent)
+    : QWidget(parent) {
+    setFixedSize(diameter, diameter);
+}
+
+void LampWidget::setColour(const QColor& colour) {
+    if (colour == colour_)
+        return;
+    colour_ = colour;
+    update();
+}
+
+void LampWidget::setUnlit(bool unlit) {
+    if (unlit == unlit_)
+        return;
+    unlit_ = unlit;
+    update();
+}
+
+void LampWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (unlit_) {
+        painter.scale(width(), height());
+        painter.setPen(QPen(look::kDimText, 0.1));
+        painter.drawEllipse(QRectF(0.05, 0.05, 0.9, 0.9));
+        painter.fillRect(QRectF(0.33, 0.33, 0.34, 0.34), look::kDimText);
+        return;
+    }
+    const QColor light = look::light(colour_);
+    const bool off = colour_ == screenColour(kGrey);
+    painter.setPen(QPen(off ? light : light.darker(160), 1.5));
+    painter.setBrush(off && lookInForce() == Look::Night ? QBrush(Qt::NoBrush) : light);
+    painter.drawEllipse(QRectF(rect()).adjusted(1, 1, -1, -1));
+    constexpr int kLarge = 40;
+    if (width() < kLarge)
+        return;
+    painter.scale(width(), height());
+    painter.setPen(QPen(look::kField, 0.12, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    if (colour_ == screenColour(kGreen)) {
+        painter.drawPolyline(QPolygonF{{0.28, 0.53}, {0.44, 0.69}, {0.73, 0.35}});
+    } else if (colour_ == screenColour(kRed)) {
+        painter.drawLine(QPointF(0.32, 0.32), QPointF(0.68, 0.68));
+        painter.drawLine(QPointF(0.68, 0.32), QPointF(0.32, 0.68));
+    }
+}
+
+Card::Card(QWidget* parent)
+    : QWidget(parent) {}
+
+void Card::setFill(const QColor& fill) {
+    if (fill == fill_)
+        return;
+    fill_ = fill;
+    update();
+}
+
+void Card::standForGroup() {
+    group_ = true;
+    update();
+}
+
+void Card::setEdge(Edge edge) {
+    if (edge == edge_)
+        return;
+    edge_ = edge;
+    update();
+}
+
+void Card::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (edge_ != Edge::None) {
+        const bool dashed = edge_ == Edge::Dashed;
+        painter.setPen(dashed ? QPen(look::kDimText, 2, Qt::DashLine) : QPen(look::kEdge, 1));
+        const qreal inset = dashed ? 1 : 0.5;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 6, 6);
+        return;
+    }
+    painter.setPen(Qt::NoPen);
+    const QColor& own = group_ ? look::kGroup : look::kCard;
+    painter.setBrush(fill_.isValid() ? look::ground(fill_) : own);
+    painter.drawRoundedRect(rect(), 6, 6);
+}
+
+} // namespace skyhold

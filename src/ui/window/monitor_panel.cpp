@@ -1,0 +1,461 @@
+#include "ui/window/monitor_panel.h"
+
+#include "core/alarms.h"
+#include "core/clients.h"
+#include "core/session.h"
+#include "ui/look/look.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/readout_selection.h"
+#include "ui/window/age_text.h"
+#include "ui/window/reading_tile.h"
+#include "ui/window/verdict_card.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kStopAlarmWidth = 118;
+constexpr int kOneCauseLine = 34;
+constexpr int kTwoCauseLines = 62;
+
+Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool bold = false) {
+    auto* readout = new Readout(parent);
+    readout->setObjectName(name);
+    readout->setPixelSize(pixelSize, bold);
+    return readout;
+}
+
+// A caption that stands fixed in the window.
+Readout* makeCaption(QWidget* parent, const QString& text) {
+    Readout* caption = makeReadout(parent, {}, 13);
+    caption->setTone(Tone::Dim);
+    caption->setText(text);
+    caption->reserve(text);
+    return caption;
+}
+
+LampWidget* makeLamp(QWidget* parent, const QString& name, int diameter) {
+    auto* lamp = new LampWidget(diameter, parent);
+    lamp->setObjectName(name);
+    return lamp;
+}
+
+// The tiles from left to right, with the number of each one's header.
+struct TileOfQuantity {
+    Quantity quantity;
+    int header;
+};
+constexpr std::array<TileOfQuantity, kQuantityCount> kTiles{{{Quantity::Cloud, 0},
+                                                             {Quantity::Rain, 1},
+                                                             {Quantity::Brightness, 7},
+                                                             {Quantity::Temperature, 8},
+                                                             {Quantity::Wind, 2},
+                                                             {Quantity::Gust, 3},
+                                                             {Quantity::Dew, 5},
+                                                             {Quantity::Humidity, 6}}};
+constexpr int kDirectionHeader = 4; // behind the gust's
+
+// What a tile draws below its value, from the history of the graphs. What one would call calm or
+// steady does not fill its strip.
+struct TrendOfQuantity {
+    Quantity quantity;
+    double (*value)(const GraphPoint&);
+    TrendScale scale;
+};
+constexpr TrendScale kAnySpeed{.leastSpan = 10, .lowest = 0};
+constexpr TrendScale kDegrees{.leastSpan = 4};
+constexpr std::array<TrendOfQuantity, 5> kTrends{{
+    {Quantity::Temperature, [](const GraphPoint& p) { return p.temperature; }, kDegrees},
+    {Quantity::Wind, [](const GraphPoint& p) { return p.wind; }, kAnySpeed},
+    {Quantity::Gust, [](const GraphPoint& p) { return p.gust; }, kAnySpeed},
+    {Quantity::Dew, [](const GraphPoint& p) { return p.temperature - p.spread; }, kDegrees},
+    {Quantity::Humidity,
+     [](const GraphPoint& p) { return p.humidity; },
+     {.leastSpan = 10, .lowest = 0, .highest = 100}},
+}};
+
+} // namespace
+
+MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
+    : QWidget(parent) {
+    auto* top = new QHBoxLayout;
+    top->setSpacing(look::kGap);
+    top->addWidget(makeVerdictCard(core, this));
+    top->addWidget(makeMessages(core), 1);
+    top->addWidget(makeSwitchAndSession(core));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(look::kMargin, look::kMargin, look::kMargin, look::kGap);
+    layout->setSpacing(look::kGap);
+    layout->addLayout(top);
+    layout->addWidget(makeTiles(core.records));
+    layout->addWidget(makeSources(core));
+    SessionControls& session = core.records.session;
+    follow(this, session.CyclesDone, [this, &core, &session](std::int64_t) {
+        showTrends(core.records, core.clock.now());
+        showLive(core.records, session.begun());
+    });
+    // A session that starts has nothing to show before its first reading.
+    follow(this, session.State, [this, &core](SessionState state) {
+        if (state != SessionState::Running)
+            showLive(core.records, false);
+    });
+}
+
+// Without a session nothing has a colour of its own, and the last readings have their times.
+void MonitorPanel::showLive(const Records& records, bool live) {
+    for (Readout* readout : readouts_)
+        readout->setOld(!live);
+    for (const auto& [tile, ofSensor] : tiles_) {
+        const Label& read = ofSensor ? records.display.Label3Sensor : records.display.Label3Station;
+        tile->setOld(!live, read.Caption.value().section(u' ', 1));
+    }
+}
+
+QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
+    Records& records = core.records;
+    auto* card = new Card(this);
+    card->setFixedHeight(kVerdictHeight);
+
+    auto* automatic = new QWidget(card);
+    automatic->setObjectName(u"Frame3"_s);
+    Readout* cause = makeReadout(automatic, u"LblCause"_s, 26);
+    cause->setWrap(true);
+    cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    allowMouseSelection(cause);
+    Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
+    last->setTone(Tone::Dim);
+    last->setWrap(true);
+    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
+    delay->setInk(screenColour(kYellow));
+    bind(delay, records.conditions.SafeDelayMsg);
+    const auto showCause = [=, &records] {
+        const bool idle = !records.session.begun();
+        const QString words = records.display.LblCause.Caption;
+        const QString verdict = records.conditions.LblStatus.Caption;
+        const bool none = words.isEmpty() && records.session.verdict == Verdict::Safe;
+        // Words without a verdict say why a start has failed.
+        const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
+        cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
+        if (idle && !failed)
+            cause->setText(u"Start begins a monitoring session."_s);
+        else
+            cause->setText(none ? u"No condition counts as unsafe."_s : words);
+        last->setText(verdict.isEmpty() ? QString()
+                                        : u"Last verdict: %1. %2"_s.arg(verdict, words));
+        last->setHidden(!idle);
+        cause->setFixedHeight(idle && !failed ? kOneCauseLine : kTwoCauseLines);
+        delay->setHidden(idle);
+    };
+    follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
+    follow(cause, records.session.verdict, [=](Verdict) { showCause(); });
+    follow(cause, records.session.State, [=](SessionState) { showCause(); });
+    auto* automaticLayout = new QVBoxLayout(automatic);
+    automaticLayout->setContentsMargins(0, 0, 0, 0);
+    automaticLayout->setSpacing(2);
+    automaticLayout->addWidget(cause);
+    auto* delayRow = new QHBoxLayout;
+    delayRow->addWidget(delay);
+    delayRow->addWidget(last);
+    delayRow->addSpacing(kStopAlarmWidth); // the button comes and goes without moving the text
+    automaticLayout->addLayout(delayRow);
+    bind(automatic, records.session.Frame3);
+
+    // While a client decides, the rules have no cause to tell.
+    Readout* decides = makeReadout(card, {}, 15);
+    decides->setTone(Tone::Dim);
+    Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
+    control->setTone(Tone::Accent);
+    bind(control, records.session.LblControl);
+    auto* takeBack = new QPushButton(u"Take &back control"_s, card);
+    takeBack->setObjectName(u"ButtTakeBack"_s);
+    takeBack->setFixedHeight(28);
+    takeBack->setToolTip(u"The conditions decide again, unsafe until the safe delay has passed"_s);
+    connect(takeBack, &QPushButton::clicked, card, [&core] { TakeBackControl(core); });
+    const auto showControl = [=, &records] {
+        const bool byClient = !records.session.Frame3.Visible;
+        const bool named = !control->text().isEmpty();
+        decides->setText(named ? u"Safe or unsafe is decided by"_s
+                               : u"Safe or unsafe is decided by a client program"_s);
+        decides->setVisible(byClient);
+        takeBack->setVisible(byClient);
+        control->setPixelSize(byClient ? 26 : 15, true);
+        control->setVisible(named);
+    };
+    follow(control, records.session.LblControl.Caption, [=](const QString&) { showControl(); });
+    follow(control, records.session.Frame3.Visible, [=](bool) { showControl(); });
+    auto* alarms = new QHBoxLayout;
+    alarms->setSpacing(look::kGap);
+    int alarmLineHeight = 0;
+    const auto addAlarm = [&](const QString& name, Label& record, int share) {
+        Readout* alarm = makeReadout(card, name, 15, true);
+        alarm->setInk(screenColour(kOrange));
+        bind(alarm, record);
+        readouts_.push_back(alarm);
+        alarms->addWidget(alarm, share);
+        alarmLineHeight = alarm->sizeHint().height();
+    };
+    // As much room as their texts need in the smallest window.
+    addAlarm(u"WSAlarmMsg"_s, records.display.WSAlarmMsg, 9);
+    addAlarm(u"NBAlarmMsg"_s, records.display.NBAlarmMsg, 7);
+    addAlarm(u"SensorStatus"_s, records.display.SensorStatus, 4);
+
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(2);
+    lines->addWidget(automatic);
+    auto* decidesRow = new QHBoxLayout;
+    decidesRow->addWidget(decides, 1);
+    decidesRow->addWidget(takeBack);
+    lines->addLayout(decidesRow);
+    lines->addWidget(control);
+    lines->addStretch();
+    lines->addLayout(alarms);
+    // In the place of the button that ends the noise.
+    Readout* silence = makeReadout(card, u"SoundFault"_s, 13, true);
+    silence->setFixedSize(kStopAlarmWidth, 34);
+    silence->setWrap(true);
+    silence->setInk(screenColour(kOrange));
+    follow(silence, records.alarms.SoundFault.Caption, [silence](const QString& fault) {
+        silence->setText(fault);
+        silence->setToolTip(fault);
+        silence->setHidden(fault.isEmpty());
+    });
+    auto* overlay = new QVBoxLayout;
+    overlay->addStretch();
+    overlay->addWidget(silence);
+    overlay->addWidget(makeStopAlarm(core, card));
+    overlay->addSpacing(alarmLineHeight + look::kGap);
+    auto* layout = new QGridLayout(card);
+    layout->setContentsMargins(16, 8, 16, 8);
+    layout->addLayout(lines, 0, 0);
+    layout->addLayout(overlay, 0, 0, Qt::AlignRight);
+    return card;
+}
+
+// Ends the noise at once, whatever page is open; the alarm itself goes on.
+QPushButton* MonitorPanel::makeStopAlarm(MonitoringCore& core, QWidget* card) {
+    auto* button = new QPushButton(card);
+    button->setObjectName(u"ButtStopAlarm"_s);
+    button->setFixedSize(kStopAlarmWidth, 32);
+    QFont font = button->font();
+    font.setPixelSize(14);
+    font.setBold(true);
+    button->setFont(font);
+    followLook(button, [button] {
+        QPalette loud;
+        loud.setColor(QPalette::Button, look::kLoud);
+        loud.setColor(QPalette::ButtonText, look::inkOn(look::kLoud));
+        button->setPalette(loud);
+    });
+    bind(button, core.records.alarms.ButtStopAlarm);
+    connect(button, &QPushButton::clicked, card, [&core] { AlarmStop(core); });
+    return button;
+}
+
+QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
+    SessionControls& session = core.records.session;
+    auto* card = new Card(this);
+    card->setFixedSize(196, kVerdictHeight);
+
+    Readout* caption = makeCaption(card, u"Roof switch"_s);
+    caption->setObjectName(u"LblSwitch"_s);
+    followVisible(caption, core.records.display.LblSwitch.Visible);
+    Readout* value = makeReadout(card, u"LValSwitch"_s, 22, true);
+    bind(value, core.records.display.LValSwitch);
+    readouts_.push_back(value);
+    // The roof stays as the session left it.
+    Readout* left = makeReadout(card, u"LblLeftOpen"_s, 13, true);
+    left->setInk(screenColour(kOrange));
+    left->setText(u"left open"_s);
+    left->reserve(left->text());
+    const auto showLeft = [left, &core, &session] {
+        const Label& roof = core.records.display.LValSwitch;
+        left->setVisible(!session.begun() && roof.Visible && roof.Caption.value() == u"Opened"_s);
+    };
+    follow(left, session.State, [showLeft](SessionState) { showLeft(); });
+    follow(left, core.records.display.LValSwitch.Caption,
+           [showLeft](const QString&) { showLeft(); });
+
+    const auto makeButton = [card](const QString& name, const QString& text, Button& record) {
+        auto* button = new QPushButton(text, card);
+        button->setObjectName(name);
+        button->setMinimumHeight(40);
+        QFont font = button->font();
+        font.setPixelSize(16);
+        font.setBold(true);
+        button->setFont(font);
+        bind(button, record);
+        return button;
+    };
+    QPushButton* start = makeButton(u"ButtStart"_s, u"&Start"_s, session.ButtStart);
+    followLook(start, [start] {
+        QPalette primary;
+        if (lookInForce() != Look::Desktop)
+            primary.setColor(QPalette::Button, look::kPrimary);
+        start->setPalette(primary);
+    });
+    QPushButton* stop = makeButton(u"ButtStop"_s, u"S&top"_s, session.ButtStop);
+    connect(start, &QPushButton::clicked, card, [&core] { StartSession(core); });
+    connect(stop, &QPushButton::clicked, card, [&core] { StopSession(core); });
+
+    auto* layout = new QVBoxLayout(card);
+    layout->setContentsMargins(16, 10, 16, 14);
+    layout->setSpacing(2);
+    auto* head = new QHBoxLayout;
+    head->addWidget(caption);
+    head->addStretch();
+    head->addWidget(left);
+    layout->addLayout(head);
+    layout->addWidget(value);
+    layout->addStretch();
+    // Side by side: when the last client leaves an idle monitor, both are offered.
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(look::kGap);
+    buttons->addWidget(start);
+    buttons->addWidget(stop);
+    layout->addLayout(buttons);
+    return card;
+}
+
+QWidget* MonitorPanel::makeTiles(Records& records) {
+    ReadingDisplay& display = records.display;
+    auto* row = new QWidget(this);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(look::kGap);
+    const auto addTile = [&](Label& header, int number, Label& value, const QString& valueName,
+                             bool sensor) {
+        auto* tile = new ReadingTile(header, u"Label0%1"_s.arg(number), value, valueName, row);
+        layout->addWidget(tile, 1);
+        tiles_.emplace_back(tile, sensor);
+        return tile;
+    };
+    const auto addDirection = [&] {
+        ReadingTile* tile = addTile(display.Label0Direction, kDirectionHeader, display.LValWindDir,
+                                    u"LValWindDir"_s, false);
+        tile->showUnit(u"°"_s);
+        trends_.push_back({tile, [](const GraphPoint& p) { return p.direction; },
+                           TrendScale{.lowest = 0, .highest = 360, .circular = true}});
+    };
+    for (const auto& [quantity, header] : kTiles) {
+        const QuantityRow& shown = rowOf(quantity);
+        ReadingTile* tile = addTile(display.Label0[quantity], header, display.LVal[quantity],
+                                    u"LVal"_s + QLatin1String(shown.valueLabel),
+                                    shown.source == SourceName::Sensor);
+        tile->showCondition(display.LCond[quantity],
+                            u"LCond"_s + QLatin1String(shown.conditionLabel));
+        if (Label* unit = unitLabel(shown.measure, records.units))
+            tile->showUnit(*unit);
+        else
+            tile->showUnit(shown.measure == Measure::Percent ? u"%"_s : QString());
+        for (const TrendOfQuantity& trend : kTrends) {
+            if (trend.quantity == quantity)
+                trends_.push_back({tile, trend.value, trend.scale});
+        }
+        if (quantity == Quantity::Gust)
+            addDirection();
+    }
+    return row;
+}
+
+// Only when the history has a new point, or has been cleared.
+void MonitorPanel::showTrends(const Records& records, const QDateTime& now) {
+    const GraphHistory& history = records.history;
+    const std::pair points(history.count(), history.LastElem);
+    if (points == shownPoints_)
+        return;
+    shownPoints_ = points;
+    const double step = history.SampleEvery * records.session.RefreshRead.chosenSeconds();
+    for (const TileTrend& shown : trends_)
+        shown.tile->showTrend(lastHour(history, shown.value, daySerial(now), step), shown.scale);
+}
+
+QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
+    ReadingDisplay& display = core.records.display;
+    SessionControls& session = core.records.session;
+    auto* row = new QWidget(this);
+    row->setFixedHeight(24);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(4, 0, 4, 0);
+    layout->setSpacing(look::kGap);
+
+    const auto addPair = [row](QHBoxLayout* into, const QString& name, LampPair& record) {
+        LampWidget* first = makeLamp(row, name + u'0', 14);
+        LampWidget* second = makeLamp(row, name + u'1', 14);
+        bind(first, second, record);
+        into->addWidget(first);
+        into->addWidget(second);
+    };
+    const auto addTime = [&](const QString& caption, const QString& name, Label& record) {
+        layout->addWidget(makeCaption(row, caption));
+        Readout* time = makeReadout(row, name, 13);
+        time->reserve(u"00/00 00:00:00"_s);
+        bind(time, record);
+        readouts_.push_back(time);
+        layout->addWidget(time);
+        Readout* age = makeReadout(row, name + u"Age"_s, 13);
+        age->setTone(Tone::Dim);
+        age->reserve(u"90 min ago"_s);
+        layout->addWidget(age);
+        return age;
+    };
+    layout->addWidget(makeCaption(row, u"Reading"_s));
+    addPair(layout, u"LEDRead"_s, display.LEDRead);
+    layout->addSpacing(look::kGap);
+    Readout* sensorAge = addTime(u"Sensor"_s, u"Label30"_s, display.Label3Sensor);
+    Readout* stationAge = addTime(u"Station"_s, u"Label32"_s, display.Label3Station);
+    layout->addStretch();
+    const auto showAges = [&core, sensorAge, stationAge] {
+        const CurrentReadings& readings = core.records.readings;
+        const SessionControls& session = core.records.session;
+        const bool running = session.running();
+        const QDateTime now = core.clock.now();
+        const int interval = session.RefreshRead.chosenSeconds();
+        const auto show = [&](Readout* age, const QDateTime& read, bool known, bool failed) {
+            age->setInk(failed ? screenColour(kOrange) : QColor());
+            age->setText(running && known ? ageText(read, now, interval) : QString());
+        };
+        // At its start a session has no reading yet, and the time of its start stands for it.
+        show(sensorAge, readings.LastReading,
+             !readings.SensorError || readings.LastReading != readings.ReadingStart,
+             readings.SensorError);
+        show(stationAge, readings.StationDateTime, true, !readings.StationValid);
+    };
+    follow(row, session.CyclesDone, [showAges](std::int64_t) { showAges(); });
+    follow(row, session.State, [showAges](SessionState) { showAges(); });
+
+    auto* activity = new QWidget(row);
+    activity->setObjectName(u"FrameCOM"_s);
+    auto* activityLayout = new QHBoxLayout(activity);
+    activityLayout->setContentsMargins(0, 0, look::kMargin, 0);
+    activityLayout->setSpacing(look::kGap);
+    addPair(activityLayout, u"LEDCOM"_s, session.LEDCOM);
+    activityLayout->addWidget(makeCaption(activity, u"Calls"_s));
+    Readout* calls = makeReadout(activity, u"COMCalls"_s, 14);
+    calls->reserve(u"0000"_s);
+    bind(calls, session.COMCalls);
+    activityLayout->addWidget(calls);
+    activityLayout->addWidget(makeCaption(activity, u"Period"_s));
+    Readout* period = makeReadout(activity, u"COMPeriod"_s, 14);
+    period->reserve(u"00000s"_s);
+    bind(period, session.COMPeriod);
+    activityLayout->addWidget(period);
+    bind(activity, session.FrameCOM);
+    layout->addWidget(activity);
+
+    Readout* users = makeReadout(row, u"LblUsers"_s, 14);
+    users->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    users->reserve(u"Attached Users: 000"_s);
+    bind(users, session.LblUsers);
+    layout->addWidget(users);
+    return row;
+}
+
+} // namespace skyhold

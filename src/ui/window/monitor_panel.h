@@ -1,0 +1,48 @@
+// What is always in view: the verdict with its cause, delay and alarm messages, Stop Alarm while a
+// sound is started, the roof switch, Start and Stop, a tile for every quantity, and the state of
+// both sources and of the clients.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+#include "ui/widgets/trend_line.h"
+
+#include <QWidget>
+
+#include <utility>
+#include <vector>
+
+class QPushButton;
+
+namespace skyhold {
+
+class ReadingTile;
+class Readout;
+
+class MonitorPanel : public QWidget {
+    Q_OBJECT
+
+  public:
+    MonitorPanel(MonitoringCore& core, QWidget* parent);
+
+  private:
+    QWidget* makeMessages(MonitoringCore& core);
+    QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card);
+    QWidget* makeSwitchAndSession(MonitoringCore& core);
+    QWidget* makeTiles(Records& records);
+    QWidget* makeSources(MonitoringCore& core);
+    void showTrends(const Records& records, const QDateTime& now);
+    void showLive(const Records& records, bool live);
+
+    struct TileTrend {
+        ReadingTile* tile;
+        double (*value)(const GraphPoint&);
+        TrendScale scale;
+    };
+    std::vector<TileTrend> trends_;
+    std::vector<std::pair<ReadingTile*, bool>> tiles_; // and whether the sensor program reads it
+    std::vector<Readout*> readouts_;                   // in colours of the session
+    std::pair<std::int32_t, std::int32_t> shownPoints_{0, 0}; // how many, and the newest
+};
+
+} // namespace skyhold

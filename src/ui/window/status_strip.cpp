@@ -1,0 +1,60 @@
+#include "ui/window/status_strip.h"
+
+#include "ui/dialogs/kiv_legend.h"
+#include "ui/look/look.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/copy_text.h"
+#include "ui/widgets/open_editor.h"
+#include "ui/widgets/readout.h"
+
+#include <QHBoxLayout>
+#include <QPaintEvent>
+#include <QPainter>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
+    : QWidget(parent) {
+    setFixedHeight(30);
+    auto* status = new Readout(this);
+    auto* codes = new Readout(this);
+    status->setObjectName(u"Statusbar1"_s);
+    codes->setObjectName(u"Statusbar2"_s);
+    status->setPixelSize(15);
+    codes->setPixelSize(15, true);
+    for (Readout* line : {status, codes}) {
+        line->setTone(Tone::Strip);
+        line->setGround(look::kStrip);
+        allowCopying(line);
+    }
+    codes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    codes->setToolTip(u"Status codes; right-click for their meanings"_s);
+    bind(status, session.Statusbar1);
+    bind(codes, session.Statusbar2);
+    // What a session said last, of a refreshed file perhaps, goes with it. The words of a start
+    // that failed stay: it never ran.
+    const auto ran = std::make_shared<bool>(false);
+    follow(status, session.State, [status, &session, ran](SessionState state) {
+        const bool ended = state == SessionState::Idle && *ran;
+        *ran = state == SessionState::Running;
+        const Colour stated = session.Statusbar1.ForeColor;
+        status->setText(ended ? u"Monitoring stopped"_s : session.Statusbar1.Caption.value());
+        status->setInk(ended || stated == 0 ? QColor() : screenColour(stated));
+    });
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(look::kMargin, 2, look::kMargin, 2);
+    layout->setSpacing(look::kGap);
+    layout->addWidget(status, 2);
+    layout->addWidget(codes, 1);
+
+    openEditorOn(codes, [this, codes] { KivLegend::openNear(codes, this); });
+}
+
+void StatusStrip::paintEvent(QPaintEvent* event) {
+    QPainter(this).fillRect(event->rect(), look::kStrip);
+}
+
+} // namespace skyhold
