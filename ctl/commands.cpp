@@ -1,9 +1,11 @@
 #include "ctl/commands.h"
 
+#include "ctl/bus.h"
 #include "ctl/output.h"
 #include "ctl/state_document.h"
 #include "ctl/status.h"
 #include "ctl/values.h"
+#include "ctl/verdict.h"
 #include "ctl/watch.h"
 
 #include <QJsonArray>
@@ -40,26 +42,16 @@ QString callFault(const Member& member, const AutomationReply& reply) {
     return member.name + u": "_s + plainLine(reply.text);
 }
 
-int runStateDocument() {
+int runStatus(const Command& command) {
     QString fault;
     QJsonObject document = readStateDocument(fault);
     if (document.isEmpty())
         document = unreachableDocument(fault);
-    writeLine(document);
-    return exitStatus(verdictOf(document));
-}
-
-int runStatus(const Command& command) {
     if (command.json)
-        return runStateDocument();
-    MonitorConnection monitor;
-    const Status status = monitor.lost().isEmpty()
-                              ? readStatus([&monitor](const QString& name, QVariantList arguments) {
-                                    return monitor.invoke(name, kRead, arguments);
-                                })
-                              : unknownStatus(monitor.lost());
-    write(statusText(status));
-    return exitStatus(status.verdict);
+        writeLine(document);
+    else
+        write(statusText(document));
+    return exitStatus(verdictOf(document));
 }
 
 int runGet(const Command& command) {
@@ -169,7 +161,7 @@ std::optional<bool> isRunning(MonitorConnection& monitor, QString& fault) {
     const AutomationReply reply = monitor.invoke(u"DeviceIsRunning"_s, kMethod, none);
     if (reply.ok() && reply.result.typeId() == QMetaType::Bool)
         return reply.result.toBool();
-    fault = reply.ok() ? u"Kiv_Skyhold gave an odd answer"_s : reply.text;
+    fault = reply.ok() ? oddAnswer() : reply.text;
     return std::nullopt;
 }
 

@@ -1,7 +1,6 @@
 #include "ctl/monitor_connection.h"
 
-#include <csignal>
-#include <unistd.h>
+#include "ctl/bus.h"
 
 namespace skyhold {
 
@@ -11,53 +10,6 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr char kProgramId[] = "Kiv_Skyhold.Nubilo";
 constexpr int kStartPatienceMs = 30'000;
-constexpr unsigned kConnectPatienceSeconds = 5;
-
-// Connecting to a bus that does not answer has no end of its own, and nothing is attached yet that
-// would have to be put in order.
-void endWithoutBus(int) {
-    constexpr char kText[] = "skyholdctl: the session bus does not answer\n";
-    // Whether it can be read or not, the exit status tells.
-    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, kText, sizeof kText - 1);
-    ::_exit(2);
-}
-
-QDBusConnection connectToBus() {
-    // Qt ends in the reverse order of what was used first: its thread for the bus, which needs the
-    // registered types to its end, is to end before them.
-    registerAutomationTypes();
-    static int connections = 0;
-    std::signal(SIGALRM, endWithoutBus);
-    ::alarm(kConnectPatienceSeconds);
-    QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus,
-                                                        u"skyholdctl %1"_s.arg(++connections));
-    ::alarm(0);
-    return bus;
-}
-
-bool isAbsence(const QDBusError& error) {
-    // What the bus answers for a name that nobody has, when it is not to start the program, has no
-    // type of its own in Qt.
-    return error.type() == QDBusError::ServiceUnknown ||
-           error.name() == u"org.freedesktop.DBus.Error.NameHasNoOwner"_s;
-}
-
-bool isTimeout(const QDBusError& error) {
-    return error.type() == QDBusError::NoReply || error.type() == QDBusError::Timeout ||
-           error.type() == QDBusError::TimedOut;
-}
-
-QString reason(const QDBusError& error) {
-    if (isAbsence(error))
-        return u"Kiv_Skyhold is not running; start it with: skyholdctl start"_s;
-    if (isTimeout(error))
-        return u"Kiv_Skyhold does not answer; is it stopped, or has it ended just now?"_s;
-    return u"Kiv_Skyhold cannot be asked: "_s + error.message();
-}
-
-AutomationReply oddAnswer() {
-    return {{}, AutomationError::Fail, u"Kiv_Skyhold gave an odd answer"_s};
-}
 
 } // namespace
 
@@ -80,8 +32,7 @@ MonitorConnection::~MonitorConnection() {
 
 void MonitorConnection::attach(WhenAbsent absent) {
     if (!bus_.isConnected()) {
-        lost_ = u"there is no session bus (%1); is DBUS_SESSION_BUS_ADDRESS set?"_s.arg(
-            bus_.lastError().message());
+        lost_ = busFault(bus_);
         return;
     }
     QDBusMessage reply = createInstance();
@@ -91,13 +42,13 @@ void MonitorConnection::attach(WhenAbsent absent) {
         reply = createInstance();
     }
     if (reply.type() != QDBusMessage::ReplyMessage) {
-        lost_ = reason(QDBusError(reply));
+        lost_ = monitorFault(QDBusError(reply));
         return;
     }
     owner_ = reply.service();
     path_ = reply.arguments().value(0).value<QDBusObjectPath>().path();
     if (path_.isEmpty() || owner_.isEmpty())
-        lost_ = oddAnswer().text;
+        lost_ = oddAnswer();
 }
 
 QDBusMessage MonitorConnection::createInstance() {
@@ -134,7 +85,7 @@ AutomationReply MonitorConnection::failure(const QDBusMessage& reply) {
     const QString name = reply.errorName();
     if (name.startsWith(u"Kiv.Automation.Error."_s))
         return {{}, AutomationError::Fail, reply.errorMessage()};
-    lost_ = reason(QDBusError(reply));
+    lost_ = monitorFault(QDBusError(reply));
     return {{}, AutomationError::Fail, lost_};
 }
 
@@ -149,7 +100,7 @@ AutomationReply MonitorConnection::invoke(const QString& name, unsigned use,
     if (reply.type() != QDBusMessage::ReplyMessage)
         return failure(reply);
     if (reply.signature() != u"vav"_s)
-        return oddAnswer();
+        return {{}, AutomationError::Fail, oddAnswer()};
     const QVariant changed = fromBus(reply.arguments().at(1));
     if (changed.toList().size() == arguments.size())
         arguments = changed.toList();

@@ -1,6 +1,7 @@
 #include "ctl/state_document.h"
 
-#include <QDBusConnection>
+#include "ctl/bus.h"
+
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QJsonArray>
@@ -24,26 +25,23 @@ QJsonObject parse(const QString& text) {
 } // namespace
 
 QJsonObject readStateDocument(QString& fault) {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-        fault = u"there is no session bus"_s;
-        return {};
-    }
+    // A connection of its own each time: one that was lost with its bus stays lost.
+    const QDBusConnection bus = connectToBus();
     QDBusMessage call = QDBusMessage::createMethodCall(
         kService, kPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call.setAutoStartService(false);
     call << kInterface << u"State"_s;
     const QDBusMessage reply = bus.call(call, QDBus::Block, kPatienceMs);
-    if (reply.type() != QDBusMessage::ReplyMessage) {
-        fault = reply.errorName().contains(u"NoReply")
-                    ? u"Kiv_Skyhold does not answer"_s
-                    : u"Kiv_Skyhold does not run; start it with: skyholdctl start"_s;
-        return {};
-    }
-    const QJsonObject document =
-        parse(reply.arguments().value(0).value<QDBusVariant>().variant().toString());
-    if (document.isEmpty())
-        fault = u"Kiv_Skyhold gave an odd answer"_s;
+    QJsonObject document;
+    if (!bus.isConnected())
+        fault = busFault(bus);
+    else if (reply.type() != QDBusMessage::ReplyMessage)
+        fault = monitorFault(QDBusError(reply));
+    else if (document =
+                 parse(reply.arguments().value(0).value<QDBusVariant>().variant().toString());
+             document.isEmpty())
+        fault = oddAnswer();
+    QDBusConnection::disconnectFromBus(bus.name());
     return document;
 }
 
@@ -55,18 +53,6 @@ QJsonObject unreachableDocument(const QString& reason) {
             {u"causes"_s,
              QJsonArray{QJsonObject{
                  {u"kind"_s, u"session"_s}, {u"name"_s, QString()}, {u"text"_s, reason}}}}};
-}
-
-Verdict verdictOf(const QJsonObject& document) {
-    const QJsonObject sources = document[u"sources"_s].toObject();
-    for (const QString& source : {u"sensor"_s, u"station"_s}) {
-        if (sources[source].toObject()[u"state"_s] != u"ok"_s)
-            return Verdict::Unknown;
-    }
-    if (document[u"safe"_s].toBool())
-        return Verdict::Safe;
-    const QString verdict = document[u"verdict"_s].toString();
-    return verdict == u"unsafe" || verdict == u"waiting" ? Verdict::Unsafe : Verdict::Unknown;
 }
 
 } // namespace skyhold

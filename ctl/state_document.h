@@ -1,8 +1,6 @@
 // The monitor's state document, as it is on the bus.
 #pragma once
 
-#include "ctl/verdict.h"
-
 #include <QJsonObject>
 #include <QString>
 
@@ -14,9 +12,4 @@ QJsonObject readStateDocument(QString& fault);
 
 // The document for a monitor that cannot be asked: unsafe, and the reason as its cause.
 QJsonObject unreachableDocument(const QString& reason);
-
-// Safe only when the document says so; unknown where nothing is monitored, or a source fails,
-// whether or not that counts.
-Verdict verdictOf(const QJsonObject& document);
-
 } // namespace skyhold

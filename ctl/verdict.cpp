@@ -1,6 +1,8 @@
 #include "ctl/verdict.h"
 
-#include <algorithm>
+#include "ctl/values.h"
+
+#include <QJsonArray>
 
 namespace skyhold {
 
@@ -8,55 +10,58 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-// What SecondsSinceGoodData answers while both sources are healthy.
-constexpr std::int32_t kHealthy = 3;
+// Why a source cannot be trusted, in a word; empty while it can.
+QString faultOf(const QJsonObject& source) {
+    const QString state = source[u"state"_s].toString();
+    if (state.isEmpty())
+        return u"unknown"_s;
+    return state == u"ok" ? QString() : state;
+}
+
+QStringList sourceFaults(const QJsonObject& document) {
+    const QJsonObject sources = document[u"sources"_s].toObject();
+    const QJsonObject sensor = sources[u"sensor"_s].toObject();
+    QStringList faults;
+    if (const QString fault = faultOf(sources[u"station"_s].toObject()); !fault.isEmpty())
+        faults += u"Station data: "_s + fault;
+    if (const QString fault = faultOf(sensor); !fault.isEmpty())
+        faults += u"Kiv_Nubilo: "_s + fault;
+    else if (sensor[u"ready"_s] != true)
+        faults += u"Kiv_Nubilo has no data yet"_s;
+    return faults;
+}
 
 } // namespace
 
-Verdict verdictOf(const VerdictFacts& facts) {
-    const bool trusted = facts.running == true && facts.dataReady == true &&
-                         facts.sinceGoodData == kHealthy && facts.safe.has_value();
-    if (!trusted)
+Verdict verdictOf(const QJsonObject& document) {
+    const QString verdict = document[u"verdict"_s].toString();
+    const bool running = document[u"session"_s] == u"running"_s;
+    if (!running || !sourceFaults(document).isEmpty())
         return Verdict::Unknown;
-    return *facts.safe ? Verdict::Safe : Verdict::Unsafe;
+    if (document[u"safe"_s] == true && verdict == u"safe")
+        return Verdict::Safe;
+    const bool known = verdict == u"safe" || verdict == u"unsafe" || verdict == u"waiting";
+    return known && document[u"safe"_s] == false ? Verdict::Unsafe : Verdict::Unknown;
 }
 
-Verdict worse(Verdict first, Verdict second) {
-    return std::max(first, second);
+QStringList causesOf(const QJsonObject& document) {
+    QStringList texts;
+    for (const QJsonValue& cause : document[u"causes"_s].toArray())
+        texts += plainLine(cause[u"text"_s].toString()).trimmed();
+    texts.removeAll(QString());
+    if (!texts.isEmpty() || verdictOf(document) == Verdict::Safe)
+        return texts;
+    if (document[u"session"_s] != u"running"_s)
+        return {u"Nothing is monitored"_s};
+    texts = sourceFaults(document);
+    if (texts.isEmpty())
+        texts += document[u"verdict"_s] == u"safe"_s ? u"Nothing has been read for a while"_s
+                                                     : u"Kiv_Skyhold does not say why"_s;
+    return texts;
 }
 
 int exitStatus(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Safe:
-        return 0;
-    case Verdict::Unsafe:
-        return 1;
-    case Verdict::Unknown:
-        break;
-    }
-    return kStatusFailed;
-}
-
-QString verdictName(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Safe:
-        return u"safe"_s;
-    case Verdict::Unsafe:
-        return u"unsafe"_s;
-    case Verdict::Unknown:
-        break;
-    }
-    return u"unknown"_s;
-}
-
-QString unknownCause(const VerdictFacts& facts) {
-    if (!facts.running || !facts.dataReady || !facts.sinceGoodData || !facts.safe)
-        return u"Kiv_Skyhold gave an odd answer"_s;
-    if (!*facts.running)
-        return u"monitoring is not running; start it with: skyholdctl start"_s;
-    if (*facts.sinceGoodData != kHealthy)
-        return u"data of the station or the sensor program is old or missing"_s;
-    return *facts.dataReady ? QString() : u"the sensor program has no data yet"_s;
+    return static_cast<int>(verdict);
 }
 
 } // namespace skyhold

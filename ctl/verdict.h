@@ -1,37 +1,23 @@
 // The rule that opens a roof: what must be known of the monitor before "safe" is said.
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
-
-#include <cstdint>
-#include <optional>
 
 namespace skyhold {
 
-// The answers of the members named; nothing where there was none, or none of the member's type.
-struct VerdictFacts {
-    std::optional<bool> running;               // DeviceIsRunning
-    std::optional<bool> dataReady;             // DataReady
-    std::optional<std::int32_t> sinceGoodData; // SecondsSinceGoodData
-    std::optional<bool> safe;                  // Safe
-};
-
 enum class Verdict { Safe = 0, Unsafe = 1, Unknown = 2 };
 
-// Unknown unless monitoring runs, data is ready and both sources are healthy.
-Verdict verdictOf(const VerdictFacts& facts);
+// Of a state document. Safe only when it says so in every place that could deny it; unknown where
+// nothing is monitored, where a source fails, whether or not that counts, and where an entry is
+// missing or makes no sense.
+Verdict verdictOf(const QJsonObject& document);
 
-// The one that trusts less.
-Verdict worse(Verdict first, Verdict second);
+// Why it is not safe, a sentence each. Never empty unless the verdict is safe.
+QStringList causesOf(const QJsonObject& document);
 
 inline constexpr int kStatusFailed = 2;
 // 0 safe, 1 unsafe, 2 unknown.
 int exitStatus(Verdict verdict);
-
-// "safe", "unsafe", "unknown"
-QString verdictName(Verdict verdict);
-
-// Why the verdict is unknown; empty when it is not.
-QString unknownCause(const VerdictFacts& facts);
 
 } // namespace skyhold

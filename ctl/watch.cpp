@@ -5,6 +5,7 @@
 #include "ctl/state_document.h"
 #include "ctl/status.h"
 #include "ctl/values.h"
+#include "ctl/verdict.h"
 
 #include <QDateTime>
 
@@ -20,15 +21,14 @@ using namespace Qt::Literals::StringLiterals;
 struct Sight {
     QString text;
     QJsonObject json;
-
-    bool operator==(const Sight&) const = default;
 };
 
 // A new document comes with every cycle, and whenever session or verdict change between two.
 Sight documentSight() {
     QString fault;
     const QJsonObject document = readStateDocument(fault);
-    return {{}, document.isEmpty() ? unreachableDocument(fault) : document};
+    const QJsonObject seen = document.isEmpty() ? unreachableDocument(fault) : document;
+    return {statusLine(seen), seen};
 }
 
 Sight valueSight(const QString& name, const QVariant& value) {
@@ -41,13 +41,12 @@ Sight faultSight(const QString& name, const QString& fault) {
 
 class Watch {
   public:
-    Watch(const QStringList& names, bool json)
-        : names_(names)
-        , json_(json) {}
+    explicit Watch(const QStringList& names)
+        : names_(names) {}
 
     // How everything is now. Nothing when a name cannot be watched; `fault` says why.
     std::optional<std::vector<Sight>> look(QString& fault) {
-        if (names_.isEmpty() && json_)
+        if (names_.isEmpty())
             return std::vector{documentSight()};
         if (!monitor_) {
             monitor_ = std::make_unique<MonitorConnection>();
@@ -55,7 +54,7 @@ class Watch {
                 return std::nullopt;
         }
         monitor_->allow(kPatienceMs);
-        std::vector<Sight> sights = names_.isEmpty() ? lookAtStatus() : lookAtValues();
+        std::vector<Sight> sights = lookAtValues();
         if (!monitor_->lost().isEmpty())
             monitor_.reset();
         return sights;
@@ -64,8 +63,6 @@ class Watch {
   private:
     // The names as the monitor spells them; false when one of them cannot be watched.
     bool settleNames(QString& fault) {
-        if (names_.isEmpty())
-            return true;
         const std::vector<Member> members = describedMembers(*monitor_, fault);
         if (!monitor_->lost().isEmpty()) {
             fault.clear(); // it is seen as such, and the names are settled when it is back
@@ -83,13 +80,6 @@ class Watch {
         return true;
     }
 
-    std::vector<Sight> lookAtStatus() {
-        const AskMember ask = [this](const QString& name, QVariantList arguments) {
-            return monitor_->invoke(name, kRead, arguments);
-        };
-        return {{statusLine(readStatus(ask)), {}}};
-    }
-
     std::vector<Sight> lookAtValues() {
         std::vector<Sight> sights;
         for (const QString& name : std::as_const(names_)) {
@@ -102,7 +92,6 @@ class Watch {
     }
 
     QStringList names_;
-    bool json_;
     std::unique_ptr<MonitorConnection> monitor_; // nothing while there is no monitor
 };
 
@@ -120,7 +109,7 @@ bool show(const Sight& sight, bool json) {
 
 int runWatch(const Command& command) {
     const auto intervalMs = static_cast<int>(command.everySeconds * 1000);
-    Watch watch(command.arguments, command.json);
+    Watch watch(command.arguments);
     std::vector<Sight> shown;
     do {
         QString fault;
@@ -131,7 +120,8 @@ int runWatch(const Command& command) {
         }
         for (std::size_t i = 0; i < seen->size(); ++i) {
             const Sight& sight = (*seen)[i];
-            const bool changed = i >= shown.size() || !(sight == shown[i]);
+            const bool changed = i >= shown.size() || (command.json ? sight.json != shown[i].json
+                                                                    : sight.text != shown[i].text);
             if (changed && !show(sight, command.json))
                 return kStatusFailed;
         }

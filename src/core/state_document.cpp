@@ -2,6 +2,7 @@
 
 #include "core/verdict.h"
 #include "core/wording.h"
+#include "judge/nearest.h"
 #include "model/compass.h"
 
 #include <QJsonArray>
@@ -116,7 +117,7 @@ QJsonValue ageSeconds(const QDateTime& then, const CycleResult& result) {
     return std::max<qint64>(result.end.utcMs - then.toMSecsSinceEpoch(), 0) / 1000;
 }
 
-QJsonObject sources(const CycleResult& result) {
+QJsonObject sources(const CycleResult& result, bool dataReady) {
     const SensorObservation& sensor = result.observation.sensor;
     const StationObservation& station = result.observation.station;
     // A dead instrument makes a station that can be read unusable in part.
@@ -125,6 +126,7 @@ QJsonObject sources(const CycleResult& result) {
     return {{u"sensor"_s, QJsonObject{{u"state"_s, stateText(sensor.state)},
                                       {u"read"_s, timeValue(sensor.lastReading)},
                                       {u"age_s"_s, ageSeconds(sensor.lastReading, result)},
+                                      {u"ready"_s, dataReady},
                                       {u"detail"_s, QString()}}},
             {u"station"_s, QJsonObject{{u"state"_s, stateText(stationState)},
                                        {u"written"_s, timeValue(station.written)},
@@ -168,6 +170,19 @@ QJsonObject plainCause(const QString& kind, const QString& text, std::int64_t si
             {u"name"_s, QString()},
             {u"since"_s, timeValue(sinceUtcMs)},
             {u"text"_s, text}};
+}
+
+QJsonValue nearestValue(const CycleResult& result) {
+    const std::optional<NearestLimit> nearest =
+        nearestLimit(result.observation, result.rules, result.judgement);
+    if (!nearest)
+        return QJsonValue::Null;
+    return QJsonObject{{u"name"_s, QLatin1String(rowOf(nearest->quantity).key)},
+                       {u"value"_s, numberValue(nearest->value)},
+                       {u"limit"_s, numberValue(nearest->limit)},
+                       {u"relation"_s, nearest->above ? u">"_s : u"<="_s},
+                       {u"share"_s, std::round(nearest->share * 1000) / 1000},
+                       {u"text"_s, nearestText(result, {})}};
 }
 
 // The verdict that the window shows; none without a session, though the window still tells the
@@ -271,8 +286,9 @@ QJsonObject stateDocument(const MonitoringCore& core) {
         {u"controller"_s,
          result.judgement.byClient ? records.session.LblControl.Caption.value() : QString()},
         {u"causes"_s, causes(core, verdict)},
+        {u"nearest"_s, verdict == u"safe" ? nearestValue(result) : QJsonValue::Null},
         {u"readings"_s, readings(core)},
-        {u"sources"_s, sources(result)},
+        {u"sources"_s, sources(result, records.readings.SensorDataReady)},
         {u"roof"_s, roof(core)},
         {u"codes"_s, QJsonArray::fromStringList(codes.split(u' ', Qt::SkipEmptyParts))},
         {u"status"_s, records.session.Statusbar1.Caption.value()},

@@ -1,6 +1,7 @@
 #include "core/wording.h"
 
 #include "conditions/threshold_rules.h"
+#include "judge/nearest.h"
 
 #include <cmath>
 
@@ -70,33 +71,6 @@ QString quantityName(Quantity quantity) {
     return QString::fromUtf16(rowOf(quantity).name);
 }
 
-QString verdictCauses(const CycleResult& result, const ConditionControls& controls) {
-    QStringList causes;
-    for (const Cause& cause : result.judgement.causes) {
-        switch (cause.kind) {
-        case CauseKind::Level: {
-            // While the sensor program fails, its words are not shown.
-            const bool nameless =
-                !rowOf(cause.quantity).hasLimits() && result.observation.sensor.failed();
-            const QString label =
-                nameless ? QString() : levelLabel(cause.quantity, result, controls);
-            causes += quantityName(cause.quantity) + u": "_s +
-                      (label.trimmed().isEmpty() ? u"level %1"_s.arg(cause.level) : label);
-            break;
-        }
-        case CauseKind::Beyond:
-            causes += quantityName(cause.quantity) + u": beyond the last limit"_s;
-            break;
-        case CauseKind::Source:
-            causes += cause.source == SourceName::Station
-                          ? u"Weather station: data old or missing"_s
-                          : u"Sensor program: failed"_s;
-            break;
-        }
-    }
-    return causes.join(u", "_s);
-}
-
 // What a verdict leaves out or may be wrong about, whatever it is.
 QStringList verdictNotes(const CycleResult& result, const ConditionControls& controls,
                          const NumberForms& forms) {
@@ -159,15 +133,35 @@ QString levelLabel(Quantity quantity, const CycleResult& result,
                : result.observation.givenLabels[quantity];
 }
 
+QString nearestText(const CycleResult& result, const NumberForms& forms) {
+    const std::optional<NearestLimit> nearest =
+        nearestLimit(result.observation, result.rules, result.judgement);
+    if (!nearest)
+        return {};
+    const QString name = QString::fromUtf16(rowOf(nearest->quantity).title).toLower();
+    const QString limit = shortNumber(nearest->limit, forms);
+    if (!nearest->above)
+        return u"nearest: %1 %2, unsafe at %3"_s.arg(
+            name, valueText(nearest->quantity, nearest->value, result, forms), limit);
+    const QString unit =
+        unitText(rowOf(nearest->quantity).measure, result.temperatureUnit, result.speedUnit);
+    return u"nearest: %1 %2 of %3 %4"_s.arg(name, shortNumber(nearest->value, forms), limit, unit);
+}
+
 QString causeLine(const CycleResult& result, const ConditionControls& controls,
                   const NumberForms& forms) {
-    QStringList words;
-    if (!result.judgement.causes.isEmpty())
-        words += verdictCauses(result, controls);
-    else
-        words += (anyBeyond(result) ? u"All other conditions safe"_s : u"All conditions safe"_s) +
-                 (result.judgement.UnsafeFlag ? u" again"_s : QString());
-    return (words + verdictNotes(result, controls, forms)).join(u", "_s);
+    QStringList sentences;
+    for (const Cause& cause : result.judgement.causes)
+        sentences += causeText(cause, result, forms);
+    if (result.judgement.waiting()) {
+        sentences += delayText(result);
+    } else if (sentences.isEmpty()) {
+        sentences += anyBeyond(result) ? u"All other conditions safe"_s : u"All conditions safe"_s;
+        sentences += nearestText(result, forms);
+    }
+    sentences += verdictNotes(result, controls, forms);
+    sentences.removeAll(QString());
+    return sentences.join(u"; "_s);
 }
 
 QString delayText(const CycleResult& result) {
@@ -180,6 +174,9 @@ QString delayText(const CycleResult& result) {
                                                                   : u"station data"_s;
         text += u"; last reset by %1 at %2"_s.arg(what, clockText(memory.lastUnsafeUtcMs));
     }
+    if (result.judgement.lengthened)
+        text += u"; delay lengthened to %1 after frequent closures"_s.arg(
+            durationText(std::llround(result.judgement.delaySeconds)));
     return text;
 }
 

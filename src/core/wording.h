@@ -16,11 +16,17 @@ QString causeText(const Cause& cause, const CycleResult& result, const NumberFor
 // words for 1..3, else empty.
 QString levelLabel(Quantity quantity, const CycleResult& result, const ConditionControls& controls);
 
-// Why the verdict is what it is, in one line: "Rain: Wet, Wind: Windy".
+// What comes closest to being unsafe: "nearest: humidity 86 of 90 %"; empty when nothing has a
+// limit that counts.
+QString nearestText(const CycleResult& result, const NumberForms& forms);
+
+// Why the verdict is what it is, in one line: its causes; while it is held back how long it still
+// is; when it is safe what is nearest to its limit.
 QString causeLine(const CycleResult& result, const ConditionControls& controls,
                   const NumberForms& forms);
 
-// "Safe in 2 min 10 s; last reset by Gust at 23:52:30".
+// "Safe in 2 min 10 s; last reset by Gust at 23:52:30"; while it is lengthened also how long the
+// whole delay is.
 QString delayText(const CycleResult& result);
 
 // The unit of a quantity's value: "°C", "km/h", "%"; empty for a plain count.

@@ -16,8 +16,8 @@ bool CloudLevelActive(std::int32_t level, double delaySeconds, JudgeMemory& memo
                       std::int64_t nowMs);
 
 // The verdict to publish (true = unsafe) for this cycle's raw decision, and the whole seconds still
-// to wait. A change from unsafe to safe is held back for `delaySeconds`; 0 and less is no delay. The
-// first decision of a session has none unless `earnFirst`.
+// to wait. A change from unsafe to safe is held back for `delaySeconds`; 0 and less is no delay.
+// The first decision of a session has none unless `earnFirst`.
 struct DelayedVerdict {
     bool unsafe = false;
     std::int32_t waitSeconds = 0;

@@ -42,20 +42,24 @@ bool SensorLink::OpenSensor(const SensorLinkRecords& records, const ShowMessage&
     return ready;
 }
 
-// A program that is not there ends the start at once. One that is has NBTimeout to answer, the
-// time of any call at least; when a start by the bus comes to nothing the bus says so.
+// A program that is not there, and that the bus cannot start, ends the start at once. One that is
+// there has NBTimeout to answer, the time of any call at least; should it go meanwhile, the bus may
+// start it once more.
 bool SensorLink::awaitTakeUp(const SensorLinkRecords& records, const ShowMessage& showMessage) {
     const double limit =
         std::max(records.session.NBTimeout.Value * 1000, kCallTimeoutMs * clock_.scale());
     std::int64_t begun = clock_.MsClock();
     bool there = false;
+    bool startedByBus = false;
     while (wanted_) {
         const Progress progress = takeUp(records, showMessage);
         if (progress == Progress::Done)
             return wanted_;
-        if (progress == Progress::Refused || (progress == Progress::Absent && !there))
+        if (progress == Progress::Refused ||
+            (progress == Progress::Absent && (!there || startedByBus)))
             return false;
         there = there || progress == Progress::Awaited;
+        startedByBus = startedByBus || progress == Progress::Starting;
         if (progress == Progress::Starting)
             begun = clock_.MsClock();
         else if (static_cast<double>(clock_.MsClock() - begun) > limit)

@@ -107,13 +107,13 @@ TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
         EXPECT_EQ(label.Caption.value(), text);
         EXPECT_EQ(label.ForeColor.value(), colour) << qPrintable(text);
     }
-    EXPECT_EQ(cause(), u"All conditions safe"_s);
+    EXPECT_EQ(cause(), u"All conditions safe; nearest: dew-point spread 8.0 °C, unsafe at 3"_s);
     EXPECT_EQ(QStringList({SafeText(-1), SafeText(0), SafeText(1)}),
               (QStringList{u"Unsafe"_s, u"Safe"_s, QString()}));
 
     rainCycle(3);
     EXPECT_TRUE(unsafe());
-    EXPECT_EQ(cause(), u"Rain: Rain"_s);
+    EXPECT_EQ(cause(), u"Rain: Rain at 2850, since 22:00:10"_s);
     EXPECT_EQ(show.LCond[Quantity::Rain].ForeColor.value(), kOrange);
     EXPECT_EQ(show.LValSwitch.Caption.value(), u"Closed"_s);
     EXPECT_EQ(show.LValSwitch.ForeColor.value(), kRed);

@@ -257,6 +257,37 @@ TEST_F(Session, aStartTakesUpWhatIsSlowOrReturns) {
     }
 }
 
+// Stands for an instance that is still to come, and comes to nothing.
+class LostObject : public ScriptedObject {
+  public:
+    LostObject(ScriptedSensor& sensor, ObjectState state)
+        : ScriptedObject(sensor, u"lost"_s)
+        , state_(state) {}
+    ObjectState state() const override { return std::exchange(state_, ObjectState::Gone); }
+
+  private:
+    mutable ObjectState state_;
+};
+
+TEST_F(Session, aStartEndsWhenTheProgramGoesAndTheBusCannotStartItAgain) {
+    int asked = 0;
+    SensorLink link(
+        [&](const QString&) -> std::unique_ptr<DispatchObject> {
+            ++asked;
+            if (asked == 1)
+                return std::make_unique<LostObject>(sensor_, ObjectState::Creating);
+            if (asked > 20) // enough
+                return std::make_unique<ScriptedObject>(sensor_);
+            return asked % 2 == 0 ? std::make_unique<LostObject>(sensor_, ObjectState::Starting)
+                                  : nullptr;
+        },
+        clock_);
+    EXPECT_FALSE(link.OpenSensor({records().readings, records().session, records().alarms,
+                                  records().conditions, records().display},
+                                 {}));
+    EXPECT_EQ(asked, 3);
+}
+
 TEST_F(Session, nothingToDoStopsAtOnceAndUploadAloneReadsNothing) {
     records().session.flgReadStation.set(0);
     StartSession(*core_);

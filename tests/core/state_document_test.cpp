@@ -31,6 +31,8 @@ TEST_F(StateDocument, saysWhetherItIsSafeAndWhy) {
     EXPECT_EQ(said(), (QStringList{u"idle none - 0"_s, u"session: Nothing is monitored"_s}));
     StartSession(*core_);
     EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+    EXPECT_EQ(document()[u"nearest"_s][u"text"_s].toString(),
+              u"nearest: dew-point spread 8.0 °C, unsafe at 3"_s);
 
     // The wind has to have blown for a minute.
     cycle({.wind = u"23.4"_s}, 60);

@@ -1,4 +1,5 @@
 #include "judge/judge.h"
+#include "judge/nearest.h"
 
 #include "model/conditions.h"
 #include "plain_model.h"
@@ -274,6 +275,38 @@ TEST_F(Judging, SafeDelayWalks) {
             }
         }
     }
+}
+
+TEST_F(Judging, TheNearestLimitIsTheOneWithTheLeastOfItsSafeValuesLeft) {
+    rules.beyondIsUnsafe = false;
+    for (LevelRules& levels : rules.levels)
+        levels.unsafe = {};
+    const auto nearest = [this]() -> std::string {
+        const auto found = nearestLimit(observation, rules, after(1));
+        if (!found)
+            return "none";
+        std::ostringstream out;
+        out << nameOf(found->quantity) << (found->above ? " > " : " <= ") << found->limit << " "
+            << std::round(found->share * 100);
+        return out.str();
+    };
+    EXPECT_EQ(nearest(), "none");
+    rules.levels[Wind] = {.limits = {10, 20, 99}, .unsafe = {false, false, true}, .sectors = {}};
+    set(Wind, 5);
+    EXPECT_EQ(nearest(), "Wind > 20 75");
+    rules.levels[Humidity] = {.limits = {50, 80, 99}, .unsafe = {true, false, true}, .sectors = {}};
+    set(Humidity, 78);
+    EXPECT_EQ(nearest(), "Humidity > 80 7");
+    set(Humidity, 53);
+    EXPECT_EQ(nearest(), "Humidity <= 50 10");
+    set(Humidity, 45); // counts itself
+    EXPECT_EQ(nearest(), "Wind > 20 75");
+    rules.beyondIsUnsafe = true;
+    set(Wind, 19);
+    rules.levels[Wind].unsafe = {};
+    EXPECT_EQ(nearest(), "Wind > 99 81") << "the last limit";
+    observation.station.state = SourceState::Old;
+    EXPECT_EQ(nearest(), "none");
 }
 
 TEST_F(Judging, AGapEarnsTheWholeDelayAnew) {

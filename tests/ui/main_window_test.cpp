@@ -43,7 +43,7 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     cycle({.wind = u"15"_s}, 60);
     EXPECT_EQ(shown("LblStatus"), u"Unsafe"_s);
     EXPECT_EQ(child<Readout>(*window_, "LCondWind")->ink(), screenColour(kOrange));
-    EXPECT_TRUE(shown("LblCause").contains(u"Windy"_s));
+    EXPECT_TRUE(shown("LblCause").startsWith(u"Wind 15.0 km/h, above 10, since "_s));
 
     EXPECT_FALSE(visible("LblLeftOpen"));
 
@@ -70,7 +70,7 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     EXPECT_TRUE(visible("ButtStart"));
     EXPECT_EQ(shown("LblStatus"), u"Not monitoring"_s);
     EXPECT_TRUE(shown("LblVerdictNote").startsWith(u"stopped "_s));
-    EXPECT_EQ(shown("LblLastVerdict"), u"Last verdict: Safe. All conditions safe"_s);
+    EXPECT_TRUE(shown("LblLastVerdict").startsWith(u"Last verdict: Safe. All conditions safe"_s));
     EXPECT_EQ(shown("Statusbar1"), u"Monitoring stopped"_s);
     EXPECT_EQ(status(), u"Weather Station Data - Refreshed"_s); // for clients
     EXPECT_EQ(shown("LValWindSpeed"), u"5"_s);

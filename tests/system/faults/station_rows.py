@@ -117,10 +117,10 @@ def dead_instrument(seen):
         storm = with_value("Gust", "70")(with_value("WindSpeed", "45")(
             monitored.station_file.read_bytes()))
         for edit, causes in [
-                (with_value("OutTemp", "--"), ["Wind: Very Windy", "Gust: Very Gusty"]),
+                (with_value("OutTemp", "--"), ["Wind 45.0 km/h, above 20", "Gust 70.0 km/h, above 20"]),
                 (lambda text: text.replace(b"<td>Gust</td>", b"<td>Soil</td>"),
-                 ["Wind: Very Windy"]),
-                (with_value("WindDirection", "N/A"), ["Wind: Very Windy", "Gust: Very Gusty"])]:
+                 ["Wind 45.0 km/h, above 20"]),
+                (with_value("WindDirection", "N/A"), ["Wind 45.0 km/h, above 20", "Gust 70.0 km/h, above 20"])]:
             put(monitored.station_file, edit(storm))
             # A level counts after a minute in its sector, the whole circle here.
             found = monitored.next_cycle("the storm", lambda c: c.verdict == "UNSAFE")
