@@ -2,10 +2,10 @@
 // usual inputs and for those on which a parser that looks ahead, or moves text more than once,
 // would take hours; with the name of a parser that one alone. A file over 16 MB is refused at
 // reading; the parsers themselves have no limit.
+#include "bus/automation_value.h"
 #include "conditions/sector_text.h"
 #include "datafiles/station_number.h"
 #include "datafiles/station_table.h"
-#include "platform/automation_value.h"
 #include "platform/settings_text.h"
 #include "platform/text_encoding.h"
 #include "settings/load_save.h"

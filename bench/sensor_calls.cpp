@@ -1,6 +1,6 @@
 // The calls of a read cycle to the sensor program, beside as many bare blocking calls that carry
 // the same bytes. Starts the simulated sensor program, which lies beside this one.
-#include "platform/automation_client.h"
+#include "bus/automation_client.h"
 #include "ratios.h"
 
 #include <benchmark/benchmark.h>

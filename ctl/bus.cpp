@@ -1,6 +1,6 @@
 #include "ctl/bus.h"
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <csignal>
 #include <unistd.h>

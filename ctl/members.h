@@ -1,7 +1,7 @@
 // The members of the automation interface, as an instance's introspection data describes them.
 #pragma once
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <QJsonObject>
 

@@ -1,7 +1,7 @@
 // An instance of the monitor's automation object, and the bus connection that it belongs to.
 #pragma once
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

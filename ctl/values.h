@@ -1,7 +1,7 @@
 // Values of the automation interface as text on the command line and as JSON.
 #pragma once
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <QJsonArray>
 

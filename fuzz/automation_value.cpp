@@ -3,8 +3,8 @@
 #include "target.h"
 #include "variants.h"
 
-#include "platform/automation_server.h"
-#include "platform/typed_interface.h"
+#include "bus/automation_server.h"
+#include "bus/typed_interface.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>

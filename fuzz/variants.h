@@ -3,7 +3,7 @@
 
 #include "target.h"
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <QVariant>
 
@@ -13,7 +13,7 @@ namespace skyhold::fuzz {
 // dictionaries and variants in each other, at most `depth` of them.
 QVariant sentValue(Input& input, int depth = 6);
 
-// As they have arrived: one of the forms of platform/automation_value.h.
+// As they have arrived: one of the forms of bus/automation_value.h.
 QVariant arrivedValue(Input& input, int depth = 2);
 
 // Whether a value is of the kind that the table of members names; a number is finite.

@@ -1,6 +1,6 @@
 #include "simulators/sensor_device.h"
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/automation_server.h"
+#include "bus/automation_server.h"
 #include "simulators/sensor_device.h"
 
 namespace skyhold {

@@ -1,7 +1,7 @@
 // The sensor program on the bus, with the ways in which a program can fail to answer.
 #pragma once
 
-#include "platform/automation_server.h"
+#include "bus/automation_server.h"
 #include "simulators/faults.h"
 
 #include <QDBusMessage>

@@ -1,5 +1,6 @@
 // The program: options, one instance, first start, updater, window or terminal, and the end.
 #include "automation/automation_object.h"
+#include "bus/session_bus.h"
 #include "core/clients.h"
 #include "core/recording.h"
 #include "core/session.h"
@@ -9,7 +10,6 @@
 #include "platform/files.h"
 #include "platform/media_control.h"
 #include "platform/quit_signals.h"
-#include "platform/session_bus.h"
 #include "platform/sudden_exit.h"
 #include "terminal.h"
 #include "ui/dialogs/kiv_error.h"

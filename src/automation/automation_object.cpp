@@ -6,9 +6,9 @@
 #include "automation/member_calls.h"
 #include "automation/monitor_object.h"
 #include "automation/object_safety.h"
+#include "bus/typed_interface.h"
 #include "core/clients.h"
 #include "core/verdict.h"
-#include "platform/typed_interface.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 // This program's automation object "Kiv_Skyhold.Nubilo" on the session bus.
 #pragma once
 
+#include "bus/automation_server.h"
 #include "core/monitoring_core.h"
-#include "platform/automation_server.h"
 
 #include <QDBusConnection>
 

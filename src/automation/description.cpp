@@ -2,7 +2,7 @@
 
 #include "automation/all_members.h"
 #include "automation/object_safety.h"
-#include "platform/typed_interface.h"
+#include "bus/typed_interface.h"
 
 namespace skyhold {
 

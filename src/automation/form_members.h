@@ -1,8 +1,8 @@
 // The main window as an object of its own, for clients that ask for "MForm".
 #pragma once
 
+#include "bus/automation_server.h"
 #include "core/monitoring_core.h"
-#include "platform/automation_server.h"
 
 namespace skyhold {
 

@@ -1,8 +1,8 @@
 // The member table at work on one core: what the bus calls.
 #pragma once
 
+#include "bus/automation_server.h"
 #include "core/monitoring_core.h"
-#include "platform/automation_server.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // Whether clients that ask first (scripting hosts) may use the instances: IObjectSafety.
 #pragma once
 
-#include "platform/automation_server.h"
+#include "bus/automation_server.h"
 
 namespace skyhold {
 

@@ -1,8 +1,8 @@
 // What is known of one public member, and a list that numbers members in interface order.
 #pragma once
 
+#include "bus/automation_server.h"
 #include "core/monitoring_core.h"
-#include "platform/automation_server.h"
 
 #include <functional>
 #include <vector>

@@ -4,12 +4,12 @@
 // read_cycle.h, recording.h, upload.h, clients.h. Everything runs on the user-interface thread.
 #pragma once
 
+#include "bus/automation_client.h"
 #include "core/upload.h"
 #include "datafiles/station_file.h"
 #include "datafiles/user_data_file.h"
 #include "graphs/render.h"
 #include "model/cycle_result.h"
-#include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "platform/image_library.h"
 #include "platform/media_control.h"

@@ -2,8 +2,8 @@
 // switch, reached through its automation object "Kiv_Nubilo.Nubilo".
 #pragma once
 
+#include "bus/automation_client.h"
 #include "model/current_readings.h"
-#include "platform/automation_client.h"
 #include "platform/clock.h"
 #include "records/alarm_controls.h"
 #include "records/messages.h"

@@ -11,7 +11,7 @@ import re
 ROWS = [
     {"model"},
     {"judge", "platform"},
-    {"records"},
+    {"bus", "records"},
     {"settings", "units", "sensor"},
     {"conditions", "datafiles", "graphs", "update"},
     {"core"},

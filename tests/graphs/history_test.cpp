@@ -1,6 +1,6 @@
 #include "graphs/history.h"
 
-#include "platform/automation_value.h"
+#include "platform/automation_date.h"
 #include "platform/clock.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 // without it.
 #pragma once
 
-#include "platform/automation_server.h"
+#include "bus/automation_server.h"
 #include "records/records.h"
 
 namespace skyhold {

@@ -1,7 +1,7 @@
 // A sensor program that answers from a table and notes every call as it sees it.
 #pragma once
 
-#include "platform/automation_client.h"
+#include "bus/automation_client.h"
 
 #include <QMap>
 #include <QStringList>

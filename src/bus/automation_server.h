@@ -1,7 +1,7 @@
 // The server side: objects of this program that other programs create and call.
 #pragma once
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -1,4 +1,4 @@
-#include "platform/automation_server.h"
+#include "bus/automation_server.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>

@@ -2,7 +2,7 @@
 // automation: property gets and lets as properties, methods with typed arguments.
 #pragma once
 
-#include "platform/automation_server.h"
+#include "bus/automation_server.h"
 
 #include <QList>
 #include <QPair>

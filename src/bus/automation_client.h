@@ -1,7 +1,7 @@
 // The client side of automation objects of other programs.
 #pragma once
 
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include <QDBusConnection>
 

@@ -1,4 +1,4 @@
-#include "platform/session_bus.h"
+#include "bus/session_bus.h"
 
 using namespace Qt::Literals::StringLiterals;
 

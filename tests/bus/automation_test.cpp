@@ -1,5 +1,5 @@
-#include "platform/automation_server.h"
-#include "platform/automation_value.h"
+#include "bus/automation_server.h"
+#include "bus/automation_value.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/automation_value.h"
+#include "bus/automation_value.h"
 
 #include "platform/clock.h"
 #include "platform/text_forms.h"

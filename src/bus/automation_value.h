@@ -5,6 +5,8 @@
 // QList<QVariantList> (array of two dimensions, outer index first).
 #pragma once
 
+#include "platform/automation_date.h"
+
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDateTime>
@@ -15,12 +17,6 @@
 #include <optional>
 
 namespace skyhold {
-
-// Local days since 30 December 1899, the time of day as the fraction.
-struct AutomationDate {
-    double days = 0;
-    bool operator==(const AutomationDate&) const = default;
-};
 
 QDBusArgument& operator<<(QDBusArgument& argument, const AutomationDate& date);
 const QDBusArgument& operator>>(const QDBusArgument& argument, AutomationDate& date);
@@ -87,5 +83,3 @@ inline constexpr char kFactoryInterface[] = "Kiv.Automation.ClassFactory";
 QString factoryPath(const QString& programId);
 
 } // namespace skyhold
-
-Q_DECLARE_METATYPE(skyhold::AutomationDate)

@@ -1,4 +1,4 @@
-#include "platform/typed_interface.h"
+#include "bus/typed_interface.h"
 
 #include <QDBusVariant>
 

@@ -1,4 +1,4 @@
-#include "platform/automation_client.h"
+#include "bus/automation_client.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
