@@ -1,39 +1,17 @@
 #include "platform/text_encoding.h"
 
 #include <QStringDecoder>
+#include <QStringEncoder>
 
 #include <algorithm>
-
-#include <iconv.h>
 
 namespace skyhold {
 
 namespace {
 
-class Converter {
-  public:
-    Converter(const char* to, const char* from)
-        : handle_(iconv_open(to, from)) {}
-    ~Converter() {
-        if (valid())
-            iconv_close(handle_);
-    }
-    Converter(const Converter&) = delete;
-    Converter& operator=(const Converter&) = delete;
-
-    // The error value of iconv_open is defined as this cast.
-    bool valid() const {
-        return handle_ != reinterpret_cast<iconv_t>(-1); // NOLINT(performance-no-int-to-ptr)
-    }
-
-    // Converts as much as possible from `in`; `in` is moved past what was converted.
-    bool convert(char** in, std::size_t* inLeft, char** out, std::size_t* outLeft) {
-        return iconv(handle_, in, inLeft, out, outLeft) != static_cast<std::size_t>(-1);
-    }
-
-  private:
-    iconv_t handle_;
-};
+// Qt has it from ICU; where it was built without, Latin-1 takes its place.
+constexpr char kAnsi[] = "windows-1252";
+constexpr char kSubstitute = 0x1A; // of ICU, for what an encoding lacks
 
 } // namespace
 
@@ -42,26 +20,9 @@ QString decodeText(const QByteArray& bytes) {
     // breaks off, and find no error in it.
     if (bytes.isValidUtf8())
         return QStringDecoder(QStringDecoder::Utf8)(bytes);
-
     // Windows-1252 leaves five bytes undefined; they stand for the control characters of Latin-1.
-    Converter ansi("UTF-16LE", "WINDOWS-1252");
-    QString text = QString::fromLatin1(bytes);
-    if (!ansi.valid())
-        return text;
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[i]);
-        if (byte < 0x80 || byte > 0x9F)
-            continue;
-        char in = bytes[i];
-        char16_t out = byte;
-        char* inAt = &in;
-        char* outAt = reinterpret_cast<char*>(&out);
-        std::size_t inLeft = 1;
-        std::size_t outLeft = sizeof out;
-        if (ansi.convert(&inAt, &inLeft, &outAt, &outLeft))
-            text[i] = QChar(out);
-    }
-    return text;
+    QStringDecoder ansi(kAnsi, QStringDecoder::Flag::Stateless);
+    return ansi.isValid() ? QString(ansi(bytes)) : QString::fromLatin1(bytes);
 }
 
 QByteArray encodeAnsi(QStringView text) {
@@ -71,26 +32,10 @@ QByteArray encodeAnsi(QStringView text) {
     };
     if (std::all_of(text.cbegin(), text.cend(), plain))
         return text.toLatin1();
-
-    Converter ansi("WINDOWS-1252", "UTF-16LE");
-    QByteArray bytes;
-    bytes.reserve(text.size());
-    for (const QChar c : text) {
-        char16_t in = c.unicode();
-        char out = '?';
-        if (plain(c)) {
-            out = static_cast<char>(in);
-        } else if (ansi.valid()) {
-            char* inAt = reinterpret_cast<char*>(&in);
-            char* outAt = &out;
-            std::size_t inLeft = sizeof in;
-            std::size_t outLeft = 1;
-            if (!ansi.convert(&inAt, &inLeft, &outAt, &outLeft))
-                out = '?';
-        }
-        bytes.append(out);
-    }
-    return bytes;
+    QStringEncoder ansi(kAnsi, QStringEncoder::Flag::Stateless);
+    if (!ansi.isValid())
+        return text.toLatin1();
+    return QByteArray(ansi(text)).replace(kSubstitute, '?');
 }
 
 } // namespace skyhold

@@ -11,7 +11,8 @@ namespace skyhold {
 // also what is UTF-8 but for a sequence that its end breaks off.
 QString decodeText(const QByteArray& bytes);
 
-// One byte per character; a character outside Windows-1252 becomes "?".
+// One byte per character; a character outside Windows-1252 becomes "?", and nothing when it has no
+// width either.
 QByteArray encodeAnsi(QStringView text);
 
 } // namespace skyhold
