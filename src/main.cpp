@@ -8,6 +8,7 @@
 #include "platform/clock_options.h"
 #include "platform/display.h"
 #include "platform/files.h"
+#include "platform/log.h"
 #include "platform/media_control.h"
 #include "platform/quit_signals.h"
 #include "platform/sudden_exit.h"
@@ -102,7 +103,7 @@ void warnOfImageLibrary(QWidget* window) {
     box->show();
 }
 
-// Says when the window has first been painted; once.
+// Reports once that the window has been painted for the first time.
 class PaintReport : public QObject {
   public:
     using QObject::QObject;
@@ -131,13 +132,13 @@ class Automation {
         const bool on = servers_.back()->start();
         ShowAutomation(core_.records.session, on);
         if (!on)
-            std::fprintf(stderr, "Automation is off: no session bus, or the name "
-                                 "Kiv_Skyhold.Nubilo is taken.\n");
+            qCWarning(automationLog, "Automation is off: there is no session bus, or the name "
+                                     "Kiv_Skyhold.Nubilo is taken.");
     }
     void busLost() {
         servers_.back()->dropClients();
         ShowAutomation(core_.records.session, false);
-        std::fprintf(stderr, "Automation is off: the session bus has gone.\n");
+        qCWarning(automationLog, "Automation is off: the session bus has gone.");
     }
     void end() { servers_.back()->stop(); }
 
@@ -170,7 +171,7 @@ void beginRecording(MonitoringCore& core, const Options& options) {
     if (std::exchange(core.recordAtStart, false))
         Record_Start(core, true);
     if (options.record && !core.recorder.recording)
-        std::fprintf(stderr, "Not recording: the user data file cannot be written.\n");
+        qCWarning(recordingLog, "Not recording: the user data file cannot be written.");
 }
 
 } // namespace
@@ -195,8 +196,8 @@ int main(int argc, char** argv) {
     SettingsStore settings(QStringLiteral("Kiv_Skyhold"));
     if (isFirstStart(settings)) {
         if (headless)
-            std::fprintf(stderr, "Not set up yet: the monitor runs with its defaults and "
-                                 "without a weather station file.\n");
+            qCWarning(programLog, "Not set up yet: the monitor runs with its defaults and "
+                                  "without a weather station file.");
         else if (!runSetupForm(settings, Simulators::of(&application)))
             return 0;
     }
@@ -207,7 +208,7 @@ int main(int argc, char** argv) {
     CreateObject createObject = busObjectCreator(bus.connection());
     SoundPlayerProgram media(
         joinPath(programFolder(), QStringLiteral("Kiv_SoundPlayer")),
-        [](const QString& reason) { std::fprintf(stderr, "No sound: %s\n", qPrintable(reason)); });
+        [](const QString& reason) { qCWarning(soundLog, "No sound: %s", qUtf8Printable(reason)); });
     MonitoringCore core(
         clock, settings, [&createObject](const QString& id) { return createObject(id); }, media,
         kVersion);
@@ -273,7 +274,7 @@ int main(int argc, char** argv) {
     // the sensor program is on its own again, as after any other end.
     onSuddenExit([&core, &automation] {
         core.showMessage = terminalMessages();
-        std::fprintf(stderr, "The display has gone: the monitor ends.\n");
+        qCWarning(programLog, "The display has gone: the monitor ends.");
         StopSession(core);
         automation.end();
         Unload(core);

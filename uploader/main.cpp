@@ -1,5 +1,6 @@
 // Kiv_Uploader.exe: transfers the files that the monitor has handed off, and says in the hand-off
 // area whether it is at work.
+#include "platform/log.h"
 #include "platform/tasks.h"
 #include "uploader/guard.h"
 #include "uploader/quit_request.h"
@@ -9,7 +10,6 @@
 #include <QDeadlineTimer>
 #include <QThread>
 
-#include <cstdio>
 #include <cstdlib>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -20,8 +20,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-void tell(const QString& text) {
-    std::fprintf(stderr, "Kiv_Uploader: %s\n", text.toUtf8().constData());
+void note(const QString& text) {
+    qCInfo(uploadLog, "%s", qUtf8Printable(text));
 }
 
 const QString kNotSent = u"it was not sent before the uploader ended"_s;
@@ -40,7 +40,7 @@ QString nameOf(const QString& path) {
 void setRunning(SettingsStore& area, bool running) {
     area.SaveSetting(u"Window"_s, u"Running"_s, running ? u"1"_s : u"0"_s);
     if (!area.flush())
-        tell(u"cannot write "_s + area.filePath());
+        note(u"Cannot write "_s + area.filePath());
 }
 
 // One uploader works at a time. One that an earlier session has left at work gets the time that it
@@ -51,12 +51,12 @@ bool waitForTurn(TaskLock& lock) {
     const QDeadlineTimer patience(files * readTimeout(area) * 1000);
     const QString path = taskLockPath(area);
     if (isLocked(path))
-        tell(u"waits for another uploader"_s);
+        note(u"Waiting for another uploader"_s);
     while (!lock.take(path)) {
         if (quitAfterThisFile())
             return false;
         if (patience.hasExpired()) {
-            tell(u"another uploader does not end, or %1 cannot be written"_s.arg(path));
+            note(u"Another uploader does not end, or %1 cannot be written"_s.arg(path));
             return false;
         }
         QThread::msleep(50);
@@ -64,18 +64,18 @@ bool waitForTurn(TaskLock& lock) {
     return true;
 }
 
-// Asked all the time while a file is sent.
+// Called all the time while a file is sent.
 bool breakOff() {
-    static bool told = false;
-    if (quitAfterThisFile() && !std::exchange(told, true))
-        tell(quitAtOnce() ? u"ends at once"_s : u"ends after this file"_s);
+    static bool noted = false;
+    if (quitAfterThisFile() && !std::exchange(noted, true))
+        note(quitAtOnce() ? u"Ending at once"_s : u"Ending after this file"_s);
     return quitAtOnce();
 }
 
 // Notes in the report what has not arrived, and the last success and error.
 void sendFiles(const UploadJob& job, UploadReport& report) {
     const qsizetype count = job.files.size();
-    tell(u"%1 files for "_s.arg(count) + job.server.host + u'/' + job.server.folder);
+    note(u"Sending %1 files to "_s.arg(count) + job.server.host + u'/' + job.server.folder);
     Transfer transfer(job, breakOff);
     report.notArrived.clear();
     QString lost; // the fault after which no other file is sent
@@ -86,11 +86,11 @@ void sendFiles(const UploadJob& job, UploadReport& report) {
             continue;
         }
         const QString which = u"%1 of %2: %3"_s.arg(i + 1).arg(count).arg(file);
-        tell(which);
+        note(which);
         const TransferResult result = transfer.send(file);
         if (result.fault.isEmpty())
             continue;
-        tell(which + u": "_s + result.fault);
+        note(which + u": "_s + result.fault);
         report.notArrived.push_back({file, result.fault, now()});
         report.lastError = u"%1, %2: %3"_s.arg(now(), nameOf(file), result.fault);
         if (result.serverLost)
@@ -99,7 +99,7 @@ void sendFiles(const UploadJob& job, UploadReport& report) {
     const qsizetype arrived = count - static_cast<qsizetype>(report.notArrived.size());
     if (arrived > 0)
         report.lastSuccess = u"%1, %2 of %3 files"_s.arg(now()).arg(arrived).arg(count);
-    tell(u"%1 of %2 files have arrived"_s.arg(arrived).arg(count));
+    note(u"%1 of %2 files have arrived"_s.arg(arrived).arg(count));
 }
 
 int upload() {
@@ -122,7 +122,7 @@ int upload() {
     if (const std::optional<UploadJob> job = readUploadJob(area, fault)) {
         sendFiles(*job, result);
     } else {
-        tell(fault);
+        note(fault);
         for (UploadFault& file : result.notArrived)
             file.reason = fault;
         result.lastError = now() + u", "_s + fault;
@@ -132,9 +132,9 @@ int upload() {
     return fault.isEmpty() && result.notArrived.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-// For the guard of a worker that was killed. Another uploader's word is left alone.
+// For the guard of a worker that was killed. What another uploader has written stays.
 void clearRunning() {
-    tell(u"killed"_s);
+    note(u"The uploader was killed"_s);
     SettingsStore area(kUploaderArea);
     TaskLock lock;
     if (!lock.take(taskLockPath(area)))
@@ -149,7 +149,7 @@ void clearRunning() {
 
 int main(int argc, char**) {
     if (argc > 1) {
-        tell(u"takes no arguments; the monitor hands it its files in its settings area"_s);
+        note(u"Kiv_Uploader takes no arguments: it reads its list of files from its settings"_s);
         return 2;
     }
     const rlimit none{0, 0}; // a dump would hold the password

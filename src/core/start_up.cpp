@@ -5,13 +5,12 @@
 #include "core/session.h"
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
+#include "platform/log.h"
 #include "records/status_lines.h"
 #include "settings/load_save.h"
 #include "update/update_check.h"
 
 #include <QFile>
-
-#include <cstdio>
 
 namespace skyhold {
 
@@ -49,8 +48,8 @@ void swapUpdater(const QString& folder) {
     if (!downloaded)
         return;
     if (!isOwnAlone(folder) || !isOwnAlone(*downloaded)) {
-        std::fprintf(stderr, "%s is not installed: it or its folder is not yours alone\n",
-                     qPrintable(*downloaded));
+        qCWarning(updateLog, "%s is not installed: other users can change it or its folder",
+                  qUtf8Printable(*downloaded));
         return;
     }
     if (const std::optional<QString> installed = present("Kiv_Updater.exe")) {

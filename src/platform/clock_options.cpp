@@ -1,5 +1,7 @@
 #include "platform/clock_options.h"
 
+#include "platform/log.h"
+
 #include <QCommandLineParser>
 
 #include <cmath>
@@ -17,8 +19,8 @@ constexpr double kMaxScale = 100'000;
 constexpr std::int64_t kMaxRealMs = std::int64_t{1} << 53;
 
 void reportUnreadable(const QString& option, const QString& value) {
-    qWarning("--%s: \"%s\" cannot be read and is ignored", qUtf8Printable(option),
-             qUtf8Printable(value));
+    qCWarning(programLog, "--%s: \"%s\" is not valid and is ignored", qUtf8Printable(option),
+              qUtf8Printable(value));
 }
 
 } // namespace

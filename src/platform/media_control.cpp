@@ -88,14 +88,14 @@ void SoundPlayerProgram::play(bool repeat) {
     QObject::connect(process_, &QProcess::finished, process_,
                      [this, process = process_](int code, QProcess::ExitStatus status) {
                          if (status == QProcess::CrashExit)
-                             tell(file_ + u": the sound player broke off"_s);
+                             report(file_ + u": the sound player broke off"_s);
                          else if (code != 0)
-                             tell(QString::fromLocal8Bit(process->readLine()).trimmed());
+                             report(QString::fromLocal8Bit(process->readLine()).trimmed());
                      });
     QObject::connect(process_, &QProcess::errorOccurred, process_,
                      [this](QProcess::ProcessError error) {
                          if (error == QProcess::FailedToStart)
-                             tell(program_ + u" cannot be started"_s);
+                             report(program_ + u" cannot be started"_s);
                      });
     process_->setStandardInputFile(QProcess::nullDevice());
     process_->setStandardErrorFile(QProcess::nullDevice()); // the sound libraries' own chatter
@@ -119,12 +119,12 @@ void SoundPlayerProgram::stop() {
     process_ = nullptr;
 }
 
-void SoundPlayerProgram::tell(const QString& reason) {
+void SoundPlayerProgram::report(const QString& reason) {
     if (silent)
         silent(reason);
-    if (told_.contains(reason))
+    if (reported_.contains(reason))
         return;
-    told_.insert(reason);
+    reported_.insert(reason);
     report_(reason);
 }
 

@@ -47,11 +47,11 @@ class SoundPlayerProgram : public MediaControl {
     int open(const QString& path);
     void play(bool repeat);
     void stop();
-    void tell(const QString& reason);
+    void report(const QString& reason);
 
     QString program_;
     std::function<void(const QString&)> report_;
-    QSet<QString> told_;
+    QSet<QString> reported_;
     QString file_;      // empty: closed
     QObject processes_; // parent of all, among them such as were killed and have not ended yet
     QProcess* process_ = nullptr;

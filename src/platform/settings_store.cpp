@@ -1,6 +1,7 @@
 #include "platform/settings_store.h"
 
 #include "platform/files.h"
+#include "platform/log.h"
 #include "platform/settings_copy.h"
 #include "platform/settings_text.h"
 
@@ -11,7 +12,6 @@
 #include <QStandardPaths>
 
 #include <algorithm>
-#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,8 +28,8 @@ QString storedName(const QString& section, const QString& key) {
     return section + u'/' + key;
 }
 
-void tell(const QString& path, const char* what) {
-    std::fprintf(stderr, "%s %s\n", qPrintable(path), what);
+void warn(const QString& path, const char* what) {
+    qCWarning(settingsLog, "%s %s", qUtf8Printable(path), what);
 }
 
 // Takes a file or folder of the user's own from everybody else. Answers how it was found, nothing
@@ -53,9 +53,9 @@ bool makeFolderPrivate(const QString& folder) {
     const bool made = ::mkdir(folder.toLocal8Bit().constData(), S_IRWXU) == 0;
     const std::optional<mode_t> found = makePrivate(folder);
     if (!found)
-        tell(folder, "is not yours: others may see and change the settings");
+        warn(folder, "is not yours: others may read and change the settings");
     else if (!made && (*found & kOthers) != 0)
-        tell(folder, "was open to other users; it no longer is");
+        warn(folder, "was open to other users; it no longer is");
     return found && (*found & kOthersWrite) == 0;
 }
 
@@ -82,15 +82,15 @@ void removeUntrusted(const QString& folder, const QString& application, bool fol
             isTrusted(path, folderWasPrivate))
             continue;
         ::unlink(path.toLocal8Bit().constData());
-        tell(path, "is a link that others may have made, or no file: it is removed, and what it "
-                   "led to is left alone");
+        warn(path, "is a link that others may have made, or not a file: it is removed, and what "
+                   "it led to is left alone");
     }
 }
 
 void makeFilePrivate(const QString& path) {
     const std::optional<mode_t> found = makePrivate(path);
     if (found && (*found & kOthers) != 0)
-        tell(path, "was open to other users; it no longer is");
+        warn(path, "was open to other users; it no longer is");
 }
 
 // A save takes milliseconds. A program that holds the lock for longer hangs, and must not hold this
@@ -133,9 +133,10 @@ SettingsStore::SettingsStore(const QString& application) {
     removeLeftovers(path_);
     restored_ = completeCutSettings(path_);
     if (!restored_.isEmpty())
-        tell(path_,
-             qPrintable(QStringLiteral("was cut short; its last whole copy gave %1 keys: %2")
-                            .arg(QString::number(restored_.size()), firstNames(restored_, 5))));
+        warn(path_,
+             qUtf8Printable(QStringLiteral("was cut short; %1 keys were restored from its last "
+                                           "whole copy: %2")
+                                .arg(QString::number(restored_.size()), firstNames(restored_, 5))));
     file_ = std::make_unique<QSettings>(path_, settingsFormat());
 }
 

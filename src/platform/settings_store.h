@@ -16,10 +16,10 @@ QString firstNames(const QStringList& names, qsizetype most);
 class SettingsStore {
   public:
     // The store of `application` ("Kiv_Skyhold", "Kiv_Uploader"). A password lies in it: folder
-    // and file are their owner's alone, and what is found wider is narrowed, with a note on
-    // standard error. A link in the file's place is followed when it is the user's own work: in a
-    // folder that nobody else could write to, to a file of the user's own. Any other is removed,
-    // with a note, and what it leads to is left alone.
+    // and file are their owner's alone, and what is found wider is narrowed, which is
+    // logged. A link in the file's place is followed when it is the user's own work: in a
+    // folder that nobody else could write to, to a file of the user's own. Any other is removed
+    // and logged; what it leads to is left alone.
     explicit SettingsStore(const QString& application);
 
     // The stored text, or `fallback` when the key is absent.

@@ -127,7 +127,7 @@ class ReachTest(unittest.TestCase):
         monitored.break_station("delete")
         # Standard error is shared with the uploader.
         monitored.wait_until("a refused upload", lambda: any(
-            "Kiv_Uploader: 0 of 6" in line for line in monitored.errors), 30)
+            "0 of 6 files" in line for line in monitored.errors), 30)
         monitored.wait_until("an alarm", lambda: any(
             name == "Kiv_SoundPlayer" for name, _ in watch.seen))
         told = answers(client)

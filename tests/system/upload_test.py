@@ -219,7 +219,7 @@ class UploadTest(unittest.TestCase):
             uploader = self.start_uploader()
             self.wait_until("the first file", server.stopped.is_set)
             uploader.send_signal(signal.SIGUSR1)
-            self.wait_until("its answer", lambda: "ends after this file" in uploader.log.read_text())
+            self.wait_until("its answer", lambda: "Ending after this file" in uploader.log.read_text())
             self.assertEqual(self.running(), "1")
             server.go_on.set()
             self.assertIn("1 of 2 files have arrived", self.end_of(uploader))
@@ -261,7 +261,7 @@ class UploadTest(unittest.TestCase):
             self.wait_until("the first file", server.stopped.is_set)
             second = self.start_uploader()
             self.wait_until("the second uploader",
-                            lambda: "waits for another" in second.log.read_text())
+                            lambda: "Waiting for another" in second.log.read_text())
             server.go_on.set()
             self.assertEqual(first.wait(20), 0)
             self.end_of(second)

@@ -1,0 +1,13 @@
+#include "platform/log.h"
+
+namespace skyhold {
+
+Q_LOGGING_CATEGORY(programLog, "skyhold.program")
+Q_LOGGING_CATEGORY(settingsLog, "skyhold.settings")
+Q_LOGGING_CATEGORY(automationLog, "skyhold.automation")
+Q_LOGGING_CATEGORY(soundLog, "skyhold.sound")
+Q_LOGGING_CATEGORY(recordingLog, "skyhold.recording")
+Q_LOGGING_CATEGORY(updateLog, "skyhold.update")
+Q_LOGGING_CATEGORY(uploadLog, "skyhold.upload")
+
+} // namespace skyhold
