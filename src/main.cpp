@@ -169,7 +169,7 @@ void end(MonitoringCore& core) {
 
 void beginRecording(MonitoringCore& core, const Options& options) {
     if (std::exchange(core.recordAtStart, false))
-        Record_Start(core, true);
+        startRecording(core, true);
     if (options.record && !core.recorder.recording)
         qCWarning(recordingLog, "Not recording: the user data file cannot be written.");
 }

@@ -142,11 +142,11 @@ void addAlarms(MemberList& list) {
     list.method(u"Kiv_AlarmStart"_s, {{u"vData"_s, Text, true}},
                 {Empty, u"plays a sound file; with \"|repeat\" behind its name again and again"_s},
                 [](Core& core, QVariantList& arguments) {
-                    AlarmStart(core, arguments[0].toString());
+                    startAlarm(core, arguments[0].toString());
                     return answered();
                 });
     list.method(u"Kiv_AlarmStop"_s, {Empty, u"stops the sound"_s}, [](Core& core, QVariantList&) {
-        AlarmStop(core);
+        stopAlarm(core);
         return answered();
     });
     list.property(u"Kiv_CloudAlarmDelay"_s,
@@ -209,12 +209,12 @@ void addRecorderAndVerdict(MemberList& list) {
     list.method(u"RecordStart"_s, {{u"flgAppendToFile"_s, Bool, false}},
                 {Empty, u"starts the user data file, behind what is in it or anew"_s},
                 [](Core& core, QVariantList& arguments) {
-                    Record_Start(core, arguments[0].toBool());
+                    startRecording(core, arguments[0].toBool());
                     return answered();
                 });
     list.method(u"RecordStop"_s, {Empty, u"stops the user data file"_s},
                 [](Core& core, QVariantList&) {
-                    Record_Stop(core);
+                    stopRecording(core);
                     return answered();
                 });
     list.method(u"SetUnSafe"_s, {{u"iP"_s, Bool, false}},

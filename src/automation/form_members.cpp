@@ -72,16 +72,16 @@ void addSessionAndSound(FormList& list) {
     list.call(u"Device_Stop"_s, Device_Stop);
     list.method(u"Record_Start"_s, Empty, {{u"append"_s, Bool, false}},
                 [](MonitoringCore& core, QVariantList& arguments) {
-                    Record_Start(core, arguments[0].toBool());
+                    startRecording(core, arguments[0].toBool());
                     return answered();
                 });
-    list.call(u"Record_Stop"_s, Record_Stop);
+    list.call(u"Record_Stop"_s, stopRecording);
     list.method(u"AlarmStart"_s, Empty, {{u"spec"_s, Text, false}},
                 [](MonitoringCore& core, QVariantList& arguments) {
-                    AlarmStart(core, arguments[0].toString());
+                    startAlarm(core, arguments[0].toString());
                     return answered();
                 });
-    list.call(u"AlarmStop"_s, AlarmStop);
+    list.call(u"AlarmStop"_s, stopAlarm);
 }
 
 void addSwitchAndVerdict(FormList& list) {

@@ -54,14 +54,14 @@ MemberAct level(Quantity quantity) {
     return answering([quantity](Core& core) { return core.records.readings.Condition[quantity]; });
 }
 
-MemberAct sensorValue(std::size_t index) {
-    return answering([index](Core& core) { return core.records.readings.SensorValues[index]; });
+MemberAct sensorValue(SensorValue value) {
+    return answering([value](Core& core) { return core.records.readings.SensorValues[value]; });
 }
 
 // A unit text of the station's file.
-MemberAct unitText(std::size_t entry) {
+MemberAct unitText(StationEntry entry) {
     return answering(
-        [entry](Core& core) { return core.records.display.LblWSValue[entry].Caption.value(); });
+        [entry](Core& core) { return core.records.display.stationValue(entry).Caption.value(); });
 }
 
 MemberKind condition(const QString& enumeration, const QString& help,
@@ -96,7 +96,7 @@ void addConditions(MemberList& list) {
 void addFirstValues(MemberList& list) {
     list.method(u"DataReady"_s, {Bool, u"whether Kiv_Nubilo has data"_s},
                 reading(&CurrentReadings::SensorDataReady));
-    list.method(u"BrightnessValue"_s, {R8, u"brightness"_s}, sensorValue(2));
+    list.method(u"BrightnessValue"_s, {R8, u"brightness"_s}, sensorValue(kBrightnessValue));
     list.method(u"DewPointTemp"_s, {R8, u"dew point, 0 when missing"_s, Activity::None},
                 measured(&CurrentReadings::DewPointValue));
     list.method(u"GraphFreq"_s, {I4, u"readings per point of the graphs"_s},
@@ -114,10 +114,11 @@ void addFirstValues(MemberList& list) {
                 {R8, u"relative humidity in percent, 0 when missing"_s, Activity::None},
                 measured(&CurrentReadings::HumidityValue));
     list.method(u"RainHeaterPercent"_s, {R8, u"power of the rain sensor's heater in percent"_s},
-                sensorValue(4));
+                sensorValue(kRainHeaterPercent));
     list.method(u"RainHeaterTemperature"_s, {R8, u"temperature of the rain sensor"_s},
-                sensorValue(5));
-    list.method(u"RainValue"_s, {R8, u"value of the rain sensor, cycles"_s}, sensorValue(1));
+                sensorValue(kRainHeaterTemperature));
+    list.method(u"RainValue"_s, {R8, u"value of the rain sensor, cycles"_s},
+                sensorValue(kRainValue));
     list.method(u"Safe"_s, {Bool, u"the verdict"_s},
                 answering([](Core& core) { return !core.records.readings.UnsafeFlag; }));
     list.method(u"SecondsSinceGoodData"_s,
@@ -129,20 +130,24 @@ void addFirstValues(MemberList& list) {
 void addSecondValues(MemberList& list) {
     list.method(u"SkySensorTemperature"_s, {R8, u"temperature of the sky sensor"_s},
                 reading(&CurrentReadings::SkySensorTemperature));
-    list.method(u"SkyTemperature"_s, {R8, u"temperature of the sky"_s}, sensorValue(0));
+    list.method(u"SkyTemperature"_s, {R8, u"temperature of the sky"_s},
+                sensorValue(kSkyTemperature));
     list.method(u"SwitchStatus"_s, {I4, u"roof switch: 1 opened, 2 closed"_s},
                 answering([](Core& core) { return rounded(core.records.readings.SwitchValue); }));
     list.method(u"TemperatureAmb"_s, {R8, u"station temperature, 0 when missing"_s},
                 measured(&CurrentReadings::StationTemperature));
-    list.get(u"UnitTemp"_s, {Text, u"unit of temperatures in the station's file"_s}, unitText(10));
-    list.get(u"UnitSpeed"_s, {Text, u"unit of speeds in the station's file"_s}, unitText(11));
+    list.get(u"UnitTemp"_s, {Text, u"unit of temperatures in the station's file"_s},
+             unitText(StationEntry::TemperatureUnit));
+    list.get(u"UnitSpeed"_s, {Text, u"unit of speeds in the station's file"_s},
+             unitText(StationEntry::SpeedUnit));
     list.method(u"WindDir"_s, {R8, u"wind direction in degrees, 0 when missing"_s},
                 measured(&CurrentReadings::WindDirection));
     list.method(u"WindValue"_s, {R8, u"wind speed, 0 when missing"_s},
                 measured(&CurrentReadings::WindSpeed));
     list.method(u"BarometricPressure"_s, {R8, u"pressure"_s},
                 reading(&CurrentReadings::BarometricPressure));
-    list.method(u"UnitsBarometricPressure"_s, {Text, u"unit of the pressure"_s}, unitText(12));
+    list.method(u"UnitsBarometricPressure"_s, {Text, u"unit of the pressure"_s},
+                unitText(StationEntry::PressureUnit));
 }
 
 } // namespace

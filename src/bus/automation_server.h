@@ -96,8 +96,6 @@ class AutomationServer : public QDBusVirtualObject {
 
     void addInterface(InstanceInterface interface) { interfaces_.push_back(std::move(interface)); }
 
-    int instanceCount() const { return static_cast<int>(instances_.size()); }
-
     QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 

@@ -17,11 +17,11 @@ AlarmPlayer alarmPlayer(MonitoringCore& core) {
     return {core.media, core.TimerPlayer, core.records.alarms};
 }
 
-void AlarmStart(MonitoringCore& core, const QString& spec) {
+void startAlarm(MonitoringCore& core, const QString& spec) {
     AlarmStart(alarmPlayer(core), spec);
 }
 
-void AlarmStop(MonitoringCore& core) {
+void stopAlarm(MonitoringCore& core) {
     AlarmStop(alarmPlayer(core));
 }
 

@@ -9,9 +9,9 @@ namespace skyhold {
 AlarmPlayer alarmPlayer(MonitoringCore& core);
 
 // Sounds `spec`, a file or a file and "|repeat", whichever alarm owns the sound.
-void AlarmStart(MonitoringCore& core, const QString& spec);
+void startAlarm(MonitoringCore& core, const QString& spec);
 // The Stop Alarm button and automation: silence, but the alarm keeps the sound it owns.
-void AlarmStop(MonitoringCore& core);
+void stopAlarm(MonitoringCore& core);
 
 // The alarms of the two sources, and the one of the conditions that the judgement chooses.
 void soundStationAlarm(MonitoringCore& core, const StationObservation& station);

@@ -113,7 +113,7 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
             SetErrorCodes(records.session.Statusbar2, QStringLiteral("i23"), kRed);
     };
     records.dataFile.RecOption.Click = [this](int index) {
-        RecOption_Click(*this, index);
+        chooseRecording(*this, index);
     };
     records.dataFile.SaveFreq.Change = [this] {
         SetSaveFreq(records.dataFile.SaveFreq);

@@ -108,8 +108,8 @@ void showStation(const CycleResult& result, Records& records) {
               display.LValWindDir);
     if (valid)
         PaintLabel(display.Label3Station, kGreen,
-                   display.LblWSValue[0].Caption.value() + u' ' +
-                       display.LblWSValue[1].Caption.value());
+                   display.stationValue(StationEntry::Date).Caption.value() + u' ' +
+                       display.stationValue(StationEntry::Time).Caption.value());
     else
         display.Label3Station.Caption = QString();
 }

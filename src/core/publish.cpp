@@ -65,7 +65,7 @@ QString writeCcdapFile(MonitoringCore& core, const CycleResult&) {
 }
 
 QString writeDataLine(MonitoringCore& core, const CycleResult&) {
-    return WriteUserDataLine(core) ? QString() : u"d13"_s;
+    return recordLine(core) ? QString() : u"d13"_s;
 }
 
 QString addGraphPoint(MonitoringCore& core, const CycleResult&) {

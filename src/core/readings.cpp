@@ -13,12 +13,12 @@ void updateIfRead(Value& value, const std::optional<Read>& read) {
 
 void takeSensor(const Observation& observation, CurrentReadings& readings) {
     const SensorObservation& sensor = observation.sensor;
-    updateIfRead(readings.SensorValues[0], observation.values[Quantity::Cloud]);
-    updateIfRead(readings.SensorValues[1], observation.values[Quantity::Rain]);
-    updateIfRead(readings.SensorValues[2], observation.values[Quantity::Brightness]);
-    updateIfRead(readings.SensorValues[3], sensor.coverTemperature);
-    updateIfRead(readings.SensorValues[4], sensor.rainHeaterPercent);
-    updateIfRead(readings.SensorValues[5], sensor.rainHeaterTemperature);
+    updateIfRead(readings.SensorValues[kSkyTemperature], observation.values[Quantity::Cloud]);
+    updateIfRead(readings.SensorValues[kRainValue], observation.values[Quantity::Rain]);
+    updateIfRead(readings.SensorValues[kBrightnessValue], observation.values[Quantity::Brightness]);
+    updateIfRead(readings.SensorValues[kSkySensorTemperature], sensor.coverTemperature);
+    updateIfRead(readings.SensorValues[kRainHeaterPercent], sensor.rainHeaterPercent);
+    updateIfRead(readings.SensorValues[kRainHeaterTemperature], sensor.rainHeaterTemperature);
     updateIfRead(readings.SkySensorTemperature, sensor.skySensorTemperature);
     updateIfRead(readings.AmbientTemperature, sensor.ambientTemperature);
     updateIfRead(readings.RainHeaterStatus, sensor.rainHeaterStatus);

@@ -14,20 +14,20 @@ void report(bool started, SessionControls& session) {
 
 } // namespace
 
-void RecOption_Click(MonitoringCore& core, int index) {
+void chooseRecording(MonitoringCore& core, int index) {
     report(RecOption_Click(index, core.recorder, core.records.dataFile, core.showMessage),
            core.records.session);
 }
 
-void Record_Start(MonitoringCore& core, bool append) {
+void startRecording(MonitoringCore& core, bool append) {
     report(Record_Start(append, core.recorder, core.records.dataFile), core.records.session);
 }
 
-void Record_Stop(MonitoringCore& core) {
+void stopRecording(MonitoringCore& core) {
     Record_Stop(core.recorder, core.records.dataFile);
 }
 
-bool WriteUserDataLine(MonitoringCore& core) {
+bool recordLine(MonitoringCore& core) {
     const Records& records = core.records;
     const DescribeLevel describe = [&core](Quantity quantity, std::int32_t) {
         return levelLabel(quantity, core.result, core.records.conditions);

@@ -6,13 +6,13 @@
 namespace skyhold {
 
 // The user chose 0 record or 1 stop.
-void RecOption_Click(MonitoringCore& core, int index);
+void chooseRecording(MonitoringCore& core, int index);
 
 // For automation clients: nothing is asked, `append` keeps what an existing file holds.
-void Record_Start(MonitoringCore& core, bool append);
-void Record_Stop(MonitoringCore& core);
+void startRecording(MonitoringCore& core, bool append);
+void stopRecording(MonitoringCore& core);
 
 // The line of a read cycle, when one is due. False when it is lost.
-bool WriteUserDataLine(MonitoringCore& core);
+bool recordLine(MonitoringCore& core);
 
 } // namespace skyhold

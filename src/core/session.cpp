@@ -47,10 +47,9 @@ void checkFolders(Records& records) {
     GraphControls& graphs = records.graphs;
     Label& status = records.session.Statusbar1;
     // The direction graph's own image does not ask for the check.
-    constexpr std::size_t kDirection = 2;
     bool images = false;
     for (std::size_t i = 0; i < graphs.GraphImage.size(); ++i)
-        images = images || (i != kDirection && graphs.GraphImage[i].checked());
+        images = images || (i != kDirectionGraph && graphs.GraphImage[i].checked());
 
     QString codes;
     if (images)
@@ -71,7 +70,7 @@ bool startReading(MonitoringCore& core, std::vector<Message>& messages) {
     checkFolders(records);
     if (core.recordAtStart) {
         core.recordAtStart = false;
-        Record_Start(core, true);
+        startRecording(core, true);
     }
     SetStatusText(session.Statusbar1, QStringLiteral("Waiting for Kiv_Nubilo"), kNavy);
     const SensorLinkRecords link{records.readings, session, records.alarms, records.conditions,

@@ -85,7 +85,8 @@ QJsonObject readings(const MonitoringCore& core) {
     direction[u"compass"_s] = compassLabel(station.windDirection);
     all[u"wind_direction"_s] = direction;
     all[u"dew_point"_s] = measured(station.numbers[Quantity::Dew], degrees);
-    all[u"pressure"_s] = measured(station.pressure, core.records.display.LblWSValue[12].Caption);
+    all[u"pressure"_s] = measured(
+        station.pressure, core.records.display.stationValue(StationEntry::PressureUnit).Caption);
     all[u"ambient_temperature"_s] = measured(sensor.ambientTemperature, degrees);
     all[u"sensor_temperature"_s] = measured(sensor.skySensorTemperature, degrees);
     QJsonObject heater = measured(sensor.rainHeaterPercent, u"%"_s);

@@ -49,13 +49,13 @@ QByteArray ccdapRecord(const CurrentReadings& readings, const Clock& clock,
     appendDate(record, clock.now(), u"hh:mm:ss.ss "); // no fraction: the seconds, twice
     addUnit(record, readings.TemperatureUnit);
     addUnit(record, readings.SpeedUnit);
-    field(readings.SensorValues[0], u"#0.0", 7);
+    field(readings.SensorValues[kSkyTemperature], u"#0.0", 7);
     field(readings.AmbientTemperature, u"#0.0", 7);
     field(readings.SkySensorTemperature, u"#0.0", 7);
     field(readings.WindSpeed.value_or(0), u"#0.0", 7);
     field(readings.HumidityValue.value_or(0), u"0", 4);
     field(readings.DewPointValue.value_or(0), u"#0.0", 7);
-    field(readings.SensorValues[4], u"0", 4);
+    field(readings.SensorValues[kRainHeaterPercent], u"0", 4);
     field(wet, u"0", 2);
     field(wet, u"0", 2);
     field(SecondsSinceGoodData(readings), u"00000", 6);

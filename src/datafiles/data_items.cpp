@@ -8,6 +8,27 @@ namespace skyhold {
 
 namespace {
 
+// The items that are no quantity's condition; those are in the quantity table.
+enum class DataItem {
+    Date = 1,
+    Time = 2,
+    SkyTemperature = 11,
+    RainValue,
+    WindSpeed,
+    GustSpeed,
+    WindDirection,
+    AmbientTemperature,
+    DewPoint,
+    Humidity,
+    BrightnessValue,
+    RainHeaterPercent,
+    RainHeaterTemperature,
+    SkySensorTemperature,
+    RainHeaterStatus,
+    SwitchState,
+    Verdict
+};
+
 constexpr int kHeaderWidth = 25; // characters of a column's header that are kept
 
 QStringView switchText(double value) {
@@ -45,42 +66,42 @@ void addDataItem(TextBuffer& line, int item, const DataItemSource& source) {
     };
     if (const QuantityRow* row = conditionItem(item))
         return appendText(line, source.describe(row->quantity, readings.Condition[row->quantity]));
-    switch (item) {
-    case 1:
+    switch (static_cast<DataItem>(item)) {
+    case DataItem::Date:
         return date(u"yyyy-mm-dd");
-    case 2:
+    case DataItem::Time:
         return date(u"hh:mm:ss");
-    case 11:
-        return number(readings.SensorValues[0], u"0.0");
-    case 12:
-        return number(readings.SensorValues[1], u"0");
-    case 13:
+    case DataItem::SkyTemperature:
+        return number(readings.SensorValues[kSkyTemperature], u"0.0");
+    case DataItem::RainValue:
+        return number(readings.SensorValues[kRainValue], u"0");
+    case DataItem::WindSpeed:
         return measured(readings.WindSpeed, u"0");
-    case 14:
+    case DataItem::GustSpeed:
         return measured(readings.GustSpeed, u"0");
-    case 15:
+    case DataItem::WindDirection:
         return measured(readings.WindDirection, u"0.0");
-    case 16:
+    case DataItem::AmbientTemperature:
         return number(readings.AmbientTemperature, u"0.0");
-    case 17:
+    case DataItem::DewPoint:
         return measured(readings.DewPointValue, u"0.0");
-    case 18:
+    case DataItem::Humidity:
         return measured(readings.HumidityValue, u"0");
-    case 19:
-        return number(readings.SensorValues[2], u"0");
-    case 20:
-        number(readings.SensorValues[4], u"0");
+    case DataItem::BrightnessValue:
+        return number(readings.SensorValues[kBrightnessValue], u"0");
+    case DataItem::RainHeaterPercent:
+        number(readings.SensorValues[kRainHeaterPercent], u"0");
         line.append(u'%');
         return;
-    case 21:
-        return number(readings.SensorValues[5], u"0.0");
-    case 22:
-        return number(readings.SensorValues[3], u"0.0");
-    case 23:
+    case DataItem::RainHeaterTemperature:
+        return number(readings.SensorValues[kRainHeaterTemperature], u"0.0");
+    case DataItem::SkySensorTemperature:
+        return number(readings.SensorValues[kSkySensorTemperature], u"0.0");
+    case DataItem::RainHeaterStatus:
         return appendText(line, readings.RainHeaterStatus);
-    case 24:
+    case DataItem::SwitchState:
         return appendText(line, switchText(readings.SwitchValue));
-    case 25:
+    case DataItem::Verdict:
         return appendText(line, readings.UnsafeFlag ? u"Unsafe" : u"Safe");
     default:
         return;

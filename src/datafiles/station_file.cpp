@@ -12,9 +12,6 @@ namespace skyhold {
 
 namespace {
 
-constexpr int kUnitCell = 2;
-constexpr int kValueCell = 3;
-
 // Longer cells are shown, and their unit recognised, by this many characters.
 constexpr qsizetype kLongestShown = 255;
 

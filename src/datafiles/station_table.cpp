@@ -31,7 +31,7 @@ void StationTable::addCell(QStringView text) {
 
 qsizetype FindRow(const StationTable& table, QStringView name) {
     for (qsizetype row = 1; row <= table.rowCount(); ++row) {
-        const QStringView found = table.cell(1, row);
+        const QStringView found = table.cell(kNameCell, row);
         if (found.size() == name.size() && found.compare(name, Qt::CaseInsensitive) == 0)
             return row;
     }

@@ -10,8 +10,13 @@
 
 namespace skyhold {
 
-// Cells 1 name, 2 unit, 3 value; rows 1..rowCount() in file order. Every other place is empty: row
-// 0 is what a name that is not found yields. Holds up to 4 G characters.
+// The cells of a row.
+inline constexpr int kNameCell = 1;
+inline constexpr int kUnitCell = 2;
+inline constexpr int kValueCell = 3;
+
+// Rows 1..rowCount() in file order. Every other place is empty: row 0 is what a name that is not
+// found yields. Holds up to 4 G characters.
 class StationTable {
   public:
     static constexpr int kCells = 3;

@@ -9,7 +9,6 @@ namespace skyhold {
 
 namespace {
 
-constexpr int kValueCell = 3;
 constexpr QStringView kDirection = u"WindDirection";
 
 QString nameOf(Quantity quantity) {

@@ -15,7 +15,7 @@ struct GraphKind {
     const char* fileName;
 };
 
-constexpr std::array<GraphKind, 6> kGraphs{
+constexpr std::array<GraphKind, kGraphCount> kGraphs{
     {{&GraphPoint::wind, Quantity::Wind, "Kiv_ImageWindCondition"},
      {&GraphPoint::gust, Quantity::Gust, "Kiv_ImageGustCondition"},
      {&GraphPoint::direction, std::nullopt, "Kiv_ImageWindDirCondition"},

@@ -16,7 +16,7 @@ namespace skyhold {
 
 // What a picture shows, so that it is not drawn twice.
 using RenderedGraph = std::variant<std::monostate, ValueGraph, DirectionGraph>;
-using RenderedGraphs = std::array<RenderedGraph, 6>;
+using RenderedGraphs = std::array<RenderedGraph, kGraphCount>;
 
 // What a graph is drawn from.
 struct GraphSources {

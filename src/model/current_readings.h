@@ -14,11 +14,20 @@
 
 namespace skyhold {
 
+// The places of `CurrentReadings::SensorValues`.
+enum SensorValue : std::size_t {
+    kSkyTemperature,
+    kRainValue,
+    kBrightnessValue,
+    kSkySensorTemperature,
+    kRainHeaterPercent, // 0..100
+    kRainHeaterTemperature,
+    kSensorValueCount
+};
+
 struct CurrentReadings {
-    // Sensor program. Temperatures in the unit the sensor program was told.
-    // [0] sky temperature, [1] rain value, [2] brightness value, [3] sky sensor temperature,
-    // [4] rain heater percentage 0..100, [5] rain heater temperature
-    std::array<double, 6> SensorValues{};
+    // Sensor program. Temperatures are in the unit that the sensor program was given.
+    std::array<double, kSensorValueCount> SensorValues{};
     double SkySensorTemperature = 0;
     double AmbientTemperature = 0;
     QString RainHeaterStatus;

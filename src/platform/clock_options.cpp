@@ -75,13 +75,4 @@ ClockStart clockStartFromArguments(const QStringList& arguments) {
     return start;
 }
 
-QString clockOptionsHelp() {
-    QString help;
-    for (const QCommandLineOption& option : clockOptions()) {
-        const QString usage = u"  --%1 <%2>"_s.arg(option.names().constFirst(), option.valueName());
-        help += usage.leftJustified(36) + u' ' + option.description() + u'\n';
-    }
-    return help;
-}
-
 } // namespace skyhold

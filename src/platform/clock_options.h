@@ -15,10 +15,7 @@ QList<QCommandLineOption> clockOptions();
 
 // Reads them from a program's arguments (the program's name first); other options are passed over.
 // Without any of them the answer has no valid origin: real time. An option whose value cannot be
-// read is reported on standard error and counts as not given.
+// read is logged and counts as not given.
 ClockStart clockStartFromArguments(const QStringList& arguments);
-
-// One line of help for each option.
-QString clockOptionsHelp();
 
 } // namespace skyhold

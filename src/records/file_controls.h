@@ -63,17 +63,28 @@ struct UploadControls {
     Label LastSuccess, LastError; // of the uploader, with their times
 };
 
+// The places of all arrays of graphs.
+enum Graph : std::size_t {
+    kWindGraph,
+    kGustGraph,
+    kDirectionGraph,
+    kDewGraph,
+    kHumidityGraph,
+    kTemperatureGraph,
+    kGraphCount
+};
+
 struct GraphControls {
     NumberBox GraphNoPoints; // 20..2000
     NumberBox GraphFreq;     // readings per point, at least 1
     Label GraphSpan;         // seconds
     Label GraphSpanDesc;
-    // Order of all arrays of six: wind, gust, direction, dew, humidity, temperature.
-    std::array<CheckBox, 6> GraphGenerate;
-    std::array<CheckBox, 6> GraphImage;
-    std::array<std::array<Label, 3>, 6> GraphColor; // BackColor; only direction uses the third
-    CheckBox ImageType;                             // checked PNG, unchecked JPEG
-    OptionGroup ImageQuality;                       // 0 top, 1 good, 2 normal
+    std::array<CheckBox, kGraphCount> GraphGenerate;
+    std::array<CheckBox, kGraphCount> GraphImage;
+    // BackColor; only the direction uses the third.
+    std::array<std::array<Label, 3>, kGraphCount> GraphColor;
+    CheckBox ImageType;       // checked PNG, unchecked JPEG
+    OptionGroup ImageQuality; // 0 top, 1 good, 2 normal
     Label GraphImagePath;
     Button ButtGraphImagePath;
 };

@@ -1,6 +1,8 @@
 // The six graph pictures, as the read cycle last drew them.
 #pragma once
 
+#include "records/file_controls.h"
+
 #include <QImage>
 #include <QProperty>
 #include <QSize>
@@ -22,7 +24,6 @@ struct Picture {
     }
 };
 
-// Order: wind, gust, direction, dew, humidity, temperature.
-using GraphPictures = std::array<Picture, 6>;
+using GraphPictures = std::array<Picture, kGraphCount>;
 
 } // namespace skyhold

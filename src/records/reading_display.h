@@ -1,6 +1,7 @@
 // The labels that show the readings, their conditions and their times.
 #pragma once
 
+#include "model/observation.h"
 #include "model/quantity.h"
 #include "records/controls.h"
 
@@ -23,11 +24,12 @@ struct ReadingDisplay {
     Label WSAlarmMsg;
     LampPair LEDRead;
 
-    // The station value table: entry 0 date, 1 time, 2 temperature, 3 wind, 4 gust, 5 direction,
-    // 6 rain, 7 humidity, 8 dew point, 9 pressure, 10 temperature unit text, 11 speed unit text,
-    // 12 pressure unit text.
-    std::array<Label, 13> LblWSDesc;
-    std::array<Label, 13> LblWSValue;
+    // The station value table, by `StationEntry`.
+    std::array<Label, kStationEntries> LblWSDesc;
+    std::array<Label, kStationEntries> LblWSValue;
+    const Label& stationValue(StationEntry entry) const {
+        return LblWSValue[static_cast<std::size_t>(entry)];
+    }
 };
 
 // Sets a label's text colour and text.

@@ -2,7 +2,7 @@
 
 #include "model/compass.h"
 #include "platform/files.h"
-#include "settings/level_rows.h"
+#include "settings/row_builder.h"
 
 namespace skyhold {
 
@@ -47,9 +47,8 @@ QString twoDigitKey(const char* stem, int number) {
 }
 
 // Left and Top: an absent or unusable coordinate leaves the window unplaced, and it is centred.
-template <class Window, class Coordinate>
-void positionRow(KeyRows& rows, const QString& key, Window& window, Coordinate& coordinate,
-                 bool first, const QString& holds) {
+void positionRow(KeyRows& rows, const QString& key, WindowControls& window,
+                 QProperty<int>& coordinate, bool first, const QString& holds) {
     KeyRow& row = rows.add(KeyType::Integer, key, QString(), holds);
     row.defaultName = u"centred"_s;
     row.lowest = -32768;
@@ -57,18 +56,16 @@ void positionRow(KeyRows& rows, const QString& key, Window& window, Coordinate& 
     row.text = [&window, &coordinate](const NumberForms&) {
         return window.Placed ? QString::number(coordinate.value()) : QString();
     };
-    if constexpr (!std::is_const_v<Window>)
-        row.load = [&window, &coordinate, first](const QString& stored, const NumberForms& forms) {
-            const auto value = storedInteger(stored, forms, -32768, 32767);
-            window.Placed = value.has_value() && (first || window.Placed);
-            if (value)
-                coordinate = *value;
-            return value.has_value() || stored.isEmpty();
-        };
+    row.load = [&window, &coordinate, first](const QString& stored, const NumberForms& forms) {
+        const auto value = storedInteger(stored, forms, -32768, 32767);
+        window.Placed = value.has_value() && (first || window.Placed);
+        if (value)
+            coordinate = *value;
+        return value.has_value() || stored.isEmpty();
+    };
 }
 
-template <class AnyRecords>
-void windowRows(KeyRows& rows, AnyRecords& r) {
+void windowRows(KeyRows& rows, Records& r) {
     auto& window = r.window;
     rows.section(u"Window"_s);
     rows.text(u"LastUpdateMsg"_s, u""_s, window.LastUpdateMsg,
@@ -96,8 +93,7 @@ void windowRows(KeyRows& rows, AnyRecords& r) {
               u"characters that are removed from humidity values"_s);
 }
 
-template <class AnyRecords>
-void unitOptionRows(KeyRows& rows, AnyRecords& r) {
+void unitOptionRows(KeyRows& rows, Records& r) {
     rows.section(u"Limit"_s);
     rows.options({u"UnitsTemp0"_s, u"UnitsTemp1"_s}, 0, r.units.UnitsTemp,
                  {u"temperatures in °C"_s, u"temperatures in °F"_s});
@@ -110,8 +106,7 @@ void unitOptionRows(KeyRows& rows, AnyRecords& r) {
         {u"dates of the station file are dd/mm/yy"_s, u"dates of the station file are mm/dd/yy"_s});
 }
 
-template <class AnyRecords>
-void cardinalAndFolderRows(KeyRows& rows, AnyRecords& r) {
+void cardinalAndFolderRows(KeyRows& rows, Records& r) {
     rows.section(u"Window"_s);
     for (int k = 0; k < 16; ++k) {
         const auto i = static_cast<std::size_t>(k);
@@ -135,8 +130,7 @@ void cardinalAndFolderRows(KeyRows& rows, AnyRecords& r) {
               u"folder in which a sound was last chosen"_s);
 }
 
-template <class Upload>
-void uploadCountRow(KeyRows& rows, Upload& upload) {
+void uploadCountRow(KeyRows& rows, UploadControls& upload) {
     KeyRow& row = rows.add(KeyType::Integer, u"NoFiles"_s, u"0"_s,
                            u"number of entries of the upload list; entry *n* has the keys "
                            "\"FileName*n*\", \"FilePath*n*\" and \"FileUpload*n*\""_s);
@@ -144,17 +138,15 @@ void uploadCountRow(KeyRows& rows, Upload& upload) {
     row.text = [&upload](const NumberForms&) {
         return QString::number(upload.Files.size());
     };
-    if constexpr (!std::is_const_v<Upload>)
-        row.load = [&upload](const QString& stored, const NumberForms& forms) {
-            const auto count = storedInteger(stored, forms, 0, kMaxUploadEntries);
-            if (count)
-                upload.Files.assign(static_cast<std::size_t>(*count), FileItem());
-            return count.has_value();
-        };
+    row.load = [&upload](const QString& stored, const NumberForms& forms) {
+        const auto count = storedInteger(stored, forms, 0, kMaxUploadEntries);
+        if (count)
+            upload.Files.assign(static_cast<std::size_t>(*count), FileItem());
+        return count.has_value();
+    };
 }
 
-template <class AnyRecords>
-void setupRows(KeyRows& rows, AnyRecords& r) {
+void setupRows(KeyRows& rows, Records& r) {
     auto& session = r.session;
     auto& upload = r.upload;
     const auto highestEntry = [](const ComboBox& box) {
@@ -193,11 +185,10 @@ void setupRows(KeyRows& rows, AnyRecords& r) {
                   u"the monitor leaves the roof switch to its clients"_s});
 }
 
-template <class AnyRecords>
-void graphRows(KeyRows& rows, AnyRecords& r) {
+void graphRows(KeyRows& rows, Records& r) {
     auto& graphs = r.graphs;
-    constexpr std::array names{"Wind", "Gust", "Dir", "Dew", "Hum", "Temp"};
-    constexpr std::size_t direction = 2;
+    constexpr std::array<const char*, kGraphCount> names{"Wind", "Gust", "Dir",
+                                                         "Dew",  "Hum",  "Temp"};
     rows.section(u"Graphs"_s);
     rows.integer(u"GraphNoPoints"_s, 120, {20, 2000, true}, graphs.GraphNoPoints,
                  u"points kept in the history"_s);
@@ -211,9 +202,9 @@ void graphRows(KeyRows& rows, AnyRecords& r) {
     for (std::size_t i = 0; i < names.size(); ++i) {
         const QString key = u"GraphColor"_s + latin(names[i]);
         rows.colour(key + u'0', 0x404040, graphs.GraphColor[i][0], u"first colour of the graph"_s);
-        rows.colour(key + u'1', i == direction ? 0x0000FF : 0xC00000, graphs.GraphColor[i][1],
+        rows.colour(key + u'1', i == kDirectionGraph ? 0x0000FF : 0xC00000, graphs.GraphColor[i][1],
                     u"second colour of the graph"_s);
-        if (i == direction)
+        if (i == kDirectionGraph)
             rows.colour(key + u'2', 0xFFFFC0, graphs.GraphColor[i][2],
                         u"third colour of the graph"_s);
     }
@@ -224,8 +215,7 @@ void graphRows(KeyRows& rows, AnyRecords& r) {
                 u"folder of the images"_s);
 }
 
-template <class AnyRecords>
-void dataFileRows(KeyRows& rows, AnyRecords& r) {
+void dataFileRows(KeyRows& rows, Records& r) {
     auto& file = r.dataFile;
     rows.section(u"Window"_s);
     rows.text(u"FileName"_s, u"Skyhold"_s, file.FileName.Text,
@@ -241,11 +231,10 @@ void dataFileRows(KeyRows& rows, AnyRecords& r) {
         const DataColumn fresh = defaultDataColumn(slot);
         KeyRow& header = rows.text(twoDigitKey("Hdr", slot), fresh.Hdr, column.Hdr,
                                    u"heading of column %1, at most 25 characters"_s.arg(slot));
-        if constexpr (!std::is_const_v<AnyRecords>)
-            header.load = [&column](const QString& stored, const NumberForms&) {
-                column.Hdr = stored.left(kMaxColumnHeader);
-                return true;
-            };
+        header.load = [&column](const QString& stored, const NumberForms&) {
+            column.Hdr = stored.left(kMaxColumnHeader);
+            return true;
+        };
         rows.integer(twoDigitKey("Cal", slot), fresh.Cal, {1, 25}, column.Cal,
                      u"data item of column %1"_s.arg(slot));
         rows.boolean(twoDigitKey("Prt", slot), fresh.Prt, column.Prt,
@@ -255,29 +244,27 @@ void dataFileRows(KeyRows& rows, AnyRecords& r) {
                u"the upload list shows names without folders"_s);
 }
 
-template <class Window>
-void updateRows(KeyRows& rows, Window& window) {
+void updateRows(KeyRows& rows, WindowControls& window) {
     rows.section(u"Update"_s);
     rows.text(u"BaseAddress"_s, u""_s, window.UpdateBaseAddress,
               u"address of the update server, http or https; empty: none, and no check is made"_s);
 }
 
-template <class Conditions>
-void verdictRows(KeyRows& rows, Conditions& conditions) {
+void verdictRows(KeyRows& rows, ConditionControls& conditions) {
     rows.section(u"Verdict"_s);
     rows.check(u"BeyondLimitUnsafe"_s, false, conditions.BeyondLimitUnsafe,
                u"values beyond the last limit are unsafe"_s);
 }
 
-template <class Window>
-void viewRows(KeyRows& rows, Window& window) {
+void viewRows(KeyRows& rows, WindowControls& window) {
     rows.section(u"View"_s);
     rows.integer(u"Look"_s, 0, {0, 2}, window.Look,
                  u"look of the windows: 0 dark panel, 1 night vision, 2 as the desktop"_s);
 }
 
-template <class AnyRecords>
-std::vector<KeyRow> allRows(AnyRecords& r) {
+} // namespace
+
+std::vector<KeyRow> keyTable(Records& r) {
     KeyRows rows;
     windowRows(rows, r);
     unitOptionRows(rows, r);
@@ -297,8 +284,7 @@ std::vector<KeyRow> allRows(AnyRecords& r) {
     return rows.take();
 }
 
-template <class Upload>
-std::vector<KeyRow> entryRows(Upload& upload) {
+std::vector<KeyRow> uploadEntryRows(UploadControls& upload) {
     KeyRows rows;
     rows.section(u"Setup"_s);
     for (std::size_t i = 0; i < upload.Files.size(); ++i) {
@@ -310,22 +296,6 @@ std::vector<KeyRow> entryRows(Upload& upload) {
                      u"upload entry %1 is uploaded once only"_s.arg(n));
     }
     return rows.take();
-}
-
-} // namespace
-
-std::vector<KeyRow> keyTable(Records& records) {
-    return allRows(records);
-}
-std::vector<KeyRow> keyTable(const Records& records) {
-    return allRows(records);
-}
-
-std::vector<KeyRow> uploadEntryRows(UploadControls& upload) {
-    return entryRows(upload);
-}
-std::vector<KeyRow> uploadEntryRows(const UploadControls& upload) {
-    return entryRows(upload);
 }
 
 DataColumn defaultDataColumn(int slot) {

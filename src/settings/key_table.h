@@ -33,17 +33,15 @@ struct KeyRow {
     // The field's value as the text to store.
     std::function<QString(const NumberForms&)> text;
     // Puts a stored text into the field. False, with the field as it was, when the text does not
-    // convert or is out of range. Not set in the table of constant records.
+    // convert or is out of range.
     std::function<bool(const QString&, const NumberForms&)> load;
 };
 
 // All keys but those of the upload list's entries, in load order. The rows refer to the records.
 std::vector<KeyRow> keyTable(Records& records);
-std::vector<KeyRow> keyTable(const Records& records);
 
 // The keys of every entry that the upload list has now (its length is the key "NoFiles").
 std::vector<KeyRow> uploadEntryRows(UploadControls& upload);
-std::vector<KeyRow> uploadEntryRows(const UploadControls& upload);
 
 // Column `slot` (1..25) of the user data file as it is in a fresh store.
 DataColumn defaultDataColumn(int slot);

@@ -1,4 +1,4 @@
-#include "settings/level_rows.h"
+#include "settings/row_builder.h"
 
 namespace skyhold {
 
@@ -6,15 +6,13 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-template <class Box>
-void soundRow(KeyRows& rows, const QString& key, Box& box, const QString& holds) {
-    KeyRow& row = rows.text(key, QString(), box.Tag, holds);
-    if constexpr (!std::is_const_v<Box>)
-        row.load = [&box](const QString& stored, const NumberForms&) {
-            box.Tag = stored;
-            box.HasIcons = !stored.isEmpty();
-            return true;
-        };
+void soundRow(KeyRows& rows, const QString& key, CheckBox& box, const QString& holds) {
+    rows.text(key, QString(), box.Tag, holds).load = [&box](const QString& stored,
+                                                            const NumberForms&) {
+        box.Tag = stored;
+        box.HasIcons = !stored.isEmpty();
+        return true;
+    };
 }
 
 // Calls `add` for each level of each quantity: the level's row, its index, and what it is, in
@@ -38,8 +36,7 @@ void forEachLimit(const QString& words, Add add) {
 
 } // namespace
 
-template <class Conditions>
-void limitRows(KeyRows& rows, Conditions& c) {
+void limitRows(KeyRows& rows, ConditionControls& c) {
     rows.section(u"Limit"_s);
     forEachLimit(u"%1: highest value of level %2"_s,
                  [&](const QuantityRow& row, std::size_t i, const QString& holds) {
@@ -49,8 +46,7 @@ void limitRows(KeyRows& rows, Conditions& c) {
 }
 
 // A level's description stands on its swatch and beside its unsafe check box.
-template <class Conditions>
-void descriptionRows(KeyRows& rows, Conditions& c) {
+void descriptionRows(KeyRows& rows, ConditionControls& c) {
     rows.section(u"Description"_s);
     forEachLimit(u"%1: description of level %2"_s, [&](const QuantityRow& row, std::size_t i,
                                                        const QString& holds) {
@@ -58,17 +54,15 @@ void descriptionRows(KeyRows& rows, Conditions& c) {
         auto& box = c.Cond[row.quantity][i];
         KeyRow& added = rows.text(latin(row.levels[i].limitKey), latin(row.levels[i].description),
                                   swatch.Caption, holds);
-        if constexpr (!std::is_const_v<Conditions>)
-            added.load = [&swatch, &box](const QString& stored, const NumberForms&) {
-                swatch.Caption = stored;
-                box.Caption = stored;
-                return true;
-            };
+        added.load = [&swatch, &box](const QString& stored, const NumberForms&) {
+            swatch.Caption = stored;
+            box.Caption = stored;
+            return true;
+        };
     });
 }
 
-template <class Conditions>
-void colourRows(KeyRows& rows, Conditions& c) {
+void colourRows(KeyRows& rows, ConditionControls& c) {
     rows.section(u"Color"_s);
     forEachLimit(u"%1: colour of level %2"_s,
                  [&](const QuantityRow& row, std::size_t i, const QString& holds) {
@@ -77,8 +71,7 @@ void colourRows(KeyRows& rows, Conditions& c) {
                  });
 }
 
-template <class Conditions>
-void unsafeRows(KeyRows& rows, Conditions& c) {
+void unsafeRows(KeyRows& rows, ConditionControls& c) {
     rows.section(u"Unsafe"_s);
     forEachLevel(u"%1: level %2 is unsafe"_s,
                  [&](const QuantityRow& row, std::size_t i, const QString& holds) {
@@ -94,8 +87,7 @@ void unsafeRows(KeyRows& rows, Conditions& c) {
 }
 
 // All sounds before all check marks: a box without a sound unchecks itself.
-template <class Alarms>
-void alarmRows(KeyRows& rows, Alarms& a) {
+void alarmRows(KeyRows& rows, AlarmControls& a) {
     rows.section(u"Alarms"_s);
     forEachLevel(u"%1: sound of level %2, followed by \"|repeat\" to repeat it"_s,
                  [&](const QuantityRow& row, std::size_t i, const QString& holds) {
@@ -108,8 +100,7 @@ void alarmRows(KeyRows& rows, Alarms& a) {
                  });
 }
 
-template <class Alarms, class Conditions>
-void staleDataRows(KeyRows& rows, Alarms& alarms, Conditions& c) {
+void staleDataRows(KeyRows& rows, AlarmControls& alarms, ConditionControls& c) {
     rows.section(u"Alarms"_s);
     soundRow(rows, u"WSAlarm"_s, alarms.AlarmWS, u"sound for old or missing station data"_s);
     soundRow(rows, u"NBAlarm"_s, alarms.AlarmNB, u"sound for a failed sensor program"_s);
@@ -120,18 +111,5 @@ void staleDataRows(KeyRows& rows, Alarms& alarms, Conditions& c) {
     rows.check(u"NBDataOldUnsafe"_s, true, c.NBDataOldUnsafe,
                u"a failed sensor program is unsafe"_s);
 }
-
-template void limitRows(KeyRows&, ConditionControls&);
-template void limitRows(KeyRows&, const ConditionControls&);
-template void descriptionRows(KeyRows&, ConditionControls&);
-template void descriptionRows(KeyRows&, const ConditionControls&);
-template void colourRows(KeyRows&, ConditionControls&);
-template void colourRows(KeyRows&, const ConditionControls&);
-template void unsafeRows(KeyRows&, ConditionControls&);
-template void unsafeRows(KeyRows&, const ConditionControls&);
-template void alarmRows(KeyRows&, AlarmControls&);
-template void alarmRows(KeyRows&, const AlarmControls&);
-template void staleDataRows(KeyRows&, AlarmControls&, ConditionControls&);
-template void staleDataRows(KeyRows&, const AlarmControls&, const ConditionControls&);
 
 } // namespace skyhold

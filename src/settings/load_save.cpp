@@ -2,8 +2,6 @@
 
 #include "settings/key_table.h"
 
-#include <algorithm>
-
 namespace skyhold {
 
 namespace {
@@ -42,29 +40,13 @@ void LoadSettings(Records& records, const SettingsStore& store, const NumberForm
     records.units.Loading = false;
 }
 
-bool SaveSettings(const Records& records, SettingsStore& store, const NumberForms& forms) {
+bool SaveSettings(Records& records, SettingsStore& store, const NumberForms& forms) {
     saveRows(keyTable(records), store, forms);
     saveRows(uploadEntryRows(records.upload), store, forms);
     const bool saved = store.flush();
     if (saved)
         store.writeCopy();
     return saved;
-}
-
-bool SaveKeys(const Records& records, SettingsStore& store, const std::vector<KeyName>& names,
-              const NumberForms& forms) {
-    const std::vector<KeyRow> rows = keyTable(records);
-    bool allKnown = true;
-    for (const KeyName& name : names) {
-        const auto row = std::ranges::find_if(rows, [&](const KeyRow& candidate) {
-            return candidate.section == name.section && candidate.key == name.key;
-        });
-        if (row == rows.end())
-            allKnown = false;
-        else
-            store.SaveSetting(row->section, row->key, row->text(forms));
-    }
-    return store.flush() && allKnown;
 }
 
 } // namespace skyhold

@@ -5,8 +5,6 @@
 #include "platform/text_forms.h"
 #include "records/records.h"
 
-#include <vector>
-
 namespace skyhold {
 
 // Reads every key once, in the order of the key table, into the records; controls are set through
@@ -17,17 +15,7 @@ void LoadSettings(Records& records, const SettingsStore& store,
 
 // Writes every key, and the keys of every entry of the upload list, to disk. False when the store
 // could not be written.
-bool SaveSettings(const Records& records, SettingsStore& store,
+bool SaveSettings(Records& records, SettingsStore& store,
                   const NumberForms& forms = localeNumberForms());
-
-struct KeyName {
-    QString section;
-    QString key;
-};
-
-// Writes these keys alone to disk, at once. False when the store could not be written or a key is
-// not in the key table.
-bool SaveKeys(const Records& records, SettingsStore& store, const std::vector<KeyName>& names,
-              const NumberForms& forms = localeNumberForms());
 
 } // namespace skyhold

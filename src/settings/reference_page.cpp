@@ -65,7 +65,7 @@ QString defaultCell(const KeyRow& row) {
 } // namespace
 
 QString settingsReference() {
-    const Records records;
+    Records records;
     const std::vector<KeyRow> rows = keyTable(records);
     QStringList sections;
     for (const KeyRow& row : rows) {

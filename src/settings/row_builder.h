@@ -1,11 +1,8 @@
 // Builds rows of the key table: one operation per kind of value, over any field that holds it.
-// Over a constant field a row can only be saved.
 #pragma once
 
 #include "settings/key_table.h"
 #include "settings/stored_text.h"
-
-#include <type_traits>
 
 namespace skyhold {
 
@@ -80,11 +77,10 @@ class KeyRows {
         row.text = [&field](const NumberForms&) {
             return valueOf(field);
         };
-        if constexpr (!std::is_const_v<Field>)
-            row.load = [&field](const QString& stored, const NumberForms&) {
-                putInto(field, stored);
-                return true;
-            };
+        row.load = [&field](const QString& stored, const NumberForms&) {
+            putInto(field, stored);
+            return true;
+        };
         return row;
     }
 
@@ -106,15 +102,14 @@ class KeyRows {
         row.text = [&field](const NumberForms&) {
             return QString::number(roundHalfEven(valueOf(field)) + 0.0, 'f', 0);
         };
-        if constexpr (!std::is_const_v<Field>)
-            row.load = [&field, range](const QString& stored, const NumberForms& forms) {
-                const auto value = range.clamp
-                                       ? nearestInteger(stored, forms, range.lowest, range.highest)
-                                       : storedInteger(stored, forms, range.lowest, range.highest);
-                if (value)
-                    putInto(field, *value);
-                return value.has_value();
-            };
+        row.load = [&field, range](const QString& stored, const NumberForms& forms) {
+            const auto value = range.clamp
+                                   ? nearestInteger(stored, forms, range.lowest, range.highest)
+                                   : storedInteger(stored, forms, range.lowest, range.highest);
+            if (value)
+                putInto(field, *value);
+            return value.has_value();
+        };
         return row;
     }
 
@@ -124,13 +119,12 @@ class KeyRows {
         row.text = [&box](const NumberForms& forms) {
             return numberText(valueOf(box), forms);
         };
-        if constexpr (!std::is_const_v<Box>)
-            row.load = [&box](const QString& stored, const NumberForms& forms) {
-                const auto value = storedNumber(stored, forms);
-                if (value)
-                    putInto(box, *value);
-                return value.has_value();
-            };
+        row.load = [&box](const QString& stored, const NumberForms& forms) {
+            const auto value = storedNumber(stored, forms);
+            if (value)
+                putInto(box, *value);
+            return value.has_value();
+        };
     }
 
     template <class Field>
@@ -139,13 +133,12 @@ class KeyRows {
         row.text = [&field](const NumberForms&) {
             return booleanText(field);
         };
-        if constexpr (!std::is_const_v<Field>)
-            row.load = [&field](const QString& stored, const NumberForms&) {
-                const auto value = storedBoolean(stored);
-                if (value)
-                    field = *value;
-                return value.has_value();
-            };
+        row.load = [&field](const QString& stored, const NumberForms&) {
+            const auto value = storedBoolean(stored);
+            if (value)
+                field = *value;
+            return value.has_value();
+        };
     }
 
     template <class Box>
@@ -154,13 +147,12 @@ class KeyRows {
         row.text = [&box](const NumberForms&) {
             return QString::number(box.checked() ? 1 : 0);
         };
-        if constexpr (!std::is_const_v<Box>)
-            row.load = [&box](const QString& stored, const NumberForms& forms) {
-                const auto value = storedInteger(stored, forms, 0, 1);
-                if (value)
-                    box.set(*value);
-                return value.has_value();
-            };
+        row.load = [&box](const QString& stored, const NumberForms& forms) {
+            const auto value = storedInteger(stored, forms, 0, 1);
+            if (value)
+                box.set(*value);
+            return value.has_value();
+        };
     }
 
     template <class Swatch>
@@ -170,13 +162,12 @@ class KeyRows {
         row.text = [&swatch](const NumberForms&) {
             return QString::number(swatch.BackColor.value());
         };
-        if constexpr (!std::is_const_v<Swatch>)
-            row.load = [&swatch](const QString& stored, const NumberForms& forms) {
-                const auto value = storedInteger(stored, forms, 0, 0xFFFFFF);
-                if (value)
-                    swatch.BackColor = *value;
-                return value.has_value();
-            };
+        row.load = [&swatch](const QString& stored, const NumberForms& forms) {
+            const auto value = storedInteger(stored, forms, 0, 0xFFFFFF);
+            if (value)
+                swatch.BackColor = *value;
+            return value.has_value();
+        };
     }
 
     // One boolean per option. Of several "True" the last one counts; when all are "False" the
@@ -190,20 +181,18 @@ class KeyRows {
             row.text = [&group, i](const NumberForms&) {
                 return booleanText(group.Index.value() == i);
             };
-            if constexpr (!std::is_const_v<Group>)
-                row.load = [&group, i, last, defaultIndex](const QString& stored,
-                                                           const NumberForms&) {
-                    const auto chosen = storedBoolean(stored);
-                    if (!chosen)
-                        return false;
-                    if (i == 0)
-                        group.Index = -1;
-                    if (*chosen)
-                        group.choose(i);
-                    else if (i == last && group.Index.value() < 0)
-                        group.choose(defaultIndex);
-                    return true;
-                };
+            row.load = [&group, i, last, defaultIndex](const QString& stored, const NumberForms&) {
+                const auto chosen = storedBoolean(stored);
+                if (!chosen)
+                    return false;
+                if (i == 0)
+                    group.Index = -1;
+                if (*chosen)
+                    group.choose(i);
+                else if (i == last && group.Index.value() < 0)
+                    group.choose(defaultIndex);
+                return true;
+            };
         }
     }
 
@@ -213,5 +202,13 @@ class KeyRows {
     QString section_;
     std::vector<KeyRow> rows_;
 };
+
+// The rows of each level of each quantity: limits, descriptions, colours, unsafe levels and alarms.
+void limitRows(KeyRows& rows, ConditionControls& conditions);
+void descriptionRows(KeyRows& rows, ConditionControls& conditions);
+void colourRows(KeyRows& rows, ConditionControls& conditions);
+void unsafeRows(KeyRows& rows, ConditionControls& conditions);
+void alarmRows(KeyRows& rows, AlarmControls& alarms);
+void staleDataRows(KeyRows& rows, AlarmControls& alarms, ConditionControls& conditions);
 
 } // namespace skyhold

@@ -70,7 +70,7 @@ TEST_F(CoreAlarms, endOfSessionAndLocalControlSilenceAndRelease) {
 TEST_F(CoreAlarms, stopButtonSilencesAndSuspensionIsAClickRule) {
     StartSession(*core_);
     rainCycle(3);
-    AlarmStop(*core_);
+    stopAlarm(*core_);
     media_.heard();
     rainCycle(3);
     expect({}, u"R2"_s);
@@ -83,11 +83,11 @@ TEST_F(CoreAlarms, stopButtonSilencesAndSuspensionIsAClickRule) {
 }
 
 TEST_F(CoreAlarms, automationSoundsWithoutASessionAndWithoutAnOwner) {
-    AlarmStart(*core_, sound(u"called"_s) + u"|repeat"_s);
+    startAlarm(*core_, sound(u"called"_s) + u"|repeat"_s);
     EXPECT_TRUE(media_.commands.last().endsWith(u" repeat"_s));
     expect(u"called"_s, {});
     EXPECT_TRUE(stopOffered());
-    AlarmStop(*core_);
+    stopAlarm(*core_);
     expect(u"-"_s, {});
     EXPECT_FALSE(stopOffered());
 }
@@ -153,7 +153,7 @@ TEST_F(CoreAlarms, stationDataThatCannotBeUsedSoundsUntilItIsFresh) {
         EXPECT_EQ(records().display.WSAlarmMsg.Caption.value(), message);
 
         // Acknowledged, and it stays so, even when the same trouble is written again.
-        AlarmStop(*core_);
+        stopAlarm(*core_);
         fail();
         media_.heard();
         cycleWithoutStation();

@@ -93,13 +93,13 @@ TEST_F(Recording, startThatFailsShowsItsCode) {
     records().dataFile.LblPathName.Caption = folder_->filePath(u"gone"_s);
     records().dataFile.RecOption.choose(0);
     check("user");
-    Record_Start(*core_, true);
+    startRecording(*core_, true);
     check("automation");
     ASSERT_TRUE(QDir().mkdir(folder_->filePath(u"gone"_s)));
-    Record_Start(*core_, true);
+    startRecording(*core_, true);
     EXPECT_EQ(codes(), QString());
     EXPECT_EQ(records().dataFile.RecOption.Index, 0);
-    Record_Stop(*core_);
+    stopRecording(*core_);
     EXPECT_EQ(records().dataFile.RecOption.Index, 1);
 }
 

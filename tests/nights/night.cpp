@@ -143,7 +143,7 @@ void Night::use(const QString& word, const QString& rest) {
                                      : records().conditions.NBDataOldUnsafe)
             .set(rest.last(1).toInt());
     else if (word == u"silence") // the Stop Alarm button
-        AlarmStop(*core_);
+        stopAlarm(*core_);
     else if (word == u"let" || word == u"call") { // MEMBER ARGUMENT,... as a client does
         QVariantList arguments;
         if (rest.contains(u' ')) {

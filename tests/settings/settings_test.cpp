@@ -27,7 +27,7 @@ QString nameOf(const KeyRow& row) {
 }
 
 // The present text of every key.
-Texts textsOf(const Records& records, const NumberForms& forms = kPoint) {
+Texts textsOf(Records& records, const NumberForms& forms = kPoint) {
     Texts texts;
     for (const KeyRow& row : keyTable(records))
         texts[nameOf(row)] = row.text(forms);
@@ -52,7 +52,7 @@ std::string differences(const Texts& texts, const Texts& expected) {
 
 Texts defaultTexts() {
     Texts texts;
-    const Records records;
+    Records records;
     for (const KeyRow& row : keyTable(records))
         texts[nameOf(row)] = row.defaultText;
     return texts;
@@ -158,7 +158,7 @@ TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
 TEST_F(Settings, EveryKeySurvivesARestart) {
     for (const NumberForms& forms : {kPoint, kComma}) {
         Texts texts;
-        const Records fresh;
+        Records fresh;
         for (const KeyRow& row : keyTable(fresh)) {
             texts[nameOf(row)] = changedText(row);
             if (row.type == KeyType::Number)
@@ -191,7 +191,7 @@ TEST_F(Settings, EveryKeySurvivesARestart) {
 
 TEST_F(Settings, RubbishInAKeyYieldsItsDefaultAndNothingElseChanges) {
     const Texts defaults = defaultTexts();
-    const Records fresh;
+    Records fresh;
     for (const KeyRow& row : keyTable(fresh)) {
         QStringList rubbish{u"rubbish"_s, u"nan"_s, u"inf"_s, u"1e999"_s, u"1 2"_s, u""_s};
         if (row.type == KeyType::Text)
@@ -343,17 +343,11 @@ TEST_F(Settings, ShortenedUploadListLeavesItsOldKeysUnread) {
     EXPECT_EQ(reloaded.upload.Files[0].fName, u"a.png"_s);
 }
 
-TEST_F(Settings, SomeKeysAreSavedAtOnceAndAFailureIsReported) {
+TEST_F(Settings, AFailureToSaveIsReported) {
     Records records;
     LoadSettings(records, store_, kPoint);
-    records.stationFile.HTMFile.Caption = u"/weather/data.htm"_s;
-    records.upload.ServerPath.Text = u"not yet"_s;
-    EXPECT_TRUE(SaveKeys(records, store_, {{u"Setup"_s, u"HTMFile"_s}}, kPoint));
-    EXPECT_EQ(saved(u"Setup"_s, u"HTMFile"_s), u"/weather/data.htm"_s);
-    EXPECT_EQ(saved(u"Setup"_s, u"ServerPath"_s), u"absent"_s);
-    EXPECT_FALSE(SaveKeys(records, store_, {{u"Setup"_s, u"WindCalm"_s}}, kPoint));
     // A folder in the file's place fails for every user, root included.
-    ASSERT_TRUE(QFile::remove(store_.filePath()) && QDir().mkpath(store_.filePath()));
+    ASSERT_TRUE(QDir().mkpath(store_.filePath()));
     EXPECT_FALSE(SaveSettings(records, store_, kPoint));
 }
 

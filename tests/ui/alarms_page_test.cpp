@@ -199,10 +199,10 @@ TEST_F(AlarmsPage, AnAlarmThatIsNotHeardSaysSo) {
     EXPECT_TRUE(visible("SoundFault"));
     EXPECT_EQ(shown("SoundFault"), u"No sound: no audio device"_s);
     EXPECT_TRUE(mark().startsWith(u"This alarm is due and is not heard."_s));
-    AlarmStart(*core_, record().Tag);
+    startAlarm(*core_, record().Tag);
     EXPECT_FALSE(visible("SoundFault"));
     QFile::remove(path("sounds/Bell.wav"));
-    AlarmStart(*core_, record().Tag);
+    startAlarm(*core_, record().Tag);
     EXPECT_EQ(shown("SoundFault"), u"No sound: Bell.wav cannot be opened"_s);
 }
 

@@ -120,7 +120,7 @@ QLayout* makeSpan(GraphControls& graphs, QWidget* page) {
 
 QWidget* makeGraphsPage(MonitoringCore& core, QWidget* parent) {
     const QStringList value{u"Text"_s, u"Line"_s};
-    const std::array<GraphPlace, 6> places{{
+    const std::array<GraphPlace, kGraphCount> places{{
         {u"Wind"_s, "Wind", value},
         {u"Gust"_s, "Gust", value},
         {u"Direction"_s, "Dir", {u"Text"_s, u"Points"_s, u"Grid"_s}},

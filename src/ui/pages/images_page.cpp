@@ -24,12 +24,12 @@ QWidget* makeWhich(GraphControls& graphs, QWidget* page) {
         QString title;
         const char* suffix; // of the control names
     };
-    const std::array<Image, 6> images{{{u"Wind"_s, "Wind"},
-                                       {u"Gust"_s, "Gust"},
-                                       {u"Direction"_s, "Dir"},
-                                       {u"Dew-point spread"_s, "Dew"},
-                                       {u"Humidity"_s, "Hum"},
-                                       {u"Temperature"_s, "Temp"}}};
+    const std::array<Image, kGraphCount> images{{{u"Wind"_s, "Wind"},
+                                                 {u"Gust"_s, "Gust"},
+                                                 {u"Direction"_s, "Dir"},
+                                                 {u"Dew-point spread"_s, "Dew"},
+                                                 {u"Humidity"_s, "Hum"},
+                                                 {u"Temperature"_s, "Temp"}}};
     QVBoxLayout* column = addGroup(page, u"Save these graphs as images"_s);
     QWidget* group = column->parentWidget();
     auto* grid = new QGridLayout;

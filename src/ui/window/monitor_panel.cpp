@@ -255,7 +255,7 @@ QPushButton* MonitorPanel::makeStopAlarm(MonitoringCore& core, QWidget* card) {
         button->setPalette(loud);
     });
     bind(button, core.records.alarms.ButtStopAlarm);
-    connect(button, &QPushButton::clicked, card, [&core] { AlarmStop(core); });
+    connect(button, &QPushButton::clicked, card, [&core] { stopAlarm(core); });
     return button;
 }
 
