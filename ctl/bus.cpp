@@ -17,7 +17,7 @@ constexpr unsigned kConnectPatienceSeconds = 5;
 // would have to be put in order.
 void endWithoutBus(int) {
     constexpr char kText[] = "skyholdctl: the session bus does not answer\n";
-    // Whether it can be read or not, the exit status tells.
+    // The exit status shows whether it can be read.
     [[maybe_unused]] const auto written = ::write(STDERR_FILENO, kText, sizeof kText - 1);
     ::_exit(2);
 }
@@ -58,12 +58,12 @@ QString monitorFault(const QDBusError& error) {
     if (isAbsence(error))
         return u"Kiv_Skyhold is not running; start it with: skyholdctl start"_s;
     if (isTimeout(error))
-        return u"Kiv_Skyhold does not answer; is it stopped, or has it ended just now?"_s;
-    return u"Kiv_Skyhold cannot be asked: "_s + error.message();
+        return u"Kiv_Skyhold does not answer; it may be suspended, or have just ended"_s;
+    return u"Kiv_Skyhold cannot be called: "_s + error.message();
 }
 
 QString oddAnswer() {
-    return u"Kiv_Skyhold gave an odd answer"_s;
+    return u"Kiv_Skyhold gave an unexpected answer"_s;
 }
 
 } // namespace skyhold

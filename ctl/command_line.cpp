@@ -49,7 +49,7 @@ QString noSuchCommand(const QString& name) {
         names.append(QString::fromUtf16(row.name));
     const std::optional<QString> nearest = nearestName(name, names);
     return u"there is no command "_s + plainLine(name) +
-           (nearest ? u"; did you mean %1?"_s.arg(*nearest) : u"; skyholdctl help shows them"_s);
+           (nearest ? u"; did you mean %1?"_s.arg(*nearest) : u"; skyholdctl help lists them"_s);
 }
 
 // What the options say, and the other arguments in their order.
@@ -97,7 +97,7 @@ std::optional<Command> parseCommandLine(const QStringList& arguments, QString& f
     if (!found)
         return std::nullopt;
     if (found->plain.isEmpty()) {
-        fault = u"which command? skyholdctl help shows them"_s;
+        fault = u"which command? skyholdctl help lists them"_s;
         return std::nullopt;
     }
     Command command{found->plain.first(), found->plain.mid(1), found->json};
@@ -122,22 +122,22 @@ std::optional<Command> parseCommandLine(const QStringList& arguments, QString& f
 QString usageText() {
     return uR"(usage: skyholdctl COMMAND [OPTIONS]
 
-Asks and commands Kiv_Skyhold, which must be running; only "start" starts it.
+Queries and controls Kiv_Skyhold, which must be running; only "start" starts it.
 
   status               the verdict, why, and all conditions with their values
-  watch [NAMES...]     a line when something changes: the status, or the members named
+  watch [NAMES...]     a line at every change: of the status, or of these members
   get NAME             the value of a member
   set NAME VALUE       sets a property
-  call NAME [ARGS...]  calls a method and shows what it answers
+  call NAME [ARGS...]  calls a method and prints its result
   list [PATTERN]       the members with their kinds and types
-  start                starts monitoring, and the program when it does not run
+  start                starts monitoring, and the program if it is not running
   stop                 stops monitoring
   help                 this text
-  version              the version of skyholdctl; get Version answers the monitor's
+  version              the version of skyholdctl; get Version prints the monitor's
 
-  --json               answers as JSON (status, watch, get, call, list)
-  --every S            watch asks every S seconds (1)
-  --                   what follows is no option
+  --json               prints JSON (status, watch, get, call, list)
+  --every S            watch polls every S seconds (default: 1)
+  --                   everything after it is an argument
 
 Numbers have a "." whatever the locale; booleans are true and false.
 

@@ -22,7 +22,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kStartPatienceMs = 1'020'000;
 
 int fail(const QString& text) {
-    tell(text);
+    printFault(text);
     return kStatusFailed;
 }
 
@@ -94,10 +94,10 @@ int runSet(const Command& command) {
     QVariantList none;
     reply = monitor.invoke(member->name, kPropertyGet, none);
     if (!reply.ok())
-        return fail(callFault(*member, reply) + u" (when it was read back after it was set)"_s);
+        return fail(callFault(*member, reply) + u" (while reading the value back)"_s);
     if (reply.result != *value)
-        tell(u"%1 is \"%2\" now, not \"%3\""_s.arg(member->name, valueText(reply.result),
-                                                   plainLine(text)));
+        printFault(u"%1 is \"%2\" now, not \"%3\""_s.arg(member->name, valueText(reply.result),
+                                                         plainLine(text)));
     return 0;
 }
 
@@ -182,7 +182,7 @@ int switchMonitoring(MonitorConnection& monitor, bool wanted, int patienceMs) {
     if (!running)
         return fail(fault);
     if (*running != wanted)
-        return fail(wanted ? u"monitoring did not start; the monitor itself shows why"_s
+        return fail(wanted ? u"monitoring did not start; the monitor shows why"_s
                            : u"monitoring did not stop"_s);
     return 0;
 }
@@ -229,7 +229,7 @@ QString notReadable(const Member& member) {
     if (!member.parameters.empty())
         return u"%1 takes arguments: %1%2; use: skyholdctl call"_s.arg(member.name,
                                                                        signatureText(member));
-    return u"%1 is no value but does something; use: skyholdctl call %1"_s.arg(member.name);
+    return u"%1 is an action, not a value; use: skyholdctl call %1"_s.arg(member.name);
 }
 
 int runCommand(const Command& command) {

@@ -1,5 +1,5 @@
-// What each command does. A command writes its answer, tells what went wrong on standard error, and
-// answers the exit status; a failed write is left to whoever closes standard output.
+// What each command does. A command writes its answer, reports what went wrong on standard error,
+// and returns the exit status; a failed write is reported when standard output is closed.
 #pragma once
 
 #include "ctl/command_line.h"
@@ -10,7 +10,7 @@ namespace skyhold {
 
 int runCommand(const Command& command);
 
-// The members of the attached monitor; none when they cannot be had, `fault` says why.
+// The members of the attached monitor; none when they are not available; `fault` says why.
 std::vector<Member> describedMembers(MonitorConnection& monitor, QString& fault);
 
 // Why the member cannot be read, with a hint; empty when it can.

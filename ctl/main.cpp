@@ -1,4 +1,4 @@
-// skyholdctl: asks and commands the monitor from the command line. Whatever goes wrong ends with
+// skyholdctl: queries and controls the monitor from the command line. Whatever goes wrong ends with
 // exit status 2, so that nothing but a verdict that has reached its reader reads as safe.
 #include "ctl/commands.h"
 #include "ctl/output.h"
@@ -17,7 +17,7 @@ int run(const QStringList& arguments) {
     const std::optional<Command> command = parseCommandLine(arguments, fault);
     if (command)
         return runCommand(*command);
-    tell(fault);
+    printFault(fault);
     return kStatusFailed;
 }
 
@@ -30,6 +30,6 @@ int main(int argc, char** argv) {
     const int status = run(QCoreApplication::arguments().mid(1));
     if (closeOutput())
         return status;
-    tell(QStringLiteral("cannot write the answer"));
+    printFault(QStringLiteral("cannot write to standard output"));
     return kStatusFailed;
 }

@@ -160,7 +160,7 @@ QString noSuchMember(const std::vector<Member>& members, const QString& name) {
     const QString text = u"there is no member "_s + plainLine(name);
     const std::optional<QString> nearest = nearestName(name, names);
     return nearest ? text + u"; did you mean %1?"_s.arg(*nearest)
-                   : text + u"; skyholdctl list shows them"_s;
+                   : text + u"; skyholdctl list prints them"_s;
 }
 
 std::optional<QString> nearestName(const QString& name, const QStringList& names) {

@@ -34,7 +34,7 @@ const Member* findMember(const std::vector<Member>& members, const QString& name
 QString noSuchMember(const std::vector<Member>& members, const QString& name);
 
 // The name that needs the fewest slips of a finger (a letter wrong, missing, too much, or two
-// exchanged) to become `name`; nothing when even that one is no likely slip.
+// exchanged) to become `name`; nothing when even that one is not a likely slip.
 std::optional<QString> nearestName(const QString& name, const QStringList& names);
 
 // True for a member that answers a value and does nothing besides: one to get and to watch.

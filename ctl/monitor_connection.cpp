@@ -77,7 +77,7 @@ QDBusMessage MonitorConnection::send(QDBusMessage call) {
     call.setAutoStartService(false);
     const auto left = static_cast<int>(deadline_.remainingTime());
     if (left <= 0)
-        return call.createErrorReply(QDBusError::NoReply, u"the time is over"_s);
+        return call.createErrorReply(QDBusError::NoReply, u"timed out"_s);
     return bus_.call(call, QDBus::Block, left);
 }
 

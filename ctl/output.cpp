@@ -59,7 +59,7 @@ bool waitWhileRead(int ms) {
     return true;
 }
 
-void tell(const QString& text) {
+void printFault(const QString& text) {
     std::fprintf(stderr, "skyholdctl: %s\n", text.toUtf8().constData());
 }
 

@@ -23,6 +23,6 @@ bool closeOutput();
 // False when nobody can read any more what is written; true after `ms` milliseconds.
 bool waitWhileRead(int ms);
 
-void tell(const QString& text);
+void printFault(const QString& text);
 
 } // namespace skyhold

@@ -12,7 +12,7 @@ QString typeName(AutomationType type);
 
 // The value of a type that a text stands for, whatever the locale: an integer in decimal or "0x"
 // digits, a finite number with ".", "true" or "false" in any case, a text as it stands ("any" is
-// taken as text). Nothing for what has not that form or does not fit.
+// taken as text). Nothing for a text that does not have that form or does not fit.
 std::optional<QVariant> parseValue(const QString& text, AutomationType type);
 
 // Nothing, or an array without elements, which is how nothing travels inside an array.

@@ -44,7 +44,7 @@ class Watch {
     explicit Watch(const QStringList& names)
         : names_(names) {}
 
-    // How everything is now. Nothing when a name cannot be watched; `fault` says why.
+    // The present state of everything. Nothing when a name cannot be watched; `fault` says why.
     std::optional<std::vector<Sight>> look(QString& fault) {
         if (names_.isEmpty())
             return std::vector{documentSight()};
@@ -115,7 +115,7 @@ int runWatch(const Command& command) {
         QString fault;
         const std::optional<std::vector<Sight>> seen = watch.look(fault);
         if (!seen) {
-            tell(fault);
+            printFault(fault);
             return kStatusFailed;
         }
         for (std::size_t i = 0; i < seen->size(); ++i) {

@@ -129,7 +129,7 @@ void stationFile(QByteArrayView bytes) {
         require(shown.join(QString()).isEmpty(), "nothing is taken from what is no text");
         return;
     }
-    // What the first read of a session lacks may be torn off; a second one tells.
+    // What the first read of a session lacks may be torn off; a second one shows that.
     const StationRead second = read();
     require(second == StationRead::Valid || result != StationRead::Valid,
             "a valid file stays valid");

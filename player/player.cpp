@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
                      [&file](QMediaPlayer::Error, const QString& reason) {
                          QCoreApplication::exit(fail(file + QStringLiteral(": ") + reason));
                      });
-    // Opened anew for each time: the library's own loop, and playing again after the end, stop
+    // Opened again each time: the library's own loop, and playing again after the end, stop
     // sounding after a few times.
     QTimer begin;
     begin.setSingleShot(true);

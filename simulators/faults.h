@@ -1,4 +1,4 @@
-// Faults that a simulator can be told to have, written "NAME" or "NAME=VALUE".
+// Faults that a simulator can show, written "NAME" or "NAME=VALUE".
 #pragma once
 
 #include <QHash>

@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
         {u"sensor-version"_s, u"The version it reports (5.20.0001)."_s, u"TEXT"_s, u"5.20.0001"_s},
         {u"fault"_s, u"A fault from the list above."_s, u"NAME[=VALUE]"_s},
         {u"fault-after"_s, u"Seconds until the faults begin (0)."_s, u"SECONDS"_s, u"0"_s},
-        {u"verbose"_s, u"Prints a line for every change that it is told."_s},
+        {u"verbose"_s, u"Prints a line for every change that is sent to it."_s},
     });
     parser.process(application);
 
@@ -114,7 +114,7 @@ int main(int argc, char** argv) {
     addSensorForm(server, device);
     if (!server.start())
         return refuse(
-            u"the name %1 cannot be had on the session bus"_s.arg(SensorServer::programId()));
+            u"the name %1 is not available on the session bus"_s.arg(SensorServer::programId()));
     onQuitSignal([] { QCoreApplication::quit(); });
     return QCoreApplication::exec();
 }

@@ -52,7 +52,7 @@ double ReplayLog::rainOfDay(const QDateTime& time) const {
     double inches = 0;
     const auto end = firstAfter(records, time);
     for (auto record = records.begin(); record != end; ++record) {
-        const double fell = record->precipitationIn.toDouble(); // 0 for what is no number
+        const double fell = record->precipitationIn.toDouble(); // 0 for what is not a number
         if (record->time >= midnight && std::isfinite(fell))
             inches += fell;
     }
@@ -84,7 +84,7 @@ ReplayLog parseReplayLog(const QByteArray& text) {
     std::stable_sort(log.records.begin(), log.records.end(),
                      [](const LogRecord& a, const LogRecord& b) { return a.time < b.time; });
     if (log.records.empty())
-        log.error = QStringLiteral("there is no record in it");
+        log.error = QStringLiteral("it has no records");
     return log;
 }
 

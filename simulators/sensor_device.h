@@ -1,4 +1,4 @@
-// The simulated cloud sensor: what it measures, what state it is in, and what it has been told.
+// The simulated cloud sensor: what it measures, what state it is in, and what has been sent to it.
 #pragma once
 
 #include "platform/clock.h"
@@ -27,7 +27,7 @@ enum class SensorGraph { Cloud, Rain, Day, Temp };
 
 class SensorDevice {
   public:
-    // `onChange` is given a line for every change that the device is told.
+    // `onChange` is given a line for every change that is sent to the device.
     SensorDevice(const Clock& clock, const SensorOptions& options, const Faults& faults,
                  std::function<void(const QString&)> onChange);
 
@@ -43,7 +43,7 @@ class SensorDevice {
     Weather reading() const;
     QDateTime lastReading() const;
     QString heaterStatus() const;
-    // In the unit the device was told last.
+    // In the unit that the device was given last.
     double temperature(double celsius) const;
 
     // History of a graph as (field, point): field 1 the date, 2 the value, 3 the condition (for
@@ -52,7 +52,7 @@ class SensorDevice {
     int historyFirst() const { return historySize() > 0 ? 1 : 0; }
     int historyLast() const { return historySize(); }
 
-    // What other programs tell it.
+    // What other programs send to it.
     void setTemperatureUnit(const QString& letter);
     QString temperatureUnit() const { return temperatureUnit_; }
     void setSwitchControl(bool byClient);

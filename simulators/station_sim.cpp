@@ -97,7 +97,7 @@ void readControl(Station& station) {
     const QString text = QString::fromUtf8(control.bytes).trimmed();
     station.faults.clear();
     if (!text.isEmpty() && !station.faults.set(text))
-        refuse(u"the control file names no fault: "_s + text);
+        refuse(u"the control file does not name a fault: "_s + text);
 }
 
 void writeOnce(Station& station) {
@@ -134,7 +134,7 @@ int main(int argc, char** argv) {
         {u"list-times"_s, u"Prints the first and the last local time of a log and ends."_s,
          u"FILE"_s},
         {u"fault"_s, u"A fault from the list above."_s, u"NAME[=VALUE]"_s},
-        {u"control"_s, u"A file whose text is the fault to have."_s, u"FILE"_s},
+        {u"control"_s, u"A file that names the fault to simulate."_s, u"FILE"_s},
     });
     parser.process(application);
     if (parser.isSet(u"list-times"_s))

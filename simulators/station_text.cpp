@@ -24,7 +24,7 @@ QString compassLabel(double degrees) {
     return labels[static_cast<std::size_t>(std::lround(degrees / 22.5)) % labels.size()];
 }
 
-// A logged text in the form of `convert`; what is no number stays as it is.
+// A logged text in the form of `convert`; what is not a number stays as it is.
 QString converted(const QString& logged, const std::function<QString(double)>& convert) {
     bool number = false;
     const double value = logged.toDouble(&number);

@@ -1,4 +1,4 @@
-"""Makes the sounds that come with the program: short, pleasant, and told apart at once.
+"""Makes the sounds that come with the program: short, pleasant, and easy to tell apart.
 
 usage: make_sounds.py FOLDER
 

@@ -6,7 +6,7 @@ namespace skyhold {
 
 // Runs `work` in the worker and answers with its exit status. When the worker dies without one
 // (killed, crashed), the guard runs `afterDeath`. When the guard dies, the worker gets SIGTERM.
-// When both are killed, nobody is left; then it is the lock that tells the monitor.
+// When both are killed, none is left; then the lock shows it to the monitor.
 // Returns in both processes.
 int runGuarded(int (*work)(), void (*afterDeath)());
 

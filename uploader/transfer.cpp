@@ -68,7 +68,7 @@ QString readSteadyFile(const QString& path, QByteArray& bytes) {
         case ReadResult::Missing:
             return u"there is no such file"_s;
         case ReadResult::NotAFile:
-            return u"it is no file"_s;
+            return u"it is not a file"_s;
         case ReadResult::TooLarge:
             return u"it is larger than 256 MiB"_s;
         case ReadResult::Unreadable:
@@ -82,7 +82,7 @@ QString readSteadyFile(const QString& path, QByteArray& bytes) {
         }
         QThread::msleep(100);
     }
-    return u"it is being written all the time"_s;
+    return u"it keeps changing"_s;
 }
 
 } // namespace
@@ -116,7 +116,7 @@ Transfer::Transfer(const UploadJob& job, bool (*cancelled)())
     }
     curl_easy_setopt(curl, CURLOPT_FTP_CREATE_MISSING_DIRS, CURLFTP_CREATE_DIR_RETRY);
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L); // a name server that hangs holds nobody up
+    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L); // a hung name server does not hold this up
     curl_easy_setopt(curl, CURLOPT_READFUNCTION, readNext);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, discard);
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
@@ -127,12 +127,12 @@ Transfer::Transfer(const UploadJob& job, bool (*cancelled)())
 TransferResult Transfer::send(const QString& path) {
     const QString name = QFileInfo(path).fileName();
     if (hasControlCharacter(name))
-        return {u"its name has a line break"_s};
+        return {u"its name contains a line break"_s};
     QByteArray bytes;
     if (const QString fault = readSteadyFile(path, bytes); !fault.isEmpty())
         return {fault};
     if (!curl_)
-        return {u"the transfer library does not start"_s, true};
+        return {u"the transfer library could not be started"_s, true};
 
     deadline_ = QDeadlineTimer(job_.timeoutSeconds * std::int64_t{1000}).deadline();
     CURLcode code = store(name, bytes);
@@ -240,7 +240,7 @@ TransferResult Transfer::result(CURLcode code, bool tookNothing) const {
     case CURLE_ABORTED_BY_CALLBACK:
         return {u"broken off"_s, true};
     case CURLE_COULDNT_RESOLVE_HOST:
-        return {host + u" is not known to the network"_s, true};
+        return {host + u" cannot be resolved"_s, true};
     case CURLE_COULDNT_CONNECT:
         return {u"no connection to "_s + host, true};
     case CURLE_LOGIN_DENIED:
@@ -261,7 +261,7 @@ TransferResult Transfer::result(CURLcode code, bool tookNothing) const {
     case CURLE_UPLOAD_FAILED:
         return {host + u" refuses the file"_s};
     case CURLE_QUOTE_ERROR:
-        return {host + u" does not give it its name"_s};
+        return {host + u" does not rename it"_s};
     default:
         return {u"%1: %2"_s.arg(host, QString::fromUtf8(curl_easy_strerror(code)))};
     }

@@ -24,7 +24,7 @@ class Transfer {
 
     // Sends a file of at most 256 MiB into the server's folder, which is made when it is missing.
     // It is sent under a name of its own (NAME.part) and takes its name when it has arrived whole,
-    // so that nobody ever finds a part of it under its name. Takes at most the job's time-out,
+    // so that no reader ever finds a part of it under its name. Takes at most the job's time-out,
     // whatever the server does or fails to do, and two seconds more to remove what has arrived of
     // a file that failed.
     TransferResult send(const QString& path);
@@ -38,7 +38,7 @@ class Transfer {
     QList<QByteArray> renameCommands(const QString& name) const;
     QByteArray deleteCommand(const QString& name) const;
     bool renameWasRefused() const;
-    // After a fault the server may never answer again: nobody waits for its farewell, and the next
+    // After a fault the server may never answer again: its farewell is not waited for, and the next
     // file gets a connection of its own.
     void hangUp();
     TransferResult result(CURLcode code, bool tookNothing) const;

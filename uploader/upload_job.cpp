@@ -40,10 +40,10 @@ std::optional<UploadJob> readUploadJob(const SettingsStore& area, QString& fault
     const QString folder = setting(area, u"ServerPath"_s);
     const std::optional<ServerAddress> server = parseServerAddress(address);
     if (!server) {
-        // The text is not shown: somebody may have put a password into it.
+        // The text is not shown: it may hold a password.
         fault = address.trimmed().isEmpty()
                     ? u"no server address is set"_s
-                    : u"the server address is none; it has the form HOST, HOST:PORT or "
+                    : u"the server address is not valid; it takes the form HOST, HOST:PORT or "
                       "SCHEME://HOST:PORT with the schemes ftp, ftpes, ftps and sftp"_s;
         return std::nullopt;
     }
@@ -54,7 +54,7 @@ std::optional<UploadJob> readUploadJob(const SettingsStore& area, QString& fault
         job.server.folder += u'/';
     for (const QString& text : {job.server.folder, job.userName, job.password}) {
         if (hasControlCharacter(text)) {
-            fault = u"the server's folder, the user name or the password has a line break"_s;
+            fault = u"the server's folder, the user name or the password contains a line break"_s;
             return std::nullopt;
         }
     }

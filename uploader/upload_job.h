@@ -18,7 +18,7 @@ struct UploadJob {
     int timeoutSeconds = 60; // for one file, all in all
 };
 
-// Seconds for one file: 1 to 999; a text that is no such number counts as 60, so that no server is
+// Seconds for one file: 1 to 999; any other text counts as 60, so that no server is
 // ever waited for without end.
 int readTimeout(const SettingsStore& area);
 QStringList readFiles(const SettingsStore& area);

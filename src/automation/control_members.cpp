@@ -55,8 +55,8 @@ AutomationReply setCloudAlarmDelay(Core& core, QVariantList& arguments) {
 }
 
 AutomationReply cloudAlarmDelay(Core& core, QVariantList&) {
-    const AutomationReply told = readFromSensor(core, u"Kiv_CloudAlarmDelay"_s, I4);
-    return answered(told.ok() ? told.result : QVariant(0));
+    const AutomationReply reply = readFromSensor(core, u"Kiv_CloudAlarmDelay"_s, I4);
+    return answered(reply.ok() ? reply.result : QVariant(0));
 }
 
 // True hands the switch over to clients, so that reading it back gives false.
@@ -100,7 +100,7 @@ void addSafeDelay(MemberList& list) {
         });
     list.get(
         u"Kiv_SafeDelayMsg"_s,
-        {Text, u"what the window says of the safe delay and of failing sources"_s, Activity::None},
+        {Text, u"the window's text on the safe delay and on failing sources"_s, Activity::None},
         answering([](Core& core) { return safeDelayMessage(core.records); }));
     list.get(u"Kiv_SafeDelayWait"_s,
              {I4, u"seconds still to wait before safe is announced"_s, Activity::None},
@@ -170,7 +170,9 @@ void addSwitch(MemberList& list) {
     list.method(
         u"Kiv_LocalControl"_s, {{u"vData"_s, Bool, false}, {u"sLabel"_s, Text, false}},
         {Empty,
-         u"takes (true) or gives back the caller's control of the verdict; the label says who; the rules decide again when nobody has it; a caller that goes without giving it back leaves the verdict unsafe for the safe delay"_s},
+         u"takes (true) or gives back the caller's control of the verdict; the label names the "
+         "caller; the rules decide again when no client has control; a caller that disconnects "
+         "without giving it back leaves the verdict unsafe for the safe delay"_s},
         [](Core& core, QVariantList& arguments) {
             HasControl(core, arguments[0].toBool(), arguments[1].toString());
             return answered();
@@ -206,13 +208,14 @@ void addRecorderAndVerdict(MemberList& list) {
                 {Bool, u"whether the transfer file of Kiv_Nubilo failed"_s, Activity::Signal,
                  Source::Sensor},
                 forwardedRead(u"XFERFileErr"_s, Bool));
-    list.method(u"RecordStart"_s, {{u"flgAppendToFile"_s, Bool, false}},
-                {Empty, u"starts the user data file, behind what is in it or anew"_s},
-                [](Core& core, QVariantList& arguments) {
-                    startRecording(core, arguments[0].toBool());
-                    return answered();
-                });
-    list.method(u"RecordStop"_s, {Empty, u"stops the user data file"_s},
+    list.method(
+        u"RecordStart"_s, {{u"flgAppendToFile"_s, Bool, false}},
+        {Empty, u"starts recording to the user data file; appends to it, or overwrites it"_s},
+        [](Core& core, QVariantList& arguments) {
+            startRecording(core, arguments[0].toBool());
+            return answered();
+        });
+    list.method(u"RecordStop"_s, {Empty, u"stops recording to the user data file"_s},
                 [](Core& core, QVariantList&) {
                     stopRecording(core);
                     return answered();
@@ -251,7 +254,7 @@ void addWindow(MemberList& list) {
     };
     position(u"WindowLeft"_s, u"left"_s, &WindowControls::Left);
     position(u"WindowTop"_s, u"top"_s, &WindowControls::Top);
-    list.method(u"BlinkLEDCOM"_s, {Empty, u"nothing but the signal of activity"_s},
+    list.method(u"BlinkLEDCOM"_s, {Empty, u"does nothing but show activity"_s},
                 [](Core&, QVariantList&) { return answered(); });
 }
 

@@ -29,7 +29,7 @@ MonitorObject::~MonitorObject() {
     bus_.unregisterObject(kPath);
 }
 
-// Whoever asks first after the machine slept must not be given the verdict of then.
+// The first reader after the machine slept must not get the verdict from before.
 QString MonitorObject::state() const {
     if (core_.TimerRead.overdue())
         distrustAfterGap(core_);

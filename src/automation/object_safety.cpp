@@ -68,7 +68,7 @@ std::optional<QDBusMessage> answer(const ObjectSafety& safety, const QDBusMessag
         return message.createReply();
     return error == AutomationError::NoInterface
                ? noInterface(message)
-               : automationErrorReply(message, error, u"these options cannot be had"_s);
+               : automationErrorReply(message, error, u"these options are not supported"_s);
 }
 
 } // namespace

@@ -28,7 +28,7 @@ AutomationReply readFromSensor(MonitoringCore& core, const QString& name, Automa
     if (!reply.ok())
         return asException(std::move(reply), name);
     const std::optional<QVariant> typed = convertTo(type, reply.result);
-    return typed ? answered(*typed) : failed(name + u": the answer has another type"_s);
+    return typed ? answered(*typed) : failed(name + u": the answer has the wrong type"_s);
 }
 
 AutomationReply writeToSensor(MonitoringCore& core, const QString& name, const QVariant& value) {

@@ -314,7 +314,7 @@ void addRest(MemberList& list) {
     const auto suspend = [](Core& core) -> CheckBox& {
         return core.records.alarms.SuspendSoundAlarm;
     };
-    list.property(u"AlarmSuspendSound"_s, {I4, u"1: condition alarms make no sound, 0: they do"_s},
+    list.property(u"AlarmSuspendSound"_s, {I4, u"1: condition alarms are silent, 0: they sound"_s},
                   answering([suspend](Core& core) { return suspend(core).Value.value(); }),
                   [suspend](Core& core, QVariantList& arguments) {
                       if (!isCheckValue(arguments[0]))

@@ -140,8 +140,8 @@ class BusLink {
             return answer(reply, arguments);
 
         const QDBusError error(reply);
-        // The bus answers "no reply" as well when the program ends in mid-call, and at once; a
-        // time-out may come a twentieth early.
+        // The bus answers "no reply" as well when the program ends in the middle of a call, and at
+        // once; a time-out may come a twentieth early.
         if (isTimeout(error.type()) && took >= timeout * 9 / 10)
             giveUp();
         else if (isTimeout(error.type()) || (isGone(error) && !isOnlyUnknown(error, path)))
@@ -236,8 +236,8 @@ class AwaitedObject : public DispatchObject {
     std::function<bool()> over_;
 };
 
-// An instance that a factory was asked for. One that nobody takes is released, also when it comes
-// only after this has gone.
+// An instance that was requested from a factory. One that is not used is released, also when it
+// comes only after this has gone.
 class Creation {
   public:
     Creation(const QDBusConnection& bus, const QString& programId)
@@ -327,7 +327,7 @@ class BusCreator {
     }
 
   private:
-    // Has the bus start the program; nothing when that has come to nothing.
+    // Has the bus start the program; nothing when that has failed.
     std::unique_ptr<DispatchObject> started(const QString& programId) {
         if (start_ && start_->isFinished()) {
             start_.reset();

@@ -1,4 +1,4 @@
-// The client side of automation objects of other programs.
+// The client side: automation objects of other programs.
 #pragma once
 
 #include "bus/automation_value.h"

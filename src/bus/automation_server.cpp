@@ -101,7 +101,7 @@ AutomationReply MemberTable::invoke(const AutomationMember& member, QVariantList
         if (!converted)
             return error(
                 AutomationError::TypeMismatch,
-                QStringLiteral("%1: argument %2 does not convert").arg(member.name).arg(i + 1));
+                QStringLiteral("%1: argument %2 has the wrong type").arg(member.name).arg(i + 1));
         argument = *converted;
     }
     return member.act(arguments);

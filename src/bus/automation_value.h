@@ -27,8 +27,8 @@ enum class AutomationType { Empty, I4, R8, Bool, Text, Date, Object, Variant };
 void registerAutomationTypes();
 
 // A value as it came off the bus (numbers of any width, structures, nested variants) as one of the
-// forms above. What has none of them (another structure, a dictionary, a signature) becomes an
-// empty value.
+// forms above. What does not have any of them (another structure, a dictionary, a signature)
+// becomes an empty value.
 QVariant fromBus(const QVariant& value);
 QVariantList fromBus(const QVariantList& values);
 // The form to send: an empty value, in an array too, becomes an array without elements.

@@ -69,7 +69,7 @@ QString propertyXml(const AutomationMember& get, bool writable) {
            idAnnotation(get) + u"    </property>\n"_s;
 }
 
-// A value in the form of the interface's type; nothing for one that has not that type.
+// A value in the form of the interface's type; nothing for one that does not have that type.
 std::optional<QVariant> typedValue(AutomationType type, const QVariant& value) {
     if (type == AutomationType::Variant)
         return QVariant::fromValue(QDBusVariant(toBus(value)));
@@ -78,7 +78,7 @@ std::optional<QVariant> typedValue(AutomationType type, const QVariant& value) {
 
 QDBusMessage notTyped(const QDBusMessage& message, const AutomationMember& member) {
     return automationErrorReply(message, AutomationError::Exception,
-                                member.name + u": the value has another type"_s);
+                                member.name + u": the value has the wrong type"_s);
 }
 
 QDBusMessage bareError(const QDBusMessage& message, const QString& name, const QString& text) {
@@ -189,7 +189,7 @@ QString typedInterfaceXml(const QString& name, const MemberTable& members,
     QString xml = u"  <interface name=\"%1\">\n"_s.arg(name);
     for (const auto& [annotation, value] : annotations)
         xml += annotationXml(u"    "_s, annotation, value);
-    // No signal tells of changes: a client asks again.
+    // No signal reports changes: a client reads again.
     xml +=
         annotationXml(u"    "_s, u"org.freedesktop.DBus.Property.EmitsChangedSignal"_s, u"false"_s);
     for (const AutomationMember& member : members.members()) {

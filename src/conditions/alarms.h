@@ -30,7 +30,7 @@ struct SoundSpec {
 // The text before the last "|", played in a loop; without a "|" the whole text, played once.
 SoundSpec parseSound(const QString& spec);
 
-// True when the sound was opened and told to play.
+// True when the sound was opened and started.
 bool startSound(MediaControl& media, const SoundSpec& sound);
 void stopSound(MediaControl& media);
 

@@ -28,7 +28,7 @@ QString limitFault(ConditionControls& conditions, Quantity quantity, std::size_t
 // A limit that is being typed is to be used or kept. False, with a message, when it is refused;
 // otherwise it is entered.
 bool acceptLimits(ConditionControls& conditions, const ShowMessage& showMessage);
-// The same where nobody can be asked: what is refused gives way to the limit before.
+// The same where the user cannot be asked: a refused limit gives way to the previous one.
 void dropRefusedLimits(ConditionControls& conditions);
 
 } // namespace skyhold

@@ -93,7 +93,7 @@ void loseControl(MonitoringCore& core, const QString& client) {
     const bool decided = core.controllers.empty() || core.decidedBy == client;
     showControl(core, QString());
     if (decided)
-        distrust(core, who + QStringLiteral(" had control and has gone"));
+        distrust(core, who + QStringLiteral(" had control and has disconnected"));
 }
 
 void TakeBackControl(MonitoringCore& core) {

@@ -8,7 +8,7 @@ namespace skyhold {
 // delta +1 when an automation object is created, -1 when it is released.
 void RegisterUsers(Records& records, const Clock& clock, int delta);
 
-// Whether other programs can reach this one at all, shown in the place of the number of users.
+// Whether other programs can reach this one at all, shown in place of the number of users.
 void ShowAutomation(SessionControls& session, bool on);
 
 // Shows one automation call; with showPeriod also the seconds since the last such call.
@@ -19,11 +19,12 @@ void BlinkLEDCOM(SessionControls& session, const Clock& clock, Colour colour, bo
 void HasControl(MonitoringCore& core, bool flag, const QString& text);
 bool hasControl(const MonitoringCore& core, const QString& client);
 
-// The client has gone without giving control back. What it said no longer counts as safe, and when
-// nobody else has control the way back to safe has to be earned from the start.
+// The client has disconnected without giving control back. Its verdict no longer counts as safe,
+// and when no other client has control, safe waits for the whole safe delay.
 void loseControl(MonitoringCore& core, const QString& client);
 
-// The user lets the rules decide again, whoever has control. The way back to safe has to be earned.
+// The user lets the rules decide again, whichever client has control. Safe waits for the whole safe
+// delay.
 void TakeBackControl(MonitoringCore& core);
 
 } // namespace skyhold

@@ -61,8 +61,8 @@ struct MonitoringCore {
     // Set by the face of the program.
     ShowMessage showMessage;
     std::function<void(const QString&)> showNews;   // unless set, a message like any other
-    std::function<void(const Message&)> showNotice; // a message that nobody waits for; unless set,
-                                                    // one like any other
+    std::function<void(const Message&)> showNotice; // a message that does not wait for an answer;
+                                                    // unless set, one like any other
     std::function<void()> closeNotices;             // those that are still shown
     std::function<void()> closeWindow;              // asks for the window to be closed
     // Session or verdict have changed between two cycles.
@@ -77,7 +77,7 @@ struct MonitoringCore {
     UploadHandOff handOff;
     bool closeWanted = false;   // a close was asked for while a session start was waiting
     bool recordAtStart = false; // recording begins with the next session
-    bool ending = false;        // the program ends: nobody answers a message any more
+    bool ending = false;        // the program ends: messages are not answered any more
 
     QString caller; // the automation client whose call is at work; empty while none is
     std::vector<ControlHolder> controllers; // the latest last; none: the rules decide

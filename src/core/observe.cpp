@@ -9,7 +9,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 // The spread of the two temperatures, as their decimal texts on the window give it: 8.3 - 5.3 is 3,
-// and must meet a limit of 3, though the nearest binary numbers are a hair more than 3 apart.
+// and must meet a limit of 3, though the nearest binary numbers are slightly more than 3 apart.
 std::optional<double> dewSpread(const StationObservation& station, const NumberForms& forms) {
     const std::optional<double> temperature = station.numbers[Quantity::Temperature];
     const std::optional<double> dewPoint = station.numbers[Quantity::Dew];

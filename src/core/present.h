@@ -22,7 +22,7 @@ void presentVerdict(const CycleResult& result, Records& records);
 // Shows the published verdict as text and lamp.
 void Disp_UnsafeFlag(const CurrentReadings& readings, ConditionControls& controls);
 
-// "Unsafe" for -1, which is how a set flag travels, and "Safe" for 0; else empty.
+// "Unsafe" for -1, which is how clients send a set flag, and "Safe" for 0; else empty.
 QString SafeText(int flag);
 
 // Shows that there is no verdict: a session begins.

@@ -34,7 +34,8 @@ void resetForSession(MonitoringCore& core) {
     SetStatusText(records.session.Statusbar1, QString(), kNavy);
 }
 
-// Makes a missing folder; the code tells whether that worked, and is empty when it was there.
+// Makes a missing folder; the code says whether that worked, and is empty when the folder was
+// there.
 QString checkFolder(Label& statusbar1, const QString& what, const QString& folder,
                     const QString& created, const QString& notCreated) {
     SetStatusText(statusbar1, what + folder, kDarkGreen);
@@ -114,7 +115,7 @@ void start(MonitoringCore& core, std::vector<Message>& messages) {
 }
 
 // What is to be said of a start that failed. It is over by then: Start is offered beside the
-// message, and a client's start never waits for somebody to read it.
+// message, and a client's start never waits for the user to read it.
 std::vector<Message> begin(MonitoringCore& core) {
     SessionControls& session = core.records.session;
     std::vector<Message> messages;
@@ -122,7 +123,7 @@ std::vector<Message> begin(MonitoringCore& core) {
     session.StartCancelled = false;
     setSession(core, SessionState::Starting);
     start(core, messages);
-    if (session.State == SessionState::Starting) // it has come to nothing
+    if (session.State == SessionState::Starting) // it has failed
         setSession(core, SessionState::Idle);
     if (core.closeWanted && core.closeWindow) {
         core.closeWanted = false;

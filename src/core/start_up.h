@@ -8,7 +8,7 @@ namespace skyhold {
 // The setting "Emulator" is absent: the program has never been set up.
 bool isFirstStart(const SettingsStore& settings);
 
-// Puts a downloaded updater ("Kiv_Updater_net.exe") in the place of the installed one, which is
+// Puts a downloaded updater ("Kiv_Updater_net.exe") in place of the installed one, which is
 // kept as "Kiv_Updater_exe.old". Whatever fails is left as it is, and so is everything when the
 // file or the folder is not the user's or others may write to it: they could have put the file
 // there.
@@ -23,7 +23,7 @@ void LoadMainWindow(MonitoringCore& core);
 bool RequestClose(MonitoringCore& core);
 
 // Saves the settings, without a refused limit, gives back control of the sensor program, shuts the
-// image library down and closes the user data file. The tray icon is gone by then. Tells when
+// image library down and closes the user data file. The tray icon is gone by then. Reports when
 // settings were not saved.
 void Unload(MonitoringCore& core);
 

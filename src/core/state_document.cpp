@@ -186,7 +186,7 @@ QJsonValue nearestValue(const CycleResult& result) {
                        {u"text"_s, nearestText(result, {})}};
 }
 
-// The verdict that the window shows; none without a session, though the window still tells the
+// The verdict that the window shows; none without a session, though the window still shows the
 // last one.
 QString verdictText(const SessionControls& session) {
     if (!session.running())
@@ -212,7 +212,7 @@ QJsonArray causes(const MonitoringCore& core, const QString& verdict) {
         return {plainCause(u"session"_s,
                            core.records.session.State == SessionState::Starting
                                ? u"Waiting for Kiv_Nubilo"_s
-                               : u"Nothing is monitored"_s,
+                               : u"No monitoring session is running"_s,
                            result.end.utcMs)};
     if (!result.distrusted.isEmpty())
         return {plainCause(u"session"_s, result.distrusted, result.memory.verdictSince)};

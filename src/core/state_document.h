@@ -1,6 +1,6 @@
 // The state document: one JSON object that says what the monitor knows after a cycle: safe or not,
-// why, since when, how old the data is, and what works. Whoever shows a verdict outside the window
-// shows this one.
+// why, since when, how old the data is, and what works. Everything that shows a verdict outside the
+// window shows this one.
 #pragma once
 
 #include "core/monitoring_core.h"

@@ -31,7 +31,7 @@ void setVerdict(MonitoringCore& core, bool unsafe) {
 void distrustAfterGap(MonitoringCore& core) {
     core.stationMemory.reset();
     if (!clientDecides(core))
-        distrustVerdict(core, QStringLiteral("Nothing has been read for a while"));
+        distrustVerdict(core, QStringLiteral("There have been no readings for a while"));
 }
 
 void distrustVerdict(MonitoringCore& core, const QString& reason) {

@@ -17,9 +17,9 @@ inline bool clientDecides(const MonitoringCore& core) {
 void setVerdict(MonitoringCore& core, bool unsafe);
 
 // The read timer is overdue: the machine slept, or something held the program. The last verdict is
-// of then. It becomes unsafe at once, whoever asks first; the return to safe waits for its delay
-// anew, and the station file must prove its age as at the beginning of a session. A client that has
-// control of the verdict keeps it.
+// from before that. It becomes unsafe at once, whoever asks first; the return to safe waits for its
+// whole delay again, and the station file must prove its age as at the beginning of a session. A
+// client that has control of the verdict keeps it.
 void distrustAfterGap(MonitoringCore& core);
 
 // The last verdict counts no longer, for the reason given: unsafe, until the whole safe delay has

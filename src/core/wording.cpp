@@ -52,12 +52,13 @@ QString levelText(const Cause& cause, const CycleResult& result, const NumberFor
 
 QString sourceText(const Cause& cause, const CycleResult& result, const NumberForms& forms) {
     if (cause.source == SourceName::Sensor)
-        return result.observation.sensor.state == SourceState::Absent ? u"Kiv_Nubilo is not there"_s
-                                                                      : u"Kiv_Nubilo fails"_s;
+        return result.observation.sensor.state == SourceState::Absent
+                   ? u"Kiv_Nubilo is not running"_s
+                   : u"Kiv_Nubilo has failed"_s;
     const StationObservation& station = result.observation.station;
     switch (station.state) {
     case SourceState::Absent:
-        return u"Station data file is not there"_s;
+        return u"Station data file is missing"_s;
     case SourceState::Old:
         return u"Station data %1 s old, more than %2"_s.arg(
             formatNumber(station.ageSeconds, u"0", forms),

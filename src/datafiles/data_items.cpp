@@ -8,7 +8,7 @@ namespace skyhold {
 
 namespace {
 
-// The items that are no quantity's condition; those are in the quantity table.
+// The items that are not the condition of a quantity; those are in the quantity table.
 enum class DataItem {
     Date = 1,
     Time = 2,

@@ -11,7 +11,7 @@ QDateTime stationFileTime(const QString& path) {
     const std::optional<QString> found = findFile(path);
     if (!found)
         return {};
-    // What cannot be read is as good as missing: it must not count as fresh for its time alone.
+    // What cannot be read is as good as missing: its time alone must not make it fresh.
     return isReadableFile(*found) ? modificationTime(*found) : QDateTime();
 }
 
@@ -29,7 +29,7 @@ StationFileVerdict judgeStationFile(const QDateTime& modified, const QString& la
     if (!modified.isValid())
         return {StationFileState::Missing};
     if (lastFileTime == neverReadFileTime()) {
-        // A file that was left behind long before the session began is no news.
+        // A file that was left behind long before the session began is not new data.
         const double age = static_cast<double>(modified.msecsTo(now)) / 1000;
         if (age / 60 > timeoutMinutes)
             return {StationFileState::Old, age};

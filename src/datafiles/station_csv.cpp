@@ -70,7 +70,7 @@ StationTable ParseCsvTable(QStringView text) {
         bool anyText = false;
         for (int cell = 1; cell <= StationTable::kCells; ++cell) {
             if (fields.atEnd()) {
-                // Empty lines at the end of a file are no record.
+                // Empty lines at the end of a file are not a record.
                 if (anyText)
                     table.setCutShort();
                 if (fields.openQuote())

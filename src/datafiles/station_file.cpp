@@ -134,7 +134,7 @@ void takeNumbers(const StationValues& values, StationObservation& seen) {
     seen.valuesMissing = values.anyMissing();
 }
 
-// True when a CSV text stops too early, as far as can be told. Nothing is remembered yet for the
+// True when a CSV text stops too early, as far as can be seen. Nothing is remembered yet for the
 // first read of a session: what it lacks counts as torn off until a second one lacks it, too. What
 // follows the records, a footer say, may break off as it likes.
 bool tornCsv(const QString& text, const StationTable& table, StationFileMemory& memory) {

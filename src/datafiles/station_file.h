@@ -26,7 +26,7 @@ struct StationFileMemory {
     StationNames names;
     bool endedInLineEnd = false; // of a CSV file
 
-    // The file must prove its age anew: at every session start, and after a gap.
+    // The file must prove its age again: at every session start, and after a gap.
     void reset() {
         lastFileTime = neverReadFileTime();
         anyRead = false;

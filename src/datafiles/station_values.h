@@ -20,8 +20,8 @@ struct StationValue {
 
 struct StationValues {
     PerQuantity<StationValue> values; // of the station's quantities; of Dew the dew point
-    // Degrees. A text that is no compass label is no number, but not missing: stations have none to
-    // write in still air.
+    // Degrees. A text that is not a compass label is not a number, but not missing either: stations
+    // have none to write in still air.
     StationValue direction;
 
     bool anyMissing() const;

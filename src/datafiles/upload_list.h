@@ -14,7 +14,7 @@ void Add(UploadControls& upload, const QString& name, const QString& path, bool 
 // Removes the item with that index from 1, and forgets about one that there is not.
 void Remove(UploadControls& upload, int index);
 
-// Makes the lines anew: "*** " before an upload-once item, else five blanks; the full path, or the
+// Rebuilds the lines: "*** " before an upload-once item, else five blanks; the full path, or the
 // name alone with DispFileNameOnly. The selected position is kept as long as there is an item.
 void RefreshFileList(UploadControls& upload);
 

@@ -121,7 +121,7 @@ bool WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& contr
         recorder.cycleCounter = 0;
     bool written = true;
     if (recorder.cycleCounter == 0) {
-        // What would go to a file that somebody has deleted would be lost unseen.
+        // What is written to a deleted file would be lost without notice.
         if (!recorder.file.isThere())
             openWithHeader(dataFilePath(controls), true, recorder, controls);
         written = recorder.file.addLine(dataLine(controls.Columns, source));

@@ -22,7 +22,7 @@ bool RecOption_Click(int index, UserDataRecorder& recorder, DataFileControls& co
                      const ShowMessage& showMessage);
 
 // The same for other programs, without a question: `append` keeps what an existing file holds. An
-// empty file name is no failure; it only leaves the recorder stopped.
+// empty file name is not a failure; it only leaves the recorder stopped.
 bool Record_Start(bool append, UserDataRecorder& recorder, DataFileControls& controls);
 void Record_Stop(UserDataRecorder& recorder, DataFileControls& controls);
 
@@ -30,7 +30,7 @@ void Record_Stop(UserDataRecorder& recorder, DataFileControls& controls);
 void CloseUserDataFile(UserDataRecorder& recorder);
 
 // Once per read cycle: writes a line when one is due. A line that cannot be written is lost
-// (false), and recording goes on. A file that has been deleted meanwhile is made anew, with a
+// (false), and recording goes on. A file that has been deleted meanwhile is created again, with a
 // header.
 bool WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& controls,
                        const DataItemSource& source);

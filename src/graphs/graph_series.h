@@ -10,7 +10,7 @@ namespace skyhold {
 
 struct TimedValue {
     double time = 0;  // local days since 30 December 1899
-    double value = 0; // no number: missing
+    double value = 0; // NaN: missing
     bool operator==(const TimedValue& other) const {
         return time == other.time &&
                (value == other.value || (std::isnan(value) && std::isnan(other.value)));

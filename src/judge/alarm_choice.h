@@ -37,7 +37,7 @@ enum class AlarmAct : std::uint8_t {
     Leave,   // as it is
     Start,   // `alarm` takes the sound
     Silence, // nobody owns the sound, and none is to be heard
-    Release  // silence, and whoever owns the sound gives it back
+    Release  // silence, and the owner of the sound gives it up
 };
 
 struct AlarmChoice {

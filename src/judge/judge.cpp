@@ -40,7 +40,7 @@ bool isBeyond(Quantity quantity, const Observation& observation, const Rules& ru
 bool levelHolds(Quantity quantity, std::int32_t level, const Rules& rules, JudgeMemory& memory,
                 std::int64_t nowMs) {
     if (level < 1 || level > static_cast<std::int32_t>(kLevelCount))
-        return false; // unknown, or a number that is no level
+        return false; // unknown, or a number that is not a level
     if (quantity == Quantity::Cloud)
         return CloudLevelActive(level, rules.cloudDelaySeconds, memory, nowMs);
     if (!rowOf(quantity).hasSectors())

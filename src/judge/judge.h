@@ -21,8 +21,8 @@ void beginSession(const Rules& rules, JudgeMemory& memory, Moment now);
 // Makes `unsafe` the verdict, and notes since when it is.
 void publishVerdict(JudgeMemory& memory, bool unsafe, Moment now);
 
-// Nothing was read for a while: the verdict becomes unsafe, and the way back to safe is earned anew
-// with the whole delay.
+// There were no readings for a while: the verdict becomes unsafe, and safe waits for the whole
+// delay again.
 void distrust(JudgeMemory& memory, Moment now);
 
 } // namespace skyhold

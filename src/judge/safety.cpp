@@ -47,13 +47,13 @@ bool CloudLevelActive(std::int32_t level, double delaySeconds, JudgeMemory& memo
     if (level != CloudCloudy || memory.CloudChangeTime == 0)
         return true;
     const double elapsed = static_cast<double>(nowMs - memory.CloudChangeTime) / 1000;
-    return !(elapsed < delaySeconds); // a delay that is no number is none
+    return !(elapsed < delaySeconds); // a delay that is not a number counts as none
 }
 
 DelayedVerdict applySafeDelay(bool unsafe, double delaySeconds, JudgeMemory& memory,
                               std::int64_t nowMs, bool earnFirst) {
     // Bounded, so that stamps and the countdown stay in range; in this order of the arguments a
-    // delay that is no number is the longest one.
+    // delay that is not a number counts as the longest one.
     const double delay = std::max(-kLongestDelay, std::min(kLongestDelay, delaySeconds));
 
     const std::int32_t before = memory.SafeState;

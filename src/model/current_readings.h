@@ -1,5 +1,5 @@
 // The latest values of both sources, their times and what was derived from them. One read cycle
-// overwrites it; nobody sees a half-finished one.
+// overwrites it; a half-finished one is never visible.
 #pragma once
 
 #include "model/colours.h"

@@ -1,5 +1,5 @@
 // What both sources said in one cycle. Nothing is judged here, and nothing is made up: a value that
-// is missing, or is no number, is missing.
+// is missing or not a number stays missing.
 #pragma once
 
 #include "model/quantity.h"

@@ -1,6 +1,6 @@
 // The judged quantities as rows of one table: what each is called, where its value comes from, its
 // levels with their keys and defaults, and its places in the orders of decision, alarms and data
-// items. Whoever handles quantities walks this table; state is PerQuantity.
+// items. Code that handles quantities walks this table; state is PerQuantity.
 #pragma once
 
 #include "model/colours.h"

@@ -33,7 +33,7 @@ struct Rules {
     bool stationOldIsUnsafe = true;
     bool sensorFailedIsUnsafe = true;
     bool beyondIsUnsafe = false;  // a value above the last limit, which has no level
-    double safeDelaySeconds = 0;  // 0 and less is no delay
+    double safeDelaySeconds = 0;  // 0 and less mean no delay
     double cloudDelaySeconds = 0; // how long it must be cloudy before that counts
 
     CalmRules calm;

@@ -69,7 +69,7 @@ double daySerial(const QDateTime& time) {
 }
 
 QDateTime fromDaySerial(double days) {
-    if (!(std::abs(days) < 3'000'000)) // year 10000 and beyond, and what is no number
+    if (!(std::abs(days) < 3'000'000)) // year 10000 and beyond, and what is not a number
         return {};
     // The fraction is the time of day, not the time since midnight: the two differ by an hour on a
     // day on which summer time begins or ends.
@@ -77,7 +77,7 @@ QDateTime fromDaySerial(double days) {
     const auto ms = (stamp % kMsPerDay + kMsPerDay) % kMsPerDay;
     const QDate date = kSerialEpoch.addDays((stamp - ms) / kMsPerDay);
     const QDateTime time(date, QTime::fromMSecsSinceStartOfDay(static_cast<int>(ms)));
-    // The hour that summer time leaves out, told by a program that does not follow it.
+    // The hour that summer time leaves out, from a program that does not follow it.
     return time.isValid() ? time : QDateTime(date, QTime(0, 0)).addMSecs(ms);
 }
 

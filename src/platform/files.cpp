@@ -60,7 +60,7 @@ FileContents readFile(const QString& path, std::int64_t limit) {
         return {ReadResult::TooLarge, {}};
 
     QByteArray bytes;
-    // The file may grow while it is read; one byte beyond the limit tells.
+    // The file may grow while it is read; one byte beyond the limit shows that.
     const std::int64_t atMost = limit + 1;
     constexpr std::int64_t kChunk = 65'536;
     while (bytes.size() < atMost) {

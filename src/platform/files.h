@@ -43,15 +43,16 @@ bool folderExists(const QString& folder);
 bool createFolder(const QString& folder);
 
 // Writes the bytes over the first bytes of the file, making it when it is missing; the rest of a
-// longer file stays. False when not every byte could be written, or when something else than a
-// file has that name: a link that somebody has put there is not followed.
+// longer file stays. False when not every byte could be written, or when something other than a
+// file has that name: a link in its place is not followed.
 bool writeAtStart(const QString& path, const QByteArray& bytes);
 
 // The user's own files in `folder` whose names are `begin` and six letters, as a temporary file is
 // named that its program could not finish.
 QStringList unfinishedFiles(const QString& folder, const QString& begin);
 
-// A regular file or a folder, no link, that belongs to the user and that nobody else may write to.
+// A regular file or a folder, not a link, that belongs to the user and that no other user may write
+// to.
 bool isOwnAlone(const QString& path);
 
 // The folder of the executable, without a trailing separator.

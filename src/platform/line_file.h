@@ -19,7 +19,7 @@ class LineFile {
     LineFile& operator=(const LineFile&) = delete;
 
     // Makes a missing file; `append` keeps what an existing one holds. False when it cannot be
-    // opened or is no ordinary file: a link that somebody has put in its place is not followed,
+    // opened or is not an ordinary file: a link in its place is not followed,
     // and no pipe is waited for.
     bool open(const QString& path, bool append);
     void close();

@@ -1,4 +1,4 @@
-// The categories of what is logged for whoever looks after the program. Messages go to standard
+// The categories of logged messages. Messages go to standard
 // error, or to the journal where Qt was built for it; QT_LOGGING_RULES chooses among them.
 #pragma once
 

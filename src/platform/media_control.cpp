@@ -88,7 +88,7 @@ void SoundPlayerProgram::play(bool repeat) {
     QObject::connect(process_, &QProcess::finished, process_,
                      [this, process = process_](int code, QProcess::ExitStatus status) {
                          if (status == QProcess::CrashExit)
-                             report(file_ + u": the sound player broke off"_s);
+                             report(file_ + u": the sound player crashed"_s);
                          else if (code != 0)
                              report(QString::fromLocal8Bit(process->readLine()).trimmed());
                      });

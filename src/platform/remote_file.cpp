@@ -79,7 +79,7 @@ class Transfer {
         request.setMaximumRedirectsAllowed(kMostRedirections);
         enter(TransferState::Connecting);
         reply_ = manager_->get(request);
-        // A byte beyond the limit tells that there is more.
+        // A byte beyond the limit shows that there is more.
         reply_->setReadBufferSize(limit_ + 1);
         QObject::connect(reply_, &QNetworkReply::requestSent, &loop_,
                          [this] { enter(TransferState::RequestSent); });

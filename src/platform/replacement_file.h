@@ -1,4 +1,4 @@
-// A file that takes the place of another one whole: whoever opens that name finds the old contents
+// A file that takes the place of another one whole: a reader of that name finds the old contents
 // or the new ones, never a part of them.
 #pragma once
 

@@ -31,7 +31,7 @@ bool hasEndMark(const Texts& texts) {
     return mark != texts.end() && !mark->text.isEmpty();
 }
 
-// Puts a file with these bytes in the place of the one at `path`, in one step.
+// Replaces the file at `path` by one with these bytes, in one step.
 bool replace(const QString& path, const QByteArray& bytes) {
     // A password lies in it: the owner's alone from its first byte.
     const mode_t before = ::umask(S_IRWXG | S_IRWXO);

@@ -14,9 +14,9 @@ bool writeWholeCopy(const QString& path);
 
 // Gives a file that was cut short the keys of its copy that stood behind the cut, and returns their
 // names ("Section/Key"). A file was cut when it holds zero bytes, as a crashed file system leaves
-// them, or when it lacks the end mark and either ends in mid-line or has just the first keys of the
-// copy. Anything else that lacks keys is the user's own work and stays as it is: what somebody took
-// out must not come back. So does a missing file, by which everything is reset.
+// them, or when it lacks the end mark and either ends in the middle of a line or has just the first
+// keys of the copy. Anything else that lacks keys is the user's own work and stays as it is: what
+// the user removed must not come back. So does a missing file, by which everything is reset.
 QStringList completeCutSettings(const QString& path);
 
 } // namespace skyhold

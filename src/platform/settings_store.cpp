@@ -32,8 +32,8 @@ void warn(const QString& path, const char* what) {
     qCWarning(settingsLog, "%s %s", qUtf8Printable(path), what);
 }
 
-// Takes a file or folder of the user's own from everybody else. Answers how it was found, nothing
-// when it is not there or not the user's.
+// Takes other users' access to a file or folder of the user. Returns the mode in which it
+// was found, nothing when it is missing or not the user's.
 std::optional<mode_t> makePrivate(const QString& path) {
     // What is opened is what is changed, whatever takes its name meanwhile.
     const int fd = ::open(path.toLocal8Bit().constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -47,7 +47,7 @@ std::optional<mode_t> makePrivate(const QString& path) {
     return mine ? std::optional(found.st_mode) : std::nullopt;
 }
 
-// Makes the folder when it is missing. False when somebody else may have put something into it.
+// Makes the folder when it is missing. False when another user may have put something into it.
 bool makeFolderPrivate(const QString& folder) {
     QDir().mkpath(QFileInfo(folder).path());
     const bool made = ::mkdir(folder.toLocal8Bit().constData(), S_IRWXU) == 0;
@@ -71,7 +71,7 @@ bool isTrusted(const QString& path, bool folderWasPrivate) {
            target.st_uid == ::geteuid();
 }
 
-// Removes links and the like by which somebody else would have settings read from elsewhere or
+// Removes links and the like by which another user could have settings read from elsewhere or
 // written there: from among the files of `application`, and from among all while others could
 // write to the folder.
 void removeUntrusted(const QString& folder, const QString& application, bool folderWasPrivate) {

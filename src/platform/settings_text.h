@@ -20,9 +20,9 @@ struct StoredText {
     QString text;
 };
 
-// What a file holds, in its order. A line that is no key, section or comment is passed over, and so
-// is a value that is no text (a date, a rectangle). A line ends at its line end even within quotes:
-// one that is missing does not cost the rest of the file.
+// What a file holds, in its order. A line that is not a key, section or comment is skipped, and so
+// is a value that is not a text (a date, a rectangle). A line ends at its line end even within
+// quotes: one that is missing does not cost the rest of the file.
 std::vector<StoredText> settingsOf(QByteArrayView bytes);
 
 // The file that holds these texts by their names, and the end mark.

@@ -47,7 +47,7 @@ std::optional<Task> startTask(const QString& program) {
     qint64 processId = 0;
     if (!process.startDetached(&processId))
         return std::nullopt;
-    // A program that has ended already is no task that could be running: its start time is 0.
+    // A program that has ended already is not a running task: its start time is 0.
     return Task{processId, startTimeOf(processId).value_or(0)};
 }
 

@@ -11,7 +11,7 @@
 
 namespace skyhold {
 
-// A started program. Its start time tells it from a later process with the same id.
+// A started program. Its start time distinguishes it from a later process with the same id.
 struct Task {
     std::int64_t processId = 0;
     std::uint64_t startTime = 0; // clock ticks since the machine's start
@@ -22,7 +22,7 @@ struct Task {
 // does not start.
 std::optional<Task> startTask(const QString& program);
 
-// The task still runs. This is what bringing it to the foreground would tell; there is no window
+// The task still runs. This is what bringing it to the foreground would show; there is no window
 // to bring.
 bool isRunning(const Task& task);
 

@@ -40,7 +40,7 @@ void appendNumber(TextBuffer& text, double value, QStringView pattern, const Num
             ++leadingZeros;
     }
 
-    // 1.005 is stored a hair below its decimal text; one step outwards lets the half that the
+    // 1.005 is stored slightly below its decimal text; one step outwards lets the half that the
     // user sees round away from zero.
     constexpr double kExactInteger = 9007199254740992.0; // 2^53
     const double size = std::min(std::abs(value), std::numeric_limits<double>::max());

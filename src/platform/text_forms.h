@@ -38,7 +38,7 @@ QString numberText(double value, const NumberForms& forms);
 
 // The number that the whole text stands for: sign, digits, the decimal separator, an exponent;
 // thousands separators and blanks around are ignored. Nothing for any other text, and nothing for
-// what is no finite number.
+// a number that is not finite.
 std::optional<double> numberFromText(QStringView text, const NumberForms& forms);
 
 // The leading number of a text with "." as its decimal separator, 0 when there is none.

@@ -6,7 +6,7 @@
 
 namespace skyhold {
 
-// A value that is missing is no number.
+// A missing value is NaN.
 struct GraphPoint {
     double date = 0; // the sensor program's last reading, local days since 30 December 1899
     double wind = 0;

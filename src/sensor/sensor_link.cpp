@@ -163,8 +163,8 @@ SensorLink::Progress SensorLink::CheckSensorVersion(const ShowMessage& showMessa
     return Progress::Refused;
 }
 
-// A role that cannot be read is no master's: the switch is left alone until it can be. What the
-// user chose for a master stays chosen, for it may well be one.
+// A role that cannot be read does not count as master: the switch is left alone until it can be
+// read. What the user chose for a master stays chosen, for it may well be one.
 void SensorLink::settleRole(const SensorLinkRecords& records) {
     const std::optional<QString> role = readText(QStringLiteral("Kiv_DeviceRole"));
     roleSettled_ = role.has_value();
@@ -231,7 +231,7 @@ void SensorLink::beginCycle(const SensorLinkRecords& records) {
         object_->beginCalls(kCycleTime);
     if (wanted_ && takeUp(records, nullptr) != Progress::Done)
         callFailed_ = true;
-    // Before its first data it reports levels that nobody measured.
+    // Before its first data it reports levels that were not measured.
     if (dataAwaited_) {
         dataAwaited_ = !readBoolean(QStringLiteral("DataReady")).value_or(false);
         callFailed_ = callFailed_ || dataAwaited_;

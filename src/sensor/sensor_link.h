@@ -62,8 +62,9 @@ class SensorLink {
     bool call(const QString& name);
 
     // A call that has consequences: it has time of its own, and a sensor program that hangs is sent
-    // it without waiting. What `Opens` the roof is not sent to one that hangs: nobody knows what
-    // the sky is like when it goes on. It is told with the first cycle that it answers.
+    // it without waiting. What `Opens` the roof is not sent to one that hangs: the sky may
+    // be different when it goes on. It is sent with the first cycle in which the program
+    // answers.
     enum class Effect { Opens, Other };
     bool command(const QString& name, const QVariantList& arguments, Effect effect = Effect::Other);
 

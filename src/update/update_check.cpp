@@ -66,7 +66,7 @@ std::optional<Downloads> fetchAll(UpdateControls& update, const QString& baseAdd
     // A line end after the number is none of it.
     const QString newest = decodeText(*version).trimmed();
     if (!isVersion(newest)) {
-        update.StatusLine.Caption = u"The update server has no version number"_s;
+        update.StatusLine.Caption = u"The update server gave no version number"_s;
         return std::nullopt;
     }
     const std::optional<QByteArray> instructions = fetch("Kiv_SkyholdUpdater.txt");
@@ -103,8 +103,8 @@ QString updateAddressWarning(const QString& baseAddress) {
     if (!isRemoteAddress(base) || base.scheme() == u"https"_s)
         return {};
     return u"The address of the update server begins with http, not https: what comes from it is "
-           "neither encrypted nor verified, and anybody on the way can put a program of their own "
-           "in its place."_s;
+           "neither encrypted nor verified, and anyone in between can replace it with "
+           "a program of their own."_s;
 }
 
 void CheckForUpdate(UpdateControls& update, WindowControls& window, SettingsStore& settings,

@@ -38,7 +38,7 @@ struct UpdateSource {
 // Shorter texts are left-overs, not news.
 bool isNews(const QString& text);
 
-// The contents of "Kiv_Updater.txt": a line that tells the updater what to put where, then the
+// The contents of "Kiv_Updater.txt": a line that says what the updater puts where, then the
 // downloaded instructions byte for byte.
 QByteArray updaterInstructions(int left, int top, const QByteArray& downloaded);
 

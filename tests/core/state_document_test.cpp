@@ -28,7 +28,8 @@ class StateDocument : public CoreFixture {
 
 TEST_F(StateDocument, saysWhetherItIsSafeAndWhy) {
     records().conditions.SafeDelayVal.Value = 30;
-    EXPECT_EQ(said(), (QStringList{u"idle none - 0"_s, u"session: Nothing is monitored"_s}));
+    EXPECT_EQ(said(),
+              (QStringList{u"idle none - 0"_s, u"session: No monitoring session is running"_s}));
     StartSession(*core_);
     EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
     EXPECT_EQ(document()[u"nearest"_s][u"text"_s].toString(),
@@ -76,7 +77,7 @@ TEST_F(StateDocument, saysWhetherItIsSafeAndWhy) {
     sensor_.answering = false;
     cycle();
     EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
-                                   u"source:sensor Kiv_Nubilo fails, since 22:07:10"_s}));
+                                   u"source:sensor Kiv_Nubilo has failed, since 22:07:10"_s}));
     EXPECT_TRUE(document()[u"readings"_s][u"cloud"_s][u"value"_s].isNull());
     EXPECT_EQ(document()[u"roof"_s][u"state"_s], u"unknown"_s);
     StopSession(*core_);
@@ -106,7 +107,7 @@ TEST_F(StateDocument, isNotSafeWhenAClientOrAGapSaysSo) {
 
     distrustAfterGap(*core_);
     EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
-                                   u"session: Nothing has been read for a while"_s}));
+                                   u"session: There have been no readings for a while"_s}));
     EXPECT_EQ(changes, 5);
 }
 

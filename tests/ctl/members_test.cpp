@@ -79,7 +79,7 @@ TEST(Members, areFoundByNameAndPattern) {
     EXPECT_EQ(noSuchMember(members, u"ReadCycel"_s),
               u"there is no member ReadCycel; did you mean ReadCycle?"_s);
     EXPECT_EQ(noSuchMember(members, u"Temperature"_s),
-              u"there is no member Temperature; skyholdctl list shows them"_s);
+              u"there is no member Temperature; skyholdctl list prints them"_s);
 
     const struct {
         QString pattern;

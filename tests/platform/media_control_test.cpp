@@ -100,7 +100,7 @@ TEST_F(SoundPlayer, ReportsEachReasonForSilenceOnceAndEverySilence) {
         {"no device", "echo no audio device; exit 1", u"no audio device"_s},
         {"and again", "echo no audio device; exit 1", {}},
         {"broken file", "echo bell: not a sound; echo more; exit 1", u"bell: not a sound"_s},
-        {"decoder breaks", "kill -SEGV $$", sound + u": the sound player broke off"_s},
+        {"decoder breaks", "kill -SEGV $$", sound + u": the sound player crashed"_s},
         {"played again", "exit 0", {}},
         {"no player", {}, program + u" cannot be started"_s},
     };

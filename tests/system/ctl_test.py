@@ -199,15 +199,15 @@ class CtlTest(unittest.TestCase):
 
             for arguments, error in [
                     (["get", "Saef"], "there is no member Saef; did you mean Safe?"),
-                    (["get", "Kiv_AlarmStop"], "Kiv_AlarmStop is no value"),
-                    (["get", "Device_Stop"], "Device_Stop is no value"),
+                    (["get", "Kiv_AlarmStop"], "Kiv_AlarmStop is an action"),
+                    (["get", "Device_Stop"], "Device_Stop is an action"),
                     (["set", "Name", "x"], "Name cannot be set"),
                     (["set", "ReadCycle", "1,5"], '"1,5" is not the integer'),
                     (["call", "Name"], "use: skyholdctl get Name"),
                     (["call", "Kiv_DataDisplayed", "desc"], "takes 2 arguments"),
                     (["list", "nothing"], "no member matches"),
                     (["watch", "Saef"], "did you mean Safe?"),
-                    (["watch", "Device_Stop"], "Device_Stop is no value"),
+                    (["watch", "Device_Stop"], "Device_Stop is an action"),
                     (["stauts"], "did you mean status?"),
             ]:
                 with self.subTest(arguments=arguments):

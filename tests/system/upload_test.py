@@ -157,9 +157,9 @@ class UploadTest(unittest.TestCase):
              "127.0.0.1 refuses the user name or the password", False),
             ("folder", "elradfw", {}, "127.0.0.1 refuses the folder web/data/", False),
             ("file", "elradfm", {}, "127.0.0.1 refuses the file", False),
-            ("name", "elradmw", {}, "127.0.0.1 does not give it its name", False),
+            ("name", "elradmw", {}, "127.0.0.1 does not rename it", False),
             ("missing file", "elradfmw", {"files": [missing, page]}, "there is no such file", True),
-            ("folder as file", "elradfmw", {"files": [page.parent, page]}, "it is no file", True),
+            ("folder as file", "elradfmw", {"files": [page.parent, page]}, "it is not a file", True),
         ]
         for what, permissions, more, told, arrives in cases:
             with self.subTest(what), self.serve(Ftp, permissions) as server:
@@ -179,7 +179,7 @@ class UploadTest(unittest.TestCase):
         closed.listener.close()
         for address, told in [(closed.address, "no connection to 127.0.0.1"),
                               ("", "no server address is set"),
-                              (f"{USER}:{PASSWORD}@127.0.0.1/", "the server address is none")]:
+                              (f"{USER}:{PASSWORD}@127.0.0.1/", "the server address is not valid")]:
             with self.subTest(address):
                 self.hand_off(address, [page])
                 status, said = self.upload(10)

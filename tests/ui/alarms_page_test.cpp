@@ -198,7 +198,7 @@ TEST_F(AlarmsPage, AnAlarmThatIsNotHeardSaysSo) {
     media_.silent(u"no audio device"_s);
     EXPECT_TRUE(visible("SoundFault"));
     EXPECT_EQ(shown("SoundFault"), u"No sound: no audio device"_s);
-    EXPECT_TRUE(mark().startsWith(u"This alarm is due and is not heard."_s));
+    EXPECT_TRUE(mark().startsWith(u"This alarm is due but cannot be heard."_s));
     startAlarm(*core_, record().Tag);
     EXPECT_FALSE(visible("SoundFault"));
     QFile::remove(path("sounds/Bell.wav"));

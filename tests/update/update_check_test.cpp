@@ -118,7 +118,7 @@ TEST_F(Update, AfterAFailureNothingHasChanged) {
     for (const QByteArray& page : {""_ba, " \r\n"_ba, "<html><body>Welcome, guest, log in"_ba,
                                    "2.31\0.000"_ba, "\xff\xfe\x32"_ba}) {
         serve("Kiv_Skyhold.txt", page);
-        failsWith(u"The update server has no version number"_s);
+        failsWith(u"The update server gave no version number"_s);
     }
     serve("Kiv_Skyhold.txt", "2.31.000");
 

@@ -44,7 +44,7 @@ void showHelp(MonitoringCore& core, QWidget* parent, const QStringList& dataFold
                           ? u"No help is installed: there is no Kiv_Skyhold.chm beside the program "
                             u"and no doc/kiv-skyhold/README.md in "_s +
                                 dataFolders.join(u", "_s)
-                          : u"There is no program to show "_s + file,
+                          : u"There is no program that opens "_s + file,
                       MessageStyle::Ok, u"Help"_s});
 }
 

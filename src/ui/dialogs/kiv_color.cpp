@@ -28,7 +28,7 @@ constexpr std::array<Colour, kRows * kColumns> kPalette{
     0x404040, 0x000080, 0x004080, 0x008080, 0x008000, 0x808000, 0x800000, 0x800080,
     0x000000, 0x000040, 0x404080, 0x004040, 0x004000, 0x404000, 0x400000, 0x400040};
 
-// Looks that do not show every hue leave the name to tell a colour by.
+// Looks that do not show every hue leave only the name to recognise a colour by.
 QString nameOf(std::size_t index) {
     constexpr std::array<const char*, kRows> kGreys{"White", "Very light grey", "Light grey",
                                                     "Grey",  "Dark grey",       "Black"};

@@ -40,7 +40,7 @@ class KivError : public QDialog {
 // Shows messages over the main window; a minimised window is restored first.
 ShowMessage makeMessageDialog(KivSHMainform& window);
 
-// Messages that nobody waits for: the window stays usable beside them.
+// Messages that do not wait for an answer: the window stays usable beside them.
 struct Notices {
     std::function<void(const Message&)> show;
     std::function<void()> close; // the one that is still shown

@@ -90,10 +90,11 @@ void KivSetupForm::addStationStep() {
     stationFile_ =
         addPath(block, u"&Weather station data file"_s, u"HTMFile"_s,
                 [this](const QString& current) { return chooseStationFile(this, current); });
-    addExplanation(block, u"An HTML page with one table, or a CSV file, rewritten every few "
-                          u"seconds. It is only read. If it is the wrong one or goes missing, the "
-                          u"monitor says so and calls the sky unsafe. It can be changed later, on "
-                          u"the page Sources."_s);
+    addExplanation(
+        block, u"An HTML page with one table, or a CSV file, rewritten every few "
+               u"seconds. The monitor only reads it. If it is the wrong one or goes missing, the "
+               u"monitor says so and calls the sky unsafe. It can be changed later, on "
+               u"the page Sources."_s);
     dateFormat_ =
         addChoice(block, u"Dates in that file"_s, "DateFormat", {u"&dd/mm/yy"_s, u"mm/dd/&yy"_s});
     addExplanation(block, u"Does the day or the month come first in the file? With the wrong "
@@ -111,7 +112,7 @@ void KivSetupForm::addTryOut(QVBoxLayout* step) {
     QVBoxLayout* block = addBlock(step, kIndent);
     addExplanation(
         block, u"Two simulators that come with the program play both sources: "
-               u"Kiv_NubiloSim answers in the place of the sensor's program, "
+               u"Kiv_NubiloSim stands in for the sensor's program, "
                u"Kiv_StationSim writes the file %1. They start with OK, end with the "
                u"monitor, and start again from the page Sources."_s.arg(Simulators::stationFile()));
     auto* warning = new QLabel(u"Their weather is made up. It must never move a real roof."_s,
@@ -128,24 +129,25 @@ void KivSetupForm::addTryOut(QVBoxLayout* step) {
 }
 
 void KivSetupForm::addUnitsStep() {
-    QVBoxLayout* step =
-        addStep(u"Which units and limits do you think in?"_s,
-                u"Values are shown and limits are set in these units. While the station's file is "
-                u"read the units follow the file, and limits are converted: a wrong answer here "
-                u"puts itself right."_s);
+    QVBoxLayout* step = addStep(
+        u"Which units and limits do you use?"_s,
+        u"Values are shown and limits are set in these units. While the station's file is "
+        u"read the units follow the file, and limits are converted: a wrong choice here corrects "
+        u"itself."_s);
     unitsTemp_ = addChoice(step, u"Temperature"_s, "UnitsTemp", {u"°&C"_s, u"°&F"_s});
     unitsSpeed_ = addChoice(step, u"Wind speed"_s, "UnitsSpeed",
                             {u"&km/hr"_s, u"&mph"_s, u"m/&s"_s, u"kno&t"_s});
-    addExplanation(step, u"Take what your station's program shows."_s);
+    addExplanation(step, u"Choose what your station's program shows."_s);
     beyondLimit_ =
         new QCheckBox(u"&Values beyond the last limit are unsafe"_s, step->parentWidget());
     beyondLimit_->setObjectName(u"BeyondLimitUnsafe"_s);
     beyondLimit_->setChecked(true);
     step->addSpacing(look::kGap);
     step->addWidget(beyondLimit_);
-    addExplanation(step, u"Each quantity has three levels, each up to its limit; you say which are "
-                         u"unsafe. A storm above the third limit has no level: unticked, it is "
-                         u"told but not judged. It can be changed later, on the page Unsafe."_s);
+    addExplanation(
+        step, u"Each quantity has three levels, each up to its limit; you say which are "
+              u"unsafe. A storm above the third limit has no level: unless you tick this, it is "
+              u"reported but not judged. It can be changed later, on the page Unsafe."_s);
     step->addStretch();
 }
 
@@ -236,7 +238,7 @@ void KivSetupForm::addButtons(QVBoxLayout* column) {
     const OkAndCancel buttons = addOkAndCancel(this, column);
     ok_ = buttons.ok;
     buttons.cancel->setObjectName(u"Command1"_s);
-    buttons.cancel->setToolTip(u"End without a setup: the program closes"_s);
+    buttons.cancel->setToolTip(u"Quit without setting up"_s);
     auto* row = static_cast<QHBoxLayout*>(column->itemAt(column->count() - 1)->layout());
     const auto makeButton = [this, row](const QString& name, const QString& text, int by, int at) {
         auto* button = new QPushButton(text, this);
@@ -281,21 +283,21 @@ void KivSetupForm::chooseStation() {
         dateFormat_->button(0)->setChecked(true); // as the simulated station writes them
 }
 
-void KivSetupForm::tell(const QString& text) {
+void KivSetupForm::showFault(const QString& text) {
     KivError({text, MessageStyle::Ok, {}}, windowTitle(), this).ask();
 }
 
-// False, with the reason told, when no station's file is known or the simulators do not run.
+// False, with the reason shown, when no station's file is known or the simulators do not run.
 bool KivSetupForm::prepareStation() {
     if (tryOut_->isChecked()) {
         const QString fault = simulators_.start();
         if (!fault.isEmpty())
-            tell(u"The simulators do not run. "_s + fault);
+            showFault(u"The simulators could not be started. "_s + fault);
         return fault.isEmpty();
     }
     if (!stationFile_->text().trimmed().isEmpty())
         return true;
-    tell(u"Please define path for Weather Station Data File"_s);
+    showFault(u"Please define path for Weather Station Data File"_s);
     showStep(0);
     stationFile_->setFocus();
     return false;
@@ -329,7 +331,7 @@ void KivSetupForm::save(const QString& station) {
             settings_.SaveSetting(u"Graphs"_s, u"Image"_s + QString::fromLatin1(graph), u"0"_s);
     }
     if (!settings_.flush())
-        tell(u"The settings could not be saved to "_s + settings_.filePath());
+        showFault(u"The settings could not be saved to "_s + settings_.filePath());
 }
 
 void KivSetupForm::saveOptions(const QString& key, const QButtonGroup& group) {

@@ -26,10 +26,10 @@ class KivSetupForm : public QDialog {
 
   public:
     // Works on the stored settings alone, before anything is loaded. `title` is the program's.
-    // Whoever has no hardware may have the simulators instead.
+    // Without hardware the user may start the simulators instead.
     KivSetupForm(SettingsStore& settings, Simulators& simulators, const QString& title);
 
-    // Saves and closes, or tells what is missing and saves nothing. The simulators, when they were
+    // Saves and closes, or shows what is missing and saves nothing. The simulators, when they were
     // chosen, run then.
     void accept() override;
 
@@ -50,7 +50,7 @@ class KivSetupForm : public QDialog {
     bool prepareStation();
     void save(const QString& station);
     void saveOptions(const QString& key, const QButtonGroup& group);
-    void tell(const QString& text);
+    void showFault(const QString& text);
 
     SettingsStore& settings_;
     Simulators& simulators_;

@@ -232,7 +232,7 @@ void FlatStyle::drawControl(ControlElement element, const QStyleOption* option, 
         return;
     }
     if (element == CE_SizeGrip || element == CE_Splitter)
-        return; // the cursor tells
+        return; // the cursor shows it
     if (element == CE_TabBarTabShape) {
         drawTab(*option, *painter);
         return;

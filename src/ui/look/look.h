@@ -50,7 +50,7 @@ namespace detail {
 extern Scheme scheme;
 }
 
-// Of the look in force: what paints reads them anew every time.
+// Of the look in force: what paints reads them every time.
 inline const QColor& kWindow = detail::scheme.window;
 inline const QColor& kField = detail::scheme.field;
 inline const QColor& kCard = detail::scheme.card;

@@ -1,4 +1,4 @@
-// How colours are shown that somebody stated: those of the conditions, the lamps and the swatches.
+// How colours are shown that were stated: those of the conditions, the lamps and the swatches.
 // Rules of colours alone; what is stored is never changed.
 #pragma once
 

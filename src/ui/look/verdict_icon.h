@@ -1,5 +1,5 @@
-// The icon of the program in the tray and on its window: the verdict of now. The four are told
-// apart by their shape as well as by their colour.
+// The icon of the program in the tray and on its window: the verdict of now. The four differ
+// in shape as well as in colour.
 #pragma once
 
 #include "model/current_readings.h"

@@ -10,7 +10,7 @@ class QWidget;
 
 namespace skyhold {
 
-// `showMessage`, which outlives the page, tells why a limit may not be left as it is.
+// `showMessage`, which outlives the page, shows why a limit is refused.
 QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
                         const ShowMessage& showMessage, QWidget* parent);
 

@@ -23,7 +23,8 @@ namespace skyhold {
 
 namespace {
 
-// The box's own menu and another window are no leaving, and the way back from them is no coming.
+// Opening the box's own menu or another window does not count as leaving the box, nor does coming
+// back from them count as entering it.
 bool counts(const QEvent& event) {
     const bool ofFocus = event.type() == QEvent::FocusIn || event.type() == QEvent::FocusOut;
     return !ofFocus || leavesControl(static_cast<const QFocusEvent&>(event).reason());

@@ -37,7 +37,7 @@ Swatch* makeLimit(NumberBox& limit, Label& level, const QString& name, QWidget* 
     chip->setObjectName(name);
     chip->setPixelSize(12);
     chip->setFixedSize(52, 20);
-    chip->setToolTip(u"Its upper limit and its colour, as the page Limits has them"_s);
+    chip->setToolTip(u"Its upper limit and colour, as set on the page Limits"_s);
     follow(chip, limit.Value, [chip](double value) {
         chip->setText(u"\u2264 "_s +
                       textOfNumber(value, {}, {.DigitsDecimal = 1, .forms = localeNumberForms()}));
@@ -101,7 +101,7 @@ class AlarmTable {
         }
     }
 
-    // A source that may fail: it has but one state.
+    // A source that may fail: it has a single state.
     void addSource(const QString& title, std::size_t indicator, QCheckBox* unsafe,
                    const QString& alarmName, CheckBox& alarm) {
         beginRow(title, indicator);
@@ -211,8 +211,8 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
     AlarmTable table(alarms, readings, media, showMessage, card);
     addQuantities(table, conditions);
     QCheckBox* beyond = makeCheck(card, u"BeyondLimitUnsafe"_s, {}, conditions.BeyondLimitUnsafe);
-    beyond->setToolTip(u"A value above the third limit has no level. Without this it is told but "
-                       u"not judged"_s);
+    beyond->setToolTip(u"A value above the third limit has no level. Unless this is ticked, it is "
+                       u"reported but not judged"_s);
     table.addAcross(beyond);
 
     table.addSource(u"Weather station"_s, 8,

@@ -141,7 +141,7 @@ PlayMark::PlayMark(QProperty<bool>& playing, Label& soundFault, QWidget* parent)
         playing_ = playing;
         silent_ = !soundFault.Caption.value().isEmpty();
         const QString tip =
-            silent_ ? u"This alarm is due and is not heard. "_s + soundFault.Caption.value()
+            silent_ ? u"This alarm is due but cannot be heard. "_s + soundFault.Caption.value()
                     : u"This alarm sounds"_s;
         setToolTip(playing_ ? tip : QString());
         update();

@@ -115,7 +115,7 @@ void bind(KivGetNumber* widget, NumberBox& record) {
             record.Edit = NumberEdit{.before = record.Value};
         record.Edit->typed = value;
     });
-    // A rule may put a value right, or start a history anew, so it waits for the whole number.
+    // A rule may correct a value, or restart a history, so it waits for the whole number.
     QObject::connect(widget, &KivGetNumber::valueEdited, widget, [&record](double value) {
         if (!record.Change)
             record.set(value);

@@ -47,7 +47,7 @@ void bind(QPushButton* widget, Button& record);
 // The record takes every number as it is typed, or, when it has a rule, once it has been entered. A
 // number that was only shown, perhaps rounded, is never written back.
 void bind(KivGetNumber* widget, NumberBox& record);
-// The ids of the group's buttons are the option indices. A click on the chosen one is no choice.
+// The ids of the group's buttons are the option indices. A click on the chosen one changes nothing.
 void bind(QButtonGroup* widget, OptionGroup& record);
 void bind(QComboBox* widget, ComboBox& record);
 void bind(QLineEdit* widget, TextBox& record);

@@ -13,7 +13,7 @@ class GraphView : public QWidget {
     Q_OBJECT
 
   public:
-    // `redraw` draws the picture anew when the view has changed its size; it may decline.
+    // `redraw` draws the picture again when the view has changed its size; it may decline.
     GraphView(Picture& picture, std::function<void()> redraw, QWidget* parent);
 
     QSize sizeHint() const override;

@@ -12,7 +12,7 @@ namespace skyhold {
 
 // When the user leaves `box` for another control, or presses Return in it, `fault` is asked; a text
 // refuses: the click or key has no effect, the focus stays, and `show` shows the text. Going to
-// another window or a menu is no leaving.
+// another window or a menu does not count as leaving.
 void holdFocusWhile(QWidget* box, std::function<QString()> fault,
                     std::function<void(const QString&)> show);
 

@@ -20,7 +20,8 @@ KivFileList::KivFileList(UploadControls& upload, QWidget* parent)
     setObjectName(u"KivFileList"_s);
     setTextElideMode(Qt::ElideMiddle);
     setMinimumSize(240, 100);
-    setToolTip(u"Right-click, or press the menu key or Shift+F10, for what can be done"_s);
+    setToolTip(
+        u"Right-click, or press the menu key or Shift+F10, to add, remove or change entries"_s);
     makeMenu();
     follow(this, upload.FileLines, [this](const QStringList& lines) { showLines(lines); });
     follow(this, upload.ListIndex, [this](int index) { showSelection(index); });

@@ -2,7 +2,7 @@
 // locale's separators as they were when the box was made.
 //
 // Alignment, border, colours, font, caret, selection and text are those of every line edit. While
-// what is typed is no number yet ("" or "-") nobody hears of a value: a limit that is being
+// what is typed is not a number yet ("" or "-") no value is reported: a limit that is being
 // retyped must not count as 0 meanwhile. A box that is left so stands for 0, and shows it.
 #pragma once
 
@@ -38,7 +38,7 @@ class KivGetNumber : public QLineEdit {
     double value() const;
     void setValue(double value);
     bool holdsNumber() const;
-    // Takes what was typed as entered, as Enter does. Nothing when it is no number.
+    // Takes what was typed as entered, as Enter does. Nothing when it is not a number.
     void enterNumber();
 
   Q_SIGNALS:

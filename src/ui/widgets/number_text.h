@@ -34,8 +34,8 @@ bool keyPasses(QChar key, QStringView text, TextSelection selection, const Numbe
 // The text after a change: no more digits than allowed.
 QString textAfterChange(const QString& text, const NumberEntry& entry);
 
-// Whether the text consists of what can be typed, whatever its length; so a pasted text can be
-// told.
+// Whether the text consists of what can be typed, whatever its length; by this a pasted text
+// is checked.
 bool canBeTyped(QStringView text, const NumberEntry& entry);
 
 // The plain text of a number, or formatted when a format is given. It is shown whole, whatever can

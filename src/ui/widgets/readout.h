@@ -8,11 +8,11 @@
 
 namespace skyhold {
 
-// What a text has its colour from where nobody states one.
+// Where a text takes its colour from when none is stated.
 enum class Tone { Text, Dim, Disabled, Accent, Strip };
 
 // One text. A text that does not fit is drawn smaller, down to two thirds, then cut with an
-// ellipsis. Its size is fixed by whoever places it.
+// ellipsis. Its size is fixed where it is placed.
 class Readout : public QWidget {
     Q_OBJECT
 

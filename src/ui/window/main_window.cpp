@@ -97,7 +97,7 @@ void KivSHMainform::restore() {
     showNormal();
     raise();
     activateWindow();
-    // Hidden and shown at once it never lost the display's focus, and nobody tells it to take up
+    // Hidden and shown at once it never lost the display's focus, and nothing makes it take up
     // its keys again.
     if (QGuiApplication::focusWindow() == windowHandle() && !isActiveWindow())
         QApplication::setActiveWindow(this);
@@ -177,7 +177,7 @@ void KivSHMainform::placeOnScreen() {
 }
 
 void KivSHMainform::enableCloseItem(bool on) {
-    // Through the window itself: the widget's own flag would hide the window and show it anew.
+    // Through the window itself: the widget's own flag would hide the window and show it again.
     if (QWindow* handle = windowHandle())
         handle->setFlag(Qt::WindowCloseButtonHint, on);
 }

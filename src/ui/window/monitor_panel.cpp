@@ -168,7 +168,7 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     automaticLayout->addLayout(delayRow);
     bind(automatic, records.session.Frame3);
 
-    // While a client decides, the rules have no cause to tell.
+    // While a client decides, the rules have no cause to show.
     Readout* decides = makeReadout(card, {}, 15);
     decides->setTone(Tone::Dim);
     Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
@@ -177,7 +177,8 @@ QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
     auto* takeBack = new QPushButton(u"Take &back control"_s, card);
     takeBack->setObjectName(u"ButtTakeBack"_s);
     takeBack->setFixedHeight(28);
-    takeBack->setToolTip(u"The conditions decide again, unsafe until the safe delay has passed"_s);
+    takeBack->setToolTip(
+        u"Let the conditions decide again; unsafe until the safe delay has passed"_s);
     connect(takeBack, &QPushButton::clicked, card, [&core] { TakeBackControl(core); });
     const auto showControl = [=, &records] {
         const bool byClient = !records.session.Frame3.Visible;

@@ -85,7 +85,7 @@ QString Simulators::start() {
         return {};
     end();
     if (!createFolder(QFileInfo(stationFile()).path()))
-        return u"The folder of %1 cannot be made."_s.arg(stationFile());
+        return u"The folder of %1 cannot be created."_s.arg(stationFile());
     const QStringList weather = QStringList{u"--scenario"_s, u"quick"_s} + clockArguments();
     QString fault = startOne(*processes_[0], kNames[0], weather);
     if (fault.isEmpty())
@@ -99,7 +99,7 @@ QString Simulators::start() {
 QString Simulators::startOne(QProcess& process, const QString& name, const QStringList& arguments) {
     process.start(programOf(name), arguments);
     if (!process.waitForStarted(kPatienceMs))
-        return u"%1 does not start: %2."_s.arg(name, process.errorString());
+        return u"%1 could not be started: %2."_s.arg(name, process.errorString());
     if (!process.waitForFinished(kSettleMs))
         return {};
     return u"%1 has ended: %2"_s.arg(name,

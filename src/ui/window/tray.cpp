@@ -70,7 +70,7 @@ bool Tray::eventFilter(QObject*, QEvent* event) {
     return false;
 }
 
-// A single click is only known as one when no second follows; some trays never tell of a double
+// A single click is only known as one when no second follows; some trays never report a double
 // click and send two single ones.
 void Tray::takeActivation(QSystemTrayIcon::ActivationReason reason) {
     const bool second = secondClick_.isActive();

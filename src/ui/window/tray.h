@@ -19,7 +19,7 @@ enum TrayEvent { kLeftReleased = 514, kLeftDoubleClick = 515, kRightReleased = 5
 enum class TrayAction { None, ShowWindow, Restore, Minimise, OpenMenu };
 
 // The answer to an event. `coordinate` carries its code, in a window that measures in units of
-// which `unitsPerPixel` make a pixel: 1, or the screen's twips per pixel. `active` tells whether
+// which `unitsPerPixel` make a pixel: 1, or the screen's twips per pixel. `active` says whether
 // the main window is the one that the user works in.
 TrayAction trayAction(double coordinate, double unitsPerPixel, WindowState state, bool active);
 

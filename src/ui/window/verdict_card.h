@@ -1,4 +1,4 @@
-// The verdict of now, large enough to be read from afar, or that nobody judges.
+// The verdict of now, large enough to be read from afar, or that there is none.
 #pragma once
 
 #include "core/monitoring_core.h"

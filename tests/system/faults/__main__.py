@@ -1,6 +1,6 @@
-"""Breaks every edge of the program, one at a time, and tells what it shows.
+"""Breaks every edge of the program, one at a time, and reports what it shows.
 
-    python3 -B tests/system/faults [--short] [--only TEXT] [--markdown FILE]
+    python3 -B tests/system/faults [--short] [--only TEXT] [--markdown [FILE]]
 
 The exit status is 1 when a row failed.
 """
@@ -13,6 +13,7 @@ import time
 import traceback
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+PAGE = pathlib.Path(__file__).resolve().parents[3] / "docs/faults.md"
 import table  # noqa: E402  (beside this file)
 
 MODULES = ["sensor_rows", "station_rows", "output_rows", "clock_rows", "bus_rows", "settings_rows",
@@ -25,9 +26,21 @@ def parse_arguments():
     parser.add_argument("--short", action="store_true", help="the most telling rows only")
     parser.add_argument("--only", metavar="TEXT", default="",
                         help="rows whose area or fault contains this")
-    parser.add_argument("--markdown", type=pathlib.Path, metavar="FILE",
-                        help="leave the table in this file")
+    parser.add_argument("--markdown", type=pathlib.Path, metavar="FILE", nargs="?", const=PAGE,
+                        help="put the table into this file, by default into docs/faults.md")
     return parser.parse_args()
+
+
+def put_table(path, lines):
+    """Replaces the table with the same header in the file, which may have none yet. The last column,
+    how long a row took, is left out."""
+    lines = [text.rsplit("|", 2)[0] + "|" for text in lines]
+    old = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
+    begin = old.index(lines[0]) if lines[0] in old else len(old)
+    end = begin
+    while end < len(old) and old[end].startswith("|"):
+        end += 1
+    path.write_text("\n".join(old[:begin] + lines + old[end:]) + "\n", encoding="utf-8")
 
 
 def walk(row):
@@ -85,7 +98,7 @@ def main():
             print(lines[-1], flush=True)
         end_shared()
     if options.markdown:
-        options.markdown.write_text("\n".join(lines) + "\n", encoding="utf-8")
+        put_table(options.markdown, lines)
     walked = len(lines) - 2
     print(f"{walked} rows, {failed} failed", flush=True)
     return 1 if failed or not walked else 0
