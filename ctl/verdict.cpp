@@ -52,7 +52,7 @@ QStringList causesOf(const QJsonObject& document) {
     if (!texts.isEmpty() || verdictOf(document) == Verdict::Safe)
         return texts;
     if (document[u"session"_s] != u"running"_s)
-        return {u"Nothing is monitored"_s};
+        return {u"No monitoring session is running"_s};
     texts = sourceFaults(document);
     if (texts.isEmpty())
         texts += document[u"verdict"_s] == u"safe"_s ? u"Nothing has been read for a while"_s

@@ -51,7 +51,7 @@ TEST(Verdict, onlyOneDocumentIsSafe) {
         {"safe", none, 2, {}},
         {"verdict", u"unsafe"_s, 2, {}}, // and safe: makes no sense
         {"verdict", none, 2, {}},
-        {"session", u"idle"_s, 2, u"Nothing is monitored"_s},
+        {"session", u"idle"_s, 2, u"No monitoring session is running"_s},
         {"session", none, 2, {}},
         {"sources", none, 2, u"Station data: unknown"_s},
         {"sources/station/state", u"old"_s, 2, u"Station data: old"_s},

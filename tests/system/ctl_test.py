@@ -93,7 +93,7 @@ class CtlTest(unittest.TestCase):
 
     def test_status_follows_the_weather_and_every_failure(self):
         with Shower() as monitored:
-            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  Nothing is monitored")
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  No monitoring session is running")
             self.expect(monitored.ctl("start"), 0)
             self.expect(monitored.ctl("status"), UNSAFE,
                         r"^UNSAFE  Cloud: Overcast at -?[\d.]+ °C, since [\d:]+\n"
@@ -130,7 +130,7 @@ class CtlTest(unittest.TestCase):
 
             monitored.sensor.send_signal(signal.SIGKILL)
             monitored.next_cycle("the sensor's loss", lambda c: c.verdict == "UNSAFE")
-            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  Kiv_Nubilo fails, since ")
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  Kiv_Nubilo has failed, since ")
             monitored.start_sensor()
             monitored.next_cycle("the sensor's return", lambda c: c.verdict == "SAFE")
             monitored.break_station("delete")
@@ -156,7 +156,7 @@ class CtlTest(unittest.TestCase):
 
             monitored.wait_for_users(0)
             self.expect(monitored.ctl("stop"), 0)
-            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  Nothing is monitored; start it with: skyholdctl start\n$")
+            self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  No monitoring session is running; start it with: skyholdctl start\n$")
 
     def test_members_are_listed_read_set_and_called(self):
         with Shower(["--start"]) as monitored:

@@ -23,8 +23,8 @@ class SessionTest(unittest.TestCase):
 
             monitored.sensor.send_signal(signal.SIGKILL)
             lost = monitored.next_cycle("the sensor's loss", lambda c: c.verdict == "UNSAFE")
-            self.assertEqual((lost.status, lost.codes, lost.cause[:18]),
-                             ("Error with Kiv_Nubilo", "a31", "Kiv_Nubilo fails, "))
+            self.assertEqual((lost.status, lost.codes, lost.cause[:23]),
+                             ("Error with Kiv_Nubilo", "a31", "Kiv_Nubilo has failed, "))
             monitored.start_sensor()
             back = monitored.next_cycle("the sensor's return", lambda c: c.verdict == "SAFE")
             self.assertEqual(back.codes, "")
