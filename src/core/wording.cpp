@@ -102,26 +102,6 @@ bool anyBeyond(const CycleResult& result) {
 
 } // namespace
 
-QString unitText(Measure measure, const QString& temperatureUnit, const QString& speedUnit) {
-    switch (measure) {
-    case Measure::Speed:
-        if (speedUnit == u"M")
-            return u"mph"_s;
-        if (speedUnit == u"m")
-            return u"m/s"_s;
-        return speedUnit == u"k" ? u"kn"_s : u"km/h"_s;
-    case Measure::Temperature:
-    case Measure::TemperatureDifference:
-        return temperatureUnit == u"F" ? u"°F"_s : u"°C"_s;
-    case Measure::Percent:
-        return u"%"_s;
-    case Measure::Cycles:
-    case Measure::Kelvin:
-        break;
-    }
-    return {};
-}
-
 QString levelLabel(Quantity quantity, const CycleResult& result,
                    const ConditionControls& controls) {
     const std::int32_t level = result.judgement.levels[quantity];
@@ -179,20 +159,6 @@ QString delayText(const CycleResult& result) {
         text += u"; delay lengthened to %1 after frequent closures"_s.arg(
             durationText(std::llround(result.judgement.delaySeconds)));
     return text;
-}
-
-QString durationText(std::int64_t seconds) {
-    const std::int64_t hours = seconds / 3600;
-    const std::int64_t minutes = seconds / 60 % 60;
-    if (hours > 0)
-        return u"%1 h %2 min"_s.arg(hours).arg(minutes);
-    if (minutes > 0)
-        return u"%1 min %2 s"_s.arg(minutes).arg(seconds % 60);
-    return u"%1 s"_s.arg(seconds);
-}
-
-QString clockText(std::int64_t utcMs) {
-    return QDateTime::fromMSecsSinceEpoch(utcMs).toString(u"HH:mm:ss"_s);
 }
 
 QString causeText(const Cause& cause, const CycleResult& result, const NumberForms& forms) {

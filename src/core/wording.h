@@ -5,6 +5,7 @@
 #include "model/cycle_result.h"
 #include "platform/text_forms.h"
 #include "records/condition_controls.h"
+#include "units/unit_text.h"
 
 namespace skyhold {
 
@@ -28,14 +29,5 @@ QString causeLine(const CycleResult& result, const ConditionControls& controls,
 // "Safe in 2 min 10 s; last reset by Gust at 23:52:30"; while it is lengthened also how long the
 // whole delay is.
 QString delayText(const CycleResult& result);
-
-// The unit of a quantity's value: "°C", "km/h", "%"; empty for a plain count.
-QString unitText(Measure measure, const QString& temperatureUnit, const QString& speedUnit);
-
-// "2 h 5 min", "2 min 10 s", "40 s".
-QString durationText(std::int64_t seconds);
-
-// "hh:mm:ss", local.
-QString clockText(std::int64_t utcMs);
 
 } // namespace skyhold

@@ -182,6 +182,20 @@ QString formatDate(const QDateTime& time, QStringView pattern) {
     return QString(text.constData(), text.size());
 }
 
+QString durationText(std::int64_t seconds) {
+    const std::int64_t hours = seconds / 3600;
+    const std::int64_t minutes = seconds / 60 % 60;
+    if (hours > 0)
+        return QStringLiteral("%1 h %2 min").arg(hours).arg(minutes);
+    if (minutes > 0)
+        return QStringLiteral("%1 min %2 s").arg(minutes).arg(seconds % 60);
+    return QStringLiteral("%1 s").arg(seconds);
+}
+
+QString clockText(std::int64_t utcMs) {
+    return QDateTime::fromMSecsSinceEpoch(utcMs).toString(QStringLiteral("HH:mm:ss"));
+}
+
 double roundHalfEven(double value) {
     return std::nearbyint(value);
 }

@@ -49,6 +49,12 @@ double leadingNumber(QStringView text);
 QString formatDate(const QDateTime& time, QStringView pattern);
 void appendDate(TextBuffer& text, const QDateTime& time, QStringView pattern);
 
+// "2 h 5 min", "2 min 10 s", "40 s".
+QString durationText(std::int64_t seconds);
+
+// "hh:mm:ss", local; milliseconds since 1970, UTC.
+QString clockText(std::int64_t utcMs);
+
 // To the nearest integer, halves to the even neighbour.
 double roundHalfEven(double value);
 
