@@ -2,6 +2,7 @@
 #include "automation/read_interval.h"
 #include "automation/sensor_calls.h"
 #include "conditions/alarms.h"
+#include "conditions/level_names.h"
 
 namespace skyhold {
 
@@ -10,13 +11,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using enum AutomationType;
 using Core = MonitoringCore;
-
-// A family lists its names in interface order; the index is that of the condition's level.
-struct Leveled {
-    const char* name;
-    Quantity quantity;
-    std::size_t index;
-};
 
 QString latin(const char* text) {
     return QString::fromLatin1(text);
@@ -60,26 +54,8 @@ void addSensorThresholds(MemberList& list) {
     addSensorLimit(list, "CloudUnknowConditionValue", unknown, {"CloudLimit", 2});
 }
 
-constexpr std::array<Leveled, 15> kLimits{{
-    {"ThreshWindCalm", Quantity::Wind, 0},
-    {"ThreshWindWindy", Quantity::Wind, 1},
-    {"ThreshWindVWindy", Quantity::Wind, 2},
-    {"ThreshGustCalm", Quantity::Gust, 0},
-    {"ThreshGustWindy", Quantity::Gust, 1},
-    {"ThreshGustVWindy", Quantity::Gust, 2},
-    {"ThreshDewCondensation", Quantity::Dew, 0},
-    {"ThreshDewHumid", Quantity::Dew, 1},
-    {"ThreshDewFine", Quantity::Dew, 2},
-    {"ThreshHumFine", Quantity::Humidity, 0},
-    {"ThreshHumHumid", Quantity::Humidity, 1},
-    {"ThreshHumVHumid", Quantity::Humidity, 2},
-    {"ThreshTAmbCold", Quantity::Temperature, 0},
-    {"ThreshTAmbFine", Quantity::Temperature, 1},
-    {"ThreshTAmbHot", Quantity::Temperature, 2},
-}};
-
 void addLimits(MemberList& list) {
-    for (const auto& [name, quantity, index] : kLimits) {
+    for (const auto& [name, quantity, index] : kLimitNames) {
         const auto box = [quantity = quantity, index = index](Core& core) -> NumberBox& {
             return core.records.conditions.Limit[quantity][index];
         };
@@ -156,15 +132,6 @@ void addDescription(MemberList& list, const Swatch& swatch) {
         });
 }
 
-constexpr std::array<Leveled, 6> kSectors{{
-    {"DescDirWindCalm", Quantity::Wind, 0},
-    {"DescDirWindWindy", Quantity::Wind, 1},
-    {"DescDirWindVWindy", Quantity::Wind, 2},
-    {"DescDirGustCalm", Quantity::Gust, 0},
-    {"DescDirGustWindy", Quantity::Gust, 1},
-    {"DescDirGustVWindy", Quantity::Gust, 2},
-}};
-
 void addDescriptions(MemberList& list) {
     addSensorFamily(list, {Text, u"description in Kiv_Nubilo"_s},
                     {"DescriptionClear", "DescriptionCloudy", "DescriptionVCloudy",
@@ -172,7 +139,7 @@ void addDescriptions(MemberList& list) {
                      "DescriptionLight", "DescriptionVLight"});
     for (std::size_t i = 0; i < kFirstTemperature; ++i)
         addDescription(list, kSwatches[i]);
-    for (const auto& [name, quantity, index] : kSectors) {
+    for (const auto& [name, quantity, index] : kSectorNames) {
         list.get(latin(name),
                  {Text, u"direction sector of the level: from, to, minutes"_s, Activity::None},
                  answering([quantity = quantity, index = index](Core& core) {
@@ -250,35 +217,8 @@ void addAlarms(MemberList& list) {
     }
 }
 
-constexpr std::array<Leveled, 24> kUnsafe{{
-    {"SafeClear", Quantity::Cloud, 0},
-    {"SafeCloudy", Quantity::Cloud, 1},
-    {"SafeOvercast", Quantity::Cloud, 2},
-    {"SafeDry", Quantity::Rain, 0},
-    {"SafeWet", Quantity::Rain, 1},
-    {"SafeRain", Quantity::Rain, 2},
-    {"SafeDark", Quantity::Brightness, 0},
-    {"SafeLight", Quantity::Brightness, 1},
-    {"SafeVLight", Quantity::Brightness, 2},
-    {"SafeWindCalm", Quantity::Wind, 0},
-    {"SafeWindWindy", Quantity::Wind, 1},
-    {"SafeWindVWindy", Quantity::Wind, 2},
-    {"SafeGustCalm", Quantity::Gust, 0},
-    {"SafeGustWindy", Quantity::Gust, 1},
-    {"SafeGustVWindy", Quantity::Gust, 2},
-    {"SafeDewFine", Quantity::Dew, 2},
-    {"SafeDewHumid", Quantity::Dew, 1},
-    {"SafeDewCondensation", Quantity::Dew, 0},
-    {"SafeHumFine", Quantity::Humidity, 0},
-    {"SafeHumHumid", Quantity::Humidity, 1},
-    {"SafeHumVHumid", Quantity::Humidity, 2},
-    {"SafeTempCold", Quantity::Temperature, 0},
-    {"SafeTempFine", Quantity::Temperature, 1},
-    {"SafeTempHot", Quantity::Temperature, 2},
-}};
-
 void addUnsafe(MemberList& list) {
-    for (const auto& [name, quantity, index] : kUnsafe) {
+    for (const auto& [name, quantity, index] : kUnsafeNames) {
         const auto box = [quantity = quantity, index = index](Core& core) -> CheckBox& {
             return core.records.conditions.Cond[quantity][index];
         };
