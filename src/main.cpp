@@ -214,6 +214,7 @@ int main(int argc, char** argv) {
         kVersion);
     core.showMessage = terminalMessages();
     LoadMainWindow(core);
+    beginHistory(core);
 
     std::unique_ptr<KivSHMainform> window;
     std::unique_ptr<Tray> tray;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "bus/automation_client.h"
+#include "core/remember.h"
 #include "core/upload.h"
 #include "datafiles/station_file.h"
 #include "datafiles/user_data_file.h"
@@ -74,6 +75,8 @@ struct MonitoringCore {
     StationFileMemory stationMemory;
     UserDataRecorder recorder;
     RenderedGraphs renderedGraphs;
+    HistoryWriter history;
+    Remembered remembered;
     UploadHandOff handOff;
     bool closeWanted = false;   // a close was asked for while a session start was waiting
     bool recordAtStart = false; // recording begins with the next session

@@ -4,6 +4,7 @@
 #include "core/present.h"
 #include "core/readings.h"
 #include "core/recording.h"
+#include "core/remember.h"
 #include "core/verdict.h"
 #include "datafiles/ccdap_file.h"
 #include "graphs/history.h"
@@ -103,6 +104,7 @@ void publish(MonitoringCore& core) {
         codes = withCode(codes, outlet(core, result));
     result.end = momentOf(core.clock);
     present(result, codes, core.forms, core.records);
+    rememberCycle(core);
     core.records.session.CyclesDone = core.records.session.CyclesDone + 1;
 }
 

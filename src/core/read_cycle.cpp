@@ -39,10 +39,12 @@ void RunReadCycle(MonitoringCore& core) {
     CycleResult& result = core.result;
     result.observation = std::move(seen);
     result.rules = rulesOf(records.conditions);
-    result.judgement = judge(result.observation, result.rules, result.memory, momentOf(core.clock),
-                             clientDecides(core));
+    result.judged = momentOf(core.clock);
+    result.judgement =
+        judge(result.observation, result.rules, result.memory, result.judged, clientDecides(core));
     result.temperatureUnit = records.readings.TemperatureUnit;
     result.speedUnit = records.readings.SpeedUnit;
+    result.intervalSeconds = records.session.RefreshRead.chosenSeconds();
     result.distrusted.clear();
     ++result.number;
 

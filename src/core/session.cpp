@@ -19,6 +19,7 @@ void setSession(MonitoringCore& core, SessionState state) {
     if (core.records.session.State == state)
         return;
     core.records.session.State = state;
+    rememberState(core);
     core.stateChanged();
 }
 

@@ -107,6 +107,7 @@ void Unload(MonitoringCore& core) {
     core.imageWriter.finish();
     core.images.deInitialise();
     CloseUserDataFile(core.recorder);
+    core.history.end();
 }
 
 } // namespace skyhold

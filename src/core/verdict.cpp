@@ -11,6 +11,7 @@ namespace {
 void showVerdict(MonitoringCore& core) {
     core.records.readings.UnsafeFlag = core.result.memory.UnsafeFlag;
     presentVerdict(core.result, core.records);
+    rememberState(core);
     core.stateChanged();
 }
 

@@ -10,6 +10,7 @@ namespace skyhold {
 
 struct CycleResult {
     std::int64_t number = 0; // counts from 1 in a session; 0 before the first cycle
+    Moment judged; // when its judgement was made
     Moment end;
     QDateTime localTime; // of the same moment
     int intervalSeconds = 0;

@@ -14,6 +14,7 @@ struct LevelRules {
     std::array<bool, kLevelCount> unsafe{};
     std::array<std::optional<Sector>, kLevelCount> sectors{}; // none: whatever the direction
 
+    bool operator==(const LevelRules&) const = default;
     bool ordered() const { return limits[0] < limits[1] && limits[1] < limits[2]; }
 };
 
@@ -26,6 +27,7 @@ struct CalmRules {
     // A session's first safe waits for the delay like any other, and a wind that stands in its
     // sector when a session begins counts at once.
     bool earnFirstSafe = false;
+    bool operator==(const CalmRules&) const = default;
 };
 
 struct Rules {
@@ -37,6 +39,7 @@ struct Rules {
     double cloudDelaySeconds = 0; // how long it must be cloudy before that counts
 
     CalmRules calm;
+    bool operator==(const Rules&) const = default;
 };
 
 } // namespace skyhold

@@ -182,6 +182,11 @@ QString programFolder() {
     return QCoreApplication::applicationDirPath();
 }
 
+QString userDataFolder() {
+    return joinPath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation),
+                    QStringLiteral("Kiv_Skyhold"));
+}
+
 QString writableProgramFolder() {
     QString folder = programFolder();
     if (QFileInfo(folder).isWritable())

@@ -57,6 +57,8 @@ bool isOwnAlone(const QString& path);
 
 // The folder of the executable, without a trailing separator.
 QString programFolder();
+// The user's data folder, of all programs of the monitor. Not made.
+QString userDataFolder();
 // The program folder, or the user's data folder where the program folder cannot be written to
 // (an installed package).
 QString writableProgramFolder();

@@ -8,6 +8,7 @@
 #include "records/file_controls.h"
 #include "records/graph_history.h"
 #include "records/graph_pictures.h"
+#include "records/history_controls.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"
 #include "records/unit_controls.h"
@@ -29,6 +30,7 @@ struct Records {
     GraphControls graphs;
     GraphHistory history;
     GraphPictures pictures;
+    HistoryControls historyKeep;
     SessionControls session;
     WindowControls window;
 };

@@ -256,6 +256,16 @@ void verdictRows(KeyRows& rows, ConditionControls& conditions) {
                u"values beyond the last limit are unsafe"_s);
 }
 
+void historyRows(KeyRows& rows, HistoryControls& history) {
+    rows.section(u"History"_s);
+    rows.integer(u"CycleDays"_s, 30, {1, 3'660}, history.CycleDays,
+                 u"days for which the history keeps single cycles; minutes from then on"_s);
+    rows.integer(u"EventYears"_s, 10, {1, 50}, history.EventYears,
+                 u"years for which it keeps minutes and events"_s);
+    rows.integer(u"Megabytes"_s, 1'024, {16, 65'536}, history.Megabytes,
+                 u"size of its file at most, in MB; the oldest minutes give way"_s);
+}
+
 void viewRows(KeyRows& rows, WindowControls& window) {
     rows.section(u"View"_s);
     rows.integer(u"Look"_s, 0, {0, 2}, window.Look,
@@ -281,6 +291,7 @@ std::vector<KeyRow> keyTable(Records& r) {
     updateRows(rows, r.window);
     verdictRows(rows, r.conditions);
     viewRows(rows, r.window);
+    historyRows(rows, r.historyKeep);
     return rows.take();
 }
 

@@ -13,7 +13,8 @@ ROWS = [
     {"judge", "platform"},
     {"bus", "records"},
     {"settings", "units", "sensor"},
-    {"conditions", "datafiles", "graphs", "update"},
+    {"conditions", "datafiles", "graphs", "history", "update"},
+    {"replay"},
     {"core"},
     {"automation", "ui"},
 ]

@@ -147,12 +147,13 @@ TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
         EXPECT_TRUE(row.load(row.defaultText, kPoint));
         EXPECT_FALSE(row.holds.isEmpty());
     }
-    EXPECT_EQ(
-        sections.join(u' '),
-        u"Window Limit Window Setup Limit Description Color Unsafe Alarms Graphs Alarms Window File Update Verdict View"_s);
+    EXPECT_EQ(sections.join(u' '), u"Window Limit Window Setup Limit Description Color Unsafe "
+                                   u"Alarms Graphs Alarms Window File Update Verdict View "
+                                   "History"_s);
     // 41 in "Window", 23 in "Limit", 15 + 15 levels, 30 in "Unsafe", 54 in "Alarms", 19 in
-    // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update", "Verdict" and "View".
-    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76 + 1 + 1 + 1);
+    // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update", "Verdict" and "View",
+    // 3 in "History".
+    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 54 + 19 + 32 + 76 + 1 + 1 + 1 + 3);
 }
 
 TEST_F(Settings, EveryKeySurvivesARestart) {

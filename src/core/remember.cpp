@@ -1,0 +1,236 @@
+#include "core/remember.h"
+
+#include "conditions/rule_values.h"
+#include "core/monitoring_core.h"
+#include "core/state_document.h"
+#include "core/verdict.h"
+#include "history/reader.h"
+#include "records/status_lines.h"
+
+#include <QJsonArray>
+
+#include <utility>
+
+namespace skyhold {
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+HistoryKeep keepOf(const HistoryControls& controls) {
+    return {controls.CycleDays, controls.EventYears, controls.Megabytes};
+}
+
+QString verdictName(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Safe:
+        return u"safe"_s;
+    case Verdict::Waiting:
+        return u"waiting"_s;
+    case Verdict::Unsafe:
+        return u"unsafe"_s;
+    case Verdict::None:
+        break;
+    }
+    return u"none"_s;
+}
+
+// Which causes stand: a change of their values alone is no event.
+QString causesOf(const MonitoringCore& core) {
+    const CycleResult& result = core.result;
+    QString text = result.distrusted;
+    if (result.judgement.byClient)
+        text += u"|by "_s + core.records.session.LblControl.Caption.value();
+    if (result.judgement.UnsafeFlag) {
+        for (const Cause& cause : result.judgement.causes)
+            text += u"|%1 %2 %3 %4"_s.arg(static_cast<int>(cause.kind))
+                        .arg(static_cast<int>(cause.quantity))
+                        .arg(static_cast<int>(cause.source))
+                        .arg(cause.level);
+    }
+    return text;
+}
+
+QString inWords(const QJsonArray& causes) {
+    QStringList texts;
+    for (const QJsonValue& cause : causes)
+        texts += cause[u"text"_s].toString();
+    return texts.join(u"; "_s);
+}
+
+void add(MonitoringCore& core, std::int64_t atMs, const QString& kind, const QString& name,
+         const QString& state, const QString& text, const QJsonObject& detail = {}) {
+    core.history.add(HistoryEvent{atMs, kind, name, state, text, detail});
+}
+
+void rememberVerdict(MonitoringCore& core, std::int64_t atMs) {
+    Remembered& last = core.remembered;
+    const bool running = core.records.session.running();
+    const Verdict verdict = running ? core.records.session.verdict.value() : Verdict::None;
+    const QString causes = verdict == Verdict::None ? QString() : causesOf(core);
+    if (verdict == last.verdict && causes == last.causes)
+        return;
+    last.verdict = verdict;
+    last.causes = causes;
+    const QJsonObject document = stateDocument(core);
+    QJsonObject detail;
+    for (const QString& part : {u"causes"_s, u"decided_by"_s, u"controller"_s})
+        detail[part] = document[part];
+    add(core, atMs, u"verdict"_s, {}, verdictName(verdict),
+        inWords(document[u"causes"_s].toArray()), detail);
+}
+
+void rememberSession(MonitoringCore& core, std::int64_t atMs) {
+    const bool running = core.records.session.running();
+    if (std::exchange(core.remembered.running, running) == running)
+        return;
+    if (running) {
+        core.history.keep(keepOf(core.records.historyKeep));
+        const int seconds = core.records.session.RefreshRead.chosenSeconds();
+        add(core, atMs, u"session"_s, {}, u"started"_s,
+            u"Session started, a cycle every %1 s"_s.arg(seconds),
+            {{u"interval_s"_s, seconds}, {u"version"_s, core.version.text()}});
+    } else {
+        add(core, atMs, u"session"_s, {}, u"stopped"_s, u"Session stopped"_s);
+    }
+}
+
+// A dead instrument makes a station that can be read unusable in part.
+SourceState stationState(const StationObservation& station) {
+    return station.usable() && station.faulty() ? SourceState::Unusable : station.state;
+}
+
+void rememberSources(MonitoringCore& core, std::int64_t atMs) {
+    const Observation& seen = core.result.observation;
+    Remembered& last = core.remembered;
+    const SourceState station = stationState(seen.station);
+    const bool stationChanged = std::exchange(last.station, station) != station;
+    const bool sensorChanged = std::exchange(last.sensor, seen.sensor.state) != seen.sensor.state;
+    if (!stationChanged && !sensorChanged)
+        return;
+    const QJsonObject sources = stateDocument(core)[u"sources"_s].toObject();
+    const auto tell = [&](const QString& name, const QString& title) {
+        const QJsonObject source = sources[name].toObject();
+        const QString state = source[u"state"_s].toString();
+        const QString detail = source[u"detail"_s].toString();
+        add(core, atMs, u"source"_s, name, state,
+            title + u' ' + state + (detail.isEmpty() ? QString() : u": "_s + detail));
+    };
+    if (stationChanged)
+        tell(u"station"_s, u"Weather station"_s);
+    if (sensorChanged)
+        tell(u"sensor"_s, u"Sensor program"_s);
+}
+
+void rememberAlarm(MonitoringCore& core, std::int64_t atMs) {
+    const QString alarm =
+        core.records.alarms.ButtStopAlarm.Visible ? core.records.readings.AlarmSoundId : QString();
+    const QString before = std::exchange(core.remembered.alarm, alarm);
+    if (before == alarm)
+        return;
+    if (!before.isEmpty())
+        add(core, atMs, u"alarm"_s, before, u"off"_s, u"Alarm %1 ended"_s.arg(before));
+    if (!alarm.isEmpty())
+        add(core, atMs, u"alarm"_s, alarm, u"on"_s, u"Alarm %1 sounds"_s.arg(alarm));
+}
+
+void rememberRoof(MonitoringCore& core, std::int64_t atMs) {
+    const double roof = core.records.readings.SwitchValue;
+    if (std::exchange(core.remembered.roof, roof) == roof)
+        return;
+    const QString state = roof == 1 ? u"open"_s : roof == 2 ? u"closed"_s : u"unknown"_s;
+    const bool driven = core.records.session.SwitchControl;
+    const QString text = !driven     ? u"Roof switch reads %1"_s.arg(state)
+                         : roof == 1 ? u"Roof told to open"_s
+                                     : u"Roof told to close"_s;
+    add(core, atMs, u"roof"_s, driven ? u"told"_s : u"read"_s, state, text);
+}
+
+QStringList labelsOf(const ConditionControls& controls) {
+    QStringList labels;
+    for (const QuantityRow& row : quantityTable()) {
+        for (std::size_t i = 0; i < kLevelCount; ++i)
+            labels += row.hasLimits() ? controls.Color[row.quantity][i].Caption.value()
+                                      : controls.Cond[row.quantity][i].Caption.value();
+    }
+    return labels;
+}
+
+// By the quantity's name: limits, armed levels and the words for the levels.
+QJsonObject limitsOf(const Rules& rules, const QStringList& labels) {
+    QJsonObject all;
+    for (const QuantityRow& row : quantityTable()) {
+        QJsonArray armed;
+        QJsonArray words;
+        QJsonArray limits;
+        for (std::size_t i = 0; i < kLevelCount; ++i) {
+            if (rules.levels[row.quantity].unsafe[i])
+                armed.append(static_cast<int>(i) + 1);
+            if (row.hasLimits())
+                limits.append(rules.levels[row.quantity].limits[i]);
+            words.append(labels[static_cast<qsizetype>(
+                kLevelCount * static_cast<std::size_t>(row.quantity) + i)]);
+        }
+        QJsonObject shown{{u"armed"_s, armed}, {u"labels"_s, words}};
+        if (row.hasLimits())
+            shown[u"limits"_s] = limits;
+        all[QLatin1String(row.key)] = shown;
+    }
+    return all;
+}
+
+void rememberRules(MonitoringCore& core, std::int64_t atMs) {
+    const Rules& rules = core.result.rules;
+    Remembered& last = core.remembered;
+    QStringList labels = labelsOf(core.records.conditions);
+    if (last.rules == rules && last.labels == labels)
+        return;
+    const QString changes = last.rules ? ruleChanges(*last.rules, rules) : QString();
+    const QString text = !last.rules         ? u"Limits in force"_s
+                         : changes.isEmpty() ? u"Descriptions changed"_s
+                                             : u"Limits changed: "_s + changes;
+    add(core, atMs, u"limits"_s, {}, last.rules ? u"changed"_s : u"loaded"_s, text,
+        {{u"rules"_s, rulesObject(rules)}, {u"readings"_s, limitsOf(rules, labels)}});
+    last.rules = rules;
+    last.labels = std::move(labels);
+}
+
+// A disk that cannot be written, once when it begins and once when it is over.
+void showFault(MonitoringCore& core) {
+    const QString fault = core.history.state().fault;
+    if (std::exchange(core.remembered.fault, fault) == fault)
+        return;
+    if (fault.isEmpty())
+        SetStatusText(core.records.session.Statusbar1, u"History is written again"_s, kDarkGreen);
+    else
+        SetStatusText(core.records.session.Statusbar1, u"History not written: "_s + fault, kRed);
+}
+
+} // namespace
+
+void beginHistory(MonitoringCore& core) {
+    core.history.begin(historyPath(), keepOf(core.records.historyKeep));
+}
+
+void rememberCycle(MonitoringCore& core) {
+    if (!core.history.state().on)
+        return;
+    const std::int64_t atMs = core.result.judged.utcMs;
+    rememberRules(core, atMs);
+    rememberSources(core, atMs);
+    rememberVerdict(core, atMs);
+    rememberAlarm(core, atMs);
+    rememberRoof(core, atMs);
+    core.history.add(keptCycle(core.result, core.records.session.verdict));
+    showFault(core);
+}
+
+void rememberState(MonitoringCore& core) {
+    if (!core.history.state().on)
+        return;
+    const std::int64_t nowMs = momentOf(core.clock).utcMs;
+    rememberSession(core, nowMs);
+    rememberVerdict(core, nowMs);
+}
+
+} // namespace skyhold
