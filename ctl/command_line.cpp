@@ -19,21 +19,46 @@ struct CommandRow {
     const char16_t* name;
     const char16_t* arguments;
     qsizetype fewest, most;
-    bool json, every;
+    const char16_t* options; // that it takes
 };
 
 constexpr CommandRow kCommands[] = {
-    {u"status", u"", 0, 0, true, false},
-    {u"watch", u"[NAMES...]", 0, kAny, true, true},
-    {u"get", u"NAME", 1, 1, true, false},
-    {u"set", u"NAME VALUE", 2, 2, false, false},
-    {u"call", u"NAME [ARGUMENTS...]", 1, kAny, true, false},
-    {u"list", u"[PATTERN]", 0, 1, true, false},
-    {u"start", u"", 0, 0, false, false},
-    {u"stop", u"", 0, 0, false, false},
-    {u"help", u"", 0, 0, false, false},
-    {u"version", u"", 0, 0, false, false},
+    {u"status", u"", 0, 0, u"json"},
+    {u"watch", u"[NAMES...]", 0, kAny, u"json every"},
+    {u"why", u"[TIME]", 0, 1, u"json database"},
+    {u"history", u"", 0, 0, u"since until events readings json csv database"},
+    {u"replay", u"", 0, 0, u"since until set from-csv suggest json database"},
+    {u"get", u"NAME", 1, 1, u"json"},
+    {u"set", u"NAME VALUE", 2, 2, u""},
+    {u"call", u"NAME [ARGUMENTS...]", 1, kAny, u"json"},
+    {u"list", u"[PATTERN]", 0, 1, u"json"},
+    {u"start", u"", 0, 0, u""},
+    {u"stop", u"", 0, 0, u""},
+    {u"help", u"", 0, 0, u""},
+    {u"version", u"", 0, 0, u""},
 };
+
+struct OptionRow {
+    const char16_t* name;
+    const char16_t* takes; // empty: no value
+};
+
+constexpr OptionRow kOptions[] = {
+    {u"json", u""},           {u"csv", u""},
+    {u"events", u""},         {u"readings", u""},
+    {u"suggest", u""},        {u"every", u"a number of seconds"},
+    {u"since", u"a time"},    {u"until", u"a time"},
+    {u"set", u"NAME=VALUE"},  {u"from-csv", u"a file"},
+    {u"database", u"a file"},
+};
+
+const OptionRow* optionOf(const QString& name) {
+    for (const OptionRow& row : kOptions) {
+        if (name == row.name)
+            return &row;
+    }
+    return nullptr;
+}
 
 const CommandRow* rowOf(const QString& name) {
     for (const CommandRow& row : kCommands) {
@@ -52,15 +77,13 @@ QString noSuchCommand(const QString& name) {
            (nearest ? u"; did you mean %1?"_s.arg(*nearest) : u"; skyholdctl help lists them"_s);
 }
 
-// What the options say, and the other arguments in their order.
+// The options, and the other arguments in their order.
 struct Options {
     QStringList plain;
-    bool json = false;
-    std::optional<QString> every;
+    QMap<QString, QStringList> options;
 };
 
 std::optional<Options> parseOptions(const QStringList& arguments, QString& fault) {
-    const QString every = u"--every"_s;
     Options found;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
@@ -70,17 +93,24 @@ std::optional<Options> parseOptions(const QStringList& arguments, QString& fault
         }
         if (!argument.startsWith(u"--"_s)) {
             found.plain.append(argument);
-        } else if (argument == u"--json"_s) {
-            found.json = true;
-        } else if (argument.startsWith(every + u'=')) {
-            found.every = argument.mid(every.size() + 1);
-        } else if (argument == every && i + 1 < arguments.size()) {
-            found.every = arguments[++i];
-        } else {
-            fault = argument == every ? u"--every takes a number of seconds"_s
-                                      : u"there is no option "_s + plainLine(argument);
+            continue;
+        }
+        const qsizetype equals = argument.indexOf(u'=');
+        const QString name = argument.mid(2, equals < 0 ? -1 : equals - 2);
+        const OptionRow* row = optionOf(name);
+        const bool takes = row && *row->takes != u'\0';
+        if (!row || (!takes && equals >= 0)) {
+            fault = u"there is no option "_s + plainLine(argument);
             return std::nullopt;
         }
+        if (takes && equals < 0 && i + 1 == arguments.size()) {
+            fault = u"--%1 takes %2"_s.arg(name, row->takes);
+            return std::nullopt;
+        }
+        QString value;
+        if (takes)
+            value = equals >= 0 ? argument.mid(equals + 1) : arguments[++i];
+        found.options[name] += value;
     }
     return found;
 }
@@ -90,9 +120,9 @@ std::optional<Options> parseOptions(const QStringList& arguments, QString& fault
 std::optional<Command> parseCommandLine(const QStringList& arguments, QString& fault) {
     fault.clear();
     if (arguments == QStringList{u"--help"_s} || arguments == QStringList{u"-h"_s})
-        return Command{u"help"_s, {}};
+        return Command{.name = u"help"_s};
     if (arguments == QStringList{u"--version"_s} || arguments == QStringList{u"-v"_s})
-        return Command{u"version"_s, {}};
+        return Command{.name = u"version"_s};
     const std::optional<Options> found = parseOptions(arguments, fault);
     if (!found)
         return std::nullopt;
@@ -100,18 +130,25 @@ std::optional<Command> parseCommandLine(const QStringList& arguments, QString& f
         fault = u"which command? skyholdctl help lists them"_s;
         return std::nullopt;
     }
-    Command command{found->plain.first(), found->plain.mid(1), found->json};
+    Command command{.name = found->plain.first(),
+                    .arguments = found->plain.mid(1),
+                    .json = found->options.contains(u"json"_s),
+                    .options = found->options};
     const CommandRow* row = rowOf(command.name);
-    if (!row)
+    if (!row) {
         fault = noSuchCommand(command.name);
-    else if (command.arguments.size() < row->fewest || command.arguments.size() > row->most)
+        return std::nullopt;
+    }
+    if (command.arguments.size() < row->fewest || command.arguments.size() > row->most)
         fault = u"usage: skyholdctl %1 %2"_s.arg(row->name, row->arguments).trimmed();
-    else if (command.json && !row->json)
-        fault = u"%1 has no option --json"_s.arg(command.name);
-    else if (found->every && !row->every)
-        fault = u"%1 has no option --every"_s.arg(command.name);
-    else if (found->every) {
-        const std::optional<QVariant> seconds = parseValue(*found->every, AutomationType::R8);
+    const QStringList taken = QString::fromUtf16(row->options).split(u' ');
+    for (const QString& name : found->options.keys()) {
+        if (!taken.contains(name))
+            fault = u"%1 has no option --%2"_s.arg(command.name, name);
+    }
+    if (fault.isEmpty() && command.has(u"every"_s)) {
+        const std::optional<QVariant> seconds =
+            parseValue(command.option(u"every"_s), AutomationType::R8);
         command.everySeconds = seconds ? seconds->toDouble() : 0;
         if (command.everySeconds < kShortestInterval || command.everySeconds > kLongestInterval)
             fault = u"--every takes a number of seconds, 0.1 to 86400"_s;
@@ -122,10 +159,15 @@ std::optional<Command> parseCommandLine(const QStringList& arguments, QString& f
 QString usageText() {
     return uR"(usage: skyholdctl COMMAND [OPTIONS]
 
-Queries and controls Kiv_Skyhold, which must be running; only "start" starts it.
+Queries and controls Kiv_Skyhold, which must be running; only "start" starts it. The history can be
+read without it.
 
-  status               the verdict, why, and all conditions with their values
+  status               the verdict, why, and all readings
   watch [NAMES...]     a line at every change: of the status, or of these members
+  why [TIME]           why the verdict is what it is, or was at that time
+  history              verdicts with their causes, and other events
+  replay               how often and how long the recorded weather is unsafe by the limits, and
+                       by others
   get NAME             the value of a member
   set NAME VALUE       sets a property
   call NAME [ARGS...]  calls a method and prints its result
@@ -135,8 +177,17 @@ Queries and controls Kiv_Skyhold, which must be running; only "start" starts it.
   help                 this text
   version              the version of skyholdctl; get Version prints the monitor's
 
-  --json               prints JSON (status, watch, get, call, list)
+  --json               prints JSON (not set, start, stop)
   --every S            watch polls every S seconds (default: 1)
+  --since T, --until T of history (default: the last day) and replay (the last week). A time is
+                       2026-11-23, 2026-11-23T05:12 (Z for UTC), 23:41, or how long ago: 90min,
+                       12h, 7d
+  --events, --readings history prints every event, or the readings
+  --csv                prints the history as CSV
+  --set NAME=VALUE     replay with another limit, delay or sector; may be repeated
+  --from-csv FILE      replay of a user data file or a log instead of the history
+  --suggest            replay prints what was measured in safe nights beside the limits
+  --database FILE      another history than the monitor's
   --                   everything after it is an argument
 
 Numbers have a "." whatever the locale; booleans are true and false.

@@ -1,6 +1,7 @@
 // The command line: which command, with what.
 #pragma once
 
+#include <QMap>
 #include <QStringList>
 
 #include <optional>
@@ -9,9 +10,15 @@ namespace skyhold {
 
 struct Command {
     QString name; // "get"
-    QStringList arguments;
+    QStringList arguments = {};
     bool json = false;
     double everySeconds = 1; // of watch
+    // The other options by their names, "since"; of one that may stand often all values, of one
+    // that takes none an empty text.
+    QMap<QString, QStringList> options = {};
+
+    bool has(const QString& option) const { return options.contains(option); }
+    QString option(const QString& name) const { return options.value(name).value(0); }
 };
 
 // The arguments without the program's name. Options may stand anywhere; after "--" every argument

@@ -7,10 +7,13 @@
 #include "ctl/values.h"
 #include "ctl/verdict.h"
 #include "ctl/watch.h"
+#include "platform/files.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 
 #include <algorithm>
+#include <unistd.h>
 
 namespace skyhold {
 
@@ -197,6 +200,20 @@ int runStop(const Command&) {
     return switchMonitoring(monitor, false, kPatienceMs);
 }
 
+// Another program takes over, with the same arguments.
+int runHistoryProgram(const Command&) {
+    const QString program = joinPath(programFolder(), u"skyholdctl-history"_s);
+    QList<QByteArray> arguments;
+    for (const QString& argument : QCoreApplication::arguments())
+        arguments += argument.toLocal8Bit();
+    std::vector<char*> pointers;
+    for (QByteArray& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    ::execv(program.toLocal8Bit().constData(), pointers.data());
+    return fail(program + u" cannot be started"_s);
+}
+
 int runHelp(const Command&) {
     write(usageText());
     return 0;
@@ -236,9 +253,18 @@ int runCommand(const Command& command) {
     const struct {
         const char16_t* name;
         int (*run)(const Command&);
-    } commands[] = {{u"status", runStatus},  {u"watch", runWatch}, {u"get", runGet},
-                    {u"set", runSet},        {u"call", runCall},   {u"list", runList},
-                    {u"start", runStart},    {u"stop", runStop},   {u"help", runHelp},
+    } commands[] = {{u"status", runStatus},
+                    {u"watch", runWatch},
+                    {u"why", runHistoryProgram},
+                    {u"history", runHistoryProgram},
+                    {u"replay", runHistoryProgram},
+                    {u"get", runGet},
+                    {u"set", runSet},
+                    {u"call", runCall},
+                    {u"list", runList},
+                    {u"start", runStart},
+                    {u"stop", runStop},
+                    {u"help", runHelp},
                     {u"version", runVersion}};
     for (const auto& row : commands) {
         if (command.name == row.name)

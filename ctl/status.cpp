@@ -48,13 +48,13 @@ std::vector<Reading> readingsOf(const QJsonObject& document) {
     return all;
 }
 
-QString verdictWord(Verdict verdict) {
+QString verdictWord(StatusVerdict verdict) {
     switch (verdict) {
-    case Verdict::Safe:
+    case StatusVerdict::Safe:
         return u"SAFE"_s;
-    case Verdict::Unsafe:
+    case StatusVerdict::Unsafe:
         return u"UNSAFE"_s;
-    case Verdict::Unknown:
+    case StatusVerdict::Unknown:
         break;
     }
     return u"UNKNOWN"_s;

@@ -33,15 +33,15 @@ QStringList sourceFaults(const QJsonObject& document) {
 
 } // namespace
 
-Verdict verdictOf(const QJsonObject& document) {
+StatusVerdict verdictOf(const QJsonObject& document) {
     const QString verdict = document[u"verdict"_s].toString();
     const bool running = document[u"session"_s] == u"running"_s;
     if (!running || !sourceFaults(document).isEmpty())
-        return Verdict::Unknown;
+        return StatusVerdict::Unknown;
     if (document[u"safe"_s] == true && verdict == u"safe")
-        return Verdict::Safe;
+        return StatusVerdict::Safe;
     const bool known = verdict == u"safe" || verdict == u"unsafe" || verdict == u"waiting";
-    return known && document[u"safe"_s] == false ? Verdict::Unsafe : Verdict::Unknown;
+    return known && document[u"safe"_s] == false ? StatusVerdict::Unsafe : StatusVerdict::Unknown;
 }
 
 QStringList causesOf(const QJsonObject& document) {
@@ -49,7 +49,7 @@ QStringList causesOf(const QJsonObject& document) {
     for (const QJsonValue& cause : document[u"causes"_s].toArray())
         texts += plainLine(cause[u"text"_s].toString()).trimmed();
     texts.removeAll(QString());
-    if (!texts.isEmpty() || verdictOf(document) == Verdict::Safe)
+    if (!texts.isEmpty() || verdictOf(document) == StatusVerdict::Safe)
         return texts;
     if (document[u"session"_s] != u"running"_s)
         return {u"No monitoring session is running"_s};
@@ -60,7 +60,7 @@ QStringList causesOf(const QJsonObject& document) {
     return texts;
 }
 
-int exitStatus(Verdict verdict) {
+int exitStatus(StatusVerdict verdict) {
     return static_cast<int>(verdict);
 }
 

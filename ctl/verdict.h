@@ -6,18 +6,18 @@
 
 namespace skyhold {
 
-enum class Verdict { Safe = 0, Unsafe = 1, Unknown = 2 };
+enum class StatusVerdict { Safe = 0, Unsafe = 1, Unknown = 2 };
 
 // Of a state document. Safe only when it says so in every place that could deny it; unknown where
 // nothing is monitored, where a source fails, whether or not that counts, and where an entry is
 // missing or makes no sense.
-Verdict verdictOf(const QJsonObject& document);
+StatusVerdict verdictOf(const QJsonObject& document);
 
 // Why it is not safe, a sentence each. Never empty unless the verdict is safe.
 QStringList causesOf(const QJsonObject& document);
 
 inline constexpr int kStatusFailed = 2;
 // 0 safe, 1 unsafe, 2 unknown.
-int exitStatus(Verdict verdict);
+int exitStatus(StatusVerdict verdict);
 
 } // namespace skyhold

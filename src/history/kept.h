@@ -14,6 +14,9 @@
 
 namespace skyhold {
 
+inline constexpr std::int64_t kBeginning = 0;
+inline constexpr std::int64_t kEndOfTime = 253'402'300'799'999; // of the year 9999
+
 // What is measured: the quantities in their order, then what is kept beside them.
 inline constexpr std::size_t kMeasuredCount = kQuantityCount + 6;
 enum Measured : std::size_t {

@@ -181,16 +181,31 @@ std::vector<HistoryPoint> HistoryReader::readCycles(std::int64_t sinceMs, std::i
         return {};
     const int tier = tierFor(untilMs - sinceMs, maxPoints);
     std::vector<HistoryPoint> points;
-    const std::int64_t cyclesFrom = known.cyclesFromMs > 0 ? known.cyclesFromMs : untilMs;
-    if (tier == kCycles && sinceMs < cyclesFrom) { // thinned already
-        points = readSpans(0, sinceMs, std::min(untilMs, cyclesFrom));
-        const std::vector<HistoryPoint> cycles = readSpans(
-            kCycles, points.empty() ? sinceMs : points.back().atMs + points.back().spanMs, untilMs);
-        points.insert(points.end(), cycles.begin(), cycles.end());
-    } else {
+    if (tier != kCycles)
         points = readSpans(tier, sinceMs, untilMs);
-    }
+    else
+        eachPoint(sinceMs, untilMs, [&points](const HistoryPoint& point) {
+            points.push_back(point);
+            return true;
+        });
     return fewer(points, sinceMs, untilMs, maxPoints);
+}
+
+bool HistoryReader::eachPoint(std::int64_t sinceMs, std::int64_t untilMs,
+                              const std::function<bool(const HistoryPoint&)>& take) {
+    const std::int64_t first = range().cyclesFromMs;
+    // What is thinned is thinned by whole minutes.
+    const std::int64_t cyclesFrom =
+        first > 0 ? beginOfSpan(first, kTiers[0].spanMs) : std::max(sinceMs, untilMs);
+    bool more = true;
+    const auto give = [&](const HistoryPoint& point) {
+        more = take(point);
+        return more;
+    };
+    eachMinute(sinceMs, std::min(cyclesFrom, untilMs), give);
+    if (more && cyclesFrom < untilMs)
+        eachSpan(kCycles, std::max(sinceMs, cyclesFrom), untilMs, give);
+    return fault_.isEmpty();
 }
 
 std::vector<HistoryEvent> HistoryReader::readEvents(std::int64_t sinceMs, std::int64_t untilMs,

@@ -16,9 +16,6 @@ namespace skyhold {
 // Where the monitor keeps its history: "history.db" in the user's data folder.
 QString historyPath();
 
-inline constexpr std::int64_t kBeginning = 0;
-inline constexpr std::int64_t kEndOfTime = 253'402'300'799'999; // of the year 9999
-
 struct HistoryRange {
     std::int64_t firstMs = 0; // of anything that is kept; 0 when there is nothing
     std::int64_t lastMs = 0;
@@ -64,6 +61,10 @@ class HistoryReader {
     // when nothing is known of that time.
     QJsonObject stateAt(std::int64_t atMs);
 
+    // The finest points there are, by time, until `take` answers false: single cycles, and minutes
+    // where these are thinned.
+    bool eachPoint(std::int64_t sinceMs, std::int64_t untilMs,
+                   const std::function<bool(const HistoryPoint&)>& take);
     // Every cycle of the range, by time, until `take` answers false.
     bool eachCycle(std::int64_t sinceMs, std::int64_t untilMs,
                    const std::function<bool(const KeptCycle&)>& take);

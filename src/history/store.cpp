@@ -94,7 +94,7 @@ bool HistoryStore::openFile() {
     // A killed program loses nothing of what was committed; only a computer that loses its power
     // may lose the last commits, and the file stays whole.
     return run(u"PRAGMA auto_vacuum = INCREMENTAL"_s) && run(u"PRAGMA journal_mode = WAL"_s) &&
-           run(u"PRAGMA synchronous = NORMAL"_s);
+           run(u"PRAGMA synchronous = NORMAL"_s) && run(u"PRAGMA wal_autocheckpoint = 250"_s);
 }
 
 bool HistoryStore::makeTables() {

@@ -26,6 +26,9 @@ TEST(CommandLine, understoodLines) {
         {"watch --every=0.1", {u"watch"_s}, false, 0.1},
         {"list", {u"list"_s}},
         {"list Cond*", {u"list"_s, u"Cond*"_s}},
+        {"why --json 23:41", {u"why"_s, u"23:41"_s}, true},
+        {"history --since 12h --csv --until=2026-11-23", {u"history"_s}},
+        {"replay --set A=1 --set B=2", {u"replay"_s}},
         {"--help", {u"help"_s}},
         {"--version", {u"version"_s}},
     };
@@ -56,6 +59,10 @@ TEST(CommandLine, refusedLinesSayWhy) {
         {"watch --every nan", "--every takes"},
         {"watch --every 1,5", "--every takes"},
         {"watch --every 1e9", "--every takes"},
+        {"history --since", "--since takes a time"},
+        {"history --set A=1", "history has no option --set"},
+        {"history --csv=1", "no option --csv=1"},
+        {"why a b", "usage: skyholdctl why [TIME]"},
         {"--json", "which command?"},
         {"--", "which command?"},
     };

@@ -36,7 +36,7 @@ QJsonObject with(QJsonObject document, const QString& path, const QJsonValue& va
 }
 
 // Whatever could deny it does, and so does an entry that is missing or of another type.
-TEST(Verdict, onlyOneDocumentIsSafe) {
+TEST(StatusVerdict, onlyOneDocumentIsSafe) {
     const QJsonObject safe = safeDocument();
     ASSERT_EQ(exitStatus(verdictOf(safe)), 0);
     const QJsonValue none(QJsonValue::Undefined);

@@ -6,6 +6,12 @@
 // night_dump.h says to an empty folder.
 #include "night.h"
 
+#include "conditions/rules_of.h"
+#include "history/reader.h"
+#include "judge/replay.h"
+
+#include <QJsonArray>
+
 namespace skyhold {
 namespace {
 
@@ -54,6 +60,44 @@ TEST_P(Nights, comeOutAsRecorded) {
            << is.value(line).toStdString() << "\nbut expected was\n"
            << was.value(line).toStdString();
 }
+
+// What the history keeps of a night is enough to judge it again, and nothing comes out otherwise.
+using KeptNight = Night;
+
+TEST_P(KeptNight, isJudgedAgainAsItWas) {
+    constexpr int kStepSeconds = 600; // of the night
+    const QString path = folder_->filePath(u"history.db"_s);
+    core_->history.begin(path, {.cycleDays = 3'660});
+    play(contents(folder() + u'/' + QString::fromStdString(GetParam()) + u".night"_s));
+    ASSERT_TRUE(core_->history.end());
+
+    HistoryReader reader(path);
+    Replay replay(rulesOf(records().conditions));
+    Observation observation;
+    int cycles = 0;
+    int closures = 0;
+    bool before = true;
+    reader.eachCycle(kBeginning, kEndOfTime, [&](const KeptCycle& cycle) {
+        putInto(observation, cycle);
+        replay.cycle(observation, cycle.atMs, kStepSeconds, cycle.number == 1);
+        EXPECT_EQ(replay.unsafe(), cycle.unsafe()) << "cycle " << cycle.number;
+        closures += !before && cycle.unsafe() ? 1 : 0;
+        before = cycle.unsafe();
+        return ++cycles > 0;
+    });
+    EXPECT_EQ(reader.fault(), QString());
+    EXPECT_GT(cycles, 200);
+    EXPECT_GT(closures, 0);
+    EXPECT_EQ(replay.outcome().closures, closures);
+    // The verdicts of the night in words, as `skyholdctl history` shows them.
+    for (const VerdictPeriod& period : reader.readPeriods(kBeginning, kEndOfTime)) {
+        EXPECT_EQ(period.changes.front().detail[u"causes"_s].toArray().isEmpty(),
+                  period.verdict == u"safe");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Recorded, KeptNight, testing::Values("newark_blizzard"),
+                         [](const auto& night) { return std::string(night.param); });
 
 INSTANTIATE_TEST_SUITE_P(Recorded, Nights, testing::ValuesIn(nights()),
                          [](const auto& night) { return night.param; });

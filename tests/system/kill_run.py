@@ -4,17 +4,21 @@
 
 It records, saves images, writes the weather file and hands uploads off; a client changes settings
 over the bus, another program writes into the settings file. After every kill the settings file must
-be whole and hold what was saved, no line of the data file may be torn but the last, every image must
-decode, and what was unfinished must be gone once the program has run again.
+be whole and hold what was saved, no line of the data file may be torn but the last, the history must
+be whole and lack at most the last second, every image must decode, and what was unfinished must be
+gone once the program has run again.
 """
 
 import argparse
 import collections
 import configparser
+import contextlib
+import datetime
 import pathlib
 import random
 import re
 import shutil
+import sqlite3
 import struct
 import subprocess
 import sys
@@ -24,7 +28,7 @@ import zlib
 
 import dbus
 
-from monitored import PUT, Client, Monitored, run
+from monitored import PUT, Client, Cycle, Monitored, run
 
 SPEED = 200  # a cycle every 25 ms
 BUSY_SECONDS = 0.4
@@ -189,6 +193,7 @@ class KillRun:
         """The program is gone: every file is as it must be."""
         self.look_at_settings(kind)
         self.look_at_data(kind)
+        self.look_at_history(kind)
         record = (self.folder / "ccdap" / run.CCDAP_NAME).read_bytes()
         check(re.match(rb"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d\d ", record) and len(record) == 100,
               f"the weather file: {record}")
@@ -225,6 +230,25 @@ class KillRun:
             self.torn_lines += 1
         check(len(torn) <= self.torn_lines - bool(lines[-1]), f"torn lines: {torn[:3]}")
         self.seen["data lines"] = len(lines) - 1
+
+    def look_at_history(self, kind):
+        """As the next start of the program finds it; it ends the session that was lost."""
+        path = self.folder / "user/data/Kiv_Skyhold/history.db"
+        with contextlib.closing(sqlite3.connect(path)) as database:
+            state, = database.execute("PRAGMA integrity_check").fetchone()
+            check(state == "ok", f"the history: {state}")
+            last, count = database.execute("SELECT max(at), count(*) FROM cycles").fetchone()
+            events = database.execute("SELECT count(*) FROM events").fetchone()[0]
+        check(count >= self.seen["history cycles"] and events >= self.seen["history events"],
+              "the history has lost what it had")
+        self.seen["history cycles"], self.seen["history events"] = count, events
+        if self.monitored.cycles and kind != "start":
+            shown = Cycle(self.monitored.cycles[-1]).time
+            shown = datetime.datetime.fromisoformat(shown).timestamp()
+            behind = (shown - last / 1000) / SPEED
+            check(behind < 1, f"the history lacks the last {behind:.1f} s")
+        broken = list(path.parent.glob("*.broken-*"))
+        check(not broken, f"set aside as torn: {broken}")
 
     def look_for_leftovers(self, kind):
         names = [path.name for folder in [self.folder / "images", self.folder / "ccdap",
