@@ -5,6 +5,7 @@
 #include "ctl/state_document.h"
 #include "ctl/times.h"
 #include "ctl/values.h"
+#include "ctl/verdict.h"
 #include "history/reader.h"
 #include "platform/text_forms.h"
 
