@@ -55,7 +55,7 @@ QStringList causesOf(const QJsonObject& document) {
         return {u"No monitoring session is running"_s};
     texts = sourceFaults(document);
     if (texts.isEmpty())
-        texts += document[u"verdict"_s] == u"safe"_s ? u"Nothing has been read for a while"_s
+        texts += document[u"verdict"_s] == u"safe"_s ? u"There have been no readings for a while"_s
                                                      : u"Kiv_Skyhold does not say why"_s;
     return texts;
 }

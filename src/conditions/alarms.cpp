@@ -13,6 +13,7 @@ constexpr int kRightButton = 2;
 
 const QString kStationAlarm = u"10"_s;
 const QString kSensorAlarm = u"20"_s;
+const QString kRoofAlarm = u"30"_s; // goes before the others, since it asks for hands
 
 // Which of PlayAlarm shows that the alarm plays; none for an empty id.
 std::optional<int> indicatorOf(const QString& id) {
@@ -20,6 +21,8 @@ std::optional<int> indicatorOf(const QString& id) {
         return 8;
     if (id == kSensorAlarm)
         return 9;
+    if (id == kRoofAlarm)
+        return 10;
     const std::optional<ConditionAlarm> alarm = conditionAlarm(id);
     return alarm ? std::optional(rowOf(alarm->quantity).indicator) : std::nullopt;
 }
@@ -30,6 +33,17 @@ void sound(const AlarmPlayer& player, CurrentReadings& readings, const QString& 
     // Owned whether it sounds or not, so that a broken sound is not tried again every cycle.
     readings.AlarmSoundId = id;
     ShowPlayingAlarm(player.controls, id);
+}
+
+void faultAlarm(bool faulty, const QString& id, const CheckBox& box, const AlarmPlayer& player,
+                CurrentReadings& readings, const std::function<void()>& stopSensorAlarm) {
+    const bool owned = readings.AlarmSoundId == id;
+    if (!faulty && owned) {
+        releaseAlarm(player, readings);
+    } else if (faulty && !owned && box.checked() && !box.Tag.value().isEmpty()) {
+        stopSensorAlarm();
+        sound(player, readings, id, box.Tag);
+    }
 }
 
 } // namespace
@@ -123,6 +137,8 @@ void StationDataAlarm(StationFileState state, const AlarmPlayer& player, Current
                       const std::function<void()>& stopSensorAlarm) {
     const CheckBox& box = player.controls.AlarmWS;
     const bool owned = readings.AlarmSoundId == kStationAlarm;
+    if (readings.AlarmSoundId == kRoofAlarm)
+        return;
     switch (state) {
     case StationFileState::Missing:
         if (box.checked() && !owned)
@@ -147,14 +163,14 @@ void StationDataAlarm(StationFileState state, const AlarmPlayer& player, Current
 
 void SensorFailureAlarm(bool failed, const AlarmPlayer& player, CurrentReadings& readings,
                         const std::function<void()>& stopSensorAlarm) {
-    const CheckBox& box = player.controls.AlarmNB;
-    const bool owned = readings.AlarmSoundId == kSensorAlarm;
-    if (!failed && owned) {
-        releaseAlarm(player, readings);
-    } else if (failed && !owned && box.checked() && !box.Tag.value().isEmpty()) {
-        stopSensorAlarm();
-        sound(player, readings, kSensorAlarm, box.Tag);
-    }
+    if (readings.AlarmSoundId != kRoofAlarm)
+        faultAlarm(failed, kSensorAlarm, player.controls.AlarmNB, player, readings,
+                   stopSensorAlarm);
+}
+
+void RoofAlarm(bool faulty, const AlarmPlayer& player, CurrentReadings& readings,
+               const std::function<void()>& stopSensorAlarm) {
+    faultAlarm(faulty, kRoofAlarm, player.controls.AlarmRoof, player, readings, stopSensorAlarm);
 }
 
 void SuspendSoundAlarm_Click(const AlarmPlayer& player, CurrentReadings& readings) {

@@ -62,6 +62,10 @@ void StationDataAlarm(StationFileState state, const AlarmPlayer& player, Current
 void SensorFailureAlarm(bool failed, const AlarmPlayer& player, CurrentReadings& readings,
                         const std::function<void()>& stopSensorAlarm);
 
+// The same for a roof that is not where it was told to be.
+void RoofAlarm(bool faulty, const AlarmPlayer& player, CurrentReadings& readings,
+               const std::function<void()>& stopSensorAlarm);
+
 // Suspending stops the sound; lifting it releases the alarm, so that the next cycle may start it.
 void SuspendSoundAlarm_Click(const AlarmPlayer& player, CurrentReadings& readings);
 

@@ -27,6 +27,9 @@ Rules rulesOf(const ConditionControls& controls) {
     rules.stationOldIsUnsafe = controls.WSDataOldUnsafe.checked();
     rules.sensorFailedIsUnsafe = controls.NBDataOldUnsafe.checked();
     rules.beyondIsUnsafe = controls.BeyondLimitUnsafe.checked();
+    rules.calm = {.closures = static_cast<std::int32_t>(controls.FlapClosures.Value),
+                  .longestSeconds = controls.FlapLongest.Value,
+                  .earnFirstSafe = controls.EarnFirstSafe.checked()};
     rules.safeDelaySeconds = controls.SafeDelayVal.Value;
     rules.cloudDelaySeconds = controls.CloudAlarmDelay;
     return rules;

@@ -35,12 +35,17 @@ void soundSensorAlarm(MonitoringCore& core, const SensorObservation& sensor) {
                        [&core] { stopSensorAlarm(core.sensor); });
 }
 
+void soundRoofAlarm(MonitoringCore& core, bool faulty) {
+    RoofAlarm(faulty, alarmPlayer(core), core.records.readings,
+              [&core] { stopSensorAlarm(core.sensor); });
+}
+
 void soundConditionAlarm(MonitoringCore& core, const CycleResult& result) {
     const Observation& seen = result.observation;
     CurrentReadings& readings = core.records.readings;
-    const AlarmChoice choice =
-        SelectConditionAlarm(result.judgement, result.rules, alarmRulesOf(core.records.alarms),
-                             seen.station.faulty() || seen.sensor.failed(), readings.AlarmSoundId);
+    const AlarmChoice choice = SelectConditionAlarm(
+        result.judgement, result.rules, alarmRulesOf(core.records.alarms),
+        seen.station.faulty() || seen.sensor.failed() || result.roof.faulty, readings.AlarmSoundId);
     soundChosenAlarm(choice, alarmPlayer(core), readings);
 }
 

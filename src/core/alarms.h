@@ -16,6 +16,7 @@ void stopAlarm(MonitoringCore& core);
 // The alarms of the two sources, and the one of the conditions that the judgement chooses.
 void soundStationAlarm(MonitoringCore& core, const StationObservation& station);
 void soundSensorAlarm(MonitoringCore& core, const SensorObservation& sensor);
+void soundRoofAlarm(MonitoringCore& core, bool faulty);
 void soundConditionAlarm(MonitoringCore& core, const CycleResult& result);
 
 // The tick of the player's timer, the click rule of the suspending box, and what is shown when a

@@ -85,6 +85,7 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     , TimerRead(theClock)
     , TimerUpload(theClock)
     , TimerPlayer(theClock)
+    , TimerLook(theClock)
     , Timer6(theClock)
     , forms(localeNumberForms()) {
     for (const Quantity quantity : kAllQuantities) {
@@ -93,6 +94,7 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     }
     requireSound(records.alarms.AlarmWS);
     requireSound(records.alarms.AlarmNB);
+    requireSound(records.alarms.AlarmRoof);
 
     showNews = [this](const QString& text) {
         showMessage({text, MessageStyle::Ok, QStringLiteral("News")});

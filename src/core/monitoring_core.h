@@ -12,6 +12,7 @@
 #include "graphs/render.h"
 #include "model/cycle_result.h"
 #include "platform/clock.h"
+#include "platform/file_watch.h"
 #include "platform/image_library.h"
 #include "platform/media_control.h"
 #include "platform/settings_store.h"
@@ -57,7 +58,9 @@ struct MonitoringCore {
     Timer TimerRead;   // one read cycle a tick
     Timer TimerUpload; // the upload hand-off when due
     Timer TimerPlayer; // notices the end of an alarm's sound
-    Timer Timer6;      // news and last update status, once after loading
+    Timer TimerLook;   // a look at the sensor program between two cycles
+    FileWatch stationWatch;
+    Timer Timer6; // news and last update status, once after loading
 
     // Set by the face of the program.
     ShowMessage showMessage;

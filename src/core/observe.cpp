@@ -52,16 +52,29 @@ void takeStationValues(Observation& observation, const NumberForms& forms) {
     observation.values[Quantity::Dew] = dewSpread(station, forms);
 }
 
-void ReadSensor(SensorLink& sensor, const NumberForms& forms, Observation& observation) {
-    SensorObservation& seen = observation.sensor;
-    for (const Quantity quantity : kSensorQuantities)
-        observation.givenLevels[quantity] = sensor.readLevel(member(rowOf(quantity).levelMember));
+void readSensorValues(SensorLink& sensor, const NumberForms& forms, Observation& observation) {
     for (const Quantity quantity : kSensorQuantities) {
         const std::optional<double> value = sensor.readReal(member(rowOf(quantity).valueMember));
         observation.values[quantity] = value;
         if (value)
             observation.texts[quantity] = formatNumber(*value, formatOf(quantity), forms);
     }
+}
+
+bool readSensorLevel(SensorLink& sensor, Quantity quantity, Observation& observation) {
+    const std::optional<std::int32_t> level = sensor.readLevel(member(rowOf(quantity).levelMember));
+    if (!level || level == observation.givenLevels[quantity])
+        return level.has_value();
+    observation.givenLevels[quantity] = level;
+    observation.givenLabels[quantity] = sensor.levelDescription(quantity, *level);
+    return true;
+}
+
+void ReadSensor(SensorLink& sensor, const NumberForms& forms, Observation& observation) {
+    SensorObservation& seen = observation.sensor;
+    for (const Quantity quantity : kSensorQuantities)
+        observation.givenLevels[quantity] = sensor.readLevel(member(rowOf(quantity).levelMember));
+    readSensorValues(sensor, forms, observation);
     seen.skySensorTemperature = sensor.readReal(u"SkySensorTemperature"_s);
     seen.ambientTemperature = sensor.readReal(u"AmbientTemperature"_s);
     seen.coverTemperature = sensor.readReal(u"SkySensorTemperature"_s);

@@ -14,6 +14,11 @@ void takeStationValues(Observation& observation, const NumberForms& forms);
 // Any call that failed since the last cycle counts.
 void ReadSensor(SensorLink& sensor, const NumberForms& forms, Observation& observation);
 
+// Parts of it, between two cycles: the measured values, and one level with the words for it. A
+// level that could not be read stays as it was, and the answer is false.
+void readSensorValues(SensorLink& sensor, const NumberForms& forms, Observation& observation);
+bool readSensorLevel(SensorLink& sensor, Quantity quantity, Observation& observation);
+
 // After that: whether a failed sensor program is the master of its switch, and its words for the
 // levels in force. They are asked for in a failed cycle as well: without that, words that
 // cannot be read would be a failure in every second cycle only.

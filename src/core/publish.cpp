@@ -5,7 +5,9 @@
 #include "core/readings.h"
 #include "core/recording.h"
 #include "core/remember.h"
+#include "core/roof.h"
 #include "core/verdict.h"
+#include "core/wording.h"
 #include "datafiles/ccdap_file.h"
 #include "graphs/history.h"
 #include "graphs/render.h"
@@ -49,6 +51,11 @@ QString driveSwitch(MonitoringCore& core, const CycleResult& result) {
     return {};
 }
 
+QString watchRoof(MonitoringCore& core, const CycleResult&) {
+    checkRoof(core);
+    return {};
+}
+
 QString askWhetherDataIsReady(MonitoringCore& core, const CycleResult&) {
     core.records.readings.SensorDataReady = core.sensor.readBoolean(u"DataReady"_s).value_or(false);
     return {};
@@ -83,9 +90,9 @@ QString drawGraphs(MonitoringCore& core, const CycleResult&) {
 
 // The sensor program expects its calls in this order; the records and files come after it, since
 // they hold what it answers. The display comes last, below.
-constexpr std::array<Outlet, 9> kOutlets{
-    soundAlarm,    sendVerdict,   driveSwitch, askWhetherDataIsReady, storeReadings, writeCcdapFile,
-    writeDataLine, addGraphPoint, drawGraphs};
+constexpr std::array<Outlet, 10> kOutlets{
+    soundAlarm,    sendVerdict,    driveSwitch,   watchRoof,     askWhetherDataIsReady,
+    storeReadings, writeCcdapFile, writeDataLine, addGraphPoint, drawGraphs};
 
 // A lost data line is shown beside what this cycle has raised already; every other code replaces
 // it.
@@ -106,6 +113,15 @@ void publish(MonitoringCore& core) {
     present(result, codes, core.forms, core.records);
     rememberCycle(core);
     core.records.session.CyclesDone = core.records.session.CyclesDone + 1;
+}
+
+void publishUnsafe(MonitoringCore& core) {
+    const CycleResult& result = core.result;
+    soundAlarm(core, result);
+    sendVerdict(core, result);
+    driveSwitch(core, result);
+    core.records.display.LblCause.Caption = causeLine(result, core.records.conditions, core.forms);
+    showVerdict(core);
 }
 
 } // namespace skyhold

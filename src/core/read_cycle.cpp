@@ -5,6 +5,7 @@
 #include "core/alarms.h"
 #include "core/observe.h"
 #include "core/publish.h"
+#include "core/quick_look.h"
 #include "core/verdict.h"
 #include "judge/judge.h"
 #include "records/status_lines.h"
@@ -73,6 +74,7 @@ void StartReading(MonitoringCore& core) {
         RunReadCycle(core);
     };
     core.TimerRead.arm(1000 * records.session.RefreshRead.chosenSeconds());
+    startQuickLooks(core);
 }
 
 void StopReading(MonitoringCore& core) {
@@ -81,6 +83,7 @@ void StopReading(MonitoringCore& core) {
     records.stationFile.TimeoutREAD.Enabled = true;
     records.stationFile.ButtHTMPath.Enabled = true;
     core.TimerRead.disarm();
+    stopQuickLooks(core);
     records.display.LEDRead.blink(kGrey);
 }
 
@@ -133,5 +136,11 @@ void followUnits(const StationObservation& station, MonitoringCore& core) {
 }
 
 } // namespace
+
+bool unitsStay(const StationObservation& station, const MonitoringCore& core) {
+    const CurrentReadings& readings = core.records.readings;
+    const StationUnits units = detectUnits(station, readings, core.records.units);
+    return units.temperature == readings.TemperatureUnit && units.speed == readings.SpeedUnit;
+}
 
 } // namespace skyhold

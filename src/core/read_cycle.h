@@ -9,6 +9,9 @@ namespace skyhold {
 void StartReading(MonitoringCore& core);
 void StopReading(MonitoringCore& core);
 
+// Whether the station's units are those in force; a change is the cycle's.
+bool unitsStay(const StationObservation& station, const MonitoringCore& core);
+
 // The whole cycle, step by step.
 void RunReadCycle(MonitoringCore& core);
 

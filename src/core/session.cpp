@@ -5,6 +5,7 @@
 #include "core/present.h"
 #include "core/read_cycle.h"
 #include "core/recording.h"
+#include "core/roof.h"
 #include "core/upload.h"
 #include "platform/files.h"
 #include "records/status_lines.h"
@@ -27,6 +28,7 @@ void resetForSession(MonitoringCore& core) {
     Records& records = core.records;
     core.result.number = 0;
     core.result.distrusted.clear();
+    core.result.roof = {};
     records.readings.SessionStart = core.clock.now();
     records.readings.StationDataOld = false;
     records.readings.SensorError = false;
@@ -151,6 +153,7 @@ void StopSession(MonitoringCore& core) {
     // A start that waits unwinds by itself.
     session.StartCancelled = session.State == SessionState::Starting;
     session.ButtStop.Enabled = false;
+    closeRoofAtStop(core);
     if (session.flgReadStation.checked()) {
         StopReading(core);
         core.sensor.CloseSensor(records.readings);
@@ -165,6 +168,11 @@ void StopSession(MonitoringCore& core) {
     if (session.running())
         setSession(core, SessionState::Idle);
     UpdateMenus(records);
+}
+
+void StopByUser(MonitoringCore& core) {
+    if (askAboutRoof(core))
+        StopSession(core);
 }
 
 void Device_Start(MonitoringCore& core) {
@@ -196,15 +204,18 @@ void SetIdleControls(Records& records, bool idle) {
 
     for (CheckBox* box :
          {&session.flgReadStation, &session.flgUpload, &session.EmulatorFlag,
-          &records.alarms.AlarmWS, &records.alarms.AlarmNB, &records.conditions.WSDataOldUnsafe,
+          &records.alarms.AlarmWS, &records.alarms.AlarmNB, &records.conditions.QuickReaction,
+          &records.conditions.EarnFirstSafe, &records.conditions.WSDataOldUnsafe,
           &records.conditions.NBDataOldUnsafe, &graphs.ImageType})
         box->Enabled = idle;
     for (CheckBox& box : graphs.GraphGenerate)
         box.Enabled = idle;
     for (CheckBox& box : graphs.GraphImage)
         box.Enabled = idle;
-    for (NumberBox* box : {&records.conditions.SafeDelayVal, &session.NBTimeout,
-                           &graphs.GraphNoPoints, &graphs.GraphFreq})
+    records.conditions.RoofAtStop.Enabled = idle;
+    for (NumberBox* box : {&records.conditions.FlapClosures, &records.conditions.FlapLongest,
+                           &records.conditions.RoofCheck, &records.conditions.SafeDelayVal,
+                           &session.NBTimeout, &graphs.GraphNoPoints, &graphs.GraphFreq})
         box->Enabled = idle;
     for (OptionGroup* group : {&session.SWRole, &graphs.ImageQuality, &records.units.UnitsTemp,
                                &records.units.UnitsSpeed, &records.units.DateFormat})

@@ -10,8 +10,12 @@ namespace skyhold {
 // messages, which the user answers.
 void StartSession(MonitoringCore& core);
 
-// The Stop button, menu entry and tray entry; also ends a start that still waits.
+// Ends the session, or a start that still waits.
 void StopSession(MonitoringCore& core);
+
+// The Stop button, menu entry and tray entry: first asks about an open roof, where the user wants
+// that.
+void StopByUser(MonitoringCore& core);
 
 // For automation clients: as the buttons, only when there is something to do; the Stop button is
 // hidden afterwards. A refused limit is dropped, and what a start that fails has to say is shown as

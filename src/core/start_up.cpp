@@ -2,6 +2,7 @@
 
 #include "conditions/rules_of.h"
 #include "conditions/threshold_rules.h"
+#include "core/roof.h"
 #include "core/session.h"
 #include "datafiles/upload_list.h"
 #include "platform/files.h"
@@ -87,7 +88,7 @@ bool RequestClose(MonitoringCore& core) {
                           MessageStyle::Ok, QStringLiteral("Warning")});
         return false;
     }
-    if (!acceptLimits(core.records.conditions, core.showMessage))
+    if (!acceptLimits(core.records.conditions, core.showMessage) || !askAboutRoof(core))
         return false;
     const bool starting = core.records.session.State == SessionState::Starting;
     core.closeWanted = starting;

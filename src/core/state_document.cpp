@@ -221,6 +221,8 @@ QJsonArray causes(const MonitoringCore& core, const QString& verdict) {
         all.append(plainCause(u"control"_s,
                               u"Unsafe by "_s + core.records.session.LblControl.Caption.value(),
                               result.memory.verdictSince));
+    if (result.roof.faulty)
+        all.append(plainCause(u"roof"_s, roofText(result), result.roof.since.utcMs));
     for (const Cause& cause : result.judgement.causes)
         all.append(causeValue(cause, result, core.records.conditions));
     if (result.judgement.waiting())
@@ -246,7 +248,8 @@ QJsonObject roof(const MonitoringCore& core) {
     return {{u"driven"_s, driven},
             {u"told"_s, driven ? state : QString()},
             {u"state"_s,
-             state.isEmpty() || core.result.observation.sensor.failed() ? u"unknown"_s : state}};
+             state.isEmpty() || core.result.observation.sensor.failed() ? u"unknown"_s : state},
+            {u"fault"_s, roofText(core.result)}};
 }
 
 QString sessionText(SessionState state) {

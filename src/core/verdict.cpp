@@ -5,20 +5,15 @@
 
 namespace skyhold {
 
-namespace {
+Moment momentOf(const Clock& clock) {
+    return {clock.MsClock(), clock.now().toMSecsSinceEpoch()};
+}
 
-// Outside a cycle: everything that holds the verdict, and those who follow it.
 void showVerdict(MonitoringCore& core) {
     core.records.readings.UnsafeFlag = core.result.memory.UnsafeFlag;
     presentVerdict(core.result, core.records);
     rememberState(core);
     core.stateChanged();
-}
-
-} // namespace
-
-Moment momentOf(const Clock& clock) {
-    return {clock.MsClock(), clock.now().toMSecsSinceEpoch()};
 }
 
 void setVerdict(MonitoringCore& core, bool unsafe) {

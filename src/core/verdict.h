@@ -13,6 +13,9 @@ inline bool clientDecides(const MonitoringCore& core) {
     return !core.controllers.empty();
 }
 
+// Outside a cycle: everything that holds the verdict, and those who follow it.
+void showVerdict(MonitoringCore& core);
+
 // The client that has control sets the verdict (true: unsafe).
 void setVerdict(MonitoringCore& core, bool unsafe);
 

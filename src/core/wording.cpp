@@ -129,14 +129,28 @@ QString nearestText(const CycleResult& result, const NumberForms& forms) {
     return u"nearest: %1 %2 of %3 %4"_s.arg(name, shortNumber(nearest->value, forms), limit, unit);
 }
 
+QString roofText(const CycleResult& result) {
+    const RoofCheck& roof = result.roof;
+    if (!roof.faulty)
+        return {};
+    const bool close = roof.told == kRoofClosed;
+    const QString now = roof.reads == kRoofOpen     ? u"still open"_s
+                        : roof.reads == kRoofClosed ? u"still closed"_s
+                        : close                     ? u"not reported closed"_s
+                                                    : u"not reported open"_s;
+    const std::int64_t seconds = (result.judged.ms - roof.since.ms) / 1000;
+    return u"Roof %1 %2 after it was told to %3"_s.arg(
+        now, durationText(std::max<std::int64_t>(seconds, 0)), close ? u"close"_s : u"open"_s);
+}
+
 QString causeLine(const CycleResult& result, const ConditionControls& controls,
                   const NumberForms& forms) {
-    QStringList sentences;
+    QStringList sentences{roofText(result)};
     for (const Cause& cause : result.judgement.causes)
         sentences += causeText(cause, result, forms);
     if (result.judgement.waiting()) {
         sentences += delayText(result);
-    } else if (sentences.isEmpty()) {
+    } else if (result.judgement.causes.isEmpty()) {
         sentences += anyBeyond(result) ? u"All other conditions safe"_s : u"All conditions safe"_s;
         sentences += nearestText(result, forms);
     }

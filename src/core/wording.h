@@ -21,6 +21,9 @@ QString levelLabel(Quantity quantity, const CycleResult& result, const Condition
 // limit that counts.
 QString nearestText(const CycleResult& result, const NumberForms& forms);
 
+// "Roof still open 45 s after it was told to close"; empty while it is where it was told to be.
+QString roofText(const CycleResult& result);
+
 // Why the verdict is what it is, in one line: its causes; while it is held back how long it still
 // is; when it is safe what is nearest to its limit.
 QString causeLine(const CycleResult& result, const ConditionControls& controls,

@@ -8,9 +8,20 @@
 
 namespace skyhold {
 
+inline constexpr int kRoofOpen = 1; // as the sensor program's switch has them
+inline constexpr int kRoofClosed = 2;
+
+// Whether the roof goes where it is told; all 0 where that is not checked.
+struct RoofCheck {
+    int told = 0;
+    int reads = 0;       // 0: neither
+    Moment since;        // since when the two differ; 0: they do not
+    bool faulty = false; // for longer than the user allows
+};
+
 struct CycleResult {
     std::int64_t number = 0; // counts from 1 in a session; 0 before the first cycle
-    Moment judged; // when its judgement was made
+    Moment judged;           // when its judgement was made
     Moment end;
     QDateTime localTime; // of the same moment
     int intervalSeconds = 0;
@@ -18,6 +29,7 @@ struct CycleResult {
     Observation observation;
     Rules rules;
     Judgement judgement;
+    RoofCheck roof;
     JudgeMemory memory;      // after this cycle, and before the next
     QString temperatureUnit; // codes in force: "C", "F" or " "
     QString speedUnit;       // "K" km/h, "M" mph, "m" m/s, "k" knots

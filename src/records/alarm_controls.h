@@ -11,11 +11,12 @@ struct AlarmControls {
     PerQuantity<ThreeChecks> Alarm;
     CheckBox AlarmWS;          // station data old or missing
     CheckBox AlarmNB;          // sensor program failed
+    CheckBox AlarmRoof;        // the roof is not where it was told to be
     Label TimeoutAlarmCaption; // over AlarmNB: "Timeout Alarm", or blank when it is hidden
 
     CheckBox SuspendSoundAlarm;
     Button ButtStopAlarm;
-    std::array<QProperty<bool>, 10> PlayAlarm; // which indicator shows that it plays
+    std::array<QProperty<bool>, 11> PlayAlarm; // which indicator shows that it plays
     Label SoundFault;                          // why the last sound was not heard; empty: it was
     QString LastMusicDir;                      // folder last used in the sound chooser
 };

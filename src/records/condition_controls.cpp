@@ -14,6 +14,13 @@ ConditionControls::ConditionControls() {
     SafeDelayVal.DigitsDecimal = 0;
     WSDataOldUnsafe.Caption = QStringLiteral("Data old => Unsafe");
     NBDataOldUnsafe.Caption = QStringLiteral("Data old => Unsafe");
+    for (NumberBox* box : {&FlapClosures, &FlapLongest, &RoofCheck}) {
+        box->DigitsMostSignificant = 4;
+        box->DigitsDecimal = 0;
+    }
+    FlapLongest.Value = 3600;
+    QuickReaction.Caption = QStringLiteral("React between two cycles");
+    EarnFirstSafe.Caption = QStringLiteral("The first safe is earned");
     BeyondLimitUnsafe.Caption = QStringLiteral("Values beyond the last limit are unsafe");
 }
 

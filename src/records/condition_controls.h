@@ -30,6 +30,13 @@ struct ConditionControls {
     CheckBox NBDataOldUnsafe;   // a failed sensor program counts as unsafe
     CheckBox BeyondLimitUnsafe; // a value beyond the last limit, which has no level, is unsafe
 
+    CheckBox QuickReaction; // looks between two cycles, too
+    CheckBox EarnFirstSafe; // a session's first safe waits for its delay
+    NumberBox FlapClosures; // closures within an hour that double the safe delay; 0: never
+    NumberBox FlapLongest;  // the longest delay that comes of it, seconds
+    NumberBox RoofCheck;    // seconds for which the roof may be elsewhere than told; 0: any time
+    OptionGroup RoofAtStop; // an open roof when the session ends: 0 left, 1 asked about, 2 closed
+
     NumberBox SafeDelayVal;     // seconds
     double CloudAlarmDelay = 0; // seconds that it must be cloudy before that counts; not kept
     Label SafeDelayMsg;

@@ -254,6 +254,21 @@ void verdictRows(KeyRows& rows, ConditionControls& conditions) {
     rows.section(u"Verdict"_s);
     rows.check(u"BeyondLimitUnsafe"_s, false, conditions.BeyondLimitUnsafe,
                u"values beyond the last limit are unsafe"_s);
+    rows.check(u"QuickReaction"_s, false, conditions.QuickReaction,
+               u"rain, cloud and the station's file are looked at between two cycles, too"_s);
+    rows.check(u"EarnFirstSafe"_s, false, conditions.EarnFirstSafe,
+               u"a session's first safe waits for the delay, too"_s);
+    rows.integer(u"FlapClosures"_s, 0, {0, 99}, conditions.FlapClosures,
+                 u"closures within an hour that double the delay; 0: never"_s);
+    rows.integer(u"FlapLongest"_s, 3600, {60, 9999}, conditions.FlapLongest,
+                 u"the longest delay that comes of it, in seconds"_s);
+    rows.integer(u"RoofCheck"_s, 0, {0, 999}, conditions.RoofCheck,
+                 u"seconds after which a roof that is not where it was told to be is a fault; "
+                 u"0: never"_s);
+    rows.options({u"RoofAtStop0"_s, u"RoofAtStop1"_s, u"RoofAtStop2"_s}, 0, conditions.RoofAtStop,
+                 {u"a session's end leaves an open roof as it is"_s,
+                  u"the window asks about an open roof first"_s,
+                  u"an open roof is closed first"_s});
 }
 
 void historyRows(KeyRows& rows, HistoryControls& history) {

@@ -104,6 +104,8 @@ void staleDataRows(KeyRows& rows, AlarmControls& alarms, ConditionControls& c) {
     rows.section(u"Alarms"_s);
     soundRow(rows, u"WSAlarm"_s, alarms.AlarmWS, u"sound for old or missing station data"_s);
     soundRow(rows, u"NBAlarm"_s, alarms.AlarmNB, u"sound for a failed sensor program"_s);
+    soundRow(rows, u"RoofAlarm"_s, alarms.AlarmRoof, u"sound for a roof that does not move"_s);
+    rows.check(u"RoofAlarmStat"_s, false, alarms.AlarmRoof, u"the roof alarm is on"_s);
     rows.check(u"WSAlarmStat"_s, false, alarms.AlarmWS, u"the station data alarm is on"_s);
     rows.check(u"NBAlarmStat"_s, false, alarms.AlarmNB, u"the sensor program alarm is on"_s);
     rows.check(u"WSDataOldUnsafe"_s, true, c.WSDataOldUnsafe,

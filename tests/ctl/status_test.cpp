@@ -46,7 +46,7 @@ TEST(StatusVerdict, onlyOneDocumentIsSafe) {
         int status;
         QString cause;
     } cases[] = {
-        {"safe", false, 1, u"Nothing has been read for a while"_s}, // a cycle is overdue
+        {"safe", false, 1, u"There have been no readings for a while"_s}, // a cycle is overdue
         {"safe", 1, 2, {}},
         {"safe", none, 2, {}},
         {"verdict", u"unsafe"_s, 2, {}}, // and safe: makes no sense

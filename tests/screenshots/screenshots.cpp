@@ -96,7 +96,7 @@ class Album {
 
 void takePages(Album& album, KivSHMainform& window) {
     auto* pages = window.findChild<SettingsPages*>();
-    constexpr std::array names{"sources",   "limits", "unsafe", "graphs",
+    constexpr std::array names{"sources",   "limits", "unsafe", "caution", "graphs",
                                "data-file", "ccdap",  "images", "upload"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         pages->open(static_cast<Page>(i));
@@ -184,12 +184,12 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
 }
 
 // A moment that matters, and how the monitor comes to it.
-struct Moment {
+struct Scene {
     const char* name;
     void (*reach)(SimulatedMonitor& monitor);
 };
 
-constexpr Moment kMoments[]{
+constexpr Scene kMoments[]{
     {"idle",
      [](SimulatedMonitor&) {
      }},
@@ -266,7 +266,7 @@ int main(int argc, char** argv) {
     KivSHMainform window(monitor.core());
     window.show();
     Album album(arguments[1]);
-    for (const Moment& moment : kMoments) {
+    for (const Scene& moment : kMoments) {
         moment.reach(monitor);
         for (std::size_t look = 0; look < kLooks.size(); ++look) {
             album.choose(look, monitor.records().window);

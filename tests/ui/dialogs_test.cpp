@@ -280,6 +280,8 @@ TEST_F(SetupForm, SavesItsChoicesAndSwitchesOffWhatHasNoFolder) {
         {u"Limit"_s, u"UnitsSpeed2"_s, u"True"_s},
         {u"Limit"_s, u"DateFormat1"_s, u"True"_s},
         {u"Verdict"_s, u"BeyondLimitUnsafe"_s, u"1"_s},
+        {u"Verdict"_s, u"QuickReaction"_s, u"1"_s},
+        {u"Verdict"_s, u"FlapClosures"_s, u"3"_s},
     };
     for (const auto& [section, key, text] : expected)
         EXPECT_EQ(stored(section, key), text) << key.toStdString();

@@ -162,7 +162,7 @@ void expectMnemonicsOnce(const QWidget* window) {
     }
 }
 
-constexpr Page kAllPages[]{Page::Sources,  Page::Limits, Page::Unsafe, Page::Graphs,
+constexpr Page kAllPages[]{Page::Sources,  Page::Limits, Page::Unsafe, Page::Caution, Page::Graphs,
                            Page::DataFile, Page::Ccdap,  Page::Images, Page::Upload};
 
 class Keyboard : public WindowFixture {
@@ -258,8 +258,8 @@ TEST_F(Keyboard, CtrlTabGoesThroughAllPagesAndTheyComeBackAfterARestart) {
         return QList<int>{window.SSTab1, window.SSTab2, window.SSTab3};
     };
     EXPECT_EQ(shownPages(), (QList<int>{0, 1, 0}));
-    const QList<QList<int>> walked{{1, 0, 0}, {1, 1, 0}, {2, 1, 0}, {3, 1, 0},
-                                   {3, 1, 1}, {3, 1, 2}, {3, 1, 3}, {0, 1, 3}};
+    const QList<QList<int>> walked{{1, 0, 0}, {1, 1, 0}, {1, 2, 0}, {2, 2, 0}, {3, 2, 0},
+                                   {3, 2, 1}, {3, 2, 2}, {3, 2, 3}, {0, 2, 3}};
     pages()->open(Page::Limits);
     for (const QList<int>& expected : walked) {
         EXPECT_EQ(shownPages(), expected);

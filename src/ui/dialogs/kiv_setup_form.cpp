@@ -148,6 +148,16 @@ void KivSetupForm::addUnitsStep() {
         step, u"Each quantity has three levels, each up to its limit; you say which are "
               u"unsafe. A storm above the third limit has no level: unless you tick this, it is "
               u"reported but not judged. It can be changed later, on the page Unsafe."_s);
+    caution_ =
+        new QCheckBox(u"&React quickly to bad weather, and slowly to good"_s, step->parentWidget());
+    caution_->setObjectName(u"Caution"_s);
+    caution_->setChecked(true);
+    step->addSpacing(look::kGap);
+    step->addWidget(caution_);
+    addExplanation(step, u"Rain, cloud and the station's file are also looked at between two read "
+                         u"cycles, the first safe of a session waits for the delay, and three "
+                         u"closures within an hour double that delay. The page Caution has each of "
+                         u"these."_s);
     step->addStretch();
 }
 
@@ -324,6 +334,11 @@ void KivSetupForm::save(const QString& station) {
     saveOptions(u"DateFormat"_s, *dateFormat_);
     settings_.SaveSetting(u"Verdict"_s, u"BeyondLimitUnsafe"_s,
                           beyondLimit_->isChecked() ? u"1"_s : u"0"_s);
+    if (caution_->isChecked()) {
+        for (const QString& key : {u"QuickReaction"_s, u"EarnFirstSafe"_s})
+            settings_.SaveSetting(u"Verdict"_s, key, u"1"_s);
+        settings_.SaveSetting(u"Verdict"_s, u"FlapClosures"_s, u"3"_s);
+    }
     if (ccdap.isEmpty())
         settings_.SaveSetting(u"Window"_s, u"FileNameCCDAP4"_s, QString());
     if (images.isEmpty()) {

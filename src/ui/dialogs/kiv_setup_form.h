@@ -69,6 +69,7 @@ class KivSetupForm : public QDialog {
     QButtonGroup* unitsSpeed_ = nullptr;
     QButtonGroup* dateFormat_ = nullptr;
     QCheckBox* beyondLimit_ = nullptr;
+    QCheckBox* caution_ = nullptr;
 };
 
 // Shows the assistant of the first start; the setup-done flag.

@@ -1,5 +1,6 @@
 #include "ui/pages/settings_pages.h"
 
+#include "ui/pages/caution_page.h"
 #include "ui/pages/ccdap_page.h"
 #include "ui/pages/data_file_page.h"
 #include "ui/pages/graphs_page.h"
@@ -89,6 +90,9 @@ void SettingsPages::addPages() {
         return makeUnsafePage(records.conditions, records.alarms, records.readings, core_.media,
                               core_.showMessage, parent);
     });
+
+    addSheet(conditions, u"Cautio&n"_s,
+             [&records](QWidget* parent) { return makeCautionPage(records.conditions, parent); });
 
     addSheet(this, u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
 

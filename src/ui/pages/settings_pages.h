@@ -12,7 +12,7 @@
 namespace skyhold {
 
 // In the order in which Ctrl+Tab goes through them.
-enum class Page { Sources, Limits, Unsafe, Graphs, DataFile, Ccdap, Images, Upload };
+enum class Page { Sources, Limits, Unsafe, Caution, Graphs, DataFile, Ccdap, Images, Upload };
 
 class SettingsPages : public QTabWidget {
     Q_OBJECT

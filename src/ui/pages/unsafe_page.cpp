@@ -102,7 +102,7 @@ class AlarmTable {
     }
 
     // A source that may fail: it has a single state.
-    void addSource(const QString& title, std::size_t indicator, QCheckBox* unsafe,
+    void addSource(const QString& title, std::size_t indicator, QWidget* unsafe,
                    const QString& alarmName, CheckBox& alarm) {
         beginRow(title, indicator);
         addLevel(0, unsafe, alarmName, alarm, title, kTwoColumns);
@@ -140,7 +140,7 @@ class AlarmTable {
 
     // `what` says in words what the alarm is for. Without limit the unsafe box takes its column,
     // too.
-    void addLevel(int level, QCheckBox* unsafe, const QString& alarmName, CheckBox& alarm,
+    void addLevel(int level, QWidget* unsafe, const QString& alarmName, CheckBox& alarm,
                   const QString& what, int unsafeColumns) {
         auto* box = new AlarmBox(alarm, parent_);
         box->setObjectName(alarmName);
@@ -207,7 +207,7 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
     auto* page = new QWidget(parent);
     auto* card = new Card(page);
     card->standForGroup();
-    card->setMaximumHeight(400); // a taller window does not pull the rows apart
+    card->setMaximumHeight(430); // a taller window does not pull the rows apart
     AlarmTable table(alarms, readings, media, showMessage, card);
     addQuantities(table, conditions);
     QCheckBox* beyond = makeCheck(card, u"BeyondLimitUnsafe"_s, {}, conditions.BeyondLimitUnsafe);
@@ -233,6 +233,9 @@ QWidget* makeUnsafePage(ConditionControls& conditions, AlarmControls& alarms,
     table.addBeside(1, timeout);
     addNumberRow(table.addBeside(2), u"&Delay Period"_s, u"SafeDelayVal"_s, conditions.SafeDelayVal,
                  u"(secs)"_s);
+
+    table.addSource(u"Roof"_s, 10, makeDimmed(u"Has not moved"_s, card), u"AlarmRoof"_s,
+                    alarms.AlarmRoof);
 
     QVBoxLayout* column = pageColumn(page);
     column->addWidget(card, 1);

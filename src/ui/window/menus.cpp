@@ -73,7 +73,7 @@ void makeMenuBar(KivSHMainform& window, MonitoringCore& core) {
     QMenu* file = window.menuBar()->addMenu(u"&File"_s);
     file->setObjectName(u"Filemenu"_s);
     addEntry(file, u"mnuStart"_s, u"&Start"_s, controls.mnuStart, [&core] { StartSession(core); });
-    addEntry(file, u"mnuStop"_s, u"S&top"_s, controls.mnuStop, [&core] { StopSession(core); });
+    addEntry(file, u"mnuStop"_s, u"S&top"_s, controls.mnuStop, [&core] { StopByUser(core); });
     bind(addSeparator(file, u"mSep0"_s), controls.mSep0);
     addEntry(file, u"MnuExit"_s, u"E&xit"_s, controls.MnuExit, [&window] { window.close(); });
 
@@ -101,7 +101,7 @@ QMenu* makePopupSys(KivSHMainform& window, MonitoringCore& core) {
     menu->setObjectName(u"mPopupSys"_s);
     addEntry(menu, u"mPopStart"_s, u"&Start"_s, controls.mPopStart,
              [&core] { StartSession(core); });
-    addEntry(menu, u"mPopStop"_s, u"S&top"_s, controls.mPopStop, [&core] { StopSession(core); });
+    addEntry(menu, u"mPopStop"_s, u"S&top"_s, controls.mPopStop, [&core] { StopByUser(core); });
     bind(addSeparator(menu, u"mSep1"_s), controls.mSep1);
     addEntry(menu, u"mPopRestore"_s, u"&Restore"_s, controls.mPopRestore,
              [&window] { window.restore(); });

@@ -304,7 +304,7 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     });
     QPushButton* stop = makeButton(u"ButtStop"_s, u"S&top"_s, session.ButtStop);
     connect(start, &QPushButton::clicked, card, [&core] { StartSession(core); });
-    connect(stop, &QPushButton::clicked, card, [&core] { StopSession(core); });
+    connect(stop, &QPushButton::clicked, card, [&core] { StopByUser(core); });
 
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(16, 10, 16, 14);

@@ -1,0 +1,68 @@
+#include "ui/pages/caution_page.h"
+
+#include "ui/look/look.h"
+#include "ui/pages/page_parts.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+QWidget* makeSooner(ConditionControls& conditions, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Unsafe sooner"_s);
+    column->addWidget(
+        makeCheck(column->parentWidget(), u"QuickReaction"_s, {}, conditions.QuickReaction));
+    addHint(column, u"Each second the rain and cloud levels are looked at, and the station's file "
+                    u"whenever it changes. What is seen there can only close the roof; records and "
+                    u"graphs keep their cycles."_s);
+    column->addStretch();
+    return column->parentWidget();
+}
+
+QWidget* makeLater(ConditionControls& conditions, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Safe later"_s);
+    column->addWidget(
+        makeCheck(column->parentWidget(), u"EarnFirstSafe"_s, {}, conditions.EarnFirstSafe));
+    addHint(column, u"The first safe of a session waits for the delay like any other, and a wind "
+                    u"that already blows from its sector counts at once."_s);
+    addNumberRow(column, u"&Double the delay after"_s, u"FlapClosures"_s, conditions.FlapClosures,
+                 u"closures in an hour"_s);
+    addNumberRow(column, u"up &to"_s, u"FlapLongest"_s, conditions.FlapLongest, u"seconds"_s);
+    addHint(column, u"0 closures: never. An hour without a closure undoes it."_s);
+    column->addStretch();
+    return column->parentWidget();
+}
+
+QWidget* makeRoof(ConditionControls& conditions, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"The roof, where this monitor drives it"_s);
+    addNumberRow(column, u"&Report a roof that has not moved after"_s, u"RoofCheck"_s,
+                 conditions.RoofCheck, u"seconds"_s);
+    addHint(column, u"0: it is not checked. The command is sent again in every cycle."_s);
+    addHint(column, u"When monitoring ends and the roof is open:"_s);
+    addOptions(column, "RoofAtStop", {u"Leave &it"_s, u"&Ask"_s, u"Clos&e it first"_s},
+               conditions.RoofAtStop);
+    column->addStretch();
+    return column->parentWidget();
+}
+
+} // namespace
+
+QWidget* makeCautionPage(ConditionControls& conditions, QWidget* parent) {
+    auto* page = new QWidget(parent);
+    QVBoxLayout* column = pageColumn(page);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kMargin);
+    for (QWidget* group :
+         {makeSooner(conditions, page), makeLater(conditions, page), makeRoof(conditions, page)})
+        row->addWidget(group, 1);
+    column->addLayout(row);
+    column->addStretch();
+    return page;
+}
+
+} // namespace skyhold
