@@ -6,16 +6,26 @@ _skyholdctl() {
     COMPREPLY=()
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
-        --every) ((++i)) ;;
+        --every | --since | --until | --set | --from-csv | --database) ((++i)) ;;
         -*) ;;
         *) if [[ -z $command ]]; then command=${COMP_WORDS[i]}; else ((++position)); fi ;;
         esac
     done
-    [[ ${COMP_WORDS[COMP_CWORD - 1]} != --every ]] || return 0
+    case ${COMP_WORDS[COMP_CWORD - 1]} in
+    --every | --since | --until | --set) return 0 ;;
+    --from-csv | --database)
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        return 0
+        ;;
+    esac
 
     case $command in
-    '') words='status watch get set call list start stop help version' ;;
+    '') words='status watch why history replay get set call list start stop help version' ;;
     watch) options='--json --every' ;;
+    why) options='--json --database' ;;
+    history) options='--since --until --events --readings --json --csv --database' ;;
+    replay) options='--since --until --set --from-csv --suggest --json --database' ;;
     status | get | call | list) options='--json' ;;
     esac
     case $command:$position in
