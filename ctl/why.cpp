@@ -121,7 +121,8 @@ int runWhy(const Command& command) {
         document = readStateDocument(fault);
     } else if (const auto atMs = parseTime(command.arguments[0], QDateTime::currentDateTime())) {
         HistoryReader reader(historyPathOf(command));
-        document = reader.stateAt(*atMs);
+        // A time that was shown is of the whole second.
+        document = reader.stateAt(*atMs + 999);
         fault = reader.fault().isEmpty() ? u"nothing is known of that time"_s : reader.fault();
     } else {
         fault = u"\"%1\" is no time; try 2026-11-23T05:12, 23:41, 12h or 7d"_s.arg(

@@ -109,7 +109,7 @@ void rememberSources(MonitoringCore& core, std::int64_t atMs) {
     if (!stationChanged && !sensorChanged)
         return;
     const QJsonObject sources = stateDocument(core)[u"sources"_s].toObject();
-    const auto tell = [&](const QString& name, const QString& title) {
+    const auto report = [&](const QString& name, const QString& title) {
         const QJsonObject source = sources[name].toObject();
         const QString state = source[u"state"_s].toString();
         const QString detail = source[u"detail"_s].toString();
@@ -117,9 +117,9 @@ void rememberSources(MonitoringCore& core, std::int64_t atMs) {
             title + u' ' + state + (detail.isEmpty() ? QString() : u": "_s + detail));
     };
     if (stationChanged)
-        tell(u"station"_s, u"Weather station"_s);
+        report(u"station"_s, u"Weather station"_s);
     if (sensorChanged)
-        tell(u"sensor"_s, u"Sensor program"_s);
+        report(u"sensor"_s, u"Sensor program"_s);
 }
 
 void rememberAlarm(MonitoringCore& core, std::int64_t atMs) {
@@ -141,9 +141,9 @@ void rememberRoof(MonitoringCore& core, std::int64_t atMs) {
     const QString state = roof == 1 ? u"open"_s : roof == 2 ? u"closed"_s : u"unknown"_s;
     const bool driven = core.records.session.SwitchControl;
     const QString text = !driven     ? u"Roof switch reads %1"_s.arg(state)
-                         : roof == 1 ? u"Roof told to open"_s
-                                     : u"Roof told to close"_s;
-    add(core, atMs, u"roof"_s, driven ? u"told"_s : u"read"_s, state, text);
+                         : roof == 1 ? u"Command to open the roof"_s
+                                     : u"Command to close the roof"_s;
+    add(core, atMs, u"roof"_s, driven ? u"command"_s : u"read"_s, state, text);
 }
 
 QStringList labelsOf(const ConditionControls& controls) {

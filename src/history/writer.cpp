@@ -66,7 +66,7 @@ struct HistoryWriter::Shared {
     void tidyAll(HistoryStore& store, std::unique_lock<std::mutex>& lock);
     void bound();
     void noteFault(const QString& fault);
-    std::optional<HistoryEvent> lossToTell();
+    std::optional<HistoryEvent> unreportedLoss();
 
     std::mutex mutex; // of all below
     std::condition_variable wake, ended;
@@ -75,7 +75,7 @@ struct HistoryWriter::Shared {
     std::int64_t lastAtMs = 0;                     // of what was written
     std::int64_t tidiedMs = 0;                     // when tidied last
     bool tidying = false;                          // there is more to tidy
-    std::int64_t toldReadings = 0, toldEvents = 0; // losses that an event tells of
+    std::int64_t reportedReadings = 0, reportedEvents = 0; // losses that an event reports
     std::chrono::seconds retry = kFirstRetry;
     std::chrono::steady_clock::time_point notBefore{};
     HistoryKeep keep;
@@ -108,9 +108,9 @@ void HistoryWriter::Shared::noteFault(const QString& fault) {
     state.fault = fault;
 }
 
-std::optional<HistoryEvent> HistoryWriter::Shared::lossToTell() {
-    const std::int64_t readings = state.lostReadings - toldReadings;
-    const std::int64_t lostEvents = state.lostEvents - toldEvents;
+std::optional<HistoryEvent> HistoryWriter::Shared::unreportedLoss() {
+    const std::int64_t readings = state.lostReadings - reportedReadings;
+    const std::int64_t lostEvents = state.lostEvents - reportedEvents;
     if (readings == 0 && lostEvents == 0)
         return std::nullopt;
     return HistoryEvent{
@@ -127,7 +127,7 @@ std::optional<HistoryEvent> HistoryWriter::Shared::lossToTell() {
 void HistoryWriter::Shared::writeAll(HistoryStore& store, std::unique_lock<std::mutex>& lock) {
     const std::int64_t readings = state.lostReadings;
     const std::int64_t lost = state.lostEvents;
-    const std::optional<HistoryEvent> loss = lossToTell();
+    const std::optional<HistoryEvent> loss = unreportedLoss();
     HistoryBatch batch{takeAll(events), takeAll(cycles)};
     if (loss)
         batch.events.insert(batch.events.begin(), *loss);
@@ -146,8 +146,8 @@ void HistoryWriter::Shared::writeAll(HistoryStore& store, std::unique_lock<std::
         retry = std::min<std::chrono::seconds>(2 * retry, kLongestRetry);
         return;
     }
-    toldReadings = readings;
-    toldEvents = lost;
+    reportedReadings = readings;
+    reportedEvents = lost;
     for (const HistoryEvent& event : batch.events)
         lastAtMs = std::max(lastAtMs, event.atMs);
     if (!batch.cycles.empty())

@@ -60,14 +60,14 @@ TEST(HistoryText, hasClockTimesDurationsAndCauses) {
                                u"safe"_s,
                                {change("2026-11-23T00:12:40", u"safe"_s, {})}};
     const HistoryEvent roof{at("2026-11-23T00:12:41"), u"roof"_s, {}, u"open"_s,
-                            u"Roof told to open"_s,    {}};
+                            u"Command to open the roof"_s,    {}};
     EXPECT_EQ(historyText({first, second}, {roof}),
               u"2026-11-22\n"
               "23:41:10 – 00:12:40  unsafe   31 min 30 s   gust 34.2 > 20 km/h, rain Wet, "
               "dew spread 2.9 <= 3 °C, station data\n"
               "2026-11-23\n"
               "00:12:40 – now       safe     2 h 2 min\n"
-              "00:12:41  Roof told to open\n"_s);
+              "00:12:41  Command to open the roof\n"_s);
 }
 
 TEST(WhyText, isTheDocumentInWords) {

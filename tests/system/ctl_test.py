@@ -157,6 +157,30 @@ class CtlTest(unittest.TestCase):
             monitored.wait_for_users(0)
             self.expect(monitored.ctl("stop"), 0)
             self.expect(monitored.ctl("status"), UNKNOWN, "^UNKNOWN  No monitoring session is running; start it with: skyholdctl start\n$")
+            monitored.monitor.terminate()
+            monitored.monitor.wait(20)
+            self.look_back(monitored)
+
+    def look_back(self, monitored):
+        """Everything above is in the history, whose program need not run."""
+        events = monitored.read("history", "--events")
+        for happened in ["Session started, a cycle every 10 s", "SafeRain 1 → 0",
+                         "SafeDelayVal 30 → 3000", "Sensor program failed", "Sensor program ok",
+                         "Weather station absent", "Weather station ok", "Session stopped"]:
+            self.assertIn(happened, events)
+        periods = json.loads(monitored.read("history", "--json"))["periods"]
+        self.assertEqual([period["verdict"] for period in periods[:4]],
+                         ["unsafe", "waiting", "safe", "unsafe"])
+        self.assertEqual([cause["name"] for cause in periods[0]["changes"][0]["causes"]],
+                         ["cloud", "rain"])
+        self.assertRegex(monitored.read("why", periods[0]["from"]),
+                         r"^UNSAFE since [-\d]+ [:\d]+\n  Cloud: Overcast at .*\n  Rain: Rain at")
+        self.assertRegex(monitored.read("why", periods[2]["from"]), "^SAFE since ")
+        self.expect(monitored.ctl("why", "2001-01-01"), 2, "^$", "nothing is known of that time")
+        replayed = json.loads(monitored.read("replay", "--set", "SafeRain=1", "--json"))
+        self.assertGreater(replayed["changed"]["unsafe_s"], replayed["in_force"]["unsafe_s"])
+        self.assertEqual(len(monitored.read("history", "--readings", "--csv").splitlines()) - 1,
+                         replayed["in_force"]["cycles"])
 
     def test_members_are_listed_read_set_and_called(self):
         with Shower(["--start"]) as monitored:
