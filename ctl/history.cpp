@@ -113,12 +113,16 @@ QString rounded(double value) {
 
 int writePeriods(const Command& command, HistoryReader& reader, std::int64_t sinceMs,
                  std::int64_t untilMs) {
-    const std::vector<VerdictPeriod> periods = reader.readPeriods(sinceMs, untilMs);
+    std::vector<VerdictPeriod> periods = reader.readPeriods(sinceMs, untilMs);
     std::vector<HistoryEvent> events = reader.readEvents(sinceMs, untilMs);
     std::erase_if(events, [](const HistoryEvent& event) { return event.kind == u"verdict"; });
     const HistoryRange range = reader.range();
     if (!reader.fault().isEmpty())
         return fail(reader.fault());
+    // A monitor that was killed has not written the end of its last verdict.
+    constexpr std::int64_t kLatestMs = 300'000;
+    if (!periods.empty() && QDateTime::currentMSecsSinceEpoch() - range.lastMs > kLatestMs)
+        periods.back().lasts = false;
     if (command.json) {
         QJsonArray periodArray;
         for (const VerdictPeriod& period : periods)

@@ -182,6 +182,7 @@ void HistoryWriter::Shared::tidyAll(HistoryStore& store, std::unique_lock<std::m
 void HistoryWriter::Shared::work(const QString& path) {
     // Gone before the program may end: it uses what the end of the program destroys.
     auto store = std::make_unique<HistoryStore>(path);
+    store->open(); // ends a session that was lost; a fault comes up again with the first write
     std::unique_lock lock(mutex);
     for (;;) {
         const auto nothing = [this] {
