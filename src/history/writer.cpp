@@ -1,10 +1,10 @@
 #include "history/writer.h"
 
 #include "history/rows.h"
+#include "platform/log.h"
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
 #include <deque>
 #include <mutex>
 #include <thread>
@@ -18,10 +18,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kFirstRetry = 1s;
 constexpr auto kLongestRetry = 30s;
-
-void report(const QString& text) {
-    std::fprintf(stderr, "History: %s\n", qPrintable(text));
-}
 
 // Puts back in front what could not be written.
 template <class Item>
@@ -100,11 +96,11 @@ void HistoryWriter::Shared::noteFault(const QString& fault) {
     if (state.fault == fault)
         return;
     if (!fault.isEmpty())
-        report(u"cannot be written: "_s + fault);
+        qCWarning(historyLog, "cannot be written: %s", qUtf8Printable(fault));
     else
-        report(
-            u"can be written again, %1 readings and %2 events were lost"_s.arg(state.lostReadings)
-                .arg(state.lostEvents));
+        qCWarning(historyLog, "can be written again, %lld readings and %lld events were lost",
+                  static_cast<long long>(state.lostReadings),
+                  static_cast<long long>(state.lostEvents));
     state.fault = fault;
 }
 
@@ -157,8 +153,8 @@ void HistoryWriter::Shared::writeAll(HistoryStore& store, std::unique_lock<std::
     noteFault({});
     if (const QString aside = store.setAside(); aside != state.setAside && !aside.isEmpty()) {
         state.setAside = aside;
-        report(u"the database was torn (%1); it is %2 now, and a new one has begun"_s.arg(
-            store.fault(), aside));
+        qCWarning(historyLog, "the database was torn (%s); it is %s now, and a new one has begun",
+                  qUtf8Printable(store.fault()), qUtf8Printable(aside));
         events.push_back({.atMs = lastAtMs,
                           .kind = u"history"_s,
                           .name = {},
