@@ -4,6 +4,7 @@
 #include "ctl/times.h"
 #include "ctl/values.h"
 #include "ctl/verdict.h"
+#include "history/json.h"
 #include "history/short_cause.h"
 #include "platform/text_forms.h"
 
@@ -23,10 +24,6 @@ constexpr int kTableRows = 48; // of readings for people
 int fail(const QString& text) {
     printFault(text);
     return kStatusFailed;
-}
-
-QString isoTime(std::int64_t utcMs) {
-    return QDateTime::fromMSecsSinceEpoch(utcMs, Qt::UTC).toString(Qt::ISODate);
 }
 
 std::int64_t seconds(const VerdictPeriod& period) {
@@ -86,23 +83,6 @@ class DatedLines {
     QString text_;
 };
 
-QJsonObject eventJson(const HistoryEvent& event) {
-    return {{u"time"_s, isoTime(event.atMs)}, {u"kind"_s, event.kind}, {u"name"_s, event.name},
-            {u"state"_s, event.state},        {u"text"_s, event.text}, {u"detail"_s, event.detail}};
-}
-
-QJsonObject periodJson(const VerdictPeriod& period) {
-    QJsonArray changes;
-    for (const HistoryEvent& change : period.changes)
-        changes.append(QJsonObject{{u"time"_s, isoTime(change.atMs)},
-                                   {u"causes"_s, change.detail[u"causes"_s]}});
-    return {{u"from"_s, isoTime(period.fromMs)},
-            {u"to"_s, isoTime(period.toMs)},
-            {u"lasts"_s, period.lasts},
-            {u"verdict"_s, period.verdict},
-            {u"changes"_s, changes}};
-}
-
 QString quoted(QString text) {
     return u'"' + plainLine(text.replace(u'"', u"\"\""_s)) + u'"';
 }
@@ -126,10 +106,10 @@ int writePeriods(const Command& command, HistoryReader& reader, std::int64_t sin
     if (command.json) {
         QJsonArray periodArray;
         for (const VerdictPeriod& period : periods)
-            periodArray.append(periodJson(period));
+            periodArray.append(toJson(period));
         QJsonArray eventArray;
         for (const HistoryEvent& event : events)
-            eventArray.append(eventJson(event));
+            eventArray.append(toJson(event));
         writeLine(QJsonObject{{u"periods"_s, periodArray},
                               {u"events"_s, eventArray},
                               {u"file_bytes"_s, static_cast<qint64>(range.fileBytes)}});
@@ -164,7 +144,7 @@ int writeEvents(const Command& command, HistoryReader& reader, std::int64_t sinc
     if (command.json) {
         QJsonArray array;
         for (const HistoryEvent& event : events)
-            array.append(eventJson(event));
+            array.append(toJson(event));
         writeLine(array);
     } else if (command.has(u"csv"_s)) {
         write(u"time,kind,name,state,text\n"_s);
@@ -180,32 +160,8 @@ int writeEvents(const Command& command, HistoryReader& reader, std::int64_t sinc
     return 0;
 }
 
-QString verdictText(Verdict verdict) {
-    constexpr const char16_t* kNames[] = {u"none", u"safe", u"waiting", u"unsafe"};
-    return QString::fromUtf16(kNames[static_cast<std::size_t>(verdict)]);
-}
-
-QJsonObject pointJson(const HistoryPoint& point) {
-    QJsonObject object{{u"time"_s, isoTime(point.atMs)},
-                       {u"span_s"_s, static_cast<qint64>(point.spanMs / 1'000)},
-                       {u"cycles"_s, point.cycles},
-                       {u"unsafe_cycles"_s, point.unsafeCycles},
-                       {u"verdict"_s, verdictText(point.verdict)}};
-    for (std::size_t i = 0; i < kMeasuredCount; ++i) {
-        const std::optional<Extent>& extent = point.values[i];
-        const QString name = QLatin1String(measuredName(i));
-        if (!extent)
-            object[name] = QJsonValue::Null;
-        else if (extent->low == extent->high)
-            object[name] = extent->mean;
-        else
-            object[name] = QJsonArray{extent->low, extent->mean, extent->high};
-    }
-    return object;
-}
-
 QString pointCsv(const HistoryPoint& point) {
-    QStringList fields{isoTime(point.atMs), verdictText(point.verdict),
+    QStringList fields{isoTime(point.atMs), verdictName(point.verdict),
                        QString::number(point.cycles), QString(QLatin1Char(point.units.temperature)),
                        QString(QLatin1Char(point.units.speed))};
     for (const std::optional<Extent>& extent : point.values)
@@ -224,7 +180,7 @@ int writeEveryPoint(bool json, HistoryReader& reader, std::int64_t sinceMs, std:
     }
     bool written = true;
     reader.eachPoint(sinceMs, untilMs, [&](const HistoryPoint& point) {
-        written = json ? writeLine(pointJson(point)) : write(pointCsv(point));
+        written = json ? writeLine(toJson(point)) : write(pointCsv(point));
         return written;
     });
     return reader.fault().isEmpty() ? 0 : fail(reader.fault());
@@ -248,7 +204,7 @@ int writeReadings(const Command& command, HistoryReader& reader, std::int64_t si
         for (std::size_t i = 0; i < kQuantityCount; ++i)
             line +=
                 (point.values[i] ? rounded(point.values[i]->mean) : u"-"_s).rightJustified(kWidth);
-        lines.add(point.atMs, line + u"  "_s + verdictText(point.verdict));
+        lines.add(point.atMs, line + u"  "_s + verdictName(point.verdict));
     }
     write(lines.text());
     return 0;

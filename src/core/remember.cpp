@@ -4,7 +4,7 @@
 #include "core/monitoring_core.h"
 #include "core/state_document.h"
 #include "core/verdict.h"
-#include "history/reader.h"
+#include "history/json.h"
 #include "records/status_lines.h"
 
 #include <QJsonArray>
@@ -19,20 +19,6 @@ using namespace Qt::Literals::StringLiterals;
 
 HistoryKeep keepOf(const HistoryControls& controls) {
     return {controls.CycleDays, controls.EventYears, controls.Megabytes};
-}
-
-QString verdictName(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Safe:
-        return u"safe"_s;
-    case Verdict::Waiting:
-        return u"waiting"_s;
-    case Verdict::Unsafe:
-        return u"unsafe"_s;
-    case Verdict::None:
-        break;
-    }
-    return u"none"_s;
 }
 
 // Which causes stand: a change of their values alone is no event.

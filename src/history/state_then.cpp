@@ -1,5 +1,5 @@
 // What the monitor said at a moment of the past, in the form of its state document.
-#include "history/reader.h"
+#include "history/json.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -13,9 +13,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 QJsonValue timeValue(std::int64_t utcMs) {
-    if (utcMs <= 0)
-        return QJsonValue::Null;
-    return QDateTime::fromMSecsSinceEpoch(utcMs, Qt::UTC).toString(Qt::ISODate);
+    return utcMs > 0 ? QJsonValue(isoTime(utcMs)) : QJsonValue(QJsonValue::Null);
 }
 
 QJsonValue numberValue(const std::optional<double>& value) {

@@ -68,9 +68,9 @@ struct HistoryWriter::Shared {
     std::condition_variable wake, ended;
     std::deque<KeptCycle> cycles;
     std::deque<HistoryEvent> events;
-    std::int64_t lastAtMs = 0;                     // of what was written
-    std::int64_t tidiedMs = 0;                     // when tidied last
-    bool tidying = false;                          // there is more to tidy
+    std::int64_t lastAtMs = 0;                             // of what was written
+    std::int64_t tidiedMs = 0;                             // when tidied last
+    bool tidying = false;                                  // there is more to tidy
     std::int64_t reportedReadings = 0, reportedEvents = 0; // losses that an event reports
     std::chrono::seconds retry = kFirstRetry;
     std::chrono::steady_clock::time_point notBefore{};

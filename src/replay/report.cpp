@@ -1,5 +1,6 @@
 #include "replay/report.h"
 
+#include "history/json.h"
 #include "history/short_cause.h"
 #include "platform/text_forms.h"
 
@@ -110,10 +111,6 @@ QJsonObject outcomeJson(const ReplayOutcome& outcome) {
             {u"watched_s"_s, static_cast<double>(outcome.watchedMs) / 1'000},
             {u"cycles"_s, static_cast<qint64>(outcome.cycles)},
             {u"causes"_s, causes}};
-}
-
-QString isoTime(std::int64_t utcMs) {
-    return QDateTime::fromMSecsSinceEpoch(utcMs, Qt::UTC).toString(Qt::ISODate);
 }
 
 } // namespace
