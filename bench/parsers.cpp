@@ -168,7 +168,7 @@ bool values() {
         useResult(parseStationTime(text));
         useResult(CardinalToDegrees(text, labels));
         useResult(DetectTemperatureUnit(text, units));
-        useResult(DetectSpeedUnit(text, units, u"K"_s));
+        useResult(DetectSpeedUnit(text, units, SpeedCode::KilometresPerHour));
     });
     linear = measure("sector text", shapes,
                      [](const QByteArray&, const QString& text) {

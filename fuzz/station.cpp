@@ -85,8 +85,10 @@ void stationValue(QByteArrayView bytes) {
     if (const auto degrees = CardinalToDegrees(text, units.Cardinal))
         require(*degrees >= 0 && *degrees < 360 && std::fmod(*degrees, 22.5) == 0,
                 "a label is one of sixteen");
-    require(u"CF "_s.contains(DetectTemperatureUnit(text, units)), "a temperature unit is known");
-    require(u"KMmk"_s.contains(DetectSpeedUnit(text, units, u"m"_s)), "a speed unit is known");
+    const TemperatureCode degrees = DetectTemperatureUnit(text, units);
+    require(degrees != TemperatureCode::Celsius || !units.StringDC.isEmpty(),
+            "Celsius is recognised by its pieces alone");
+    DetectSpeedUnit(text, units, SpeedCode::MetresPerSecond);
 }
 
 void stationFile(QByteArrayView bytes) {

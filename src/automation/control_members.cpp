@@ -28,14 +28,20 @@ QString safeDelayMessage(const Records& records) {
 }
 
 // Chooses the option whose letter is the whole text; any other text changes nothing.
-void chooseByLetter(OptionGroup& options, QStringView letters, const QString& text) {
-    if (text.size() == 1 && letters.contains(text))
-        options.choose(static_cast<int>(letters.indexOf(text)));
+template <class Codes>
+void chooseByLetter(OptionGroup& options, const Codes& codes, const QString& text) {
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        if (text == letterOf(codes[i]))
+            options.choose(static_cast<int>(i));
+    }
 }
 
-QString letterOf(const OptionGroup& options, QStringView letters) {
+template <class Codes>
+QString chosenLetter(const OptionGroup& options, const Codes& codes) {
     const int index = options.Index;
-    return index >= 0 && index < letters.size() ? QString(letters[index]) : QString();
+    return index >= 0 && index < static_cast<int>(codes.size())
+               ? letterOf(codes[static_cast<std::size_t>(index)])
+               : QString();
 }
 
 // Graphs 1 to 4 are the sensor program's, any other number is the local history.
@@ -186,21 +192,25 @@ void addSwitch(MemberList& list) {
 }
 
 void addUnits(MemberList& list) {
-    list.property(
-        u"Kiv_SpeedUnits"_s,
-        {Text, u"unit of speeds: \"K\" km/h, \"M\" mph, \"m\" m/s, \"k\" knots"_s},
-        answering([](Core& core) { return letterOf(core.records.units.UnitsSpeed, u"KMmk"); }),
-        [](Core& core, QVariantList& arguments) {
-            chooseByLetter(core.records.units.UnitsSpeed, u"KMmk", arguments[0].toString());
-            return answered();
-        });
-    list.property(
-        u"Kiv_TemperatureUnits"_s, {Text, u"unit of temperatures: \"C\" or \"F\""_s},
-        answering([](Core& core) { return letterOf(core.records.units.UnitsTemp, u"CF"); }),
-        [](Core& core, QVariantList& arguments) {
-            chooseByLetter(core.records.units.UnitsTemp, u"CF", arguments[0].toString());
-            return answered();
-        });
+    list.property(u"Kiv_SpeedUnits"_s,
+                  {Text, u"unit of speeds: \"K\" km/h, \"M\" mph, \"m\" m/s, \"k\" knots"_s},
+                  answering([](Core& core) {
+                      return chosenLetter(core.records.units.UnitsSpeed, kSpeedCodes);
+                  }),
+                  [](Core& core, QVariantList& arguments) {
+                      chooseByLetter(core.records.units.UnitsSpeed, kSpeedCodes,
+                                     arguments[0].toString());
+                      return answered();
+                  });
+    list.property(u"Kiv_TemperatureUnits"_s, {Text, u"unit of temperatures: \"C\" or \"F\""_s},
+                  answering([](Core& core) {
+                      return chosenLetter(core.records.units.UnitsTemp, kTemperatureCodes);
+                  }),
+                  [](Core& core, QVariantList& arguments) {
+                      chooseByLetter(core.records.units.UnitsTemp, kTemperatureCodes,
+                                     arguments[0].toString());
+                      return answered();
+                  });
 }
 
 void addRecorderAndVerdict(MemberList& list) {

@@ -25,13 +25,13 @@ void requireSound(CheckBox& box) {
 void unitRules(Records& records) {
     records.units.UnitsSpeed.Click = [&records](int index) {
         UnitsSpeed_Click(index, records.units, records.conditions, records.readings,
-                         [&records](const QString& fromCode, const QString& toCode) {
+                         [&records](SpeedCode fromCode, SpeedCode toCode) {
                              convertSpeedHistory(records.history, fromCode, toCode);
                          });
     };
     records.units.UnitsTemp.Click = [&records](int index) {
         UnitsTemp_Click(index, records.units, records.conditions, records.readings,
-                        [&records](const QString& fromCode, const QString& toCode) {
+                        [&records](TemperatureCode fromCode, TemperatureCode toCode) {
                             convertTemperatureHistory(records.history, fromCode, toCode);
                         });
     };

@@ -11,6 +11,8 @@
 #include "records/status_lines.h"
 #include "units/detection.h"
 
+#include <algorithm>
+
 namespace skyhold {
 
 namespace {
@@ -90,8 +92,8 @@ void StopReading(MonitoringCore& core) {
 namespace {
 
 struct StationUnits {
-    QString temperature; // "C", "F" or " "
-    QString speed;       // "K", "M", "m" or "k"
+    TemperatureCode temperature;
+    SpeedCode speed;
 };
 
 // A file that could not be read names no units: those in force stay. Nor does a value that is
@@ -110,11 +112,16 @@ StationUnits detectUnits(const StationObservation& station, const CurrentReading
     return units;
 }
 
-void sendTemperatureUnit(SensorLink& sensor, const QString& unit) {
+void sendTemperatureUnit(SensorLink& sensor, const QString& letter) {
     const QString member = QStringLiteral("Kiv_TemperatureUnits");
     const std::optional<QString> sent = sensor.readText(member);
-    if (sent && *sent != unit)
-        sensor.write(member, unit);
+    if (sent && *sent != letter)
+        sensor.write(member, letter);
+}
+
+template <class Codes, class Code>
+int indexOf(const Codes& codes, Code code) {
+    return static_cast<int>(std::ranges::find(codes, code) - codes.begin());
 }
 
 // The station's units are those in which everything is shown; a change converts limits and history.
@@ -122,16 +129,14 @@ void followUnits(const StationObservation& station, MonitoringCore& core) {
     Records& records = core.records;
     CurrentReadings& readings = records.readings;
     const StationUnits units = detectUnits(station, readings, records.units);
-    sendTemperatureUnit(core.sensor, units.temperature);
+    sendTemperatureUnit(core.sensor, letterOf(units.temperature));
     if (units.temperature != readings.TemperatureUnit) {
-        const auto option = QStringLiteral("CF").indexOf(units.temperature);
-        if (option >= 0)
-            records.units.UnitsTemp.choose(static_cast<int>(option));
+        if (units.temperature != TemperatureCode::Unknown)
+            records.units.UnitsTemp.choose(indexOf(kTemperatureCodes, units.temperature));
         readings.TemperatureUnit = units.temperature;
     }
     if (units.speed != readings.SpeedUnit) {
-        const auto option = QStringLiteral("KMmk").indexOf(units.speed);
-        records.units.UnitsSpeed.choose(static_cast<int>(option));
+        records.units.UnitsSpeed.choose(indexOf(kSpeedCodes, units.speed));
     }
 }
 

@@ -7,9 +7,10 @@ namespace skyhold {
 
 namespace {
 
-// The code of a unit, a blank when there is none, and a blank.
-void addUnit(TextBuffer& record, const QString& code) {
-    record.append(code.isEmpty() ? QChar(u' ') : code.front());
+// The code of a unit and a blank.
+template <class Code>
+void addUnit(TextBuffer& record, Code code) {
+    record.append(QChar(static_cast<char16_t>(code)));
     record.append(u' ');
 }
 

@@ -105,7 +105,7 @@ void UpdateSpanText(const GraphHistory& history, GraphControls& graphs,
             .arg(twoDigits(total / 3600), twoDigits(total / 60 % 60), twoDigits(total % 60));
 }
 
-void convertSpeedHistory(GraphHistory& history, QStringView fromCode, QStringView toCode) {
+void convertSpeedHistory(GraphHistory& history, SpeedCode fromCode, SpeedCode toCode) {
     std::int32_t elem = history.FirstElem;
     for (std::int32_t left = history.count(); left > 0; --left, elem = history.next(elem)) {
         GraphPoint& point = history.point(elem);
@@ -114,7 +114,8 @@ void convertSpeedHistory(GraphHistory& history, QStringView fromCode, QStringVie
     }
 }
 
-void convertTemperatureHistory(GraphHistory& history, QStringView fromCode, QStringView toCode) {
+void convertTemperatureHistory(GraphHistory& history, TemperatureCode fromCode,
+                               TemperatureCode toCode) {
     std::int32_t elem = history.FirstElem;
     for (std::int32_t left = history.count(); left > 0; --left, elem = history.next(elem)) {
         GraphPoint& point = history.point(elem);

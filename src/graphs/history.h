@@ -28,8 +28,9 @@ void UpdateSpanText(const GraphHistory& history, GraphControls& graphs,
                     const ComboBox& refreshRead);
 
 // Convert the stored points to another display unit (units/conversion.h).
-void convertSpeedHistory(GraphHistory& history, QStringView fromCode, QStringView toCode);
-void convertTemperatureHistory(GraphHistory& history, QStringView fromCode, QStringView toCode);
+void convertSpeedHistory(GraphHistory& history, SpeedCode fromCode, SpeedCode toCode);
+void convertTemperatureHistory(GraphHistory& history, TemperatureCode fromCode,
+                               TemperatureCode toCode);
 
 // A copy for automation clients: fields 0..7, each with points 0..capacity. Field 1 is the date,
 // 2 wind, 3 gust, 4 direction, 5 temperature minus dew point, 6 humidity, 7 temperature; field 0,

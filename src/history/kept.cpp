@@ -49,10 +49,6 @@ double temperatureIn(char from, char to, double value, bool difference) {
     return to == 'F' ? value * 1.8 + offset : (value - offset) / 1.8;
 }
 
-char code(const QString& unit, char fallback) {
-    return unit.isEmpty() ? fallback : unit[0].toLatin1();
-}
-
 } // namespace
 
 const char* measuredName(std::size_t index) {
@@ -69,7 +65,7 @@ double converted(std::size_t index, double value, KeptUnits from, KeptUnits to) 
     if (from == to || !measure)
         return value;
     if (*measure == Measure::Speed)
-        return ConvertSpeed(QString(QLatin1Char(from.speed)), QString(QLatin1Char(to.speed)),
+        return ConvertSpeed(static_cast<SpeedCode>(from.speed), static_cast<SpeedCode>(to.speed),
                             value);
     if (*measure == Measure::Temperature || *measure == Measure::TemperatureDifference)
         return temperatureIn(from.temperature, to.temperature, value,
@@ -82,24 +78,25 @@ QString measuredUnit(std::size_t index, KeptUnits units) {
         return u"°"_s;
     if (index == MeasuredPressure)
         return u"hPa"_s;
-    return unitText(*measureOf(index), QString(QLatin1Char(units.temperature)),
-                    QString(QLatin1Char(units.speed)));
+    return unitText(*measureOf(index), static_cast<TemperatureCode>(units.temperature),
+                    static_cast<SpeedCode>(units.speed));
 }
 
 KeptCycle keptCycle(const CycleResult& result, Verdict verdict) {
     const StationObservation& station = result.observation.station;
     const SensorObservation& sensor = result.observation.sensor;
-    KeptCycle cycle{.atMs = result.judged.utcMs,
-                    .number = result.number,
-                    .intervalSeconds = result.intervalSeconds,
-                    .units = {code(result.temperatureUnit, ' '), code(result.speedUnit, 'K')},
-                    .values = {},
-                    .levels = {},
-                    .station = station.state,
-                    .valuesMissing = station.valuesMissing,
-                    .sensor = sensor.state,
-                    .verdict = verdict,
-                    .byClient = result.judgement.byClient};
+    KeptCycle cycle{
+        .atMs = result.judged.utcMs,
+        .number = result.number,
+        .intervalSeconds = result.intervalSeconds,
+        .units = {static_cast<char>(result.temperatureUnit), static_cast<char>(result.speedUnit)},
+        .values = {},
+        .levels = {},
+        .station = station.state,
+        .valuesMissing = station.valuesMissing,
+        .sensor = sensor.state,
+        .verdict = verdict,
+        .byClient = result.judgement.byClient};
     for (const Quantity quantity : kAllQuantities) {
         cycle.values[measured(quantity)] = finite(result.observation.values[quantity]);
         cycle.levels[quantity] = keptLevel(result.judgement.levels[quantity]);

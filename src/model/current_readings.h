@@ -5,6 +5,7 @@
 #include "model/colours.h"
 #include "model/conditions.h"
 #include "model/quantity.h"
+#include "model/units.h"
 
 #include <QDateTime>
 #include <QString>
@@ -56,9 +57,9 @@ struct CurrentReadings {
     PerQuantity<std::int32_t> Condition;
     bool UnsafeFlag = false;
 
-    // Units in force: temperature "C", "F" or " "; speed "K" km/h, "M" mph, "m" m/s, "k" knots.
-    QString TemperatureUnit = QStringLiteral("C");
-    QString SpeedUnit = QStringLiteral("K");
+    // Units in force.
+    TemperatureCode TemperatureUnit = TemperatureCode::Celsius;
+    SpeedCode SpeedUnit = SpeedCode::KilometresPerHour;
 
     QDateTime SessionStart;
     QDateTime ReadingStart;

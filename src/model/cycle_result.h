@@ -5,6 +5,7 @@
 #include "model/judgement.h"
 #include "model/observation.h"
 #include "model/rules.h"
+#include "model/units.h"
 
 namespace skyhold {
 
@@ -30,9 +31,10 @@ struct CycleResult {
     Rules rules;
     Judgement judgement;
     RoofCheck roof;
-    JudgeMemory memory;      // after this cycle, and before the next
-    QString temperatureUnit; // codes in force: "C", "F" or " "
-    QString speedUnit;       // "K" km/h, "M" mph, "m" m/s, "k" knots
+    JudgeMemory memory; // after this cycle, and before the next
+    // In force.
+    TemperatureCode temperatureUnit = TemperatureCode::Celsius;
+    SpeedCode speedUnit = SpeedCode::KilometresPerHour;
 
     // Why the verdict was taken back since this cycle, in words; empty while it stands.
     QString distrusted;

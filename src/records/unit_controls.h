@@ -2,23 +2,25 @@
 #pragma once
 
 #include "model/quantity.h"
+#include "model/units.h"
 #include "records/controls.h"
 
 #include <array>
+#include <optional>
 
 namespace skyhold {
 
 struct UnitControls {
-    OptionGroup UnitsTemp;     // 0 "C", 1 "F"
-    OptionGroup UnitsSpeed;    // 0 "K" km/h, 1 "M" mph, 2 "m" m/s, 3 "k" knots
+    OptionGroup UnitsTemp;     // index of kTemperatureCodes
+    OptionGroup UnitsSpeed;    // index of kSpeedCodes
     OptionGroup DateFormat;    // 0 dd/mm/yy, 1 mm/dd/yy
     Label TemperatureUnitText; // "°C", "°F"
     Label SpeedUnitText;       // "km/hr", "mph", "m/s", "knot"
 
-    // Codes that were in force before the last change; limits and history are in these units
-    // until the change has converted them.
-    QString PreviousTemperatureUnit;
-    QString PreviousSpeedUnit;
+    // In force before the last change; limits and history are in these units until the change has
+    // converted them. Nothing before the first choice.
+    std::optional<TemperatureCode> PreviousTemperatureUnit;
+    std::optional<SpeedCode> PreviousSpeedUnit;
     bool Loading = false; // settings are being loaded: a chosen unit is recorded, not converted to
 
     QString StringKPH, StringMPH, StringMPS, StringKNOTS; // a file's unit text occurs within it

@@ -1,19 +1,18 @@
 // Wind speeds and temperatures from one display unit to another.
 #pragma once
 
-#include <QStringView>
+#include "model/units.h"
 
 namespace skyhold {
 
-// Codes: "K" km/h, "M" mph, "m" m/s, "k" knots. Not rounded; with any other code the value is
-// returned as it is.
-double ConvertSpeed(QStringView fromCode, QStringView toCode, double value);
+// Not rounded.
+double ConvertSpeed(SpeedCode fromCode, SpeedCode toCode, double value);
 
-// To "C" from degrees Fahrenheit, to anything else from degrees Celsius; whole degrees, halves to
-// the even neighbour. The caller sees to it that the codes differ.
-double ConvertTemperature(QStringView fromCode, QStringView toCode, double value);
+// To Celsius from degrees Fahrenheit, to anything else from degrees Celsius; whole degrees, halves
+// to the even neighbour. The caller ensures that the codes differ.
+double ConvertTemperature(TemperatureCode fromCode, TemperatureCode toCode, double value);
 
 // The same for a difference of two temperatures, which has no offset.
-double ConvertTemperatureDifference(QStringView fromCode, QStringView toCode, double value);
+double ConvertTemperatureDifference(TemperatureCode fromCode, TemperatureCode toCode, double value);
 
 } // namespace skyhold

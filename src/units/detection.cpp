@@ -16,24 +16,24 @@ bool anyPieceOccurs(const QString& pieces, QStringView text) {
 
 } // namespace
 
-QString DetectTemperatureUnit(QStringView unitText, const UnitControls& units) {
+TemperatureCode DetectTemperatureUnit(QStringView unitText, const UnitControls& units) {
     if (anyPieceOccurs(units.StringDC, unitText))
-        return QStringLiteral("C");
+        return TemperatureCode::Celsius;
     if (anyPieceOccurs(units.StringDF, unitText))
-        return QStringLiteral("F");
-    return QStringLiteral(" ");
+        return TemperatureCode::Fahrenheit;
+    return TemperatureCode::Unknown;
 }
 
-QString DetectSpeedUnit(QStringView unitText, const UnitControls& units, const QString& current) {
+SpeedCode DetectSpeedUnit(QStringView unitText, const UnitControls& units, SpeedCode current) {
     const QString upper = unitText.toString().toUpper();
     if (units.StringKPH.contains(upper))
-        return QStringLiteral("K");
+        return SpeedCode::KilometresPerHour;
     if (units.StringMPH.contains(upper))
-        return QStringLiteral("M");
+        return SpeedCode::MilesPerHour;
     if (units.StringMPS.contains(upper))
-        return QStringLiteral("m");
+        return SpeedCode::MetresPerSecond;
     if (units.StringKNOTS.contains(upper))
-        return QStringLiteral("k");
+        return SpeedCode::Knots;
     return current;
 }
 

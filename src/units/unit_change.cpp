@@ -2,77 +2,86 @@
 
 #include "units/conversion.h"
 
+#include <utility>
+
 namespace skyhold {
 
 namespace {
 
-using Convert = double (*)(QStringView fromCode, QStringView toCode, double value);
+constexpr std::array<const char16_t*, kSpeedCodes.size()> kSpeedTexts{u"km/hr", u"mph", u"m/s",
+                                                                      u"knot"};
+constexpr std::array<const char16_t*, kTemperatureCodes.size()> kTemperatureTexts{u"°C", u"°F"};
 
-struct Unit {
-    const char16_t* code;
-    const char16_t* text;
-};
-
-constexpr std::array<Unit, 4> kSpeedUnits{
-    {{u"K", u"km/hr"}, {u"M", u"mph"}, {u"m", u"m/s"}, {u"k", u"knot"}}};
-constexpr std::array<Unit, 2> kTemperatureUnits{{{u"C", u"°C"}, {u"F", u"°F"}}};
-
+template <class Code>
 struct ConvertedLimits {
     ThreeBoxes& limits;
-    Convert convert;
+    double (*convert)(Code fromCode, Code toCode, double value);
 };
 
-void changeUnit(const Unit& unit, QString& inForce, QString& previous, Label& shown, bool loading,
-                std::initializer_list<ConvertedLimits> converted,
-                const ConvertHistory& convertHistory) {
-    const QString code = QString::fromUtf16(unit.code);
-    inForce = code;
-    shown.Caption = QString::fromUtf16(unit.text);
+// What choosing a unit changes.
+template <class Code>
+struct ChosenUnit {
+    Code& inForce;
+    std::optional<Code>& previous;
+    Label& shown;
+};
+
+template <class Code>
+void changeUnit(Code code, const char16_t* text, const ChosenUnit<Code>& chosen, bool loading,
+                std::initializer_list<ConvertedLimits<Code>> converted,
+                const ConvertHistory<Code>& convertHistory) {
+    chosen.inForce = code;
+    chosen.shown.Caption = QString::fromUtf16(text);
 
     // Choosing the unit that limits and history are in already must leave them alone: a
     // temperature conversion does not look at where it comes from.
-    const bool convert = !loading && !previous.isEmpty() && previous != code;
-    if (convert) {
-        for (const ConvertedLimits& entry : converted) {
-            for (NumberBox& box : entry.limits)
-                box.set(entry.convert(previous, code, box.Value));
-        }
-        if (convertHistory)
-            convertHistory(previous, code);
+    const std::optional<Code> previous = std::exchange(chosen.previous, code);
+    if (loading || !previous || *previous == code)
+        return;
+    for (const ConvertedLimits<Code>& entry : converted) {
+        for (NumberBox& box : entry.limits)
+            box.set(entry.convert(*previous, code, box.Value));
     }
-    previous = code;
+    if (convertHistory)
+        convertHistory(*previous, code);
 }
 
+// Nothing for an index that is none of the codes.
 template <std::size_t N>
-const Unit* unitAt(const std::array<Unit, N>& units, int index) {
-    return index >= 0 && index < static_cast<int>(N) ? &units[static_cast<std::size_t>(index)]
-                                                     : nullptr;
+std::optional<std::size_t> placeOf(int index) {
+    return index >= 0 && index < static_cast<int>(N)
+               ? std::optional(static_cast<std::size_t>(index))
+               : std::nullopt;
 }
 
 } // namespace
 
 void UnitsSpeed_Click(int index, UnitControls& units, ConditionControls& conditions,
-                      CurrentReadings& readings, const ConvertHistory& convertHistory) {
-    const Unit* unit = unitAt(kSpeedUnits, index);
-    if (!unit)
+                      CurrentReadings& readings, const ConvertHistory<SpeedCode>& convertHistory) {
+    const auto place = placeOf<kSpeedCodes.size()>(index);
+    if (!place)
         return;
-    changeUnit(*unit, readings.SpeedUnit, units.PreviousSpeedUnit, units.SpeedUnitText,
-               units.Loading,
-               {{conditions.Limit[Quantity::Wind], ConvertSpeed},
-                {conditions.Limit[Quantity::Gust], ConvertSpeed}},
-               convertHistory);
+    changeUnit<SpeedCode>(kSpeedCodes[*place], kSpeedTexts[*place],
+                          {readings.SpeedUnit, units.PreviousSpeedUnit, units.SpeedUnitText},
+                          units.Loading,
+                          {{conditions.Limit[Quantity::Wind], ConvertSpeed},
+                           {conditions.Limit[Quantity::Gust], ConvertSpeed}},
+                          convertHistory);
 }
 
 void UnitsTemp_Click(int index, UnitControls& units, ConditionControls& conditions,
-                     CurrentReadings& readings, const ConvertHistory& convertHistory) {
-    const Unit* unit = unitAt(kTemperatureUnits, index);
-    if (!unit)
+                     CurrentReadings& readings,
+                     const ConvertHistory<TemperatureCode>& convertHistory) {
+    const auto place = placeOf<kTemperatureCodes.size()>(index);
+    if (!place)
         return;
-    changeUnit(*unit, readings.TemperatureUnit, units.PreviousTemperatureUnit,
-               units.TemperatureUnitText, units.Loading,
-               {{conditions.Limit[Quantity::Dew], ConvertTemperatureDifference},
-                {conditions.Limit[Quantity::Temperature], ConvertTemperature}},
-               convertHistory);
+    changeUnit<TemperatureCode>(
+        kTemperatureCodes[*place], kTemperatureTexts[*place],
+        {readings.TemperatureUnit, units.PreviousTemperatureUnit, units.TemperatureUnitText},
+        units.Loading,
+        {{conditions.Limit[Quantity::Dew], ConvertTemperatureDifference},
+         {conditions.Limit[Quantity::Temperature], ConvertTemperature}},
+        convertHistory);
 }
 
 } // namespace skyhold

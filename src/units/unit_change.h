@@ -10,15 +10,17 @@
 namespace skyhold {
 
 // Converts the columns of the graph history that are in the changed unit.
-using ConvertHistory = std::function<void(const QString& fromCode, const QString& toCode)>;
+template <class Code>
+using ConvertHistory = std::function<void(Code fromCode, Code toCode)>;
 
-// A speed unit was chosen: 0 km/h, 1 mph, 2 m/s, 3 knots; any other index changes nothing.
-// While settings are loaded the unit is only recorded: the stored limits are in it already.
+// A speed unit was chosen, an index of kSpeedCodes; any other index changes nothing. While
+// settings are loaded the unit is only recorded: the stored limits are in it already.
 void UnitsSpeed_Click(int index, UnitControls& units, ConditionControls& conditions,
-                      CurrentReadings& readings, const ConvertHistory& convertHistory);
+                      CurrentReadings& readings, const ConvertHistory<SpeedCode>& convertHistory);
 
-// The same for temperatures: 0 Celsius, 1 Fahrenheit.
+// The same for temperatures.
 void UnitsTemp_Click(int index, UnitControls& units, ConditionControls& conditions,
-                     CurrentReadings& readings, const ConvertHistory& convertHistory);
+                     CurrentReadings& readings,
+                     const ConvertHistory<TemperatureCode>& convertHistory);
 
 } // namespace skyhold

@@ -4,17 +4,17 @@ namespace skyhold {
 
 using namespace Qt::Literals::StringLiterals;
 
-QString unitText(Measure measure, const QString& temperatureUnit, const QString& speedUnit) {
+QString unitText(Measure measure, TemperatureCode temperatureUnit, SpeedCode speedUnit) {
     switch (measure) {
     case Measure::Speed:
-        if (speedUnit == u"M")
+        if (speedUnit == SpeedCode::MilesPerHour)
             return u"mph"_s;
-        if (speedUnit == u"m")
+        if (speedUnit == SpeedCode::MetresPerSecond)
             return u"m/s"_s;
-        return speedUnit == u"k" ? u"kn"_s : u"km/h"_s;
+        return speedUnit == SpeedCode::Knots ? u"kn"_s : u"km/h"_s;
     case Measure::Temperature:
     case Measure::TemperatureDifference:
-        return temperatureUnit == u"F" ? u"°F"_s : u"°C"_s;
+        return temperatureUnit == TemperatureCode::Fahrenheit ? u"°F"_s : u"°C"_s;
     case Measure::Percent:
         return u"%"_s;
     case Measure::Cycles:

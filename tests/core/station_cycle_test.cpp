@@ -112,7 +112,7 @@ TEST_F(StationInTheCycle, oneDeadInstrumentHidesNoStorm) {
             EXPECT_EQ(records().readings.AlarmSoundId, c.old ? u"10"_s : QString());
             EXPECT_EQ(status(), c.old ? u"Weather Station Data - value missing or not a number"_s
                                       : u"Weather Station Data - Refreshed"_s);
-            EXPECT_EQ(records().readings.SpeedUnit, u"M"_s);
+            EXPECT_EQ(records().readings.SpeedUnit, SpeedCode::MilesPerHour);
             for (const auto& [quantity, header] : {std::pair{Quantity::Wind, Quantity::Wind},
                                                    {Quantity::Gust, Quantity::Gust},
                                                    {Quantity::Temperature, Quantity::Temperature},

@@ -33,7 +33,7 @@ CurrentReadings someReadings() {
     readings.Condition[Quantity::Wind] = WindWindy;
     readings.Condition[Quantity::Rain] = RainDry;
     readings.Condition[Quantity::Brightness] = BrightnessDark;
-    readings.SpeedUnit = u"m"_s;
+    readings.SpeedUnit = SpeedCode::MetresPerSecond;
     return readings;
 }
 
@@ -48,14 +48,14 @@ TEST(CcdapFile, RecordByteByByte) {
 
     CurrentReadings wet = someReadings();
     wet.Condition[Quantity::Rain] = RainUnknown;
-    wet.TemperatureUnit = u" "_s;
-    wet.SpeedUnit = QString();
+    wet.TemperatureUnit = TemperatureCode::Unknown;
+    wet.SpeedUnit = SpeedCode::Knots;
     wet.StationDataOld = true;
     wet.DewPointValue.reset(); // missing: the record has no other word for it than 0
     wet.Condition[Quantity::Cloud] = CloudUnknown;
     const ManualClock noon(QDateTime(QDate(2026, 11, 16), QTime(12, 0)));
     EXPECT_EQ(ccdapRecord(wet, noon, kComma),
-              QByteArray("2026-11-16 12:00:00.00     "
+              QByteArray("2026-11-16 12:00:00.00   k "
                          " -21,3   -5,3 2345,6    0,3 000    0,0 100 2 2 01000 "
                          "046342,50000 0 2 0 1"));
     const NumberForms odd{u"€\u066B.."_s, QString()};

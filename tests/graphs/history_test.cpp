@@ -152,10 +152,11 @@ TEST_F(History, SpanOfAFullHistory) {
 
 TEST_F(History, UnitChangeConvertsEveryStoredPointOnce) {
     setBoxes(20, 1);
-    convertSpeedHistory(history, u"K", u"m"); // nothing stored yet
-    read(25);                                 // the ring has wrapped
-    convertSpeedHistory(history, u"K", u"m");
-    convertTemperatureHistory(history, u"C", u"F");
+    convertSpeedHistory(history, SpeedCode::KilometresPerHour,
+                        SpeedCode::MetresPerSecond); // nothing stored yet
+    read(25);                                        // the ring has wrapped
+    convertSpeedHistory(history, SpeedCode::KilometresPerHour, SpeedCode::MetresPerSecond);
+    convertTemperatureHistory(history, TemperatureCode::Celsius, TemperatureCode::Fahrenheit);
     for (std::int32_t elem = 1; elem <= 20; ++elem) {
         const GraphPoint& point = history.point(elem);
         const double number = elem <= 6 ? elem + 19 : elem - 1;

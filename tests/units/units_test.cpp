@@ -15,32 +15,34 @@ using namespace Qt::Literals::StringLiterals;
 
 TEST(Conversion, SpeedsUseTheExactFactorsBothWays) {
     // One km/h in each unit; every pair follows from it.
-    const std::pair<QString, double> inUnit[] = {
-        {u"K"_s, 1.0}, {u"M"_s, 1 / 1.609344}, {u"m"_s, 1 / 3.6}, {u"k"_s, 1 / 1.852}};
+    const std::pair<SpeedCode, double> inUnit[] = {{SpeedCode::KilometresPerHour, 1.0},
+                                                   {SpeedCode::MilesPerHour, 1 / 1.609344},
+                                                   {SpeedCode::MetresPerSecond, 1 / 3.6},
+                                                   {SpeedCode::Knots, 1 / 1.852}};
     for (const auto& [from, one] : inUnit) {
         for (const auto& [to, other] : inUnit)
             EXPECT_NEAR(ConvertSpeed(from, to, 37 * one), 37 * other, 1e-12)
-                << qPrintable(from + u'>' + to);
+                << qPrintable(letterOf(from) + u'>' + letterOf(to));
     }
-    EXPECT_EQ(ConvertSpeed(u"m", u"K", 5), 18.0);
-    EXPECT_EQ(ConvertSpeed(u"", u"K", 12.3), 12.3);
-    EXPECT_EQ(ConvertSpeed(u"K", u"x", 12.3), 12.3);
+    EXPECT_EQ(ConvertSpeed(SpeedCode::MetresPerSecond, SpeedCode::KilometresPerHour, 5), 18.0);
 }
 
 TEST(Conversion, TemperaturesAreWholeDegreesHalvesToEven) {
+    using enum TemperatureCode;
     const struct {
         double value;
-        const char16_t* to;
+        TemperatureCode to;
         double temperature, difference;
     } cases[] = {
-        {0.5, u"F", 33, 1},   {22.5, u"C", -5, 12},  {2.5, u"F", 36, 4},    {7.5, u"F", 46, 14},
-        {-2.5, u"F", 28, -4}, {212, u"C", 100, 118}, {-40, u"F", -40, -72}, {31.9, u"C", 0, 18},
+        {0.5, Fahrenheit, 33, 1},    {22.5, Celsius, -5, 12},    {2.5, Fahrenheit, 36, 4},
+        {7.5, Fahrenheit, 46, 14},   {-2.5, Fahrenheit, 28, -4}, {212, Celsius, 100, 118},
+        {-40, Fahrenheit, -40, -72}, {31.9, Celsius, 0, 18},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(ConvertTemperature(u"", c.to, c.value), c.temperature) << c.value;
-        EXPECT_EQ(ConvertTemperatureDifference(u"", c.to, c.value), c.difference) << c.value;
+        EXPECT_EQ(ConvertTemperature(Unknown, c.to, c.value), c.temperature) << c.value;
+        EXPECT_EQ(ConvertTemperatureDifference(Unknown, c.to, c.value), c.difference) << c.value;
     }
-    EXPECT_FALSE(std::signbit(ConvertTemperature(u"F", u"C", 31.9))) << "shown as -0";
+    EXPECT_FALSE(std::signbit(ConvertTemperature(Fahrenheit, Celsius, 31.9))) << "shown as -0";
 }
 
 struct UnitChange : testing::Test {
@@ -59,12 +61,17 @@ struct UnitChange : testing::Test {
         units.Loading = false;
     }
 
-    void speed(int index) { UnitsSpeed_Click(index, units, conditions, readings, history()); }
-    void temperature(int index) { UnitsTemp_Click(index, units, conditions, readings, history()); }
-    ConvertHistory history() {
-        return [this](const QString& from, const QString& to) {
-            converted << from + u'>' + to;
+    template <class Code>
+    ConvertHistory<Code> history() {
+        return [this](Code from, Code to) {
+            converted << letterOf(from) + u'>' + letterOf(to);
         };
+    }
+    void speed(int index) {
+        UnitsSpeed_Click(index, units, conditions, readings, history<SpeedCode>());
+    }
+    void temperature(int index) {
+        UnitsTemp_Click(index, units, conditions, readings, history<TemperatureCode>());
     }
     using Limits = std::vector<double>;
     static Limits values(const ThreeBoxes& boxes) {
@@ -87,11 +94,11 @@ TEST_F(UnitChange, WhileSettingsLoadTheUnitIsOnlyRecorded) {
     units.Loading = true;
     speed(3);
     temperature(1);
-    EXPECT_EQ(readings.SpeedUnit, u"k"_s);
-    EXPECT_EQ(units.PreviousSpeedUnit, u"k"_s);
+    EXPECT_EQ(readings.SpeedUnit, SpeedCode::Knots);
+    EXPECT_EQ(units.PreviousSpeedUnit, SpeedCode::Knots);
     EXPECT_EQ(units.SpeedUnitText.Caption.value(), u"knot"_s);
-    EXPECT_EQ(readings.TemperatureUnit, u"F"_s);
-    EXPECT_EQ(units.PreviousTemperatureUnit, u"F"_s);
+    EXPECT_EQ(readings.TemperatureUnit, TemperatureCode::Fahrenheit);
+    EXPECT_EQ(units.PreviousTemperatureUnit, TemperatureCode::Fahrenheit);
     EXPECT_EQ(units.TemperatureUnitText.Caption.value(), u"°F"_s);
     expectLimits({10, 20, 30}, {0.5, 10.5, 20.5}, {2.5, 12.5, 22.5});
     EXPECT_TRUE(converted.isEmpty());
@@ -102,12 +109,12 @@ TEST_F(UnitChange, SpeedConvertsWindAndGustLimitsAndTheHistoryOnce) {
     speed(2);
     EXPECT_EQ(conditions.Limit[Quantity::Wind][0].Value, 10.0);
     EXPECT_DOUBLE_EQ(conditions.Limit[Quantity::Gust][2].Value, 40 / 3.6);
-    EXPECT_EQ(readings.SpeedUnit, u"m"_s);
+    EXPECT_EQ(readings.SpeedUnit, SpeedCode::MetresPerSecond);
     EXPECT_EQ(units.SpeedUnitText.Caption.value(), u"m/s"_s);
     speed(0);
     speed(4);
     speed(-1);
-    EXPECT_EQ(readings.SpeedUnit, u"K"_s);
+    EXPECT_EQ(readings.SpeedUnit, SpeedCode::KilometresPerHour);
     EXPECT_EQ(converted, (QStringList{u"K>m"_s, u"m>K"_s}));
     EXPECT_EQ(conditions.Limit[Quantity::Wind][0].Value, 36.0);
     EXPECT_EQ(values(conditions.Limit[Quantity::Temperature]), (Limits{0.5, 10.5, 20.5}));
@@ -122,10 +129,10 @@ TEST_F(UnitChange, TemperatureConvertsDewLimitsAsDifferences) {
 }
 
 TEST_F(UnitChange, ChoosingTheUnitInForceLeavesLimitsAlone) {
-    readings.TemperatureUnit = u" "_s; // the file's unit was unknown for a while
+    readings.TemperatureUnit = TemperatureCode::Unknown; // the file's unit was unknown for a while
     temperature(0);
     speed(0);
-    EXPECT_EQ(readings.TemperatureUnit, u"C"_s);
+    EXPECT_EQ(readings.TemperatureUnit, TemperatureCode::Celsius);
     expectLimits({10, 20, 30}, {0.5, 10.5, 20.5}, {2.5, 12.5, 22.5});
     EXPECT_TRUE(converted.isEmpty());
 }
@@ -137,11 +144,12 @@ TEST(Detection, SpeedUnitTextOccursInAList) {
     units.StringMPS = u"M/S MPS"_s;
     units.StringKNOTS = u"KNOTS KTS KT"_s;
     const std::pair<const char16_t*, const char16_t*> cases[] = {
-        {u"km/h", u"K"}, {u"KPH", u"K"}, {u"km/hr", u"K"}, {u"mph", u"M"},  {u"m/s", u"m"},
-        {u"mps", u"m"},  {u"kts", u"k"}, {u"kt", u"k"},    {u"Bft", u"k0"}, {u"", u"K"},
+        {u"km/h", u"K"}, {u"KPH", u"K"}, {u"km/hr", u"K"}, {u"mph", u"M"}, {u"m/s", u"m"},
+        {u"mps", u"m"},  {u"kts", u"k"}, {u"kt", u"k"},    {u"Bft", u"m"}, {u"", u"K"},
     };
     for (const auto& [text, code] : cases)
-        EXPECT_EQ(DetectSpeedUnit(text, units, u"k0"_s), QStringView(code))
+        EXPECT_EQ(letterOf(DetectSpeedUnit(text, units, SpeedCode::MetresPerSecond)),
+                  QStringView(code))
             << qPrintable(QString::fromUtf16(text));
 }
 
@@ -159,7 +167,7 @@ TEST(Detection, TemperaturePieceOccursInTheUnitText) {
         UnitControls units;
         units.StringDC = QString::fromUtf16(c.celsius);
         units.StringDF = QString::fromUtf16(c.fahrenheit);
-        EXPECT_EQ(DetectTemperatureUnit(c.text, units), QStringView(c.code))
+        EXPECT_EQ(letterOf(DetectTemperatureUnit(c.text, units)), QStringView(c.code))
             << qPrintable(QString::fromUtf16(c.text));
     }
 }
