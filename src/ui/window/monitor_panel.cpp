@@ -1,12 +1,12 @@
 #include "ui/window/monitor_panel.h"
 
-#include "core/alarms.h"
 #include "core/clients.h"
 #include "core/session.h"
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
-#include "ui/widgets/readout_selection.h"
 #include "ui/window/age_text.h"
+#include "ui/window/message_card.h"
+#include "ui/window/panel_parts.h"
 #include "ui/window/reading_tile.h"
 #include "ui/window/verdict_card.h"
 
@@ -20,32 +20,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace skyhold {
 
 namespace {
-
-constexpr int kStopAlarmWidth = 118;
-constexpr int kOneCauseLine = 34;
-constexpr int kTwoCauseLines = 62;
-
-Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize, bool bold = false) {
-    auto* readout = new Readout(parent);
-    readout->setObjectName(name);
-    readout->setPixelSize(pixelSize, bold);
-    return readout;
-}
-
-// A caption that stands fixed in the window.
-Readout* makeCaption(QWidget* parent, const QString& text) {
-    Readout* caption = makeReadout(parent, {}, 13);
-    caption->setTone(Tone::Dim);
-    caption->setText(text);
-    caption->reserve(text);
-    return caption;
-}
-
-LampWidget* makeLamp(QWidget* parent, const QString& name, int diameter) {
-    auto* lamp = new LampWidget(diameter, parent);
-    lamp->setObjectName(name);
-    return lamp;
-}
 
 // The tiles from left to right, with the number of each one's header.
 struct TileOfQuantity {
@@ -88,7 +62,7 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->setSpacing(look::kGap);
     top->addWidget(makeVerdictCard(core, this));
-    top->addWidget(makeMessages(core), 1);
+    top->addWidget(makeMessageCard(core, this, readouts_), 1);
     top->addWidget(makeSwitchAndSession(core));
 
     auto* layout = new QVBoxLayout(this);
@@ -117,147 +91,6 @@ void MonitorPanel::showLive(const Records& records, bool live) {
         const Label& read = ofSensor ? records.display.Label3Sensor : records.display.Label3Station;
         tile->setOld(!live, read.Caption.value().section(u' ', 1));
     }
-}
-
-QWidget* MonitorPanel::makeMessages(MonitoringCore& core) {
-    Records& records = core.records;
-    auto* card = new Card(this);
-    card->setFixedHeight(kVerdictHeight);
-
-    auto* automatic = new QWidget(card);
-    automatic->setObjectName(u"Frame3"_s);
-    Readout* cause = makeReadout(automatic, u"LblCause"_s, 26);
-    cause->setWrap(true);
-    cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    allowMouseSelection(cause);
-    Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
-    last->setTone(Tone::Dim);
-    last->setWrap(true);
-    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
-    delay->setInk(screenColour(kYellow));
-    bind(delay, records.conditions.SafeDelayMsg);
-    const auto showCause = [=, &records] {
-        const bool idle = !records.session.begun();
-        const QString words = records.display.LblCause.Caption;
-        const QString verdict = records.conditions.LblStatus.Caption;
-        const bool none = words.isEmpty() && records.session.verdict == Verdict::Safe;
-        // Words without a verdict say why a start has failed.
-        const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
-        cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
-        if (idle && !failed)
-            cause->setText(u"Start begins a monitoring session."_s);
-        else
-            cause->setText(none ? u"No condition counts as unsafe."_s : words);
-        last->setText(verdict.isEmpty() ? QString()
-                                        : u"Last verdict: %1. %2"_s.arg(verdict, words));
-        last->setHidden(!idle);
-        cause->setFixedHeight(idle && !failed ? kOneCauseLine : kTwoCauseLines);
-        delay->setHidden(idle);
-    };
-    follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
-    follow(cause, records.session.verdict, [=](Verdict) { showCause(); });
-    follow(cause, records.session.State, [=](SessionState) { showCause(); });
-    auto* automaticLayout = new QVBoxLayout(automatic);
-    automaticLayout->setContentsMargins(0, 0, 0, 0);
-    automaticLayout->setSpacing(2);
-    automaticLayout->addWidget(cause);
-    auto* delayRow = new QHBoxLayout;
-    delayRow->addWidget(delay);
-    delayRow->addWidget(last);
-    delayRow->addSpacing(kStopAlarmWidth); // the button comes and goes without moving the text
-    automaticLayout->addLayout(delayRow);
-    bind(automatic, records.session.Frame3);
-
-    // While a client decides, the rules have no cause to show.
-    Readout* decides = makeReadout(card, {}, 15);
-    decides->setTone(Tone::Dim);
-    Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
-    control->setTone(Tone::Accent);
-    bind(control, records.session.LblControl);
-    auto* takeBack = new QPushButton(u"Take &back control"_s, card);
-    takeBack->setObjectName(u"ButtTakeBack"_s);
-    takeBack->setFixedHeight(28);
-    takeBack->setToolTip(
-        u"Let the conditions decide again; unsafe until the safe delay has passed"_s);
-    connect(takeBack, &QPushButton::clicked, card, [&core] { TakeBackControl(core); });
-    const auto showControl = [=, &records] {
-        const bool byClient = !records.session.Frame3.Visible;
-        const bool named = !control->text().isEmpty();
-        decides->setText(named ? u"Safe or unsafe is decided by"_s
-                               : u"Safe or unsafe is decided by a client program"_s);
-        decides->setVisible(byClient);
-        takeBack->setVisible(byClient);
-        control->setPixelSize(byClient ? 26 : 15, true);
-        control->setVisible(named);
-    };
-    follow(control, records.session.LblControl.Caption, [=](const QString&) { showControl(); });
-    follow(control, records.session.Frame3.Visible, [=](bool) { showControl(); });
-    auto* alarms = new QHBoxLayout;
-    alarms->setSpacing(look::kGap);
-    int alarmLineHeight = 0;
-    const auto addAlarm = [&](const QString& name, Label& record, int share) {
-        Readout* alarm = makeReadout(card, name, 15, true);
-        alarm->setInk(screenColour(kOrange));
-        bind(alarm, record);
-        readouts_.push_back(alarm);
-        alarms->addWidget(alarm, share);
-        alarmLineHeight = alarm->sizeHint().height();
-    };
-    // As much room as their texts need in the smallest window.
-    addAlarm(u"WSAlarmMsg"_s, records.display.WSAlarmMsg, 9);
-    addAlarm(u"NBAlarmMsg"_s, records.display.NBAlarmMsg, 7);
-    addAlarm(u"SensorStatus"_s, records.display.SensorStatus, 4);
-
-    auto* lines = new QVBoxLayout;
-    lines->setSpacing(2);
-    lines->addWidget(automatic);
-    auto* decidesRow = new QHBoxLayout;
-    decidesRow->addWidget(decides, 1);
-    decidesRow->addWidget(takeBack);
-    lines->addLayout(decidesRow);
-    lines->addWidget(control);
-    lines->addStretch();
-    lines->addLayout(alarms);
-    // In the place of the button that ends the noise.
-    Readout* silence = makeReadout(card, u"SoundFault"_s, 13, true);
-    silence->setFixedSize(kStopAlarmWidth, 34);
-    silence->setWrap(true);
-    silence->setInk(screenColour(kOrange));
-    follow(silence, records.alarms.SoundFault.Caption, [silence](const QString& fault) {
-        silence->setText(fault);
-        silence->setToolTip(fault);
-        silence->setHidden(fault.isEmpty());
-    });
-    auto* overlay = new QVBoxLayout;
-    overlay->addStretch();
-    overlay->addWidget(silence);
-    overlay->addWidget(makeStopAlarm(core, card));
-    overlay->addSpacing(alarmLineHeight + look::kGap);
-    auto* layout = new QGridLayout(card);
-    layout->setContentsMargins(16, 8, 16, 8);
-    layout->addLayout(lines, 0, 0);
-    layout->addLayout(overlay, 0, 0, Qt::AlignRight);
-    return card;
-}
-
-// Ends the noise at once, whatever page is open; the alarm itself goes on.
-QPushButton* MonitorPanel::makeStopAlarm(MonitoringCore& core, QWidget* card) {
-    auto* button = new QPushButton(card);
-    button->setObjectName(u"ButtStopAlarm"_s);
-    button->setFixedSize(kStopAlarmWidth, 32);
-    QFont font = button->font();
-    font.setPixelSize(14);
-    font.setBold(true);
-    button->setFont(font);
-    followLook(button, [button] {
-        QPalette loud;
-        loud.setColor(QPalette::Button, look::kLoud);
-        loud.setColor(QPalette::ButtonText, look::inkOn(look::kLoud));
-        button->setPalette(loud);
-    });
-    bind(button, core.records.alarms.ButtStopAlarm);
-    connect(button, &QPushButton::clicked, card, [&core] { stopAlarm(core); });
-    return button;
 }
 
 QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {

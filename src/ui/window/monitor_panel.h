@@ -12,8 +12,6 @@
 #include <utility>
 #include <vector>
 
-class QPushButton;
-
 namespace skyhold {
 
 class ReadingTile;
@@ -26,8 +24,6 @@ class MonitorPanel : public QWidget {
     MonitorPanel(MonitoringCore& core, QWidget* parent);
 
   private:
-    QWidget* makeMessages(MonitoringCore& core);
-    QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card);
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(Records& records);
     QWidget* makeSources(MonitoringCore& core);

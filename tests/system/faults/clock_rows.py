@@ -153,6 +153,6 @@ def sleep(seen):
         monitored.break_station("none")
         waiting = monitored.next_cycle("the delay", lambda c: "SAFE condition" in c.cause)
         assert waiting.verdict == "UNSAFE"
-        seen.say("a client that asks first is told unsafe; the safe delay begins anew")
+        seen.say("a client that asks first gets unsafe; the safe delay begins anew")
         seen.recovery(monitored, "a safe sky", is_safe)
         client.close()

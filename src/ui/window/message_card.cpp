@@ -1,0 +1,184 @@
+#include "ui/window/message_card.h"
+
+#include "core/alarms.h"
+#include "core/clients.h"
+#include "ui/look/look.h"
+#include "ui/widgets/bind.h"
+#include "ui/widgets/readout_selection.h"
+#include "ui/window/panel_parts.h"
+#include "ui/window/verdict_card.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kStopAlarmWidth = 118;
+constexpr int kOneCauseLine = 34;
+constexpr int kTwoCauseLines = 62;
+
+// Why the verdict is what it is, and what is left of the delay.
+QWidget* makeCause(Records& records, QWidget* card) {
+    auto* automatic = new QWidget(card);
+    automatic->setObjectName(u"Frame3"_s);
+    Readout* cause = makeReadout(automatic, u"LblCause"_s, 26);
+    cause->setWrap(true);
+    cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    allowMouseSelection(cause);
+    Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
+    last->setTone(Tone::Dim);
+    last->setWrap(true);
+    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
+    delay->setInk(screenColour(kYellow));
+    bind(delay, records.conditions.SafeDelayMsg);
+    const auto showCause = [=, &records] {
+        const bool idle = !records.session.begun();
+        const QString words = records.display.LblCause.Caption;
+        const QString verdict = records.conditions.LblStatus.Caption;
+        const bool none = words.isEmpty() && records.session.verdict == Verdict::Safe;
+        // Words without a verdict say why a start has failed.
+        const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
+        cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
+        if (idle && !failed)
+            cause->setText(u"Start begins a monitoring session."_s);
+        else
+            cause->setText(none ? u"No condition counts as unsafe."_s : words);
+        last->setText(verdict.isEmpty() ? QString()
+                                        : u"Last verdict: %1. %2"_s.arg(verdict, words));
+        last->setHidden(!idle);
+        cause->setFixedHeight(idle && !failed ? kOneCauseLine : kTwoCauseLines);
+        delay->setHidden(idle);
+    };
+    follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
+    follow(cause, records.session.verdict, [=](Verdict) { showCause(); });
+    follow(cause, records.session.State, [=](SessionState) { showCause(); });
+    auto* automaticLayout = new QVBoxLayout(automatic);
+    automaticLayout->setContentsMargins(0, 0, 0, 0);
+    automaticLayout->setSpacing(2);
+    automaticLayout->addWidget(cause);
+    auto* delayRow = new QHBoxLayout;
+    delayRow->addWidget(delay);
+    delayRow->addWidget(last);
+    delayRow->addSpacing(kStopAlarmWidth); // the button comes and goes without moving the text
+    automaticLayout->addLayout(delayRow);
+    bind(automatic, records.session.Frame3);
+    return automatic;
+}
+
+// While a client decides, the rules have no cause to show.
+void addControl(MonitoringCore& core, QWidget* card, QVBoxLayout* lines) {
+    Records& records = core.records;
+    Readout* decides = makeReadout(card, {}, 15);
+    decides->setTone(Tone::Dim);
+    Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
+    control->setTone(Tone::Accent);
+    bind(control, records.session.LblControl);
+    auto* takeBack = new QPushButton(u"Take &back control"_s, card);
+    takeBack->setObjectName(u"ButtTakeBack"_s);
+    takeBack->setFixedHeight(28);
+    takeBack->setToolTip(
+        u"Let the conditions decide again; unsafe until the safe delay has passed"_s);
+    QObject::connect(takeBack, &QPushButton::clicked, card, [&core] { TakeBackControl(core); });
+    const auto showControl = [=, &records] {
+        const bool byClient = !records.session.Frame3.Visible;
+        const bool named = !control->text().isEmpty();
+        decides->setText(named ? u"Safe or unsafe is decided by"_s
+                               : u"Safe or unsafe is decided by a client program"_s);
+        decides->setVisible(byClient);
+        takeBack->setVisible(byClient);
+        control->setPixelSize(byClient ? 26 : 15, true);
+        control->setVisible(named);
+    };
+    follow(control, records.session.LblControl.Caption, [=](const QString&) { showControl(); });
+    follow(control, records.session.Frame3.Visible, [=](bool) { showControl(); });
+    auto* decidesRow = new QHBoxLayout;
+    decidesRow->addWidget(decides, 1);
+    decidesRow->addWidget(takeBack);
+    lines->addLayout(decidesRow);
+    lines->addWidget(control);
+}
+
+// The alarm messages side by side.
+QLayout* makeAlarmLine(ReadingDisplay& display, QWidget* card, std::vector<Readout*>& ofSession) {
+    auto* alarms = new QHBoxLayout;
+    alarms->setSpacing(look::kGap);
+    const auto addAlarm = [&](const QString& name, Label& record, int share) {
+        Readout* alarm = makeReadout(card, name, 15, true);
+        alarm->setInk(screenColour(kOrange));
+        bind(alarm, record);
+        ofSession.push_back(alarm);
+        alarms->addWidget(alarm, share);
+    };
+    // As much room as their texts need in the smallest window.
+    addAlarm(u"WSAlarmMsg"_s, display.WSAlarmMsg, 9);
+    addAlarm(u"NBAlarmMsg"_s, display.NBAlarmMsg, 7);
+    addAlarm(u"SensorStatus"_s, display.SensorStatus, 4);
+    return alarms;
+}
+
+// In place of the button that ends the noise.
+Readout* makeSilence(AlarmControls& alarms, QWidget* card) {
+    Readout* silence = makeReadout(card, u"SoundFault"_s, 13, true);
+    silence->setFixedSize(kStopAlarmWidth, 34);
+    silence->setWrap(true);
+    silence->setInk(screenColour(kOrange));
+    follow(silence, alarms.SoundFault.Caption, [silence](const QString& fault) {
+        silence->setText(fault);
+        silence->setToolTip(fault);
+        silence->setHidden(fault.isEmpty());
+    });
+    return silence;
+}
+
+// Ends the noise at once, whatever page is open; the alarm itself goes on.
+QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card) {
+    auto* button = new QPushButton(card);
+    button->setObjectName(u"ButtStopAlarm"_s);
+    button->setFixedSize(kStopAlarmWidth, 32);
+    QFont font = button->font();
+    font.setPixelSize(14);
+    font.setBold(true);
+    button->setFont(font);
+    followLook(button, [button] {
+        QPalette loud;
+        loud.setColor(QPalette::Button, look::kLoud);
+        loud.setColor(QPalette::ButtonText, look::inkOn(look::kLoud));
+        button->setPalette(loud);
+    });
+    bind(button, core.records.alarms.ButtStopAlarm);
+    QObject::connect(button, &QPushButton::clicked, card, [&core] { stopAlarm(core); });
+    return button;
+}
+
+} // namespace
+
+QWidget* makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Readout*>& ofSession) {
+    Records& records = core.records;
+    auto* card = new Card(parent);
+    card->setFixedHeight(kVerdictHeight);
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(2);
+    lines->addWidget(makeCause(records, card));
+    addControl(core, card, lines);
+    lines->addStretch();
+    QLayout* alarmLine = makeAlarmLine(records.display, card, ofSession);
+    lines->addLayout(alarmLine);
+    auto* overlay = new QVBoxLayout;
+    overlay->addStretch();
+    overlay->addWidget(makeSilence(records.alarms, card));
+    overlay->addWidget(makeStopAlarm(core, card));
+    overlay->addSpacing(ofSession.back()->sizeHint().height() + look::kGap);
+    auto* layout = new QGridLayout(card);
+    layout->setContentsMargins(16, 8, 16, 8);
+    layout->addLayout(lines, 0, 0);
+    layout->addLayout(overlay, 0, 0, Qt::AlignRight);
+    return card;
+}
+
+} // namespace skyhold

@@ -1,0 +1,18 @@
+// What the panel says of the verdict: its cause and the delay, who decides when the rules do not,
+// the alarm messages, and Stop Alarm.
+#pragma once
+
+#include "core/monitoring_core.h"
+
+#include <vector>
+
+class QWidget;
+
+namespace skyhold {
+
+class Readout;
+
+// `ofSession` gets the readouts that have a colour only while a session runs.
+QWidget* makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Readout*>& ofSession);
+
+} // namespace skyhold
