@@ -4,6 +4,7 @@
 #include "core/monitoring_core.h"
 #include "core/state_document.h"
 #include "core/verdict.h"
+#include "core/wording.h"
 #include "history/json.h"
 #include "records/status_lines.h"
 
@@ -27,6 +28,8 @@ QString causesOf(const MonitoringCore& core) {
     QString text = result.distrusted;
     if (result.judgement.byClient)
         text += u"|by "_s + core.records.session.LblControl.Caption.value();
+    if (result.roof.faulty)
+        text += u"|roof"_s;
     if (result.judgement.UnsafeFlag) {
         for (const Cause& cause : result.judgement.causes)
             text += u"|%1 %2 %3 %4"_s.arg(static_cast<int>(cause.kind))
@@ -124,12 +127,23 @@ void rememberRoof(MonitoringCore& core, std::int64_t atMs) {
     const double roof = core.records.readings.SwitchValue;
     if (std::exchange(core.remembered.roof, roof) == roof)
         return;
-    const QString state = roof == 1 ? u"open"_s : roof == 2 ? u"closed"_s : u"unknown"_s;
+    const QString state = roof == kRoofOpen     ? u"open"_s
+                          : roof == kRoofClosed ? u"closed"_s
+                                                : u"unknown"_s;
     const bool driven = core.records.session.SwitchControl;
-    const QString text = !driven     ? u"Roof switch reads %1"_s.arg(state)
-                         : roof == 1 ? u"Command to open the roof"_s
-                                     : u"Command to close the roof"_s;
+    const QString text = !driven             ? u"Roof switch reads %1"_s.arg(state)
+                         : roof == kRoofOpen ? u"Command to open the roof"_s
+                                             : u"Command to close the roof"_s;
     add(core, atMs, u"roof"_s, driven ? u"command"_s : u"read"_s, state, text);
+}
+
+// Between the roof and what it was commanded to do, for longer than is allowed.
+void rememberRoofFault(MonitoringCore& core, std::int64_t atMs) {
+    const bool faulty = core.result.roof.faulty;
+    if (std::exchange(core.remembered.roofFaulty, faulty) == faulty)
+        return;
+    add(core, atMs, u"roof"_s, u"check"_s, faulty ? u"failed"_s : u"ok"_s,
+        faulty ? roofText(core.result) : u"Roof is where it should be"_s);
 }
 
 QStringList labelsOf(const ConditionControls& controls) {
@@ -207,6 +221,7 @@ void rememberCycle(MonitoringCore& core) {
     rememberVerdict(core, atMs);
     rememberAlarm(core, atMs);
     rememberRoof(core, atMs);
+    rememberRoofFault(core, atMs);
     core.history.add(keptCycle(core.result, core.records.session.verdict));
     showFault(core);
 }
@@ -217,6 +232,8 @@ void rememberState(MonitoringCore& core) {
     const std::int64_t nowMs = momentOf(core.clock).utcMs;
     rememberSession(core, nowMs);
     rememberVerdict(core, nowMs);
+    rememberAlarm(core, nowMs);
+    rememberRoof(core, nowMs);
 }
 
 } // namespace skyhold

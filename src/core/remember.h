@@ -19,6 +19,7 @@ struct Remembered {
     SourceState sensor = SourceState::Ok;
     QString alarm;
     double roof = 0;
+    bool roofFaulty = false;
     std::optional<Rules> rules;
     QStringList labels;
     QString fault; // of the recording, as it was last shown

@@ -38,6 +38,8 @@ QString shortCause(const QJsonObject& cause) {
     const QString name = cause[u"name"_s].toString();
     if (kind == u"delay")
         return u"waiting"_s;
+    if (kind == u"roof")
+        return u"roof"_s;
     if (kind == u"source")
         return name == u"station" ? u"station data"_s : u"sensor program"_s;
     if (kind != u"level" && kind != u"beyond")
