@@ -59,8 +59,8 @@ TEST(HistoryText, hasClockTimesDurationsAndCauses) {
                                true,
                                u"safe"_s,
                                {change("2026-11-23T00:12:40", u"safe"_s, {})}};
-    const HistoryEvent roof{at("2026-11-23T00:12:41"), u"roof"_s, {}, u"open"_s,
-                            u"Command to open the roof"_s,    {}};
+    const HistoryEvent roof{at("2026-11-23T00:12:41"),     u"roof"_s, {}, u"open"_s,
+                            u"Command to open the roof"_s, {}};
     EXPECT_EQ(historyText({first, second}, {roof}),
               u"2026-11-22\n"
               "23:41:10 – 00:12:40  unsafe   31 min 30 s   gust 34.2 > 20 km/h, rain Wet, "
