@@ -252,6 +252,14 @@ QJsonObject roof(const MonitoringCore& core) {
             {u"fault"_s, roofText(core.result)}};
 }
 
+QJsonObject history(const HistoryState& state) {
+    return {{u"on"_s, state.on},
+            {u"fault"_s, state.fault},
+            {u"lost_readings"_s, static_cast<qint64>(state.lostReadings)},
+            {u"lost_events"_s, static_cast<qint64>(state.lostEvents)},
+            {u"bytes"_s, static_cast<qint64>(state.fileBytes)}};
+}
+
 QString sessionText(SessionState state) {
     switch (state) {
     case SessionState::Running:
@@ -300,6 +308,7 @@ QJsonObject stateDocument(const MonitoringCore& core) {
                                  {u"sounding"_s, records.alarms.ButtStopAlarm.Visible.value()},
                                  {u"suspended"_s, records.alarms.SuspendSoundAlarm.checked()}}},
         {u"recording"_s, core.recorder.recording},
+        {u"history"_s, history(core.history.state())},
         {u"attached"_s, records.session.ClientCount}};
 }
 

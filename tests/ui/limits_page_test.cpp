@@ -1,8 +1,11 @@
 #include "window_fixture.h"
 
 #include "core/clients.h"
+#include "core/remember.h"
+#include "support/eventually.h"
 #include "ui/widgets/kiv_get_number.h"
 
+#include <QLabel>
 #include <QTabBar>
 
 using namespace Qt::Literals::StringLiterals;
@@ -204,6 +207,31 @@ TEST_F(LimitsPage, AnotherWindowAndOtherProgramsAreNotAsked) {
     window_.reset(); // with the focus in a limit that would be refused
     QCoreApplication::processEvents();
     EXPECT_EQ(messages_, QStringList());
+}
+
+TEST_F(LimitsPage, WhatIfJudgesTheRecordedWeekAgain) {
+    qputenv("XDG_DATA_HOME", folder_->path().toLocal8Bit());
+    auto* answer = child<QLabel>(*window_, "LblWhatIf");
+    const auto ask = [&] {
+        click(*window_, "ButtWhatIf");
+        EXPECT_TRUE(eventually([&] { return !answer->text().isEmpty(); }));
+        return answer->text().section(u':', 1).trimmed().toStdString();
+    };
+    EXPECT_TRUE(QString::fromStdString(ask()).startsWith(u"there is no history at "_s));
+
+    beginHistory(*core_);
+    StartSession(*core_);
+    for (const QString& wind : {u"5"_s, u"15"_s, u"5"_s}) {
+        for (int i = 0; i < 9; ++i)
+            cycle({.wind = wind});
+    }
+    StopSession(*core_);
+    ASSERT_TRUE(core_->history.end());
+    const std::string before = ask();
+    EXPECT_TRUE(before.starts_with("1 closure")) << before;
+    records().conditions.Limit[Quantity::Wind][0].Value = 16;
+    const std::string after = ask();
+    EXPECT_TRUE(after.starts_with("0 closures instead of 1")) << after;
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "ui/pages/unsafe_page.h"
 #include "ui/pages/upload_page.h"
 #include "ui/widgets/bind.h"
+#include "ui/widgets/what_if.h"
 
 #include <QApplication>
 #include <QScrollArea>
@@ -84,7 +85,10 @@ void SettingsPages::addPages() {
 
     QTabWidget* conditions = addStrip(u"SSTab2"_s, u"&Conditions"_s);
     addSheet(conditions, u"Li&mits"_s, [this, &records](QWidget* parent) {
-        return makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
+        QWidget* page =
+            makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
+        page->layout()->addWidget(new WhatIf(core_, page));
+        return page;
     });
     addSheet(conditions, u"&Unsafe and alarms"_s, [this, &records](QWidget* parent) {
         return makeUnsafePage(records.conditions, records.alarms, records.readings, core_.media,
