@@ -36,7 +36,7 @@ QStringList causesOf(const VerdictPeriod& period) {
     QStringList known;
     for (const HistoryEvent& change : period.changes) {
         const QJsonArray causes = change.detail[u"causes"_s].toArray();
-        for (const QJsonValue& value : causes) {
+        for (const auto& value : causes) {
             const QJsonObject cause = value.toObject();
             const QString what = cause[u"kind"_s].toString() + cause[u"name"_s].toString();
             if (known.contains(what) || cause[u"kind"_s] == u"delay"_s)
@@ -239,6 +239,7 @@ QString historyText(const std::vector<VerdictPeriod>& periods,
         QString text;
     };
     std::vector<Line> all;
+    all.reserve(events.size() + periods.size());
     for (const HistoryEvent& event : events)
         all.push_back({event.atMs, eventLine(event)});
     for (const VerdictPeriod& period : periods)

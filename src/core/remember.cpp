@@ -42,7 +42,7 @@ QString causesOf(const MonitoringCore& core) {
 
 QString inWords(const QJsonArray& causes) {
     QStringList texts;
-    for (const QJsonValue& cause : causes)
+    for (const auto& cause : causes)
         texts += cause[u"text"_s].toString();
     return texts.join(u"; "_s);
 }
@@ -168,8 +168,8 @@ QJsonObject limitsOf(const Rules& rules, const QStringList& labels) {
                 armed.append(static_cast<int>(i) + 1);
             if (row.hasLimits())
                 limits.append(rules.levels[row.quantity].limits[i]);
-            words.append(labels[static_cast<qsizetype>(
-                kLevelCount * static_cast<std::size_t>(row.quantity) + i)]);
+            const std::size_t label = kLevelCount * static_cast<std::size_t>(row.quantity) + i;
+            words.append(labels[static_cast<qsizetype>(label)]);
         }
         QJsonObject shown{{u"armed"_s, armed}, {u"labels"_s, words}};
         if (row.hasLimits())

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 namespace skyhold {
 
@@ -84,8 +85,8 @@ int levelsNumber(const PerQuantity<std::int32_t>& levels) {
 }
 PerQuantity<std::int32_t> levelsOf(int number) {
     PerQuantity<std::int32_t> levels;
-    for (auto level = levels.values.rbegin(); level != levels.values.rend(); ++level) {
-        *level = number % 10;
+    for (std::int32_t& level : levels.values | std::views::reverse) {
+        level = number % 10;
         number /= 10;
     }
     return levels;
