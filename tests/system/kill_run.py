@@ -1,7 +1,5 @@
 """Kills the monitor at random moments of a busy run, starts it again and looks at its files.
 
-    kill_run.py [KILLS] [--seed N]
-
 It records, saves images, writes the weather file and hands uploads off; a client changes settings
 over the bus, another program writes into the settings file. After every kill the settings file must
 be whole and hold what was saved, no line of the data file may be torn but the last, the history must
@@ -9,7 +7,6 @@ be whole and lack at most the last second, every image must decode, and what was
 gone once the program has run again.
 """
 
-import argparse
 import collections
 import configparser
 import contextlib
@@ -21,7 +18,6 @@ import shutil
 import sqlite3
 import struct
 import subprocess
-import sys
 import threading
 import time
 import zlib
@@ -260,28 +256,3 @@ class KillRun:
                 and not name.startswith("Kiv_Uploader.ini.")]
         self.seen["most leftovers"] = max(self.seen["most leftovers"], len(left))
         check(kind != "whole" or not left, f"leftovers stay: {left}")
-
-
-def main():
-    parser = argparse.ArgumentParser(prog="./dev kills", description=__doc__.split("\n")[0])
-    parser.add_argument("kills", type=int, nargs="?", default=200, metavar="KILLS",
-                        help="how many (200)")
-    parser.add_argument("--seed", type=int, default=time.time_ns() % 100_000, metavar="N",
-                        help="of the random moments")
-    options = parser.parse_args()
-    run.end_on_signals()
-    begin = time.monotonic()
-    kills = KillRun(options.kills, options.seed)
-    print(f"seed {options.seed}, folder of this run: {kills.folder}", flush=True)
-    try:
-        for what, count in kills.walk().items():
-            print(f"{what}: {count}")
-    except Torn as torn:
-        print(f"FAILED after {dict(kills.seen)}: {torn}")
-        return 1
-    print(f"{time.monotonic() - begin:.0f} s, PASSED")
-    return 0
-
-
-if __name__ == "__main__":
-    sys.exit(main())

@@ -6,15 +6,12 @@ import time
 import unittest.mock
 
 import run
+from fault_table import has_failed, is_safe, more_cycles, quiet_evening, row
+from faults_test import NO_SENSOR, refuses_to_start, starts_with_good_sensor
 from monitored import METHOD, Client
-from quiet import is_safe, more_cycles, quiet_evening
-from table import Shared, row
+from shared import Shared
 
 AREA = "sensor program"
-
-
-def has_failed(cycle):
-    return cycle.verdict == "UNSAFE" and cycle.codes == "a31"
 
 
 SHARED = Shared(quiet_evening)
@@ -31,7 +28,6 @@ FAILURES = {
     "not-running": "its device does not run",
     "xfer-error": "its transfer file fails",
     "silent": "never answers",
-    "late=160": "answers every call after 0.16 s",
     "late=1000": "answers every call after 1 s",
     "late=1900": "answers every call after 1.9 s",
     "slow-member=RainHeaterStatus": "answers one call after 3 s",
@@ -65,7 +61,7 @@ def failure(fault):
 
 
 for name, text in FAILURES.items():
-    row(AREA, text, short=name == "late=160")(failure(name))
+    row(AREA, text)(failure(name))
 
 
 @row(AREA, "answers with texts of a megabyte")
@@ -78,18 +74,6 @@ def megabytes(seen):
         assert len(cycle.line) < 2000, len(cycle.line)
         monitored.break_sensor("none")
         seen.recovery(monitored, "its end", is_safe)
-
-
-@row(AREA, "ends between two cycles, and comes back without data", short=True)
-def ends(seen):
-    with quiet_evening() as monitored:
-        monitored.next_cycle("a safe sky", is_safe)
-        monitored.sensor.send_signal(signal.SIGKILL)
-        with seen.untrusted(monitored):
-            seen.cycle(monitored, "the loss", has_failed)
-            monitored.start_sensor("--ready-after", 60)
-            more_cycles(seen, monitored, 3)
-        seen.recovery(monitored, "its first data", is_safe)
 
 
 @row(AREA, "ends in the middle of a cycle")
@@ -150,55 +134,21 @@ def hanging_start(seen):
 def refused_start(arguments, messages):
     def walk(seen):
         with quiet_evening(sensor=arguments) as monitored:
-            def told(text):
-                return any(text in line for line in monitored.errors)
-
-            for message in messages:
-                seen.expect(message, lambda text=message: told(text), 30)
-                seen.say(f"“{message}”")
-            assert monitored.cycles == []
-            answer = subprocess.run([run.PROGRAMS / "skyholdctl", "status"], check=False,
-                                    env=monitored.run.variables, stdout=subprocess.DEVNULL,
-                                    stderr=subprocess.DEVNULL)
-            assert answer.returncode != 0, "safe without a session"
-            seen.say(f"skyholdctl status {answer.returncode}")
-            if arguments is not None:
-                monitored.sensor.kill()
-                monitored.sensor.wait()
-            monitored.start_sensor()
-            client = Client(monitored)
-            client.invoke("Device_Start", METHOD)
-            seen.recovery(monitored, "a session with a good sensor program", is_safe)
-            client.close()
+            refuses_to_start(seen, monitored, messages)
+            monitored.sensor.kill()
+            monitored.sensor.wait()
+            starts_with_good_sensor(seen, monitored)
     return walk
 
 
-@row(AREA, "absent when a client starts the session, with a window", short=True)
-def absent_for_a_client(seen):
-    with quiet_evening(arguments=[], window=True, sensor=None) as monitored:
-        client = Client(monitored)
-        for _ in range(2):
-            begun = time.monotonic()
-            client.invoke("Device_Start", METHOD)
-            assert time.monotonic() - begun < 5, "somebody had to close the message"
-            assert not client.invoke("DeviceIsRunning")
-        seen.say("the client has its answer, and nothing runs")
-        monitored.start_sensor()
-        client.invoke("Device_Start", METHOD)
-        seen.recovery(monitored, "a session with a good sensor program", is_safe)
-        client.close()
-
-
-NO_SENSOR = "Cannot read Kiv_Nubilo"
 OLD = "Version of Kiv_Nubilo must be equal or greater than 5.2x"
 for text, arguments, messages in [
-        ("absent at the start", None, [NO_SENSOR]),
         ("too old", ["--fault", "old-version"], [OLD, NO_SENSOR]),
         ("never has data", ["--fault", "slow-ready=100000"], [NO_SENSOR]),
         ("never answers from the start on", ["--fault", "silent"], [NO_SENSOR]),
         ("ends while its first data is awaited", ["--fault", "die=DataReady"], [NO_SENSOR]),
 ]:
-    row(AREA, text, short=arguments is None)(refused_start(arguments, messages))
+    row(AREA, text)(refused_start(arguments, messages))
 
 
 @row(AREA, "answers every call after 1 s from the start to the end")

@@ -9,9 +9,9 @@ import subprocess
 import threading
 import time
 
+from fault_table import is_safe, more_cycles, quiet_evening, row
 from monitored import METHOD, Client, Cycle
-from quiet import is_safe, more_cycles, quiet_evening
-from table import Shared, row
+from shared import Shared
 
 AREA = "station file"
 SAYS = "Weather Station Data - "
@@ -60,7 +60,7 @@ for fault, text, status, code in [
         expect(seen, monitored, status, code)
         monitored.break_station("none")
         seen.recovery(monitored, "the station's return", is_safe)
-    row(AREA, text, short=fault == "delete")(broken)
+    row(AREA, text)(broken)
 
 
 def with_value(name, value):
@@ -105,7 +105,7 @@ for text, status, edits in PAGES:
     row(AREA, text)(edited)
 
 
-@row(AREA, "one dead instrument in a storm, old data not unsafe", short=True)
+@row(AREA, "one dead instrument in a storm, old data not unsafe")
 def dead_instrument(seen):
     monitored = quiet_evening()
     with open(monitored.folder / "user/config/Kiv/Kiv_Skyhold.ini", "a",
@@ -189,7 +189,7 @@ def in_its_place(make, remove):
 
 row(AREA, "a folder in its place")(in_its_place(lambda path: path.mkdir(),
                                                 lambda path: path.rmdir()))
-row(AREA, "a named pipe in its place", short=True)(in_its_place(os.mkfifo,
+row(AREA, "a named pipe in its place")(in_its_place(os.mkfifo,
                                                                 lambda path: path.unlink()))
 
 

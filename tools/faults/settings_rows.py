@@ -4,16 +4,12 @@ import collections
 import re
 import signal
 
+from fault_table import Monitored, row
 from monitored import PUT, Client
-from table import Monitored, row
 
 NUMBER = r"-?[0-9.]+(e\+[0-9]+)?"
 RUBBISH = ["", "x", "-", "1e999", "nan", "\\x0\\xff", "9" * 300, "@Invalid()",
            "a, b, c", "[x]"]
-
-
-def is_safe(cycle):
-    return cycle.verdict == "SAFE" and not cycle.codes
 
 
 def settings_file(monitored):
@@ -90,7 +86,7 @@ def rubbish(seen):
                  "elsewhere is kept")
 
 
-@row("settings", "file cut short at twenty lengths", short=True)
+@row("settings", "file cut short at twenty lengths")
 def cut(seen):
     with Monitored() as monitored:
         whole = saved_by(monitored)

@@ -8,9 +8,9 @@ import time
 
 import dbus
 
-from monitored import METHOD, READ, Client, run
-from quiet import quiet_evening
-from table import Monitored, row
+from fault_table import Monitored, is_safe, row
+from faults_test import ManyConnections
+from monitored import READ, Client, run
 
 INSTANCES = 10_000
 MOST_BYTES = 1_000  # of memory for one instance
@@ -20,35 +20,6 @@ def resident_kilobytes(process):
     status = pathlib.Path(f"/proc/{process}/status").read_text(encoding="ascii")
     [line] = [line for line in status.splitlines() if line.startswith("VmRSS")]
     return int(line.split()[1])
-
-
-def is_safe(cycle):
-    return cycle.verdict == "SAFE" and not cycle.codes
-
-
-class ManyConnections(Monitored):
-    """Its bus has an address that a new bus can have again."""
-
-    def __init__(self, *arguments, **more):
-        super().__init__(*arguments, **more)
-        self.address = f"unix:path={self.folder}/bus.socket"
-        self.run.start_bus = self.start_bus
-
-    def start_bus(self):
-        (self.folder / "bus.socket").unlink(missing_ok=True)
-        configuration = self.folder / "bus.conf"
-        configuration.write_text(run.BUS_CONFIGURATION.replace("unix:tmpdir=/tmp", self.address),
-                                 encoding="utf-8")
-        self.daemon = self.run.start("dbus-daemon", f"--config-file={configuration}", "--nofork",
-                                     "--print-address", stdout=subprocess.PIPE,
-                                     stderr=subprocess.DEVNULL, text=True)
-        self.daemon.stdout.readline()
-        # What it prints names this very bus as well, and would lead to no other.
-        self.run.variables["DBUS_SESSION_BUS_ADDRESS"] = self.address
-
-    def end_bus(self):
-        self.daemon.kill()
-        self.daemon.wait()
 
 
 @row("bus", "none at all")
@@ -71,30 +42,6 @@ def no_bus(seen):
             assert alone.returncode == 0 and picture.exists()
             assert "Automation is off" in said, said
         seen.say("window and terminal run, “Automation is off” in the place of the attached users")
-
-
-@row("bus", "goes away in the run and comes back", short=True)
-def bus_restarts(seen):
-    with ManyConnections(["--start"]) as monitored:
-        monitored.next_cycle("a safe sky", is_safe)
-        client = Client(monitored)
-        client.invoke("Kiv_LocalControl", METHOD, [True, "script"])
-        monitored.next_cycle("its control", lambda c: c.cause == "Decided by script")
-        monitored.end_bus()
-        with seen.untrusted(monitored):
-            seen.cycle(monitored, "the loss", lambda c: c.codes == "a31")
-            seen.expect("a word", lambda: any("has gone" in e for e in monitored.errors), 5)
-        seen.say("its client's control of the verdict ends with it")
-        monitored.start_bus()
-        monitored.sensor.terminate()
-        monitored.sensor.wait(10)
-        monitored.start_sensor()
-        seen.recovery(monitored, "sensor and automation are back", is_safe)
-        monitored.run.wait_for_name("Kiv_Skyhold.Nubilo", monitored.monitor)
-        client = Client(monitored)
-        assert client.invoke("Kiv_TotalNoUsers") == 1
-        assert client.invoke("Safe")
-        client.close()
 
 
 @row("bus", "hangs for ten seconds")
@@ -135,35 +82,6 @@ def many_instances(seen):
         seen.say(f"{each:.0f} bytes of memory each, all counted off "
                  f"{(time.monotonic() - begun) * 1000:.0f} ms after the death")
         seen.recovery(monitored, "a safe sky", is_safe)
-
-
-@row("clients", "those that have control of the verdict die", short=True)
-def controllers_die(seen):
-    with quiet_evening(safe_delay=60) as monitored:
-        monitored.next_cycle("a safe sky", is_safe)
-        first, second = Client(monitored), Client(monitored)
-        bare = dbus.bus.BusConnection(monitored.run.variables["DBUS_SESSION_BUS_ADDRESS"])
-        for client in [first, second]:
-            client.invoke("Kiv_LocalControl", METHOD, [True, "script"])
-        first.close()
-        seen.expect("one user", lambda: second.invoke("Kiv_TotalNoUsers") == 1, 5)
-        second.invoke("SetUnSafe", METHOD, [True])
-        assert not second.invoke("Safe")
-        seen.say("the other one keeps it")
-        # It takes control through the main window, and has no instance that could be counted.
-        bare.call_blocking("Kiv_Skyhold.Nubilo", "/Kiv_Skyhold/Nubilo/MForm",
-                           "Kiv.Automation.Dispatch", "InvokeByName", "suav",
-                           ("HasControl", dbus.UInt32(METHOD), [True, "bare"]))
-        second.invoke("Kiv_LocalControl", METHOD, [False, ""])
-        monitored.next_cycle("its control", lambda c: c.cause == "Decided by bare")
-        begun = time.monotonic()
-        bare.close()
-        with seen.untrusted(monitored):
-            seen.cycle(monitored, "the whole delay", lambda c: "delayed by 60 s" in c.cause)
-        seen.recovery(monitored, "a safe sky", is_safe)
-        # The clock runs 30 times as fast.
-        assert time.monotonic() - begun > 60 / 30, "the delay was not waited for"
-        second.close()
 
 
 @row("clients", "floods of calls, wrong types, ends in mid-call")

@@ -8,16 +8,10 @@ import socket
 import subprocess
 import time
 
-import dbus
-
-from monitored import METHOD, run
+from fault_table import Monitored, is_safe, row
+from monitored import run
 from output_rows import lines_of
-from table import Monitored, row
 from upload_test import children
-
-
-def is_safe(cycle):
-    return cycle.verdict == "SAFE" and not cycle.codes
 
 
 def settings_text(monitored, application="Kiv_Skyhold"):
@@ -101,51 +95,8 @@ def uploader_killed(seen):
         seen.say("“Running” ends at 0")
 
 
-class OnDisplay(Monitored):
-    """The window on a display that can be killed."""
-
-    def __init__(self):
-        super().__init__(["--start", "--record"], window=True)
-        self.run.variables["QT_QPA_PLATFORM"] = "xcb"
-
-    def __enter__(self):
-        reading, writing = os.pipe()
-        self.display = self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24",
-                                      "-noreset", "-nolisten", "tcp", pass_fds=[writing],
-                                      stderr=subprocess.DEVNULL)
-        os.close(writing)
-        with os.fdopen(reading) as number:
-            self.run.variables["DISPLAY"] = f":{number.readline().strip()}"
-        return super().__enter__()
-
-    def kill_display(self):
-        self.display.kill()
-        self.display.wait()
-
-
 def data_whole(monitored):
     return len(lines_of((monitored.folder / "data/Skyhold.csv").read_bytes()))
-
-
-@row("display", "the X server dies under the window", short=True)
-def display_dies(seen):
-    with OnDisplay() as monitored:
-        seen.expect("the window", lambda: monitored.cycles, 10)  # its first line tells of it
-        monitored.next_cycle("a safe sky", is_safe)
-        monitored.ends = True
-        monitored.kill_display()
-        status = monitored.monitor.wait(10)
-        said = "; ".join(line for line in monitored.errors if "display" in line)
-        assert "The display has gone" in said, monitored.errors
-        assert "GraphNoPoints=120" in settings_text(monitored)
-        assert data_whole(monitored) > 1
-        calls = monitored.bus.call_blocking(
-            run.SENSOR_NAME, "/Kiv_Nubilo/Nubilo", "Kiv.Automation.Dispatch", "InvokeByName",
-            "suav", ("Sim_Calls", dbus.UInt32(METHOD), []))[0].splitlines()
-        given_back = [call for call in calls if call.startswith("Kiv_LocalControl")]
-        assert given_back and "false" in given_back[-1], calls[-5:]
-        seen.say(f"the program ends with status {status} (the display's library does not let it go "
-                 f"on), its end in order: data file and settings whole, the sensor program released")
 
 
 @row("end", "hang-up, closed output, file size limit, kill")

@@ -5,8 +5,8 @@ import shutil
 import signal
 
 from disks import OnDisks
+from fault_table import Monitored, is_safe, row
 from monitored import METHOD, PUT, Client
-from table import Monitored, row
 
 DATA = "Skyhold.csv"
 RECORD = "Kiv_CCDAP4_II.dat"
@@ -20,11 +20,7 @@ def lines_of(contents):
     return lines
 
 
-def is_safe(cycle):
-    return cycle.verdict == "SAFE" and not cycle.codes
-
-
-@row("data file", "disk full in the run", short=True)
+@row("data file", "disk full in the run")
 def data_disk_full(seen):
     with OnDisks(["--start", "--record"]) as monitored:
         monitored.tell_substitute(seen)
@@ -144,7 +140,7 @@ def image_disk(seen):
         seen.expect("images", lambda: len(os.listdir(folder)) == 6, 60)
 
 
-@row("settings", "disk full, read-only, folder gone, at the end of the program", short=True)
+@row("settings", "disk full, read-only, folder gone, at the end of the program")
 def settings_not_saved(seen):
     for what in ["full", "read-only", "folder gone"]:
         with OnDisks(["--start", "--record"]) as monitored:
@@ -164,16 +160,14 @@ def settings_not_saved(seen):
                 os.unlink("Kiv_Skyhold.ini", dir_fd=disk.folder)  # a disk's own folder stays
             monitored.monitor.send_signal(signal.SIGTERM)
             assert monitored.monitor.wait(10) == 0
-
-            def told(lines=monitored.errors):
-                return [line for line in lines if "could not be saved" in line]
+            def said():
+                return [line for line in monitored.errors if "could not be saved" in line]
 
             if what == "folder gone":
-                assert not told(), told()
+                assert not said(), said()
                 continue
-            monitored.wait_until("its message", told)
-            said = told()
+            seen.expect("a word", said, 5)
             assert disk.read("Kiv_Skyhold.ini") == before
-            seen.say(f"{what}: “{said[0].split('.ini')[0]}.ini”, the file before stays whole"
+            seen.say(f"{what}: “{said()[0].split('.ini')[0]}.ini”, the file before stays whole"
                      .replace(str(monitored.folder), "…"))
     seen.say("folder gone: made anew and saved")

@@ -20,8 +20,9 @@ import time
 
 import dbus
 
-from monitored import METHOD, PUT, Client, Monitored, run
-from sound_server import SoundServer
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests/system"))
+from monitored import METHOD, PUT, Client, Monitored, run  # noqa: E402  (in that folder)
+from sound_server import SoundServer  # noqa: E402
 
 SETTLED = 5_000      # cycles after which nothing may grow any more
 ROW = 1_000          # cycles between two rows of the table

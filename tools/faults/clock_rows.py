@@ -4,12 +4,8 @@ import pathlib
 import signal
 import time
 
+from fault_table import Monitored, is_safe, row
 from monitored import Client
-from table import Monitored, row
-
-
-def is_safe(cycle):
-    return cycle.verdict == "SAFE" and not cycle.codes
 
 
 class From(Monitored):
