@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 namespace skyhold {
 
@@ -85,10 +84,8 @@ int levelsNumber(const PerQuantity<std::int32_t>& levels) {
 }
 PerQuantity<std::int32_t> levelsOf(int number) {
     PerQuantity<std::int32_t> levels;
-    for (std::int32_t& level : levels.values | std::views::reverse) {
-        level = number % 10;
-        number /= 10;
-    }
+    for (std::size_t i = kQuantityCount; i-- > 0; number /= 10)
+        levels.values[i] = number % 10;
     return levels;
 }
 

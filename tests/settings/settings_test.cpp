@@ -62,7 +62,7 @@ Texts defaultTexts() {
 QString changedText(const KeyRow& row) {
     // Of the options of one choice only one can be "True".
     static const QStringList chosen{u"UnitsTemp1"_s, u"UnitsSpeed2"_s, u"DateFormat1"_s,
-                                    u"SWRole1"_s, u"QualityTop"_s, u"RoofAtStop2"_s};
+                                    u"SWRole1"_s,    u"QualityTop"_s,  u"RoofAtStop2"_s};
     switch (row.type) {
     case KeyType::Text:
         return u"%1: x, \"y\"; =\\é"_s.arg(row.key).left(25);
