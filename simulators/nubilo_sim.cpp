@@ -1,8 +1,10 @@
 // A sensor program to run the monitor against, without its hardware.
 #include "platform/clock_options.h"
 #include "platform/quit_signals.h"
-#include "simulators/sensor_members.h"
+#include "sensorhost/sensor_members.h"
+#include "simulators/sensor_device.h"
 #include "simulators/sensor_server.h"
+#include "simulators/spoiled_members.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -109,12 +111,12 @@ int main(int argc, char** argv) {
                     qUtf8Printable(change));
         std::fflush(stdout);
     });
-    SensorServer server(QDBusConnection::sessionBus(),
-                        sensorMembers(device, faults, SensorServer::formPath()), faults);
-    addSensorForm(server, device);
+    SensorHost host{.source = device};
+    SensorServer server(QDBusConnection::sessionBus(), spoiledMembers(*sensorMembers(host), faults),
+                        faults);
+    addSensorForm(server, host);
     if (!server.start())
-        return refuse(
-            u"the name %1 is not available on the session bus"_s.arg(SensorServer::programId()));
+        return refuse(u"the name %1 is not available on the session bus"_s.arg(sensorProgramId()));
     onQuitSignal([] { QCoreApplication::quit(); });
     return QCoreApplication::exec();
 }

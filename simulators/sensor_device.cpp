@@ -1,7 +1,5 @@
 #include "simulators/sensor_device.h"
 
-#include "bus/automation_value.h"
-
 #include <algorithm>
 
 namespace skyhold {
@@ -11,8 +9,10 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kHistoryPoints = 120;
+constexpr int kReadCycle = 5;  // seconds between readings
+constexpr int kGraphFreq = 12; // readings for each point of a graph
 constexpr int kSlowReadySeconds = 30;
-constexpr qint64 kSecondsPerPoint = qint64{kSensorReadCycle} * kSensorGraphFreq;
+constexpr qint64 kSecondsPerPoint = qint64{kReadCycle} * kGraphFreq;
 
 } // namespace
 
@@ -68,72 +68,60 @@ QDateTime SensorDevice::lastReading() const {
     if (!dataReady())
         return {};
     const QDateTime first = firstReading();
-    return first.addSecs(first.secsTo(clock_.now()) / kSensorReadCycle * kSensorReadCycle);
+    return first.addSecs(first.secsTo(clock_.now()) / kReadCycle * kReadCycle);
 }
 
-Weather SensorDevice::weatherAt(const QDateTime& time) const {
-    return skyhold::weatherAt(options_.scenario, options_.scenarioStart, time);
+SensorReading SensorDevice::readingAt(const QDateTime& time) const {
+    const Weather weather = weatherAt(options_.scenario, options_.scenarioStart, time);
+    return {.time = time,
+            .cloudCondition = weather.cloudCondition,
+            .rainCondition = weather.rainCondition,
+            .brightnessCondition = weather.brightnessCondition,
+            .skyTemperature = weather.skyTemperature,
+            .rainValue = weather.rainValue,
+            .brightnessValue = weather.brightnessValue,
+            .sensorTemperature = weather.sensorTemperature,
+            .temperature = weather.temperature,
+            .heaterPercent = weather.heaterPercent,
+            .heaterTemperature = weather.heaterTemperature,
+            .heaterStatus = weather.heaterPercent > 20 ? u"Heating"_s : u"Normal"_s};
 }
 
-Weather SensorDevice::reading() const {
+SensorReading SensorDevice::reading() const {
     const QDateTime last = lastReading();
-    return last.isValid() ? weatherAt(last) : Weather{};
+    if (last.isValid())
+        return readingAt(last);
+    SensorReading none;
+    none.heaterStatus = u"Normal"_s;
+    return none;
 }
 
-QString SensorDevice::heaterStatus() const {
-    return reading().heaterPercent > 20 ? u"Heating"_s : u"Normal"_s;
+SensorLimits SensorDevice::limits() const {
+    return {.cloud = kCloudLimits, .rain = kRainLimits, .brightness = kBrightnessLimits};
 }
 
-double SensorDevice::temperature(double celsius) const {
-    return temperatureIn(temperatureUnit_ == u"F"_s ? u'F' : u'C', celsius);
+int SensorDevice::readCycle() const {
+    return kReadCycle;
 }
 
-int SensorDevice::historySize() const {
+int SensorDevice::graphFrequency() const {
+    return kGraphFreq;
+}
+
+std::vector<SensorReading> SensorDevice::history() const {
+    std::vector<SensorReading> points;
     const QDateTime last = lastReading();
     if (!last.isValid())
-        return 0;
-    const qint64 points = firstReading().secsTo(last) / kSecondsPerPoint + 1;
-    return static_cast<int>(std::min<qint64>(points, kHistoryPoints));
-}
-
-QList<QVariantList> SensorDevice::history(SensorGraph graph) const {
-    const QVariant unused = QVariantList(); // how an empty value goes over the bus
-    QList<QVariantList> table{{unused}, {unused}, {unused}, {unused}};
-    const int size = historySize();
-    if (size == 0)
-        return table;
+        return points;
     const QDateTime first = firstReading();
-    const qint64 newest = first.secsTo(lastReading()) / kSecondsPerPoint;
-    for (qint64 point = newest - size + 1; point <= newest; ++point) {
-        const QDateTime time = first.addSecs(point * kSecondsPerPoint);
-        const Weather weather = weatherAt(time);
-        table[1].append(QVariant::fromValue(AutomationDate{daySerial(time)}));
-        switch (graph) {
-        case SensorGraph::Cloud:
-            table[2].append(temperature(weather.skyTemperature));
-            table[3].append(weather.cloudCondition);
-            break;
-        case SensorGraph::Rain:
-            table[2].append(weather.rainValue);
-            table[3].append(weather.rainCondition);
-            break;
-        case SensorGraph::Day:
-            table[2].append(weather.brightnessValue);
-            table[3].append(weather.brightnessCondition);
-            break;
-        case SensorGraph::Temp:
-            table[2].append(temperature(weather.temperature));
-            table[3].append(temperature(weather.sensorTemperature));
-            break;
-        }
-    }
-    return table;
+    const qint64 newest = first.secsTo(last) / kSecondsPerPoint;
+    const qint64 size = std::min<qint64>(newest + 1, kHistoryPoints);
+    for (qint64 point = newest - size + 1; point <= newest; ++point)
+        points.push_back(readingAt(first.addSecs(point * kSecondsPerPoint)));
+    return points;
 }
 
-void SensorDevice::setTemperatureUnit(const QString& letter) {
-    if (letter == temperatureUnit_)
-        return;
-    temperatureUnit_ = letter;
+void SensorDevice::temperatureUnitChosen(const QString& letter) {
     onChange_(u"temperature unit "_s + letter);
 }
 
@@ -144,11 +132,11 @@ void SensorDevice::setSwitchControl(bool byClient) {
     onChange_(byClient ? u"switch control given"_s : u"switch control taken back"_s);
 }
 
-void SensorDevice::setSwitch(double value) {
-    if ((value != 1 && value != 2) || value == switchStatus_)
+void SensorDevice::setSwitch(RoofState wanted) {
+    if (wanted == switchStatus_)
         return;
-    switchStatus_ = value;
-    onChange_(value == 1 ? u"switch 1 opened"_s : u"switch 2 closed"_s);
+    switchStatus_ = wanted;
+    onChange_(wanted == RoofState::Opened ? u"switch 1 opened"_s : u"switch 2 closed"_s);
 }
 
 void SensorDevice::setUnsafe(bool unsafe) {

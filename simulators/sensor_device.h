@@ -2,12 +2,11 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "sensorhost/sensor_source.h"
 #include "simulators/faults.h"
 #include "simulators/scenario.h"
 
-#include <QHash>
 #include <QString>
-#include <QVariant>
 
 #include <functional>
 #include <optional>
@@ -22,68 +21,50 @@ struct SensorOptions {
     double readyAfter = 2; // seconds from the start of the device to its first data
 };
 
-// The graphs of the sensor program.
-enum class SensorGraph { Cloud, Rain, Day, Temp };
-
-class SensorDevice {
+class SensorDevice : public SensorSource {
   public:
     // `onChange` is given a line for every change that is sent to the device.
     SensorDevice(const Clock& clock, const SensorOptions& options, const Faults& faults,
                  std::function<void(const QString&)> onChange);
 
-    QString version() const;
-    QString role() const;
+    QString version() const override;
+    QString role() const override;
 
-    void start(); // without effect when it runs already
-    bool running() const;
-    bool dataReady() const;
-    bool transferFailed() const;
+    void start() override;
+    bool running() const override;
+    bool dataReady() const override;
+    bool transferFailed() const override;
 
     // The latest reading; everything 0 while there is none.
-    Weather reading() const;
-    QDateTime lastReading() const;
-    QString heaterStatus() const;
-    // In the unit that the device was given last.
-    double temperature(double celsius) const;
+    SensorReading reading() const override;
+    SensorLimits limits() const override;
+    std::vector<SensorReading> history() const override;
+    int readCycle() const override;
+    int graphFrequency() const override;
 
-    // History of a graph as (field, point): field 1 the date, 2 the value, 3 the condition (for
-    // the temperature graph: the air and the sky sensor). Point 0 and field 0 are not used.
-    QList<QVariantList> history(SensorGraph graph) const;
-    int historyFirst() const { return historySize() > 0 ? 1 : 0; }
-    int historyLast() const { return historySize(); }
-
-    // What other programs send to it.
-    void setTemperatureUnit(const QString& letter);
-    QString temperatureUnit() const { return temperatureUnit_; }
-    void setSwitchControl(bool byClient);
-    bool switchControl() const { return switchControl_; }
-    void setSwitch(double value); // 1 opened, 2 closed; anything else is ignored
-    double switchStatus() const { return switchStatus_; }
-    void setUnsafe(bool unsafe);
-    void setLocalControl(bool claimed, const QString& label);
-    void stopAlarm();
-
-    // Settings that are kept for other programs and have no effect on the weather, by name.
-    QHash<QString, QVariant> settings;
+    void temperatureUnitChosen(const QString& letter) override;
+    void setSwitchControl(bool byClient) override;
+    bool switchControl() const override { return switchControl_; }
+    void setSwitch(RoofState wanted) override;
+    RoofState switchStatus() const override { return switchStatus_; }
+    void setUnsafe(bool unsafe) override;
+    void setLocalControl(bool claimed, const QString& label) override;
+    void stopAlarm() override;
 
   private:
     double secondsSinceStart() const;
     QDateTime firstReading() const;
-    int historySize() const;
-    Weather weatherAt(const QDateTime& time) const;
+    QDateTime lastReading() const;
+    SensorReading readingAt(const QDateTime& time) const;
 
     const Clock& clock_;
     SensorOptions options_;
     const Faults& faults_;
     std::function<void(const QString&)> onChange_;
     QDateTime started_;
-    QString temperatureUnit_ = QStringLiteral("C");
     bool switchControl_ = false;
-    double switchStatus_ = 2;
+    RoofState switchStatus_ = RoofState::Closed;
     std::optional<bool> unsafe_; // nothing before the first verdict
 };
-
-inline constexpr int kSensorReadCycle = 5;  // seconds between readings
-inline constexpr int kSensorGraphFreq = 12; // readings for each point of a graph
 
 } // namespace skyhold

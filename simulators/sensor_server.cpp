@@ -1,5 +1,7 @@
 #include "simulators/sensor_server.h"
 
+#include "sensorhost/sensor_members.h"
+
 #include <QDBusVariant>
 #include <QTimer>
 
@@ -77,17 +79,9 @@ QString logLine(const QString& name, unsigned use, const QVariantList& arguments
 
 SensorServer::SensorServer(const QDBusConnection& bus, std::shared_ptr<const MemberTable> members,
                            Faults& faults)
-    : AutomationServer(bus, programId(), members, [](int) {})
+    : AutomationServer(bus, sensorProgramId(), members, [](int) {})
     , members_(std::move(members))
     , faults_(faults) {}
-
-QString SensorServer::programId() {
-    return u"Kiv_Nubilo.Nubilo"_s;
-}
-
-QDBusObjectPath SensorServer::formPath() {
-    return QDBusObjectPath(factoryPath(programId()) + u"/MForm"_s);
-}
 
 std::optional<SensorServer::Call> SensorServer::callOf(const QDBusMessage& message) const {
     const QVariantList sent = message.arguments();
@@ -182,7 +176,7 @@ void SensorServer::answerSimulatorCall(const Call& call, const QDBusMessage& mes
             return;
         }
         if (faults_.has(u"nameless"_s))
-            QDBusConnection(connection).unregisterService(programId());
+            QDBusConnection(connection).unregisterService(sensorProgramId());
     } else {
         const AutomationError error = AutomationError::UnknownName;
         connection.send(

@@ -20,9 +20,6 @@ class SensorServer : public AutomationServer {
     SensorServer(const QDBusConnection& bus, std::shared_ptr<const MemberTable> members,
                  Faults& faults);
 
-    static QString programId();
-    static QDBusObjectPath formPath();
-
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
   private:
