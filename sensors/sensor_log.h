@@ -1,0 +1,10 @@
+// The category of this program's messages.
+#pragma once
+
+#include <QLoggingCategory>
+
+namespace skyhold {
+
+Q_DECLARE_LOGGING_CATEGORY(sensorLog)
+
+} // namespace skyhold
