@@ -28,6 +28,7 @@ constexpr CommandRow kCommands[] = {
     {u"why", u"[TIME]", 0, 1, u"json database"},
     {u"history", u"", 0, 0, u"since until events readings json csv database"},
     {u"replay", u"", 0, 0, u"since until set from-csv suggest json database"},
+    {u"check-station", u"FILE", 1, 1, u""},
     {u"get", u"NAME", 1, 1, u"json"},
     {u"set", u"NAME VALUE", 2, 2, u""},
     {u"call", u"NAME [ARGUMENTS...]", 1, kAny, u"json"},
@@ -168,6 +169,7 @@ read without it.
   history              verdicts with their causes, and other events
   replay               how often and how long the recorded weather is unsafe by the limits, and
                        by others
+  check-station FILE   what the monitor reads from a weather station's file
   get NAME             the value of a member
   set NAME VALUE       sets a property
   call NAME [ARGS...]  calls a method and prints its result
@@ -193,7 +195,8 @@ read without it.
 Numbers have a "." whatever the locale; booleans are true and false.
 
 Exit status: status ends with 0 only when it is safe, 1 when it is unsafe, and 2 when that is not
-known, for whatever reason. The other commands end with 0 when they succeeded, else with 2.
+known, for whatever reason; check-station with 0 when all can be judged, 1 when the monitor would say
+unsafe, and 2 when the file cannot be read. The other commands end with 0 when they succeeded, else with 2.
 )"_s;
 }
 

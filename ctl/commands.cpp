@@ -258,6 +258,7 @@ int runCommand(const Command& command) {
                     {u"why", runHistoryProgram},
                     {u"history", runHistoryProgram},
                     {u"replay", runHistoryProgram},
+                    {u"check-station", runHistoryProgram},
                     {u"get", runGet},
                     {u"set", runSet},
                     {u"call", runCall},

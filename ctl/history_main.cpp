@@ -1,6 +1,7 @@
 // skyholdctl-history: the commands of skyholdctl that need the database and the rules. A program of
 // its own, because loading these takes longer than a question to the monitor, which may be asked
 // every second.
+#include "ctl/check_station.h"
 #include "ctl/history.h"
 #include "ctl/program.h"
 #include "ctl/replay.h"
@@ -16,6 +17,8 @@ int runHistoryCommand(const Command& command) {
         return runHistory(command);
     if (command.name == u"why")
         return runWhy(command);
+    if (command.name == u"check-station")
+        return runCheckStation(command);
     return command.name == u"replay" ? runReplay(command) : kStatusFailed;
 }
 

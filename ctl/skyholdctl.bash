@@ -21,7 +21,7 @@ _skyholdctl() {
     esac
 
     case $command in
-    '') words='status watch why history replay get set call list start stop help version' ;;
+    '') words='status watch why history replay check-station get set call list start stop help version' ;;
     watch) options='--json --every' ;;
     why) options='--json --database' ;;
     history) options='--since --until --events --readings --json --csv --database' ;;
@@ -29,6 +29,7 @@ _skyholdctl() {
     status | get | call | list) options='--json' ;;
     esac
     case $command:$position in
+    check-station:0) mapfile -t COMPREPLY < <(compgen -f -- "$word") && return 0 ;;
     get:0 | set:0 | call:0 | watch:*)
         # The kinds that the command takes; "list" shows the name first and then the kind.
         local kinds='^.*'

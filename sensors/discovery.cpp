@@ -42,7 +42,7 @@ void print(const QString& line) {
 } // namespace
 
 std::optional<std::vector<FoundDevice>> findIndiDevices(const QString& server, double seconds,
-                                                        QString& fault) {
+                                                        QString& fault, const QString& connect) {
     QMap<QString, FoundDevice> devices;
     QMap<QString, QMap<QString, FoundValue>> values;
     qsizetype count = 0;
@@ -65,6 +65,10 @@ std::optional<std::vector<FoundDevice>> findIndiDevices(const QString& server, d
         for (const IndiElement& element : message.elements) {
             if (message.property == u"CONNECTION" && element.name == u"CONNECT")
                 device.connected = element.text == u"On";
+            if (message.kind == IndiMessage::Kind::Define && message.device == connect &&
+                message.property == u"CONNECTION" && element.name == u"CONNECT" &&
+                !device.connected)
+                connection.setSwitch(connect, message.property, element.name);
             if (message.type != u"Number" && message.type != u"Light")
                 continue;
             FoundValue& value = values[message.device][message.property + u'.' + element.name];

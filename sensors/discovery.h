@@ -22,9 +22,10 @@ struct FoundDevice {
 };
 
 // The devices of an INDI server, as it names them within `seconds`. Nothing, with the reason, when
-// there is no such server. Serves events meanwhile.
-std::optional<std::vector<FoundDevice>> findIndiDevices(const QString& server, double seconds,
-                                                        QString& fault);
+// there is no such server. A device has its values only when it is connected; the one of the name
+// `connect` is asked to. Serves events meanwhile.
+std::optional<std::vector<FoundDevice>>
+findIndiDevices(const QString& server, double seconds, QString& fault, const QString& connect = {});
 
 struct FoundAlpaca {
     QString url;    // "http://192.168.1.7:11111"

@@ -383,7 +383,7 @@ SensorSettings sensorSettings(QByteArrayView text, QStringList& faults) {
 QStringList settingsRemarks(const SensorSettings& settings) {
     QStringList remarks;
     for (const Item item : {Item::Rain, Item::Cloud}) {
-        if (!settings.items[item].isSet())
+        if (settings.anyOfSensor() && !settings.items[item].isSet())
             remarks.append(u"nothing measures %1: it is never unsafe by this program"_s.arg(
                 item == Item::Rain ? u"rain" : u"clouds"));
     }

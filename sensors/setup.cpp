@@ -73,7 +73,7 @@ QString addressOf(const Suggestion& suggestion, const SetupAnswers& answers,
             if (std::ranges::find(found, address, &FoundValue::address) != found.end())
                 return address;
         }
-        known = false;
+        known = found.empty(); // nobody knows what it has
         return answers.device + u'.' + QString::fromUtf16(suggestion.indi[0]);
     }
     if (answers.kind == u"alpaca")
@@ -146,13 +146,14 @@ QString settingsText(const SetupAnswers& answers, const std::vector<FoundValue>&
             section = u"#"_s + section.chopped(1).replace(u"\n"_s, u"\n#"_s) + u'\n';
         text += u"\n# "_s + QString::fromUtf16(suggestion.comment) + u'\n' + section;
     }
-    const QString heading = answers.master ? u"[switch]\n"_s : u"# Of a MASTER:\n#[switch]\n"_s;
-    text +=
-        u'\n' + heading +
-        u"#kind = command\n#open = /usr/local/bin/roof open\n#close = /usr/local/bin/roof close\n"
-        "# It prints \"open\" or \"closed\"\n#state = /usr/local/bin/roof state\n"
-        "# A roof that was opened for the monitor is closed when the monitor has been silent "
-        "so long\n#close-after = 180\n"_s;
+    QString roof = u"[switch]\nkind = command\nopen = /usr/local/bin/roof open\n"
+                   "close = /usr/local/bin/roof close\n# It prints \"open\" or \"closed\"\n"
+                   "state = /usr/local/bin/roof state\n"
+                   "# A roof that was opened for the monitor is closed when the monitor has been "
+                   "silent so long\nclose-after = 180\n"_s;
+    if (!answers.master)
+        roof = u"# Of a MASTER:\n#"_s + roof.chopped(1).replace(u"\n"_s, u"\n#"_s) + u'\n';
+    text += u'\n' + roof;
     return text;
 }
 
@@ -195,6 +196,11 @@ int setUp(const QString& path) {
     answers.master =
         ask(u"5. Is this program to open and close the roof: yes or no?"_s, u"no"_s) == u"yes";
     std::vector<FoundValue> values;
+    if (!devices.empty()) {
+        QString fault;
+        devices = findIndiDevices(answers.where, 3, fault, answers.device)
+                      .value_or(std::vector<FoundDevice>());
+    }
     for (const FoundDevice& device : devices) {
         if (device.name == answers.device)
             values = device.values;

@@ -44,7 +44,7 @@ TEST(IndiReader, GivesUpOnWhatIsNotIndi) {
     for (int i = 0; i < 600; ++i)
         many += "<oneNumber name=\"x\">1</oneNumber>";
     const QByteArray streams[] = {
-        "HTTP/1.1 400 Bad Request\r\n\r\n",
+        "HTTP/1.1 400 Bad Request\r\n\r\n<html>",
         "<a></b>",
         "</stream><x/>",
         "<!DOCTYPE a [<!ENTITY b \"c\">]>",
