@@ -60,7 +60,7 @@ TEST(StationOutput, IsReadByTheMonitor) {
         EXPECT_EQ(seen.numbers[Quantity::Humidity], 80);
         EXPECT_EQ(seen.numbers[Quantity::Wind], 9.7);
         EXPECT_EQ(seen.numbers[Quantity::Gust], 17.5); // the strongest wind of ten minutes
-        EXPECT_EQ(seen.numbers[Quantity::Dew], 44.1);  // 6.7 °C
+        EXPECT_EQ(seen.numbers[Quantity::Dew], 44.2);  // 6.8 °C
         EXPECT_EQ(seen.windDirection, 0);
         EXPECT_EQ(memory.recordTime, QDateTime(QDate(2026, 11, 5), QTime(22, 1, 2)));
 
