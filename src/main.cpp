@@ -186,6 +186,8 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     const Options options = parseOptions(application, headless);
     applyLook(application);
+    if (qEnvironmentVariableIsSet("JOURNAL_STREAM")) // where somebody looks them up
+        QLoggingCategory::setFilterRules(QStringLiteral("skyhold.verdict.info=true"));
 
     QLockFile instance(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) +
                        QStringLiteral("/Kiv_Skyhold.lock"));

@@ -6,6 +6,7 @@
 #include "core/verdict.h"
 #include "core/wording.h"
 #include "history/json.h"
+#include "platform/log.h"
 #include "records/status_lines.h"
 
 #include <QJsonArray>
@@ -65,8 +66,9 @@ void rememberVerdict(MonitoringCore& core, std::int64_t atMs) {
     QJsonObject detail;
     for (const QString& part : {u"causes"_s, u"decided_by"_s, u"controller"_s})
         detail[part] = document[part];
-    add(core, atMs, u"verdict"_s, {}, verdictName(verdict),
-        inWords(document[u"causes"_s].toArray()), detail);
+    const QString words = inWords(document[u"causes"_s].toArray());
+    qCInfo(verdictLog).noquote() << verdictName(verdict) << words;
+    add(core, atMs, u"verdict"_s, {}, verdictName(verdict), words, detail);
 }
 
 void rememberSession(MonitoringCore& core, std::int64_t atMs) {

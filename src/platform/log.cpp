@@ -8,6 +8,7 @@ Q_LOGGING_CATEGORY(automationLog, "skyhold.automation")
 Q_LOGGING_CATEGORY(soundLog, "skyhold.sound")
 Q_LOGGING_CATEGORY(recordingLog, "skyhold.recording")
 Q_LOGGING_CATEGORY(historyLog, "skyhold.history")
+Q_LOGGING_CATEGORY(verdictLog, "skyhold.verdict", QtWarningMsg)
 Q_LOGGING_CATEGORY(updateLog, "skyhold.update")
 Q_LOGGING_CATEGORY(uploadLog, "skyhold.upload")
 

@@ -8,6 +8,8 @@
 #include <QEvent>
 #include <QMenu>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace skyhold {
 
 TrayAction trayAction(double coordinate, double unitsPerPixel, WindowState state, bool active) {
@@ -48,8 +50,19 @@ void Tray::followVerdict() {
     followLook(this, [this] { showVerdict(); });
 }
 
+// The program, and below it what it says and why.
+QString Tray::tip() const {
+    const Records& records = core_.records;
+    const QString verdict = records.conditions.LblStatus.Caption;
+    if (!records.session.running() || verdict.isEmpty())
+        return core_.version.trayTip();
+    return core_.version.trayTip() + u'\n' + verdict + u": "_s +
+           records.display.LblCause.Caption.value();
+}
+
 void Tray::showVerdict() {
     const Records& records = core_.records;
+    icon_.setToolTip(tip());
     const VerdictIcon verdict =
         verdictIcon(records.session.State, records.session.verdict, records.readings);
     const std::pair shown(verdict, lookInForce());

@@ -35,6 +35,7 @@ class Tray : public QObject {
 
   private:
     void followVerdict();
+    QString tip() const;
     void showVerdict();
     void takeActivation(QSystemTrayIcon::ActivationReason reason);
     void answer(TrayEvent event);
