@@ -112,6 +112,10 @@ int serve(SensorProgram& program, const SensorSettings& settings, const QString&
     program.start();
     if (onBus && !server.start())
         return refuse(u"the name %1 is not available on the session bus"_s.arg(sensorProgramId()));
+    // Without the bus nobody reads it any more: the login has ended.
+    QDBusConnection::sessionBus().connect({}, u"/org/freedesktop/DBus/Local"_s,
+                                          u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s,
+                                          QCoreApplication::instance(), SLOT(quit()));
     const int status = QCoreApplication::exec();
     program.end();
     return status;
