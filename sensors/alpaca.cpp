@@ -12,7 +12,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr qint64 kAnswerLimit = 64 * 1024;
+constexpr qint64 kAnswerLimit = 64LL << 10;
 constexpr int kClientId = 21117;
 
 AlpacaDevice::Answer answerOf(const QByteArray& body, const QString& transport) {

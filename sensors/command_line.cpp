@@ -28,7 +28,7 @@ command, and serves what they measure as Kiv_Nubilo.Nubilo on the session bus, w
 reads it. docs/sensors.md says what to write for which device.)";
 
 constexpr int kUnusable = 2;
-constexpr std::int64_t kSettingsLimit = 1024 * 1024;
+constexpr std::int64_t kSettingsLimit = 1LL << 20;
 
 void print(const QString& line) {
     std::printf("%s\n", qUtf8Printable(line));

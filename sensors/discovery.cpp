@@ -25,7 +25,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr quint16 kAlpacaPort = 32227;
 constexpr qsizetype kMostDevices = 200;
 constexpr qsizetype kMostValues = 5000;
-constexpr qint64 kAnswerLimit = 256 * 1024;
+constexpr qint64 kAnswerLimit = 256LL << 10;
 
 void serveEvents(double seconds, const std::function<bool()>& done) {
     QDeadlineTimer limit(static_cast<qint64>(seconds * 1000));
@@ -119,7 +119,7 @@ std::vector<FoundAlpaca> findAlpacaDevices(double seconds) {
                                                .object()
                                                .value(u"Value"_s)
                                                .toArray();
-                for (const QJsonValue& value : devices) {
+                for (const auto& value : devices) {
                     const QJsonObject device = value.toObject();
                     found.push_back(
                         {url,

@@ -69,7 +69,7 @@ QString addressOf(const Suggestion& suggestion, const SetupAnswers& answers,
         for (const char16_t* element : suggestion.indi) {
             if (!element)
                 break;
-            const QString address = answers.device + u'.' + QString::fromUtf16(element);
+            QString address = answers.device + u'.' + QString::fromUtf16(element);
             if (std::ranges::find(found, address, &FoundValue::address) != found.end())
                 return address;
         }
