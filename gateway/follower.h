@@ -1,0 +1,49 @@
+// Follows the monitor on the session bus and publishes what it says.
+#pragma once
+
+#include "bus/session_bus.h"
+#include "gateway/state.h"
+
+#include <QDBusMessage>
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+
+namespace skyhold {
+
+class Follower : public QObject {
+    Q_OBJECT
+
+  public:
+    // `changed` is called after every document and every loss.
+    Follower(StateBoard& board, std::function<void()> changed);
+
+    // What came of it: empty when the monitor took the call, else why not.
+    using Told = std::function<void(const QString& fault)>;
+    // Has the monitor move the roof's switch; does nothing where clients do not drive it. The
+    // answer comes within a few seconds.
+    void moveSwitch(bool open, Told told);
+
+  private Q_SLOTS:
+    void onDocument(const QString& text);
+    void onOwnerChange(const QString& name, const QString& before, const QString& after);
+
+  private:
+    void begin();
+    void lose(const QString& why);
+    void take(const QByteArray& text);
+    void readState();
+    void probe();
+
+    StateBoard& board_;
+    std::function<void()> changed_;
+    SessionBus bus_;
+    QTimer probes_;
+    bool probing_ = false;
+    bool present_ = false;    // the monitor has its name on the bus
+    QJsonObject last_;        // the last document, to see a new cycle
+    std::int64_t lastMs_ = 0; // when its cycle was first heard
+};
+
+} // namespace skyhold

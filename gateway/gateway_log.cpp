@@ -1,0 +1,7 @@
+#include "gateway/gateway_log.h"
+
+namespace skyhold {
+
+Q_LOGGING_CATEGORY(gatewayLog, "skyhold.gateway")
+
+} // namespace skyhold

@@ -1,0 +1,10 @@
+// The category of the gateway's messages.
+#pragma once
+
+#include <QLoggingCategory>
+
+namespace skyhold {
+
+Q_DECLARE_LOGGING_CATEGORY(gatewayLog)
+
+} // namespace skyhold

@@ -1,0 +1,73 @@
+// skyhold-gateway: what the monitor says, for the network.
+#include "gateway/follower.h"
+#include "gateway/gateway_log.h"
+#include "gateway/options.h"
+#include "gateway/routes.h"
+#include "platform/quit_signals.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <sys/resource.h>
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kUnusable = 2;
+constexpr int kSweepMs = 1000;
+constexpr int kNiceness = 5; // a flood from the network must not slow the monitor
+
+int refuse(const QString& reason) {
+    std::fprintf(stderr, "skyhold-gateway: %s\n", qUtf8Printable(reason));
+    return kUnusable;
+}
+
+void print(const QByteArray& line) {
+    std::printf("%s\n", line.constData());
+    std::fflush(stdout);
+}
+
+int serve(GatewayOptions options) {
+    StateBoard board;
+    Site site{.board = board, .hosts = HostCheck(options.names)};
+    HttpServer server([&site](const Request& request) { return route(request, site); });
+    QString fault;
+    if (!server.start(options.http, fault))
+        return refuse(fault);
+    const Follower follower(board, [] {});
+    QTimer sweep;
+    QObject::connect(&sweep, &QTimer::timeout, &sweep, [&server] { server.sweep(); });
+    sweep.start(kSweepMs);
+    onQuitSignal([] { QCoreApplication::quit(); });
+    print("Listening on http://" + shownAddress(options.http));
+    return QCoreApplication::exec();
+}
+
+int run() {
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
+        print(optionsHelp().toUtf8());
+        return 0;
+    }
+    if (arguments.contains(QStringLiteral("--version"))) {
+        print("skyhold-gateway " SKYHOLD_VERSION);
+        return 0;
+    }
+    QString fault;
+    const std::optional<GatewayOptions> options = parseOptions(arguments, fault);
+    if (!options)
+        return refuse(fault);
+    ::setpriority(PRIO_PROCESS, 0, kNiceness);
+    return serve(*options);
+}
+
+} // namespace
+
+} // namespace skyhold
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("skyhold-gateway"));
+    return skyhold::run();
+}

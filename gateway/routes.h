@@ -1,0 +1,19 @@
+// From a request to its answer.
+#pragma once
+
+#include "gateway/host_check.h"
+#include "gateway/http_server.h"
+#include "gateway/state.h"
+
+namespace skyhold {
+
+struct Site {
+    const StateBoard& board;
+    HostCheck hosts;
+    std::function<std::int64_t()> nowMs = bootMs;
+};
+
+// In the thread of the network.
+Handling route(const Request& request, Site& site);
+
+} // namespace skyhold
