@@ -263,6 +263,8 @@ TEST_F(SetupForm, SavesItsChoicesAndSwitchesOffWhatHasNoFolder) {
         QTest::keyClicks(child(dialog, "HTMFile"), u"/data/station.htm"_s);
         child<QRadioButton>(dialog, "DateFormat1")->click();
         click(dialog, "ButtNext");
+        EXPECT_TRUE(child(dialog, "OptSensor0")->isVisible());
+        click(dialog, "ButtNext");
         child<QRadioButton>(dialog, "UnitsSpeed2")->click();
         click(dialog, "ButtNext");
         QTest::keyClicks(child(dialog, "GraphImagePath"), u"/data/images"_s);
@@ -293,6 +295,42 @@ TEST_F(SetupForm, SavesItsChoicesAndSwitchesOffWhatHasNoFolder) {
     for (const QString& key : {u"ImageWind"_s, u"ImageGust"_s, u"ImageDir"_s, u"ImageHum"_s,
                                u"ImageDew"_s, u"ImageTemp"_s})
         EXPECT_EQ(stored(u"Graphs"_s, key), u"0"_s) << key.toStdString();
+}
+
+TEST_F(SetupForm, HasTheSensorsSettingsWritten) {
+    const auto settings = [this] {
+        QFile file(folder_.filePath(u"Kiv/skyhold-sensor.conf"_s));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("absent");
+    };
+    EXPECT_FALSE(runWith([&](QDialog& dialog) {
+        QTest::keyClicks(child(dialog, "HTMFile"), u"/data/station.htm"_s);
+        click(dialog, "ButtNext");
+        EXPECT_FALSE(child(dialog, "SensorWhere")->isVisible());
+        child<QRadioButton>(dialog, "OptSensor5")->click();
+        EXPECT_TRUE(duringDialog([&] { click(dialog, "ButtOK"); },
+                                 [](QDialog& message) { click(message, "Butt0"); }));
+        EXPECT_EQ(settings(), "absent"); // it has not said where
+        child<QRadioButton>(dialog, "OptStation1")->click();
+        EXPECT_FALSE(child(dialog, "OptSensor5")->isEnabled());
+        click(dialog, "Command1");
+    }));
+    EXPECT_TRUE(runWith([](QDialog& dialog) {
+        QTest::keyClicks(child(dialog, "HTMFile"), u"/data/station.htm"_s);
+        click(dialog, "ButtNext");
+        child<QRadioButton>(dialog, "OptSensor3")->click();
+        child<QLineEdit>(dialog, "SensorWhere")->setText(u"hub:1884"_s);
+        EXPECT_EQ(child<QLineEdit>(dialog, "SensorDevice")->text(), u"observatory/sensor"_s);
+        click(dialog, "ButtOK");
+    }));
+    EXPECT_TRUE(settings().contains("kind = mqtt\nbroker = hub:1884\n"));
+    EXPECT_TRUE(settings().contains("\n[rain]\nvalue = main: observatory/sensor#rain\n"));
+    EXPECT_TRUE(settings().contains("role = SLAVE"));
+    // What is set up stays.
+    EXPECT_TRUE(runWith([](QDialog& dialog) {
+        EXPECT_FALSE(child(dialog, "OptSensor1")->isEnabled());
+        QTest::keyClicks(child(dialog, "HTMFile"), u"/data/station.htm"_s);
+        click(dialog, "ButtOK");
+    }));
 }
 
 } // namespace

@@ -240,12 +240,12 @@ TEST_F(Keyboard, EveryDialogIsReachedInReadingOrderAndLeftByEscape) {
     EXPECT_TRUE(duringDialog([&] { KivSetupForm(settings, simulators, u"Title"_s).exec(); },
                              [this](QDialog& dialog) {
                                  auto* next = child<QPushButton>(dialog, "ButtNext");
-                                 for (int step = 0; step < 3; ++step) {
+                                 for (int step = 0; step < 4; ++step) {
                                      SCOPED_TRACE(step);
                                      walk(dialog);
-                                     EXPECT_EQ(next->isEnabled(), step < 2);
-                                     EXPECT_EQ(next->isDefault(), step < 2);
-                                     if (step < 2)
+                                     EXPECT_EQ(next->isEnabled(), step < 3);
+                                     EXPECT_EQ(next->isDefault(), step < 3);
+                                     if (step < 3)
                                          QTest::keyClick(&dialog, Qt::Key_Return);
                                  }
                                  QTest::keyClick(&dialog, Qt::Key_Escape);

@@ -4,6 +4,7 @@
 #include "ui/dialogs/choose_path.h"
 #include "ui/dialogs/dialog_parts.h"
 #include "ui/dialogs/kiv_error.h"
+#include "ui/dialogs/sensor_step.h"
 #include "ui/look/look.h"
 #include "ui/window/simulators.h"
 
@@ -51,12 +52,15 @@ KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators, cons
     steps_->setFixedWidth(kWidth);
     column->addWidget(steps_);
     addStationStep();
+    addSensorStep();
     addUnitsStep();
     addFilesStep();
     addButtons(column);
     chooseStation();
     showStep(0);
 }
+
+KivSetupForm::~KivSetupForm() = default;
 
 QVBoxLayout* KivSetupForm::addStep(const QString& heading, const QString& introduction) {
     auto* step = new QWidget(steps_);
@@ -78,8 +82,8 @@ void KivSetupForm::addStationStep() {
     QVBoxLayout* step = addStep(
         u"Where does the weather come from?"_s,
         u"Two sources are judged: a weather station, through the file that its own program "
-        u"writes, and a cloud and rain sensor, through its program Kiv_Nubilo, which the monitor "
-        u"finds by itself when a session starts."_s);
+        u"writes, and a cloud and rain sensor, through its program, which the monitor finds by "
+        u"itself when a session starts."_s);
     auto* own =
         new QRadioButton(u"&My weather station's program writes a file"_s, step->parentWidget());
     own->setObjectName(u"OptStation0"_s);
@@ -126,6 +130,17 @@ void KivSetupForm::addTryOut(QVBoxLayout* step) {
         tryOut_->setText(u"Try it with made-up weather: the simulators are not installed"_s);
         block->parentWidget()->hide();
     }
+}
+
+void KivSetupForm::addSensorStep() {
+    QVBoxLayout* step =
+        addStep(u"Which sensor do you have?"_s,
+                u"A cloud and rain sensor says what a weather station does not: whether the sky is "
+                u"clear, and whether it rains just now."_s);
+    QVBoxLayout* block = addBlock(step, 0);
+    sensorRows_ = block->parentWidget();
+    sensor_ = std::make_unique<SensorStep>(block);
+    step->addStretch();
 }
 
 void KivSetupForm::addUnitsStep() {
@@ -289,6 +304,7 @@ void KivSetupForm::showStep(int step) {
 
 void KivSetupForm::chooseStation() {
     ownStation_->setEnabled(!tryOut_->isChecked());
+    sensorRows_->setEnabled(!tryOut_->isChecked()); // a simulator plays it
     if (tryOut_->isChecked())
         dateFormat_->button(0)->setChecked(true); // as the simulated station writes them
 }
@@ -313,8 +329,22 @@ bool KivSetupForm::prepareStation() {
     return false;
 }
 
+// False, with the reason shown, when the sensor's program could not be set up.
+bool KivSetupForm::prepareSensor() {
+    if (tryOut_->isChecked())
+        return true;
+    setEnabled(false);
+    const QString fault = sensor_->save();
+    setEnabled(true);
+    if (fault.isEmpty())
+        return true;
+    showFault(fault);
+    showStep(1);
+    return false;
+}
+
 void KivSetupForm::accept() {
-    if (!prepareStation())
+    if (!prepareStation() || !prepareSensor())
         return;
     save(tryOut_->isChecked() ? Simulators::stationFile() : stationFile_->text().trimmed());
     QDialog::accept();

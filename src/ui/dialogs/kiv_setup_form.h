@@ -1,5 +1,6 @@
-// The first start: an assistant that asks where the station's file is, where files go, and for the
-// units, one subject a step, and says of each what it is and what a wrong answer does.
+// The first start: an assistant that asks where the station's file is, which sensor there is, where
+// files go, and for the units, one subject a step, and says of each what it is and what a wrong
+// answer does.
 #pragma once
 
 #include "platform/settings_store.h"
@@ -7,6 +8,7 @@
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 
 class QButtonGroup;
 class QCheckBox;
@@ -19,6 +21,7 @@ class QVBoxLayout;
 
 namespace skyhold {
 
+class SensorStep;
 class Simulators;
 
 class KivSetupForm : public QDialog {
@@ -28,6 +31,7 @@ class KivSetupForm : public QDialog {
     // Works on the stored settings alone, before anything is loaded. `title` is the program's.
     // Without hardware the user may start the simulators instead.
     KivSetupForm(SettingsStore& settings, Simulators& simulators, const QString& title);
+    ~KivSetupForm() override;
 
     // Saves and closes, or shows what is missing and saves nothing. The simulators, when they were
     // chosen, run then.
@@ -36,6 +40,7 @@ class KivSetupForm : public QDialog {
   private:
     QVBoxLayout* addStep(const QString& heading, const QString& introduction);
     void addStationStep();
+    void addSensorStep();
     void addUnitsStep();
     void addFilesStep();
     void addTryOut(QVBoxLayout* step);
@@ -48,6 +53,7 @@ class KivSetupForm : public QDialog {
     void showStep(int step);
     void chooseStation();
     bool prepareStation();
+    bool prepareSensor();
     void save(const QString& station);
     void saveOptions(const QString& key, const QButtonGroup& group);
     void showFault(const QString& text);
@@ -59,6 +65,8 @@ class KivSetupForm : public QDialog {
     QPushButton* back_ = nullptr;
     QPushButton* next_ = nullptr;
     QPushButton* ok_ = nullptr;
+    std::unique_ptr<SensorStep> sensor_;
+    QWidget* sensorRows_ = nullptr;
     QRadioButton* tryOut_ = nullptr;
     QWidget* ownStation_ = nullptr;
     QLineEdit* stationFile_ = nullptr;
