@@ -29,7 +29,7 @@ class IndiSwitch : public SwitchDriver {
         source_.follow(close_);
     }
     void start() override {}
-    bool open() override { return sent_ = source_.setSwitch(open_); }
+    bool open() override { return sent_ = there() && source_.setSwitch(open_); }
     void close() override { sent_ = source_.setSwitch(close_); }
     RoofState state() const override {
         const auto reached = [this](const QString& address) {
@@ -47,6 +47,9 @@ class IndiSwitch : public SwitchDriver {
     }
 
   private:
+    // Before the device is connected it has no such switch, and nothing would come of it.
+    bool there() const { return !source_.element(open_).text.isEmpty(); }
+
     IndiSource& source_;
     QString open_, close_;
     bool sent_ = true;

@@ -110,21 +110,28 @@ class Indi:
 
     WEATHER = "Weather Simulator"
 
-    def __init__(self, place):
+    def __init__(self, place, *more_drivers):
         self.place = place
         self.port = free_port()
+        self.more_drivers = more_drivers
         self.start()
 
     def start(self):
         self.server = self.place.start_quietly(
             "indiserver", "-p", self.port, "-u", self.place.folder / f"indi-{self.port}",
-            "-r", 20, "indi_simulator_weather", "indi_simulator_sqm")
+            "-r", 20, "indi_simulator_weather", "indi_simulator_sqm",
+            *self.more_drivers)
         wait_until("the server's port", lambda: self.set("CONFIG_PROCESS.CONFIG_LOAD=On"))
 
     def set(self, change):
         done = subprocess.run(["indi_setprop", "-p", str(self.port), f"{self.WEATHER}.{change}"],
                               env=self.place.run.variables, stderr=subprocess.DEVNULL, check=False)
         return done.returncode == 0
+
+    def get(self, address):
+        return subprocess.run(["indi_getprop", "-p", str(self.port), "-1", "-t", "2", address],
+                              env=self.place.run.variables, stdout=subprocess.PIPE, text=True,
+                              stderr=subprocess.DEVNULL, check=False).stdout.strip()
 
     def weather(self, temperature=15, rain=0):
         assert self.set("WEATHER_CONTROL.Weather;Temperature;Wind;Gust;Precip="

@@ -29,6 +29,24 @@ max-age = 4
 """
 
 
+class RealSensor(Monitored):
+    """The monitor with skyhold-sensor at an INDI server of `place`, instead of the simulator."""
+
+    def __init__(self, place, settings, *drivers):
+        self.place = place
+        self.settings = settings
+        self.drivers = drivers
+        super().__init__(["--start"], speed=10)
+
+    def start_sensor(self, *_arguments):
+        self.indi = Indi(self.place, *self.drivers)
+        file = self.folder / "sensor.conf"
+        file.write_text(self.settings.format(port=self.indi.port), encoding="utf-8")
+        self.sensor = self.run.start(run.PROGRAMS / "skyhold-sensor", "--settings", file,
+                                     stderr=subprocess.DEVNULL)
+        self.run.wait_for_name(run.SENSOR_NAME, self.sensor)
+
+
 class IndiTest(unittest.TestCase):
     def test_every_way_in_which_a_driver_or_the_server_fails(self):
         with Place() as place:
@@ -81,17 +99,7 @@ max-age = 600
             sensor.wait_ready()
 
     def test_monitor_says_unsafe_when_the_device_dies(self):
-        class RealSensor(Monitored):
-            def start_sensor(self, *_arguments):
-                self.place = place
-                self.indi = Indi(place)
-                settings = self.folder / "sensor.conf"
-                settings.write_text(INDI.format(port=self.indi.port), encoding="utf-8")
-                self.sensor = self.run.start(run.PROGRAMS / "skyhold-sensor", "--settings",
-                                             settings, stderr=subprocess.DEVNULL)
-                self.run.wait_for_name(run.SENSOR_NAME, self.sensor)
-
-        with Place() as place, RealSensor(["--start"], speed=10) as monitored:
+        with Place() as place, RealSensor(place, INDI) as monitored:
             monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE", 40)
             hung = monitored.indi.driver("simulator_weather")
             os.kill(hung, signal.SIGSTOP)
@@ -99,11 +107,36 @@ max-age = 600
             self.assertEqual(failed.codes, "a31", failed.line)
             os.kill(hung, signal.SIGCONT)
             monitored.next_cycle("the driver's return", lambda c: c.verdict == "SAFE", 40)
+            monitored.indi.kill()
+            monitored.next_cycle("the server's loss", lambda c: c.codes == "a31")
+
+    def test_a_dome_follows_the_verdict_and_closes_without_a_monitor(self):
+        dome = INDI + """
+[sensor]
+role = MASTER
+[switch]
+kind = indi
+source = obs
+open = Dome Simulator.DOME_SHUTTER.SHUTTER_OPEN
+close = Dome Simulator.DOME_SHUTTER.SHUTTER_CLOSE
+close-after = 3
+"""
+        with Place() as place, RealSensor(place, dome, "indi_simulator_dome") as monitored:
+            def shutter(state):
+                address = f"Dome Simulator.DOME_SHUTTER.SHUTTER_{state}"
+                wait_until(state, lambda: monitored.indi.get(address) == "On", 40)
+
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE", 40)
+            shutter("OPEN")
             monitored.indi.weather(rain=30)
             rain = monitored.next_cycle("rain", lambda c: c.verdict == "UNSAFE")
             self.assertIn("Rain", rain.cause)
-            monitored.indi.kill()
-            monitored.next_cycle("the server's loss", lambda c: c.codes == "a31")
+            shutter("CLOSE")
+            monitored.indi.weather(rain=0)
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE", 40)
+            shutter("OPEN")
+            monitored.monitor.kill()
+            shutter("CLOSE")
 
 
 class MqttTest(unittest.TestCase):
@@ -259,6 +292,47 @@ max-age = 3
             sensor.wait_ready()
             device.close()
             sensor.wait_ready(False)
+
+
+    def test_a_switch_is_set_and_read_back(self):
+        device = Alpaca()
+        device.values = {"issafe": True, "getswitch": False}
+        with Place() as place:
+            sensor = Sensor(place, f"""
+[sensor]
+role = MASTER
+[source safe]
+kind = alpaca
+url = {device.url}
+device = safetymonitor/0
+every = 0.2
+[rain]
+level-from = safe: IsSafe
+levels = true 1, false 3
+[switch]
+kind = alpaca
+url = {device.url}
+id = 3
+every = 0.2
+timeout = 0.5
+""")
+            sensor.wait_ready()
+            sensor.wait_for("SwitchStatus", 2)
+            sensor.take_switch()
+            sensor.set_verdict(False)
+            sensor.set_switch(1)
+            sensor.wait_for("SwitchStatus", 1)
+            sets = [form for member, form in device.puts if member == "setswitch"]
+            self.assertEqual(len(sets), 1)
+            self.assertIn("Id=3&State=true", sets[0])
+            device.fault = "html"
+            sensor.wait_for("SwitchStatus", 0)  # what is not known is neither
+            device.fault = None
+            sensor.wait_for("SwitchStatus", 1)
+            sensor.set_switch(2)
+            sensor.wait_for("SwitchStatus", 2)
+            device.close()
+            sensor.wait_for("SwitchStatus", 0)
 
 
 class TextTest(unittest.TestCase):
