@@ -290,7 +290,8 @@ class Reader {
             else if (line.key == u"offset")
                 readNumber(line, item.offset, [](double) { return true; });
             else if (line.key == u"max-age")
-                readNumber(line, item.maxAgeSeconds, [](double number) { return number > 0; });
+                readNumber(line, item.maxAgeSeconds,
+                           [](double number) { return number > 0 && number <= 86'400; });
             else if (line.key == u"unit")
                 readUnit(line, row, item);
             else if (row.hasLevels && line.key == u"level-from")

@@ -32,7 +32,8 @@ TEST_P(Replay, KeepsEveryRule) {
 INSTANTIATE_TEST_SUITE_P(Targets, Replay,
                          testing::Values(kHtmlTable, kCsvTable, kStationValue, kStationFile,
                                          kSector, kNumberBox, kSettingsFile, kAutomationValue,
-                                         kAutomationMembers, kUpdateFiles),
+                                         kAutomationMembers, kUpdateFiles, kIndiStream,
+                                         kSensorValues),
                          [](const auto& target) { return std::string(target.param.name); });
 
 } // namespace
