@@ -1,8 +1,7 @@
 #include "gateway/follower.h"
 
-#include <QDBusConnectionInterface>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include "gateway/bus_call.h"
+
 #include <QDBusVariant>
 
 namespace skyhold {
@@ -11,7 +10,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-const QString kService = u"Kiv_Skyhold.Nubilo"_s;
+const QString kService = QString::fromLatin1(kMonitorName);
 const QString kPath = u"/Kiv_Skyhold/Monitor"_s;
 const QString kInterface = u"Kiv.Skyhold.Monitor1"_s;
 const QString kBus = u"org.freedesktop.DBus"_s;
@@ -21,29 +20,12 @@ constexpr int kPatienceMs = 10'000;
 QDBusMessage get(const QString& property) {
     QDBusMessage call = QDBusMessage::createMethodCall(
         kService, kPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-    call.setAutoStartService(false);
     call << kInterface << property;
     return call;
 }
 
-// Calls `then` with the reply, or with an error.
-template <class Then>
-void ask(const QDBusConnection& bus, const QDBusMessage& call, QObject* owner, int patienceMs,
-         Then then) {
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, patienceMs), owner);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, owner,
-                     [then = std::move(then)](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         then(finished->reply());
-                     });
-}
-
 QString variantText(const QDBusMessage& reply) {
     return reply.arguments().value(0).value<QDBusVariant>().variant().toString();
-}
-
-bool answers(const QDBusMessage& reply) {
-    return reply.type() == QDBusMessage::ReplyMessage;
 }
 
 } // namespace

@@ -19,11 +19,7 @@ class Follower : public QObject {
     // `changed` is called after every document and every loss.
     Follower(StateBoard& board, std::function<void()> changed);
 
-    // What came of it: empty when the monitor took the call, else why not.
-    using Told = std::function<void(const QString& fault)>;
-    // Has the monitor move the roof's switch; does nothing where clients do not drive it. The
-    // answer comes within a few seconds.
-    void moveSwitch(bool open, Told told);
+    const QDBusConnection& bus() const { return bus_.connection(); }
 
   private Q_SLOTS:
     void onDocument(const QString& text);

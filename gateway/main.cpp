@@ -1,7 +1,9 @@
 // skyhold-gateway: what the monitor says, for the network.
+#include "gateway/discovery.h"
 #include "gateway/follower.h"
 #include "gateway/gateway_log.h"
 #include "gateway/options.h"
+#include "gateway/roof_mover.h"
 #include "gateway/routes.h"
 #include "platform/quit_signals.h"
 
@@ -30,12 +32,19 @@ void print(const QByteArray& line) {
 
 int serve(GatewayOptions options) {
     StateBoard board;
-    Site site{.board = board, .hosts = HostCheck(options.names)};
+    Site site{.board = board, .hosts = HostCheck(options.names), .alpaca = {}};
+    site.alpaca.allowSwitch = options.allowSwitch;
+    site.alpaca.elevation = options.elevation;
+    const Follower follower(board, [] {});
+    RoofMover roof(follower, board);
+    site.alpaca.moveRoof = roof.mover();
     HttpServer server([&site](const Request& request) { return route(request, site); });
     QString fault;
     if (!server.start(options.http, fault))
         return refuse(fault);
-    const Follower follower(board, [] {});
+    std::optional<Discovery> discovery;
+    if (options.discoveryPort > 0)
+        discovery.emplace(options.discoveryPort, options.http);
     QTimer sweep;
     QObject::connect(&sweep, &QTimer::timeout, &sweep, [&server] { server.sweep(); });
     sweep.start(kSweepMs);

@@ -8,14 +8,24 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+constexpr double kLowest = -500; // metres
+constexpr double kHighest = 9000;
+
 void addOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
-        u"Serves the state document of Kiv_Skyhold over HTTP. It says unsafe whenever it does not "
-        u"hear the monitor. docs/network.md describes it."_s);
+        u"Brings what Kiv_Skyhold says to the network: a web page, Alpaca, metrics. It says unsafe "
+        u"whenever it does not hear the monitor. docs/network.md says how to use it."_s);
     parser.addOptions({
         {u"http"_s, u"Where to listen (127.0.0.1:11111, for this computer alone)."_s,
          u"ADDRESS:PORT"_s},
+        {u"discovery-port"_s,
+         u"The UDP port on which Alpaca clients look for devices (32227); 0: "
+         u"they do not find it."_s,
+         u"N"_s},
+        {u"allow-switch"_s, u"Let Alpaca clients move the roof's switch: closed always, open only "
+                            u"while it is safe."_s},
         {u"name"_s, u"A further name that it is asked for by, as of a reverse proxy."_s, u"NAME"_s},
+        {u"elevation"_s, u"Of the site, for the pressure there."_s, u"METRES"_s},
     });
     parser.addHelpOption();
     parser.addVersionOption();
@@ -41,8 +51,25 @@ std::optional<GatewayOptions> parseOptions(const QStringList& arguments, QString
             return std::nullopt;
         options.http = *address;
     }
+    bool sound = true;
+    if (parser.isSet(u"discovery-port"_s)) {
+        options.discoveryPort = parser.value(u"discovery-port"_s).toInt(&sound);
+        if (!sound || options.discoveryPort < 0 || options.discoveryPort > 65535) {
+            fault = u"--discovery-port takes a number from 0 to 65535"_s;
+            return std::nullopt;
+        }
+    }
+    if (parser.isSet(u"elevation"_s)) {
+        const double metres = parser.value(u"elevation"_s).toDouble(&sound);
+        if (!sound || !(metres >= kLowest && metres <= kHighest)) {
+            fault = u"--elevation takes metres from %1 to %2"_s.arg(kLowest).arg(kHighest);
+            return std::nullopt;
+        }
+        options.elevation = metres;
+    }
     for (const QString& name : parser.values(u"name"_s))
         options.names += name.toLatin1();
+    options.allowSwitch = parser.isSet(u"allow-switch"_s);
     return options;
 }
 

@@ -8,10 +8,14 @@
 namespace skyhold {
 
 inline constexpr int kDefaultPort = 11111;
+inline constexpr int kDiscoveryPort = 32227;
 
 struct GatewayOptions {
     ListenAddress http{"127.0.0.1", kDefaultPort};
-    QList<QByteArray> names; // by which it is asked for beside its own
+    int discoveryPort = kDiscoveryPort; // 0: none
+    bool allowSwitch = false;
+    QList<QByteArray> names;         // that the gateway goes by beside its own
+    std::optional<double> elevation; // of the site, metres
 };
 
 // Reads them, the program's name first. Nothing, with the reason, when they cannot be used.

@@ -15,21 +15,21 @@ namespace skyhold {
 using Parameters = QList<std::pair<QByteArray, QByteArray>>;
 
 struct Request {
-    QByteArray method; // "GET", "PUT"; a HEAD is shown as a GET
-    QByteArray path;   // decoded
-    Parameters query;
-    QByteArray body;
-    QByteArray contentType;
-    QByteArray host;    // the header
-    QByteArray origin;  // the header; empty where a browser does not send one
-    QByteArray client;  // the address of the peer
-    bool local = false; // the peer is on this computer
+    QByteArray method = {}; // "GET", "PUT"; a HEAD is shown as a GET
+    QByteArray path = {};   // decoded
+    Parameters query = {};
+    QByteArray body = {};
+    QByteArray contentType = {};
+    QByteArray host = {};   // the header
+    QByteArray origin = {}; // the header; empty where a browser does not send one
+    QByteArray client = {}; // the address of the peer
+    bool local = false;     // the peer is on this computer
 };
 
 struct Answer {
     int status = 200;
     QByteArray type = "application/json";
-    QByteArray body;
+    QByteArray body = {};
     QByteArray allow = {}; // the methods, of an answer 405
 };
 

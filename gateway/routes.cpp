@@ -4,18 +4,19 @@ namespace skyhold {
 
 namespace {
 
-Handling healthz(const Request&, Site& site) {
-    const View view = site.board.look(site.nowMs());
+using namespace Qt::Literals::StringLiterals;
+
+Handling healthz(const Request&, const View& view, Site&) {
     return view.live() ? textAnswer(200, "ok") : textAnswer(503, view.fault.toUtf8());
 }
 
-Handling status(const Request&, Site& site) {
-    return jsonAnswer(site.board.look(site.nowMs()).documentText());
+Handling status(const Request&, const View& view, Site&) {
+    return jsonAnswer(view.documentText());
 }
 
 struct Route {
     const char* path;
-    Handling (*handle)(const Request&, Site&);
+    Handling (*handle)(const Request&, const View&, Site&);
 };
 
 constexpr Route kRoutes[] = {
@@ -23,20 +24,39 @@ constexpr Route kRoutes[] = {
     {"/api/status", status},
 };
 
+Answer notAllowed(const char* methods) {
+    Answer answer = textAnswer(405, QByteArray("This takes ") + methods);
+    answer.allow = methods;
+    return answer;
+}
+
+QByteArray siteName(const View& view) {
+    const QString name = view.document()[u"monitor"_s][u"site"_s].toString();
+    return jsonText(name.isEmpty() ? u"Kiv_Skyhold"_s : name);
+}
+
 } // namespace
 
 Handling route(const Request& request, Site& site) {
     if (!site.hosts.allows(request.host))
         return textAnswer(421, "This is not a name of this gateway (docs/network.md)");
+    if (request.method != "GET" && !site.hosts.allowsOrigin(request.origin, request.host))
+        return textAnswer(403, "A page from elsewhere cannot write here");
+    const View view = site.board.look(site.nowMs());
+    if (request.path.startsWith("/api/v1/")) {
+        if (request.method == "GET" || request.method == "PUT")
+            return alpacaRequest(request, site.alpaca, view);
+        return notAllowed("GET, HEAD, PUT");
+    }
+    if (request.path.startsWith("/management/"))
+        return managementRequest(request, site.alpaca, siteName(view));
     for (const Route& row : kRoutes) {
         if (request.path != row.path)
             continue;
         if (request.method != "GET") {
-            Answer answer = textAnswer(405, "This can be read only");
-            answer.allow = "GET, HEAD";
-            return answer;
+            return notAllowed("GET, HEAD");
         }
-        return row.handle(request, site);
+        return row.handle(request, view, site);
     }
     return textAnswer(404, "There is no such page");
 }

@@ -1,6 +1,7 @@
 // From a request to its answer.
 #pragma once
 
+#include "gateway/alpaca.h"
 #include "gateway/host_check.h"
 #include "gateway/http_server.h"
 #include "gateway/state.h"
@@ -10,6 +11,7 @@ namespace skyhold {
 struct Site {
     const StateBoard& board;
     HostCheck hosts;
+    AlpacaServer alpaca;
     std::function<std::int64_t()> nowMs = bootMs;
 };
 
