@@ -2,6 +2,7 @@
 #include "automation/automation_object.h"
 #include "bus/session_bus.h"
 #include "core/clients.h"
+#include "core/gateway_keeper.h"
 #include "core/recording.h"
 #include "core/session.h"
 #include "core/start_up.h"
@@ -217,6 +218,8 @@ int main(int argc, char** argv) {
     core.showMessage = terminalMessages();
     LoadMainWindow(core);
     beginHistory(core);
+    auto gateway = std::make_unique<GatewayKeeper>(
+        core.records.network, joinPath(programFolder(), QStringLiteral("skyhold-gateway")));
 
     std::unique_ptr<KivSHMainform> window;
     std::unique_ptr<Tray> tray;

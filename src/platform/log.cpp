@@ -10,6 +10,7 @@ Q_LOGGING_CATEGORY(recordingLog, "skyhold.recording")
 Q_LOGGING_CATEGORY(historyLog, "skyhold.history")
 Q_LOGGING_CATEGORY(verdictLog, "skyhold.verdict", QtWarningMsg)
 Q_LOGGING_CATEGORY(updateLog, "skyhold.update")
+Q_LOGGING_CATEGORY(networkLog, "skyhold.network")
 Q_LOGGING_CATEGORY(uploadLog, "skyhold.upload")
 
 } // namespace skyhold

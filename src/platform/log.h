@@ -14,6 +14,7 @@ Q_DECLARE_LOGGING_CATEGORY(recordingLog)  // the user data file
 Q_DECLARE_LOGGING_CATEGORY(historyLog)    // the history and its database
 Q_DECLARE_LOGGING_CATEGORY(verdictLog)    // each change of the verdict; off but in the journal
 Q_DECLARE_LOGGING_CATEGORY(updateLog)     // the updater
+Q_DECLARE_LOGGING_CATEGORY(networkLog)    // the gateway that the monitor runs
 Q_DECLARE_LOGGING_CATEGORY(uploadLog)     // the uploader's work
 
 } // namespace skyhold

@@ -9,6 +9,7 @@
 #include "records/graph_history.h"
 #include "records/graph_pictures.h"
 #include "records/history_controls.h"
+#include "records/network_controls.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"
 #include "records/unit_controls.h"
@@ -31,6 +32,7 @@ struct Records {
     GraphHistory history;
     GraphPictures pictures;
     HistoryControls historyKeep;
+    NetworkControls network;
     SessionControls session;
     WindowControls window;
 };

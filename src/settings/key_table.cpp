@@ -281,6 +281,32 @@ void historyRows(KeyRows& rows, HistoryControls& history) {
                  u"size of its file at most, in MB; the oldest minutes give way"_s);
 }
 
+void networkRows(KeyRows& rows, NetworkControls& network) {
+    rows.section(u"Network"_s);
+    rows.check(u"Serve"_s, false, network.Serve, u"the monitor runs the gateway"_s);
+    rows.options({u"Reach0"_s, u"Reach1"_s}, 0, network.Reach,
+                 {u"the gateway answers this computer alone"_s, u"it answers the whole network"_s});
+    rows.integer(u"Port"_s, 11'111, {1, 65'535}, network.Port, u"its port for HTTP"_s);
+    rows.check(u"AllowSwitch"_s, false, network.AllowSwitch,
+               u"its clients may move the roof's switch"_s);
+    rows.text(u"Elevation"_s, u""_s, network.Elevation.Text,
+              u"elevation of the site in metres, for the pressure there; empty: not known"_s);
+    rows.text(u"HostName"_s, u""_s, network.HostName.Text,
+              u"a further name that it is asked for by, as of a reverse proxy"_s);
+    rows.text(u"Broker"_s, u""_s, network.Broker.Text,
+              u"MQTT broker, HOST or HOST:PORT; empty: none"_s);
+    rows.text(u"BrokerUser"_s, u""_s, network.BrokerUser.Text, u"user name there"_s);
+    rows.text(u"BrokerPassword"_s, u""_s, network.BrokerPassword.Text,
+              u"password there, stored as entered"_s);
+    rows.check(u"BrokerTls"_s, false, network.BrokerTls, u"the connection to it is encrypted"_s);
+    rows.text(u"BrokerCertificates"_s, u""_s, network.BrokerCertificates.Text,
+              u"file of the certificates to trust; empty: the system's"_s);
+    rows.text(u"TopicPrefix"_s, u""_s, network.TopicPrefix.Text,
+              u"what its topics begin with; empty: skyhold/ and the site"_s);
+    rows.text(u"Hook"_s, u""_s, network.Hook.Text,
+              u"command that is run when the verdict changes; empty: none"_s);
+}
+
 void viewRows(KeyRows& rows, WindowControls& window) {
     rows.section(u"View"_s);
     rows.integer(u"Look"_s, 0, {0, 2}, window.Look,
@@ -307,6 +333,7 @@ std::vector<KeyRow> keyTable(Records& r) {
     verdictRows(rows, r.conditions);
     viewRows(rows, r.window);
     historyRows(rows, r.historyKeep);
+    networkRows(rows, r.network);
     return rows.take();
 }
 

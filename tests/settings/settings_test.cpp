@@ -62,7 +62,8 @@ Texts defaultTexts() {
 QString changedText(const KeyRow& row) {
     // Of the options of one choice only one can be "True".
     static const QStringList chosen{u"UnitsTemp1"_s, u"UnitsSpeed2"_s, u"DateFormat1"_s,
-                                    u"SWRole1"_s,    u"QualityTop"_s,  u"RoofAtStop2"_s};
+                                    u"SWRole1"_s,    u"QualityTop"_s,  u"RoofAtStop2"_s,
+                                    u"Reach1"_s};
     switch (row.type) {
     case KeyType::Text:
         return u"%1: x, \"y\"; =\\é"_s.arg(row.key).left(25);
@@ -149,11 +150,11 @@ TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
     }
     EXPECT_EQ(sections.join(u' '), u"Window Limit Window Setup Limit Description Color Unsafe "
                                    u"Alarms Graphs Alarms Window File Update Verdict View "
-                                   "History"_s);
+                                   "History Network"_s);
     // 41 in "Window", 23 in "Limit", 15 + 15 levels, 30 in "Unsafe", 56 in "Alarms", 19 in
     // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update" and "View", 9 in
-    // "Verdict", 3 in "History".
-    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 56 + 19 + 32 + 76 + 1 + 9 + 1 + 3);
+    // "Verdict", 3 in "History", 14 in "Network".
+    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 56 + 19 + 32 + 76 + 1 + 9 + 1 + 3 + 14);
 }
 
 TEST_F(Settings, EveryKeySurvivesARestart) {

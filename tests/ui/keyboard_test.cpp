@@ -162,8 +162,9 @@ void expectMnemonicsOnce(const QWidget* window) {
     }
 }
 
-constexpr Page kAllPages[]{Page::Sources,  Page::Limits, Page::Unsafe, Page::Caution, Page::Graphs,
-                           Page::DataFile, Page::Ccdap,  Page::Images, Page::Upload};
+constexpr Page kAllPages[]{Page::Sources, Page::Limits,   Page::Unsafe, Page::Caution,
+                           Page::Graphs,  Page::DataFile, Page::Ccdap,  Page::Images,
+                           Page::Upload,  Page::Network};
 
 class Keyboard : public WindowFixture {
   protected:
@@ -259,7 +260,7 @@ TEST_F(Keyboard, CtrlTabGoesThroughAllPagesAndTheyComeBackAfterARestart) {
     };
     EXPECT_EQ(shownPages(), (QList<int>{0, 1, 0}));
     const QList<QList<int>> walked{{1, 0, 0}, {1, 1, 0}, {1, 2, 0}, {2, 2, 0}, {3, 2, 0},
-                                   {3, 2, 1}, {3, 2, 2}, {3, 2, 3}, {0, 2, 3}};
+                                   {3, 2, 1}, {3, 2, 2}, {3, 2, 3}, {4, 2, 3}, {0, 2, 3}};
     pages()->open(Page::Limits);
     for (const QList<int>& expected : walked) {
         EXPECT_EQ(shownPages(), expected);

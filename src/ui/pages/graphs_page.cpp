@@ -105,7 +105,7 @@ QLayout* makeSpan(GraphControls& graphs, QWidget* page) {
         bind(label, record);
         row->addWidget(label);
     };
-    addNumber(u"Points &kept"_s, u"GraphNoPoints"_s, graphs.GraphNoPoints);
+    addNumber(u"Points kept"_s, u"GraphNoPoints"_s, graphs.GraphNoPoints);
     addNumber(u"&Readings per point"_s, u"GraphFreq"_s, graphs.GraphFreq);
     row->addWidget(new QLabel(u"A full graph spans"_s, page));
     addLabel(u"GraphSpanDesc"_s, graphs.GraphSpanDesc);

@@ -6,6 +6,7 @@
 #include "ui/pages/graphs_page.h"
 #include "ui/pages/images_page.h"
 #include "ui/pages/limits_page.h"
+#include "ui/pages/network_page.h"
 #include "ui/pages/sources_page.h"
 #include "ui/pages/unsafe_page.h"
 #include "ui/pages/upload_page.h"
@@ -110,6 +111,9 @@ void SettingsPages::addPages() {
     addSheet(files, u"&Upload"_s, [&records](QWidget* parent) {
         return makeUploadPage(records.upload, records.session.flgUpload, parent);
     });
+
+    addSheet(this, u"Networ&k"_s,
+             [&records](QWidget* parent) { return makeNetworkPage(records.network, parent); });
 
     followStrip(this, window.SSTab1);
     followStrip(conditions, window.SSTab2);

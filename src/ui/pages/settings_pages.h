@@ -12,7 +12,18 @@
 namespace skyhold {
 
 // In the order in which Ctrl+Tab goes through them.
-enum class Page { Sources, Limits, Unsafe, Caution, Graphs, DataFile, Ccdap, Images, Upload };
+enum class Page {
+    Sources,
+    Limits,
+    Unsafe,
+    Caution,
+    Graphs,
+    DataFile,
+    Ccdap,
+    Images,
+    Upload,
+    Network
+};
 
 class SettingsPages : public QTabWidget {
     Q_OBJECT

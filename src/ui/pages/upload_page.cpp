@@ -71,7 +71,7 @@ QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) 
     auto* cycle = new QComboBox(group);
     cycle->setObjectName(u"RefreshUpload"_s);
     bind(cycle, upload.RefreshUpload);
-    addRow(u"Chec&k cycle"_s, cycle, Qt::AlignLeft);
+    addRow(u"Check c&ycle"_s, cycle, Qt::AlignLeft);
     addRow(u"Timeout(sec)"_s, makeNumber(group, u"TimeoutUPLOAD"_s, upload.TimeoutUPLOAD),
            Qt::AlignLeft);
     addRow(u"Upload second"_s, makeNumber(group, u"UploadOnSec"_s, upload.UploadOnSec),

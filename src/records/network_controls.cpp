@@ -1,0 +1,11 @@
+#include "records/network_controls.h"
+
+namespace skyhold {
+
+NetworkControls::NetworkControls() {
+    Port.DigitsMostSignificant = 5;
+    Port.DigitsDecimal = 0;
+    Reach.Index = 0;
+}
+
+} // namespace skyhold
