@@ -27,6 +27,8 @@ namespace {
 constexpr int kWidth = 720;
 constexpr int kIndent = 24; // of what belongs to a radio button
 
+constexpr int kSensorStep = 1;
+
 // Rows that belong together, at the width of a step.
 QVBoxLayout* addBlock(QVBoxLayout* step, int indent) {
     auto* block = new QWidget(step->parentWidget());
@@ -137,9 +139,7 @@ void KivSetupForm::addSensorStep() {
         addStep(u"Which sensor do you have?"_s,
                 u"A cloud and rain sensor says what a weather station does not: whether the sky is "
                 u"clear, and whether it rains just now."_s);
-    QVBoxLayout* block = addBlock(step, 0);
-    sensorRows_ = block->parentWidget();
-    sensor_ = std::make_unique<SensorStep>(block);
+    sensor_ = std::make_unique<SensorStep>(addBlock(step, 0));
     step->addStretch();
 }
 
@@ -270,7 +270,7 @@ void KivSetupForm::addButtons(QVBoxLayout* column) {
         button->setObjectName(name);
         button->setMinimumSize(96, 32);
         connect(button, &QPushButton::clicked, this,
-                [this, by] { showStep(steps_->currentIndex() + by); });
+                [this, by] { goOn(by); });
         row->insertWidget(at, button);
         return button;
     };
@@ -279,6 +279,13 @@ void KivSetupForm::addButtons(QVBoxLayout* column) {
     setTabOrder(back_, next_);
     setTabOrder(next_, ok_);
     setTabOrder(ok_, buttons.cancel);
+}
+
+// A simulator is the sensor where one plays the station: there is nothing to ask.
+void KivSetupForm::goOn(int by) {
+    const int next = steps_->currentIndex() + by;
+    const bool simulated = next == kSensorStep && tryOut_->isChecked();
+    showStep(simulated ? next + by : next);
 }
 
 // Return goes on to the next step, and from the last one it ends the setup.
@@ -304,7 +311,6 @@ void KivSetupForm::showStep(int step) {
 
 void KivSetupForm::chooseStation() {
     ownStation_->setEnabled(!tryOut_->isChecked());
-    sensorRows_->setEnabled(!tryOut_->isChecked()); // a simulator plays it
     if (tryOut_->isChecked())
         dateFormat_->button(0)->setChecked(true); // as the simulated station writes them
 }
@@ -339,7 +345,7 @@ bool KivSetupForm::prepareSensor() {
     if (fault.isEmpty())
         return true;
     showFault(fault);
-    showStep(1);
+    showStep(kSensorStep);
     return false;
 }
 

@@ -50,6 +50,7 @@ class KivSetupForm : public QDialog {
     QButtonGroup* addChoice(QVBoxLayout* step, const QString& caption, const char* control,
                             const QStringList& options);
     void addExplanation(QVBoxLayout* step, const QString& text);
+    void goOn(int by);
     void showStep(int step);
     void chooseStation();
     bool prepareStation();
@@ -66,7 +67,6 @@ class KivSetupForm : public QDialog {
     QPushButton* next_ = nullptr;
     QPushButton* ok_ = nullptr;
     std::unique_ptr<SensorStep> sensor_;
-    QWidget* sensorRows_ = nullptr;
     QRadioButton* tryOut_ = nullptr;
     QWidget* ownStation_ = nullptr;
     QLineEdit* stationFile_ = nullptr;
