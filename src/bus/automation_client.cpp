@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <deque>
 #include <limits>
 
 namespace skyhold {
@@ -17,6 +18,8 @@ namespace {
 
 // Starting a program may take longer than a call to one that runs.
 constexpr int kActivationTimeoutMs = 15'000;
+// A program that has taken longer for a call is called one call after the other.
+constexpr int kQuickMs = 20;
 
 AutomationReply failure(const QString& text) {
     return {{}, AutomationError::Fail, text};
@@ -81,6 +84,12 @@ class BusLink {
             giveUp();
             return failure(QStringLiteral("the program answers too slowly"));
         }
+        if (!ahead_.empty() && ahead_.front().isRead(path, name, use, arguments)) {
+            const QDBusPendingCall call = ahead_.front().call;
+            ahead_.pop_front();
+            return takenAhead(path, call, arguments);
+        }
+        ahead_.clear();
         return waitedFor(path, invocation(path, name, use, arguments), arguments, left_.calls);
     }
 
@@ -112,9 +121,35 @@ class BusLink {
         return hung_ ? ObjectState::Hanging : ObjectState::Ready;
     }
 
-    void beginCalls(const CallTime& time) { left_ = time; }
+    void beginCalls(const CallTime& time) {
+        if (slowestMs_ >= 0)
+            quick_ = slowestMs_ < kQuickMs;
+        slowestMs_ = -1;
+        left_ = time;
+        ahead_.clear();
+    }
+
+    void readAhead(const QString& path, const QStringList& names) {
+        if (!alive_ || hung_ || !quick_)
+            return;
+        for (const QString& name : names)
+            ahead_.push_back({path, name,
+                              bus_.asyncCall(invocation(path, name, kRead, {}),
+                                             std::numeric_limits<int>::max())});
+    }
 
   private:
+    struct Ahead {
+        QString path;
+        QString name;
+        QDBusPendingCall call;
+
+        bool isRead(const QString& ofPath, const QString& ofName, unsigned use,
+                    const QVariantList& arguments) const {
+            return path == ofPath && name == ofName && use == kRead && arguments.isEmpty();
+        }
+    };
+
     // A further object that is not known says nothing about the instance.
     bool isOnlyUnknown(const QDBusError& error, const QString& path) const {
         return error.type() == QDBusError::UnknownObject && path != instance_;
@@ -135,14 +170,39 @@ class BusLink {
         const int timeout = std::min(kCallTimeoutMs, left);
         const QDBusMessage reply = bus_.call(call, QDBus::Block, timeout);
         const qint64 took = timer.elapsed();
+        slowestMs_ = std::max(slowestMs_, took);
         left -= static_cast<int>(took);
+        return settled(path, reply, took >= timeout * 9 / 10, arguments);
+    }
+
+    // The answer to what was sent ahead; it may be there already.
+    AutomationReply takenAhead(const QString& path, const QDBusPendingCall& call,
+                               QVariantList& arguments) {
+        constexpr unsigned long kLookUs = 100;
+        QElapsedTimer timer;
+        timer.start();
+        const int timeout = std::min(kCallTimeoutMs, left_.calls);
+        while (!call.isFinished() && timer.elapsed() < timeout)
+            QThread::usleep(kLookUs);
+        const qint64 took = timer.elapsed();
+        slowestMs_ = std::max(slowestMs_, took);
+        left_.calls -= static_cast<int>(took);
+        if (!call.isFinished()) {
+            giveUp();
+            return failure(QStringLiteral("the program does not answer"));
+        }
+        return settled(path, call.reply(), false, arguments);
+    }
+
+    AutomationReply settled(const QString& path, const QDBusMessage& reply, bool late,
+                            QVariantList& arguments) {
         if (isAnswered(reply))
             return answer(reply, arguments);
 
         const QDBusError error(reply);
         // The bus answers "no reply" as well when the program ends in the middle of a call, and at
         // once; a time-out may come a twentieth early.
-        if (isTimeout(error.type()) && took >= timeout * 9 / 10)
+        if (isTimeout(error.type()) && late)
             giveUp();
         else if (isTimeout(error.type()) || (isGone(error) && !isOnlyUnknown(error, path)))
             alive_ = false;
@@ -165,6 +225,7 @@ class BusLink {
     // answer, whatever it is, ends that.
     void giveUp() {
         hung_ = true;
+        ahead_.clear();
         QDBusMessage call = dispatchCall(owner_, instance_, QStringLiteral("GetIDsOfNames"));
         call << QStringList{QStringLiteral("Version")};
         probe_ = std::make_unique<QDBusPendingCallWatcher>(
@@ -184,6 +245,9 @@ class BusLink {
     QString instance_;
     bool alive_ = true;
     bool hung_ = false;
+    bool quick_ = false;      // each call of the last span with calls was
+    qint64 slowestMs_ = -1;   // of the calls of this span; none yet
+    std::deque<Ahead> ahead_; // sent, and yet to be asked for
     CallTime left_{std::numeric_limits<int>::max(), std::numeric_limits<int>::max()};
     QHash<QString, QVariantList> unanswered_; // the last of each command while it hangs
     std::unique_ptr<QDBusPendingCallWatcher> probe_;
@@ -207,6 +271,7 @@ class BusObject : public DispatchObject {
         return path.path().isEmpty() ? nullptr : std::make_unique<BusObject>(link_, path.path());
     }
     ObjectState state() const override { return link_->state(); }
+    void readAhead(const QStringList& names) override { link_->readAhead(path_, names); }
     void beginCalls(const CallTime& time) override { link_->beginCalls(time); }
 
   private:

@@ -45,6 +45,11 @@ class DispatchObject {
 
     virtual ObjectState state() const = 0;
 
+    // Sends reads of these members, without arguments, ahead of their turn: the program works on
+    // one while another is on its way. `invoke` then takes their answers, in this order; any other
+    // call drops those that are left. Not sent to a program whose last span of calls was slow.
+    virtual void readAhead(const QStringList& /*names*/) {}
+
     // Begins a span of calls (a read cycle); what is asked for when its time is spent fails at
     // once.
     virtual void beginCalls(const CallTime& time) = 0;

@@ -52,6 +52,24 @@ void takeStationValues(Observation& observation, const NumberForms& forms) {
     observation.values[Quantity::Dew] = dewSpread(station, forms);
 }
 
+namespace {
+
+// What a cycle reads, in the order that the sensor program expects.
+QStringList sensorReads() {
+    QStringList names;
+    for (const Quantity quantity : kSensorQuantities)
+        names += member(rowOf(quantity).levelMember);
+    for (const Quantity quantity : kSensorQuantities)
+        names += member(rowOf(quantity).valueMember);
+    return names + QStringList{u"SkySensorTemperature"_s,  u"AmbientTemperature"_s,
+                               u"SkySensorTemperature"_s,  u"RainHeaterPercent"_s,
+                               u"RainHeaterTemperature"_s, u"RainHeaterStatus"_s,
+                               u"LastReading"_s,           u"DeviceIsRunning"_s,
+                               u"Kiv_XFERFileErr"_s};
+}
+
+} // namespace
+
 void readSensorValues(SensorLink& sensor, const NumberForms& forms, Observation& observation) {
     for (const Quantity quantity : kSensorQuantities) {
         const std::optional<double> value = sensor.readReal(member(rowOf(quantity).valueMember));
@@ -72,6 +90,7 @@ bool readSensorLevel(SensorLink& sensor, Quantity quantity, Observation& observa
 
 void ReadSensor(SensorLink& sensor, const NumberForms& forms, Observation& observation) {
     SensorObservation& seen = observation.sensor;
+    sensor.readAhead(sensorReads());
     for (const Quantity quantity : kSensorQuantities)
         observation.givenLevels[quantity] = sensor.readLevel(member(rowOf(quantity).levelMember));
     readSensorValues(sensor, forms, observation);

@@ -266,6 +266,11 @@ std::optional<QVariant> SensorLink::read(const QString& name, QVariantList argum
     return std::move(reply.result);
 }
 
+void SensorLink::readAhead(const QStringList& names) {
+    if (object_)
+        object_->readAhead(names);
+}
+
 namespace {
 
 // A value that does not convert is as good as no answer.

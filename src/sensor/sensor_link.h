@@ -53,6 +53,8 @@ class SensorLink {
     // Calls of members by name. Without a value when there is no object, the call failed, or the
     // answer does not convert.
     std::optional<QVariant> read(const QString& name, QVariantList arguments = {});
+    // Sends these reads ahead; they are to be asked for in this order.
+    void readAhead(const QStringList& names);
     std::optional<double> readReal(const QString& name);
     std::optional<bool> readBoolean(const QString& name);
     std::optional<QString> readText(const QString& name); // one line of at most 255 characters
