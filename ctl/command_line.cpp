@@ -24,6 +24,7 @@ struct CommandRow {
 
 constexpr CommandRow kCommands[] = {
     {u"status", u"", 0, 0, u"json"},
+    {u"roof-status", u"", 0, 0, u""},
     {u"watch", u"[NAMES...]", 0, kAny, u"json every"},
     {u"why", u"[TIME]", 0, 1, u"json database"},
     {u"history", u"", 0, 0, u"since until events readings json csv database"},
@@ -164,6 +165,7 @@ Queries and controls Kiv_Skyhold, which must be running; only "start" starts it.
 read without it.
 
   status               the verdict, why, and all readings
+  roof-status          the verdict for INDI's weather safety proxy, as a script of it
   watch [NAMES...]     a line at every change: of the status, or of these members
   why [TIME]           why the verdict is what it is, or was at that time
   history              verdicts with their causes, and other events

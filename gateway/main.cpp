@@ -1,10 +1,12 @@
 // skyhold-gateway: what the monitor says, for the network.
 #include "gateway/discovery.h"
+#include "gateway/events.h"
 #include "gateway/follower.h"
 #include "gateway/gateway_log.h"
 #include "gateway/options.h"
 #include "gateway/roof_mover.h"
 #include "gateway/routes.h"
+#include "history/reader.h"
 #include "platform/quit_signals.h"
 
 #include <QCoreApplication>
@@ -32,13 +34,18 @@ void print(const QByteArray& line) {
 
 int serve(GatewayOptions options) {
     StateBoard board;
-    Site site{.board = board, .hosts = HostCheck(options.names), .alpaca = {}};
+    HistoryWorker history(historyPath());
+    Site site{.board = board, .hosts = HostCheck(options.names), .alpaca = {}, .history = history};
     site.alpaca.allowSwitch = options.allowSwitch;
     site.alpaca.elevation = options.elevation;
-    const Follower follower(board, [] {});
+    HttpServer server([&site](const Request& request) { return route(request, site); });
+    site.counts = [&server] {
+        return server.counts();
+    };
+    EventFeed events(board, server);
+    const Follower follower(board, [&events] { events.stateChanged(); });
     RoofMover roof(follower, board);
     site.alpaca.moveRoof = roof.mover();
-    HttpServer server([&site](const Request& request) { return route(request, site); });
     QString fault;
     if (!server.start(options.http, fault))
         return refuse(fault);

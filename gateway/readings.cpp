@@ -48,6 +48,18 @@ QJsonObject readingOf(const QJsonObject& document, const char* name) {
     return document[u"readings"_s][QLatin1String(name)].toObject();
 }
 
+std::optional<double> celsiusOf(const QJsonObject& reading, double zeroInFahrenheit) {
+    if (!reading[u"value"_s].isDouble())
+        return std::nullopt;
+    const double value = reading[u"value"_s].toDouble();
+    const QString unit = reading[u"unit"_s].toString();
+    if (unit.endsWith(u'C'))
+        return value;
+    if (unit.endsWith(u'F'))
+        return (value - zeroInFahrenheit) / 1.8;
+    return std::nullopt;
+}
+
 } // namespace
 
 bool fromSensor(const char* name) {
@@ -58,16 +70,12 @@ bool fromSensor(const char* name) {
 }
 
 std::optional<double> temperatureOf(const QJsonObject& document, const char* name) {
-    const QJsonObject reading = readingOf(document, name);
-    if (!reading[u"value"_s].isDouble())
-        return std::nullopt;
-    const double value = reading[u"value"_s].toDouble();
-    const QString unit = reading[u"unit"_s].toString();
-    if (unit.endsWith(u'C'))
-        return value;
-    if (unit.endsWith(u'F'))
-        return (value - 32) / 1.8;
-    return std::nullopt;
+    constexpr double kFreezingFahrenheit = 32;
+    return celsiusOf(readingOf(document, name), kFreezingFahrenheit);
+}
+
+std::optional<double> temperatureDifferenceOf(const QJsonObject& document, const char* name) {
+    return celsiusOf(readingOf(document, name), 0);
 }
 
 std::optional<double> speedOf(const QJsonObject& document, const char* name) {

@@ -10,6 +10,8 @@ namespace skyhold {
 // Each is known only while its source is well: what a source said before it failed is not known
 // now. In °C, %, m/s and degrees; the direction is 0 in a calm and 360 in the north.
 std::optional<double> temperatureOf(const QJsonObject& document, const char* name);
+// A span of temperature, as the dew-point spread.
+std::optional<double> temperatureDifferenceOf(const QJsonObject& document, const char* name);
 std::optional<double> speedOf(const QJsonObject& document, const char* name);
 std::optional<double> plainOf(const QJsonObject& document, const char* name);
 std::optional<double> directionOf(const QJsonObject& document);

@@ -1,5 +1,11 @@
 #include "gateway/routes.h"
 
+#include "gateway/metrics.h"
+#include "gateway/page.h"
+#include "model/roof_status.h"
+
+#include <QDateTime>
+
 namespace skyhold {
 
 namespace {
@@ -14,14 +20,38 @@ Handling status(const Request&, const View& view, Site&) {
     return jsonAnswer(view.documentText());
 }
 
+Handling events(const Request&, const View&, Site&) {
+    return EventStream{};
+}
+
+Handling history(const Request& request, const View&, Site& site) {
+    QByteArray fault;
+    const auto question =
+        historyQuestion(request.query, QDateTime::currentMSecsSinceEpoch(), fault);
+    if (!question)
+        return textAnswer(400, fault);
+    return [&site, asked = *question](Reply reply) {
+        site.history.ask(asked, std::move(reply));
+    };
+}
+
+Handling metrics(const Request&, const View& view, Site& site) {
+    return Answer{.type = "text/plain; version=0.0.4; charset=utf-8",
+                  .body = metricsText(view, site.counts())};
+}
+
+Handling roofStatus(const Request&, const View& view, Site&) {
+    return jsonAnswer(roofStatusJson(view.safe(), view.document()));
+}
+
 struct Route {
     const char* path;
     Handling (*handle)(const Request&, const View&, Site&);
 };
 
 constexpr Route kRoutes[] = {
-    {"/healthz", healthz},
-    {"/api/status", status},
+    {"/healthz", healthz},     {"/api/status", status}, {"/api/events", events},
+    {"/api/history", history}, {"/metrics", metrics},   {"/roof_status.json", roofStatus},
 };
 
 Answer notAllowed(const char* methods) {
@@ -50,6 +80,10 @@ Handling route(const Request& request, Site& site) {
     }
     if (request.path.startsWith("/management/"))
         return managementRequest(request, site.alpaca, siteName(view));
+    if (request.method == "GET") {
+        if (std::optional<Answer> page = pageAnswer(request.path, view))
+            return std::move(*page);
+    }
     for (const Route& row : kRoutes) {
         if (request.path != row.path)
             continue;

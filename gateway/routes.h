@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gateway/alpaca.h"
+#include "gateway/history_worker.h"
 #include "gateway/host_check.h"
 #include "gateway/http_server.h"
 #include "gateway/state.h"
@@ -12,6 +13,10 @@ struct Site {
     const StateBoard& board;
     HostCheck hosts;
     AlpacaServer alpaca;
+    HistoryWorker& history;
+    std::function<HttpServer::Counts()> counts = [] {
+        return HttpServer::Counts();
+    };
     std::function<std::int64_t()> nowMs = bootMs;
 };
 

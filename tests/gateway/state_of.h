@@ -53,7 +53,8 @@ inline QJsonObject safeDocument() {
 // A gateway that has heard this, asked some time later.
 struct HeardSite {
     StateBoard board;
-    Site site{.board = board, .hosts = HostCheck({}), .alpaca = {}};
+    HistoryWorker history{QString()};
+    Site site{.board = board, .hosts = HostCheck({}), .alpaca = {}, .history = history};
     std::int64_t nowMs = kHeard;
 
     explicit HeardSite(const QJsonObject& document) {

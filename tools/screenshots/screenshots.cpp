@@ -97,7 +97,7 @@ class Album {
 void takePages(Album& album, KivSHMainform& window) {
     auto* pages = window.findChild<SettingsPages*>();
     constexpr std::array names{"sources",   "limits", "unsafe", "caution", "graphs",
-                               "data-file", "ccdap",  "images", "upload"};
+                               "data-file", "ccdap",  "images", "upload",  "network"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         pages->open(static_cast<Page>(i));
         album.take(window, QString::fromLatin1(names[i]));

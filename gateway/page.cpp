@@ -1,0 +1,168 @@
+#include "gateway/page.h"
+
+#include "model/quantity.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QJsonArray>
+
+namespace skyhold {
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+struct PageFile {
+    const char* path;
+    const char* type;
+};
+
+constexpr const char* kScript = "text/javascript; charset=utf-8";
+constexpr const char* kStyle = "text/css; charset=utf-8";
+
+// A client names none of these files: it is answered from this list or not at all.
+constexpr PageFile kFiles[] = {
+    {"/page.css", kStyle},          {"/readings.css", kStyle},
+    {"/history.css", kStyle},       {"/look.js", kScript},
+    {"/page.js", kScript},          {"/readings.js", kScript},
+    {"/history.js", kScript},       {"/charts.js", kScript},
+    {"/dygraph.min.js", kScript},   {"/icon.svg", "image/svg+xml"},
+    {"/icon-192.png", "image/png"}, {"/manifest.webmanifest", "application/manifest+json"},
+};
+
+QByteArray content(const char* path) {
+    QFile file(u":/page"_s + QLatin1String(path));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString clock(const QJsonValue& time) {
+    const QDateTime at = QDateTime::fromString(time.toString(), Qt::ISODate);
+    return at.isValid() ? at.toLocalTime().toString(u"HH:mm:ss") : QString();
+}
+
+// As page.js names them.
+QString stateName(const View& view, const QJsonObject& document) {
+    if (!view.live())
+        return u"unknown"_s;
+    if (document[u"session"_s] == u"starting"_s)
+        return u"starting"_s;
+    if (view.word() == Word::Unknown)
+        return u"stopped"_s;
+    if (view.safe())
+        return u"safe"_s;
+    for (const QJsonValue& cause : document[u"causes"_s].toArray()) {
+        if (cause[u"kind"_s] == u"source"_s)
+            return u"failed"_s;
+    }
+    return document[u"verdict"_s] == u"waiting"_s ? u"waiting"_s : u"unsafe"_s;
+}
+
+QString causesHtml(const QJsonObject& document) {
+    QString html;
+    for (const QJsonValue& cause : document[u"causes"_s].toArray())
+        html += u"<li><p>"_s + cause[u"text"_s].toString().toHtmlEscaped() + u"</p></li>"_s;
+    const QString nearest = document[u"nearest"_s][u"text"_s].toString();
+    return html.isEmpty() && !nearest.isEmpty()
+               ? u"<li><p>"_s + nearest.toHtmlEscaped() + u"</p></li>"_s
+               : html;
+}
+
+QString sourcesHtml(const QJsonObject& document) {
+    QString html;
+    for (const auto& [key, name] :
+         {std::pair(u"sensor"_s, u"Sensor"_s), {u"station"_s, u"Station"_s}}) {
+        const QJsonObject source = document[u"sources"_s][key].toObject();
+        const QString state = source[u"state"_s].toString(u"–"_s);
+        const QString age = source[u"age_s"_s].isDouble()
+                                ? u", %1 s"_s.arg(source[u"age_s"_s].toInteger())
+                                : QString();
+        html += u"<li>%1 <b>%2%3</b></li>"_s.arg(name, state.toHtmlEscaped(), age);
+    }
+    return html;
+}
+
+QString readingHtml(const QString& name, const QJsonObject& reading, bool live) {
+    const bool known = live && reading[u"value"_s].isDouble();
+    const QString unit = reading[u"unit"_s].toString();
+    const QString value =
+        known ? QString::number(reading[u"value"_s].toDouble(), 'f', unit.isEmpty() ? 0 : 1)
+              : u"–"_s;
+    const QString label = reading[u"label"_s].toString(reading[u"compass"_s].toString());
+    const QString kind = !known                         ? u"old"_s
+                         : reading[u"unsafe"_s] == true ? u"culprit"_s
+                                                        : QString();
+    return u"<div class=\"reading %1\"><h2>%2</h2><span class=\"level\">%3</span>"
+           "<span class=\"value\">%4</span><span class=\"unit\">%5</span></div>"_s.arg(
+               kind, name, (known ? label : QString()).toHtmlEscaped(), value,
+               unit.toHtmlEscaped());
+}
+
+QString readingsHtml(const QJsonObject& document, bool live) {
+    const QJsonObject readings = document[u"readings"_s].toObject();
+    QString html;
+    for (const QuantityRow& row : quantityTable())
+        html += readingHtml(QString::fromUtf16(row.title),
+                            readings[QLatin1String(row.key)].toObject(), live);
+    return html + readingHtml(u"Wind direction"_s, readings[u"wind_direction"_s].toObject(), live);
+}
+
+QString firstLine(const QString& state, const QJsonObject& document) {
+    if (state == u"unknown")
+        return u"Monitor lost"_s;
+    if (state == u"stopped")
+        return u"Not monitoring"_s;
+    if (state == u"starting")
+        return u"Starting"_s;
+    if (state == u"waiting") {
+        const qint64 left = document[u"wait_s"_s].toInteger();
+        return u"Safe in %1:%2"_s.arg(left / 60).arg(left % 60, 2, 10, QChar(u'0'));
+    }
+    return u"since "_s + clock(document[u"since"_s]);
+}
+
+QByteArray livePage(const View& view) {
+    const QJsonObject document = view.document();
+    const QString state = stateName(view, document);
+    const bool live = view.live() && document[u"session"_s] == u"running"_s;
+    const QString site = document[u"monitor"_s][u"site"_s].toString(u"Kiv_Skyhold"_s);
+    const QString known = clock(document[u"time"_s]);
+    const std::pair<const char*, QString> fields[] = {
+        {"{{state}}", state},
+        {"{{word}}", QLatin1String(wordText(view.word()))},
+        {"{{site}}", site.toHtmlEscaped()},
+        {"{{time}}", known},
+        {"{{since}}", firstLine(state, document)},
+        {"{{more}}", view.live() ? u"as of "_s + known : u"Treat as unsafe."_s},
+        {"{{causes}}", causesHtml(document)},
+        {"{{sources}}", sourcesHtml(document)},
+        {"{{readings}}", readingsHtml(document, live)},
+    };
+    // From left to right, so that a value never becomes a field itself.
+    const QByteArray form = content("/index.html");
+    QByteArray page;
+    qsizetype from = 0;
+    for (qsizetype at = form.indexOf("{{"); at >= 0; at = form.indexOf("{{", from)) {
+        page += form.sliced(from, at - from);
+        const qsizetype end = form.indexOf("}}", at) + 2;
+        for (const auto& [name, value] : fields) {
+            if (form.sliced(at, end - at) == name)
+                page += value.toUtf8();
+        }
+        from = end;
+    }
+    return page + form.sliced(from);
+}
+
+} // namespace
+
+std::optional<Answer> pageAnswer(const QByteArray& path, const View& view) {
+    if (path == "/")
+        return Answer{.type = "text/html; charset=utf-8", .body = livePage(view)};
+    for (const PageFile& file : kFiles) {
+        if (path == file.path)
+            return Answer{.type = file.type, .body = content(file.path)};
+    }
+    return std::nullopt;
+}
+
+} // namespace skyhold
