@@ -5,6 +5,8 @@
 #include "model/roof_status.h"
 
 #include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 namespace skyhold {
 
@@ -44,15 +46,58 @@ Handling roofStatus(const Request&, const View& view, Site&) {
     return jsonAnswer(roofStatusJson(view.safe(), view.document()));
 }
 
+Handling description(const Request&, const View&, Site&);
+
 struct Route {
     const char* path;
+    const char* type; // of the answer
+    const char* summary;
     Handling (*handle)(const Request&, const View&, Site&);
 };
 
 constexpr Route kRoutes[] = {
-    {"/healthz", healthz},     {"/api/status", status}, {"/api/events", events},
-    {"/api/history", history}, {"/metrics", metrics},   {"/roof_status.json", roofStatus},
+    {"/api/status", "application/json", "The state document: is it safe, why, since when", status},
+    {"/api/events", "text/event-stream",
+     "Server-sent events: \"state\" with each state document, \"alive\" every two seconds", events},
+    {"/api/history", "application/json", "Readings, verdicts and events between two times",
+     history},
+    {"/metrics", "text/plain", "For Prometheus", metrics},
+    {"/roof_status.json", "application/json", "The verdict for INDI's weather safety proxy",
+     roofStatus},
+    {"/healthz", "text/plain", "200 while the monitor is heard, else 503", healthz},
+    {"/openapi.json", "application/json", "This description", description},
 };
+
+QJsonObject parameterOf(const char16_t* name, const char16_t* type, const char16_t* says) {
+    return {{u"name"_s, QString::fromUtf16(name)},
+            {u"in"_s, u"query"_s},
+            {u"required"_s, false},
+            {u"description"_s, QString::fromUtf16(says)},
+            {u"schema"_s, QJsonObject{{u"type"_s, QString::fromUtf16(type)}}}};
+}
+
+Handling description(const Request&, const View&, Site&) {
+    const QJsonArray times{
+        parameterOf(u"since", u"string", u"ISO 8601, or milliseconds since 1970; a day ago"),
+        parameterOf(u"until", u"string", u"the same; now"),
+        parameterOf(u"points", u"integer", u"how many readings at most, 2 to 2000; 480")};
+    QJsonObject paths;
+    for (const Route& row : kRoutes) {
+        const QJsonObject content{{QLatin1String(row.type), QJsonObject()}};
+        const QJsonObject answer{{u"description"_s, u"OK"_s}, {u"content"_s, content}};
+        QJsonObject get{{u"summary"_s, QLatin1String(row.summary)},
+                        {u"responses"_s, QJsonObject{{u"200"_s, answer}}}};
+        if (row.handle == history)
+            get[u"parameters"_s] = times;
+        paths[QLatin1String(row.path)] = QJsonObject{{u"get"_s, get}};
+    }
+    const QJsonObject info{{u"title"_s, u"Kiv_Skyhold"_s},
+                           {u"version"_s, QStringLiteral(SKYHOLD_VERSION)},
+                           {u"description"_s, u"What the sky monitor says. The Alpaca API, version "
+                                              u"1, is beside this under /api/v1."_s}};
+    const QJsonObject all{{u"openapi"_s, u"3.0.3"_s}, {u"info"_s, info}, {u"paths"_s, paths}};
+    return jsonAnswer(QJsonDocument(all).toJson(QJsonDocument::Compact));
+}
 
 Answer notAllowed(const char* methods) {
     Answer answer = textAnswer(405, QByteArray("This takes ") + methods);
