@@ -1,17 +1,11 @@
 // Values that devices publish at an MQTT broker.
 #pragma once
 
+#include "mqtt/connection.h"
 #include "sensors/settings.h"
 #include "sensors/source_readings.h"
 
-#include <QMutex>
-#include <QObject>
-#include <QWaitCondition>
-
 #include <memory>
-#include <thread>
-
-struct mosquitto;
 
 namespace skyhold {
 
@@ -21,30 +15,15 @@ namespace skyhold {
 class MqttSource : public ValueSource {
   public:
     MqttSource(const SourceSettings& settings, SourceReadings& readings);
-    ~MqttSource() override;
     void start() override;
 
-    // In the thread of the connection.
-    void connected(int code);
-    void disconnected();
-    void arrived(const QString& topic, const QByteArray& payload);
-
   private:
-    void serve();
-    bool prepare();
-    void take(const QString& topic, const QByteArray& payload, std::int64_t atMs);
+    void take(const MqttMessage& message, std::int64_t atMs);
     void lose(const QString& why);
-    void postTrouble(const QString& why);
 
     SourceSettings settings_;
     SourceReadings& readings_;
-    QStringList topics_;
-    std::shared_ptr<QObject> here_; // where the thread hands over what came
-    std::thread thread_;
-    QMutex mutex_;
-    QWaitCondition wake_;
-    bool ending_ = false;
-    mosquitto* client_ = nullptr;
+    std::unique_ptr<MqttConnection> connection_;
 };
 
 } // namespace skyhold
