@@ -43,7 +43,11 @@ int serve(GatewayOptions options) {
         return server.counts();
     };
     EventFeed events(board, server);
-    const Follower follower(board, [&events] { events.stateChanged(); });
+    Outlets outlets(options.outlets, board);
+    const Follower follower(board, [&events, &outlets] {
+        outlets.look();
+        events.stateChanged();
+    });
     RoofMover roof(follower, board);
     site.alpaca.moveRoof = roof.mover();
     QString fault;

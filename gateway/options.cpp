@@ -13,8 +13,9 @@ constexpr double kHighest = 9000;
 
 void addOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
-        u"Brings what Kiv_Skyhold says to the network: a web page, Alpaca, metrics. It says unsafe "
-        u"whenever it does not hear the monitor. docs/network.md says how to use it."_s);
+        u"Brings what Kiv_Skyhold says to the network: a web page, Alpaca, metrics, MQTT, hooks. "
+        u"It "
+        u"says unsafe whenever it does not hear the monitor. docs/network.md says how to use it."_s);
     parser.addOptions({
         {u"http"_s, u"Where to listen (127.0.0.1:11111, for this computer alone)."_s,
          u"ADDRESS:PORT"_s},
@@ -27,6 +28,7 @@ void addOptions(QCommandLineParser& parser) {
         {u"name"_s, u"A further name that it is asked for by, as of a reverse proxy."_s, u"NAME"_s},
         {u"elevation"_s, u"Of the site, for the pressure there."_s, u"METRES"_s},
     });
+    addOutletOptions(parser);
     parser.addHelpOption();
     parser.addVersionOption();
 }
@@ -70,6 +72,8 @@ std::optional<GatewayOptions> parseOptions(const QStringList& arguments, QString
     for (const QString& name : parser.values(u"name"_s))
         options.names += name.toLatin1();
     options.allowSwitch = parser.isSet(u"allow-switch"_s);
+    if (!readOutletOptions(parser, options.outlets, fault))
+        return std::nullopt;
     return options;
 }
 

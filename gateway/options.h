@@ -2,6 +2,7 @@
 #pragma once
 
 #include "gateway/http_server.h"
+#include "gateway/outlets.h"
 
 #include <QStringList>
 
@@ -16,6 +17,7 @@ struct GatewayOptions {
     bool allowSwitch = false;
     QList<QByteArray> names;         // that the gateway goes by beside its own
     std::optional<double> elevation; // of the site, metres
+    OutletOptions outlets;
 };
 
 // Reads them, the program's name first. Nothing, with the reason, when they cannot be used.

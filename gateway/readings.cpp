@@ -37,7 +37,8 @@ QJsonObject sourceOf(const QJsonObject& document, const char* name) {
     return document[u"sources"_s][QLatin1String(name)].toObject();
 }
 
-// Empty where it cannot be trusted.
+} // namespace
+
 QJsonObject readingOf(const QJsonObject& document, const char* name) {
     const QJsonObject source = sourceOf(document, fromSensor(name) ? "sensor" : "station");
     // A station with a dead instrument shows each value that it has.
@@ -47,6 +48,8 @@ QJsonObject readingOf(const QJsonObject& document, const char* name) {
         return {};
     return document[u"readings"_s][QLatin1String(name)].toObject();
 }
+
+namespace {
 
 std::optional<double> celsiusOf(const QJsonObject& reading, double zeroInFahrenheit) {
     if (!reading[u"value"_s].isDouble())

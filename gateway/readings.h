@@ -20,6 +20,9 @@ std::optional<double> seaPressureOf(const QJsonObject& document);
 // hPa at a height above the sea, by the standard atmosphere and the temperature there.
 double pressureAt(double seaPressure, double metres, double celsius);
 
+// The document's entry itself; empty in the same way.
+QJsonObject readingOf(const QJsonObject& document, const char* name);
+
 bool fromSensor(const char* name);
 // Seconds since its source was read; nothing when that is not known.
 std::optional<double> ageOf(const QJsonObject& document, const char* source);

@@ -302,7 +302,7 @@ void networkRows(KeyRows& rows, NetworkControls& network) {
     rows.text(u"BrokerCertificates"_s, u""_s, network.BrokerCertificates.Text,
               u"file of the certificates to trust; empty: the system's"_s);
     rows.text(u"TopicPrefix"_s, u""_s, network.TopicPrefix.Text,
-              u"what its topics begin with; empty: skyhold/ and the site"_s);
+              u"what its topics begin with; empty: skyhold/ and the name of the computer"_s);
     rows.text(u"Hook"_s, u""_s, network.Hook.Text,
               u"command that is run when the verdict changes; empty: none"_s);
 }
