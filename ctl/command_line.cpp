@@ -30,6 +30,7 @@ constexpr CommandRow kCommands[] = {
     {u"history", u"", 0, 0, u"since until events readings json csv database"},
     {u"replay", u"", 0, 0, u"since until set from-csv suggest json database"},
     {u"check-station", u"FILE", 1, 1, u""},
+    {u"fleet", u"[SITES...]", 0, kAny, u"json broker user password-file tls ca prefix wait"},
     {u"get", u"NAME", 1, 1, u"json"},
     {u"set", u"NAME VALUE", 2, 2, u""},
     {u"call", u"NAME [ARGUMENTS...]", 1, kAny, u"json"},
@@ -46,12 +47,24 @@ struct OptionRow {
 };
 
 constexpr OptionRow kOptions[] = {
-    {u"json", u""},           {u"csv", u""},
-    {u"events", u""},         {u"readings", u""},
-    {u"suggest", u""},        {u"every", u"a number of seconds"},
-    {u"since", u"a time"},    {u"until", u"a time"},
-    {u"set", u"NAME=VALUE"},  {u"from-csv", u"a file"},
+    {u"json", u""},
+    {u"csv", u""},
+    {u"events", u""},
+    {u"readings", u""},
+    {u"suggest", u""},
+    {u"every", u"a number of seconds"},
+    {u"since", u"a time"},
+    {u"until", u"a time"},
+    {u"set", u"NAME=VALUE"},
+    {u"from-csv", u"a file"},
     {u"database", u"a file"},
+    {u"broker", u"HOST[:PORT]"},
+    {u"user", u"a name"},
+    {u"password-file", u"a file"},
+    {u"tls", u""},
+    {u"ca", u"a file"},
+    {u"prefix", u"a topic"},
+    {u"wait", u"a number of seconds"},
 };
 
 const OptionRow* optionOf(const QString& name) {
@@ -172,6 +185,7 @@ read without it.
   replay               how often and how long the recorded weather is unsafe by the limits, and
                        by others
   check-station FILE   what the monitor reads from a weather station's file
+  fleet [SITES...]     the verdicts of all sites at an MQTT broker, or of these
   get NAME             the value of a member
   set NAME VALUE       sets a property
   call NAME [ARGS...]  calls a method and prints its result
@@ -192,13 +206,17 @@ read without it.
   --from-csv FILE      replay of a user data file or a log instead of the history
   --suggest            replay prints what was measured in safe nights beside the limits
   --database FILE      another history than the monitor's
+  --broker HOST[:PORT] of fleet (default: localhost); --user NAME with the password in the environment
+                       (SKYHOLD_MQTT_PASSWORD) or in --password-file FILE; --tls, --ca FILE; --prefix
+                       TOPIC below which the sites are (default: skyhold); --wait S for what comes
   --                   everything after it is an argument
 
 Numbers have a "." whatever the locale; booleans are true and false.
 
 Exit status: status ends with 0 only when it is safe, 1 when it is unsafe, and 2 when that is not
 known, for whatever reason; check-station with 0 when all can be judged, 1 when the monitor would say
-unsafe, and 2 when the file cannot be read. The other commands end with 0 when they succeeded, else with 2.
+unsafe, and 2 when the file cannot be read; fleet with 0 only when all sites are safe, 1 when one is not,
+and 2 when the broker cannot be asked. The other commands end with 0 when they succeeded, else with 2.
 )"_s;
 }
 

@@ -272,6 +272,7 @@ int runCommand(const Command& command) {
                     {u"history", runHistoryProgram},
                     {u"replay", runHistoryProgram},
                     {u"check-station", runHistoryProgram},
+                    {u"fleet", runHistoryProgram},
                     {u"get", runGet},
                     {u"set", runSet},
                     {u"call", runCall},

@@ -1,7 +1,8 @@
-// skyholdctl-history: the commands of skyholdctl that need the database and the rules. A program of
-// its own, because loading these takes longer than a question to the monitor, which may be asked
-// every second.
+// skyholdctl-history: the commands of skyholdctl that need the database, the rules or a broker. A
+// program of its own, because loading these takes longer than a question to the monitor, which may
+// be asked every second.
 #include "ctl/check_station.h"
+#include "ctl/fleet.h"
 #include "ctl/history.h"
 #include "ctl/program.h"
 #include "ctl/replay.h"
@@ -19,6 +20,8 @@ int runHistoryCommand(const Command& command) {
         return runWhy(command);
     if (command.name == u"check-station")
         return runCheckStation(command);
+    if (command.name == u"fleet")
+        return runFleet(command);
     return command.name == u"replay" ? runReplay(command) : kStatusFailed;
 }
 

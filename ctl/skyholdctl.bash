@@ -7,13 +7,14 @@ _skyholdctl() {
     for ((i = 1; i < COMP_CWORD; ++i)); do
         case ${COMP_WORDS[i]} in
         --every | --since | --until | --set | --from-csv | --database) ((++i)) ;;
+        --broker | --user | --password-file | --ca | --prefix | --wait) ((++i)) ;;
         -*) ;;
         *) if [[ -z $command ]]; then command=${COMP_WORDS[i]}; else ((++position)); fi ;;
         esac
     done
     case ${COMP_WORDS[COMP_CWORD - 1]} in
-    --every | --since | --until | --set) return 0 ;;
-    --from-csv | --database)
+    --every | --since | --until | --set | --broker | --user | --prefix | --wait) return 0 ;;
+    --from-csv | --database | --password-file | --ca)
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return 0
@@ -21,11 +22,12 @@ _skyholdctl() {
     esac
 
     case $command in
-    '') words='status watch why history replay check-station get set call list start stop help version' ;;
+    '') words='status watch why history replay check-station fleet get set call list start stop help version' ;;
     watch) options='--json --every' ;;
     why) options='--json --database' ;;
     history) options='--since --until --events --readings --json --csv --database' ;;
     replay) options='--since --until --set --from-csv --suggest --json --database' ;;
+    fleet) options='--json --broker --user --password-file --tls --ca --prefix --wait' ;;
     status | get | call | list) options='--json' ;;
     esac
     case $command:$position in

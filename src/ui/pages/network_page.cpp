@@ -84,7 +84,7 @@ QWidget* makeMqtt(NetworkControls& network, QWidget* page) {
     addText(grid, group, u"Pass&word"_s, u"BrokerPassword"_s, network.BrokerPassword, {})
         ->setEchoMode(QLineEdit::Password);
     addText(grid, group, u"To&pics begin with"_s, u"TopicPrefix"_s, network.TopicPrefix,
-            u"skyhold/ and the site"_s);
+            u"skyhold/ and the computer"_s);
     column->addWidget(
         makeCheck(group, u"BrokerTls"_s, u"&Encrypt the connection"_s, network.BrokerTls));
     QGridLayout* trust = addGrid(column);
