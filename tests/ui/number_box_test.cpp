@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QTest>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -138,6 +139,39 @@ TEST_F(NumberBoxWidget, ARuleSeesTheNumberOnceItIsEntered) {
     EXPECT_EQ(enterNumber(u"5"_s, tab), u"20"_s);
     EXPECT_EQ(enterNumber(u"9999"_s, [this] { QTest::keyClick(box_, Qt::Key_Enter); }), u"2000"_s);
     EXPECT_EQ(rule, 3);
+}
+
+TEST_F(NumberBoxWidget, WhatItRefusesOrCutsOffIsShown) {
+    struct Case {
+        int decimals;
+        const char *typed, *text, *tip;
+    };
+    const Case cases[]{
+        {1, "12.5", "12.5", ""}, // first: a tip stays for a while
+        {0, "12.5", "125", "Whole numbers only: \".\" was left out"},
+        {0, "1234", "123", "At most 3 digits"},
+        {1, "1.23", "1.2", "At most 3 digits before the separator, 1 after it"},
+        {1, "1,5", "15", "The decimal separator here is \".\""},
+        {1, "1.5.", "1.5", "There is a decimal separator already"},
+        {1, "-4", "4", "No negative numbers"},
+        {1, "4a", "4", "A number goes here"},
+    };
+    const auto edge = [this] {
+        const QPixmap shot = box_->grab();
+        return shot.toImage().pixelColor(shot.width() / 2, 1);
+    };
+    open();
+    enter();
+    const QColor quiet = edge();
+    for (const Case& c : cases) {
+        box_->setDigitsDecimal(c.decimals);
+        box_->selectAll();
+        QTest::keyClick(box_, Qt::Key_Delete);
+        type(QString::fromLatin1(c.typed));
+        EXPECT_EQ(box_->text(), QString::fromLatin1(c.text));
+        EXPECT_EQ(QToolTip::text(), QString::fromLatin1(c.tip)) << c.typed;
+        EXPECT_EQ(edge() == quiet, c.tip == QByteArray()) << c.typed;
+    }
 }
 
 TEST_F(NumberBoxWidget, PastingTakesOnlyWhatCouldBeTyped) {

@@ -328,10 +328,11 @@ QRect FlatStyle::subElementRect(SubElement element, const QStyleOption* option,
     return element == SE_LineEditContents ? rect.adjusted(3, 0, -3, 0) : rect;
 }
 
-// The buttons of the platform's dialogs look like all others: without icons.
 int FlatStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                          QStyleHintReturn* answer) const {
-    if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+    // The buttons of the platform's dialogs look like all others. A shadow behind what is disabled
+    // doubles its letters on a dark ground.
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons || hint == SH_EtchDisabledText)
         return 0;
     return QProxyStyle::styleHint(hint, option, widget, answer);
 }

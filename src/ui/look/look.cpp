@@ -104,6 +104,16 @@ QPalette paletteOf(const look::Scheme& scheme) {
     return palette;
 }
 
+// The desktop's, whose ground may be dark: a shadow behind what is disabled doubles light letters.
+class DesktopStyle : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* answer) const override {
+        return hint == SH_EtchDisabledText ? 0
+                                           : QProxyStyle::styleHint(hint, option, widget, answer);
+    }
+};
+
 Look inForce = Look::Panel;
 
 QProperty<int>& changes() {
@@ -162,7 +172,7 @@ void applyLook(QApplication& application, Look look) {
     // The desktop's own dialogs would not follow.
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, look == Look::Night);
     if (look == Look::Desktop) {
-        application.setStyle(new QProxyStyle); // owned by the application, as the other
+        application.setStyle(new DesktopStyle); // owned by the application, as the other
         flat = false;
         application.setPalette(QPalette());
         look::detail::scheme = desktopScheme(application.palette());

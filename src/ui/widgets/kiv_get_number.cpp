@@ -1,14 +1,22 @@
 #include "ui/widgets/kiv_get_number.h"
 
+#include "ui/look/look.h"
 #include "ui/widgets/hold_focus.h"
 
 #include <QFocusEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
+#include <QToolTip>
 #include <QValidator>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 
 namespace {
+
+constexpr int kFlashMs = 400;
+constexpr int kTipMs = 3000;
 
 // Undoes what is pasted or dropped and could not be typed. A text of another kind may be shown all
 // the same.
@@ -45,6 +53,11 @@ KivGetNumber::KivGetNumber(QWidget* parent)
     connect(this, &QLineEdit::textEdited, this, [this] { beingEdited_ = true; });
     connect(this, &QLineEdit::textChanged, this, [this] { followChange(); });
     connect(this, &QLineEdit::returnPressed, this, &KivGetNumber::enterNumber);
+    connect(this, &QLineEdit::inputRejected, this,
+            [this] { showRefusal(u"A number goes here"_s); });
+    flash_.setSingleShot(true);
+    flash_.setInterval(kFlashMs);
+    connect(&flash_, &QTimer::timeout, this, [this] { update(); });
 }
 
 double KivGetNumber::value() const {
@@ -80,6 +93,8 @@ void KivGetNumber::followChange() {
         const int caret = cursorPosition();
         showText(cut);
         setCursorPosition(caret);
+        if (beingEdited_)
+            showRefusal(digitsText(entry_));
     }
     Q_EMIT Change();
     if (!beingEdited_)
@@ -94,6 +109,22 @@ void KivGetNumber::followChange() {
 void KivGetNumber::selectWhole() {
     const auto length = static_cast<int>(text().size());
     setSelection(length, -length); // the caret at the start
+}
+
+void KivGetNumber::showRefusal(const QString& why) {
+    flash_.start();
+    update();
+    QToolTip::showText(mapToGlobal(QPoint(0, height())), why, this, rect(), kTipMs);
+}
+
+void KivGetNumber::paintEvent(QPaintEvent* event) {
+    QLineEdit::paintEvent(event);
+    if (!flash_.isActive())
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(look::light(screenColour(kOrange)), 2));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
 }
 
 void KivGetNumber::focusInEvent(QFocusEvent* event) {
@@ -131,6 +162,8 @@ void KivGetNumber::keyPressEvent(QKeyEvent* event) {
     Q_EMIT KeyPress(passes ? key : QChar());
     if (passes)
         QLineEdit::keyPressEvent(event);
+    else
+        showRefusal(refusalText(key, text(), selection, entry_));
 }
 
 void KivGetNumber::keyReleaseEvent(QKeyEvent* event) {

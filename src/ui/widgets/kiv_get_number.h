@@ -4,11 +4,15 @@
 // Alignment, border, colours, font, caret, selection and text are those of every line edit. While
 // what is typed is not a number yet ("" or "-") no value is reported: a limit that is being
 // retyped must not count as 0 meanwhile. A box that is left so stands for 0, and shows it.
+//
+// What it refuses, or cuts off, it shows: it flashes, and a tip says why. Otherwise 12.5 typed into
+// a box for whole numbers would become 125 unnoticed.
 #pragma once
 
 #include "ui/widgets/number_text.h"
 
 #include <QLineEdit>
+#include <QTimer>
 
 namespace skyhold {
 
@@ -68,11 +72,13 @@ class KivGetNumber : public QLineEdit {
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     void followChange();
     void showText(const QString& text);
     void selectWhole();
+    void showRefusal(const QString& why);
 
     NumberEntry entry_;
     QString displayFormat_;
@@ -80,6 +86,7 @@ class KivGetNumber : public QLineEdit {
     bool beingEdited_ = false; // between the user's change and its end
     bool edited_ = false;      // the user changed the text since a value was set
     bool pressSelects_ = false;
+    QTimer flash_; // runs while a refusal is shown
 };
 
 } // namespace skyhold

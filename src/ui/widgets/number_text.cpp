@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace skyhold {
 
 namespace {
@@ -71,6 +73,34 @@ bool keyPasses(QChar key, QStringView text, TextSelection selection, const Numbe
     if (key == u'-')
         return entry.AllowNegative && !text.contains(u'-') && selection.SelStart == 0;
     return key == entry.forms.decimal.front() && separatorPasses(text, selection, entry);
+}
+
+QString refusalText(QChar key, QStringView text, TextSelection selection,
+                    const NumberEntry& entry) {
+    const QString separator = entry.forms.decimal.left(1);
+    if (isDigit(key))
+        return digitsText(entry);
+    if (key == u'-') {
+        if (!entry.AllowNegative)
+            return u"No negative numbers"_s;
+        return selection.SelStart == 0 ? u"There is a minus sign already"_s
+                                       : u"The minus sign goes to the start"_s;
+    }
+    if (key == u'.' || key == u',') {
+        if (entry.DigitsDecimal < 1)
+            return u"Whole numbers only: \"%1\" was left out"_s.arg(key);
+        if (key != separator.front())
+            return u"The decimal separator here is \"%1\""_s.arg(separator);
+        return text.contains(separator) ? u"There is a decimal separator already"_s : QString();
+    }
+    return u"A number goes here"_s;
+}
+
+QString digitsText(const NumberEntry& entry) {
+    const QString whole = u"At most %1 digits"_s.arg(entry.DigitsMostSignificant);
+    return entry.DigitsDecimal < 1
+               ? whole
+               : whole + u" before the separator, %1 after it"_s.arg(entry.DigitsDecimal);
 }
 
 QString textAfterChange(const QString& text, const NumberEntry& entry) {

@@ -31,6 +31,11 @@ bool beginsWithNumber(const QString& text, const NumberForms& forms);
 // pass: the rule of a changed text cuts it.
 bool keyPasses(QChar key, QStringView text, TextSelection selection, const NumberEntry& entry);
 
+// Why such a character does not pass, for the user: "Whole numbers only".
+QString refusalText(QChar key, QStringView text, TextSelection selection, const NumberEntry& entry);
+// What the box takes at most: "At most 3 digits, and 1 after the separator".
+QString digitsText(const NumberEntry& entry);
+
 // The text after a change: no more digits than allowed.
 QString textAfterChange(const QString& text, const NumberEntry& entry);
 
