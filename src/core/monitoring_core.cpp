@@ -120,6 +120,7 @@ MonitoringCore::MonitoringCore(Clock& theClock, SettingsStore& theSettings,
     records.dataFile.SaveFreq.Change = [this] {
         SetSaveFreq(records.dataFile.SaveFreq);
     };
+    historyRules(records.historyKeep);
     records.session.EmulatorFlag.Click = [this] {
         if (!records.units.Loading)
             settings.saveNow(QStringLiteral("Setup"), QStringLiteral("Emulator"),

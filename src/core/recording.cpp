@@ -7,24 +7,34 @@ namespace skyhold {
 
 namespace {
 
-void report(bool started, SessionControls& session) {
+// The lamp and what stands beside it.
+void showRecorder(MonitoringCore& core, bool good) {
+    const UserDataRecorder& recorder = core.recorder;
+    DataFileControls& controls = core.records.dataFile;
+    controls.LEDRecord.FillColor = !good ? kRed : recorder.recording ? kGreen : kGrey;
+    controls.LblRecorded.Caption =
+        recordedText(recorder.recording, recorder.path, recorder.lines, recorder.lost);
+}
+
+void report(bool started, MonitoringCore& core) {
     if (!started)
-        SetErrorCodes(session.Statusbar2, QStringLiteral("d13"), kRed);
+        SetErrorCodes(core.records.session.Statusbar2, QStringLiteral("d13"), kRed);
+    showRecorder(core, started);
 }
 
 } // namespace
 
 void chooseRecording(MonitoringCore& core, int index) {
-    report(RecOption_Click(index, core.recorder, core.records.dataFile, core.showMessage),
-           core.records.session);
+    report(RecOption_Click(index, core.recorder, core.records.dataFile, core.showMessage), core);
 }
 
 void startRecording(MonitoringCore& core, bool append) {
-    report(Record_Start(append, core.recorder, core.records.dataFile), core.records.session);
+    report(Record_Start(append, core.recorder, core.records.dataFile), core);
 }
 
 void stopRecording(MonitoringCore& core) {
     Record_Stop(core.recorder, core.records.dataFile);
+    showRecorder(core, true);
 }
 
 bool recordLine(MonitoringCore& core) {
@@ -32,8 +42,13 @@ bool recordLine(MonitoringCore& core) {
     const DescribeLevel describe = [&core](Quantity quantity, std::int32_t) {
         return levelLabel(quantity, core.result, core.records.conditions);
     };
-    return WriteUserDataLine(core.recorder, records.dataFile,
-                             {records.readings, core.forms, describe});
+    const UserDataRecorder& recorder = core.recorder;
+    const std::int64_t before = recorder.lines + recorder.lost;
+    const bool written = WriteUserDataLine(core.recorder, records.dataFile,
+                                           {records.readings, core.forms, describe});
+    if (recorder.lines + recorder.lost != before) // one was due
+        showRecorder(core, written);
+    return written;
 }
 
 } // namespace skyhold

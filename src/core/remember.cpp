@@ -11,6 +11,8 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace skyhold {
@@ -20,7 +22,10 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 HistoryKeep keepOf(const HistoryControls& controls) {
-    return {controls.CycleDays, controls.EventYears, controls.Megabytes};
+    const auto whole = [](const NumberBox& box) {
+        return static_cast<int>(box.Value.value());
+    };
+    return {whole(controls.CycleDays), whole(controls.EventYears), whole(controls.Megabytes)};
 }
 
 // Which causes stand: a change of their values alone is no event.
@@ -84,11 +89,6 @@ void rememberSession(MonitoringCore& core, std::int64_t atMs) {
     } else {
         add(core, atMs, u"session"_s, {}, u"stopped"_s, u"Session stopped"_s);
     }
-}
-
-// A dead instrument makes a station that can be read unusable in part.
-SourceState stationState(const StationObservation& station) {
-    return station.usable() && station.faulty() ? SourceState::Unusable : station.state;
 }
 
 void rememberSources(MonitoringCore& core, std::int64_t atMs) {
@@ -209,6 +209,21 @@ void showFault(MonitoringCore& core) {
 }
 
 } // namespace
+
+SourceState stationState(const StationObservation& station) {
+    return station.usable() && station.faulty() ? SourceState::Unusable : station.state;
+}
+
+void historyRules(HistoryControls& controls) {
+    const auto keepBetween = [](NumberBox& box, double lowest, double highest) {
+        box.Change = [&box, lowest, highest] {
+            box.Value = std::clamp(std::round(box.Value), lowest, highest);
+        };
+    };
+    keepBetween(controls.CycleDays, 1, 3'660);
+    keepBetween(controls.EventYears, 1, 50);
+    keepBetween(controls.Megabytes, 16, 65'536);
+}
 
 void beginHistory(MonitoringCore& core) {
     core.history.begin(historyPath(), keepOf(core.records.historyKeep));

@@ -3,6 +3,7 @@
 
 #include "history/writer.h"
 #include "model/cycle_result.h"
+#include "records/history_controls.h"
 
 #include <QStringList>
 
@@ -24,6 +25,12 @@ struct Remembered {
     QStringList labels;
     QString fault; // of the recording, as it was last shown
 };
+
+// A dead instrument makes a station that can be read unusable in part.
+SourceState stationState(const StationObservation& station);
+
+// Keeps what is typed for its ages and its size within what the history can do.
+void historyRules(HistoryControls& controls);
 
 // Records from now on to the user's data folder, for as long as the settings say.
 void beginHistory(MonitoringCore& core);

@@ -159,6 +159,20 @@ QString causeLine(const CycleResult& result, const ConditionControls& controls,
     return sentences.join(u"; "_s);
 }
 
+QString recordedText(bool recording, const QString& path, std::int64_t lines, std::int64_t lost) {
+    if (path.isEmpty())
+        return u"Not recording"_s;
+    const auto counted = [](std::int64_t count) {
+        return count == 1 ? u"1 line"_s : u"%1 lines"_s.arg(count);
+    };
+    QString text =
+        (recording ? QString() : u"Stopped. "_s) + path + u": "_s +
+        (lines == 0 && recording ? u"the first line comes with a read cycle"_s : counted(lines));
+    if (lost > 0)
+        text += u", %1 lost"_s.arg(counted(lost));
+    return text;
+}
+
 QString delayText(const CycleResult& result) {
     const JudgeMemory& memory = result.memory;
     QString text = u"Safe in "_s + durationText(result.judgement.waitSeconds);

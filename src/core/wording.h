@@ -29,6 +29,9 @@ QString roofText(const CycleResult& result);
 QString causeLine(const CycleResult& result, const ConditionControls& controls,
                   const NumberForms& forms);
 
+// What is recorded: "/data/Skyhold.csv: 12 lines"; in the end how many it were; empty before.
+QString recordedText(bool recording, const QString& path, std::int64_t lines, std::int64_t lost);
+
 // "Safe in 2 min 10 s; last reset by Gust at 23:52:30"; while it is lengthened also how long the
 // whole delay is.
 QString delayText(const CycleResult& result);

@@ -42,6 +42,9 @@ bool openWithHeader(const QString& path, bool append, UserDataRecorder& recorder
 bool begin(const QString& path, bool append, UserDataRecorder& recorder,
            DataFileControls& controls) {
     SetRecorderEditable(controls, false);
+    recorder.path = path;
+    recorder.lines = 0;
+    recorder.lost = 0;
     recorder.recording = openWithHeader(path, append, recorder, controls);
     if (!recorder.recording)
         stopAndShowIt(recorder, controls);
@@ -125,6 +128,7 @@ bool WriteUserDataLine(UserDataRecorder& recorder, const DataFileControls& contr
         if (!recorder.file.isThere())
             openWithHeader(dataFilePath(controls), true, recorder, controls);
         written = recorder.file.addLine(dataLine(controls.Columns, source));
+        ++(written ? recorder.lines : recorder.lost);
     }
     ++recorder.cycleCounter;
     return written;

@@ -14,6 +14,9 @@ struct UserDataRecorder {
     std::int32_t cycleCounter = 0; // cycles since the last line; neither start nor stop resets it
     bool switching = false;        // Record_Start or Record_Stop moves RecOption itself
     std::uint32_t switches = 0;    // how often they did
+    QString path;                  // of the file, since recording began
+    std::int64_t lines = 0;        // of values, likewise
+    std::int64_t lost = 0;         // lines, likewise
 };
 
 // The user chose 0 record or 1 stop. Asks whether to append to a file that exists, whatever the

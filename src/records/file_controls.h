@@ -36,6 +36,8 @@ struct DataFileControls {
     NumberBox SaveFreq;    // read cycles per line, at least 1
     OptionGroup RecOption; // 0 record, 1 stop
     std::array<DataColumn, 25> Columns;
+    Lamp LEDRecord;    // green while it records, red while its lines are lost
+    Label LblRecorded; // the file, and how many lines
 };
 
 // One entry of the upload list.

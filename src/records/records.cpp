@@ -20,6 +20,10 @@ Records::Records() {
     setDigits(session.NBTimeout, 3);
     setDigits(stationFile.TimeoutREAD, 3);
 
+    setDigits(historyKeep.CycleDays, 4);
+    setDigits(historyKeep.EventYears, 2);
+    setDigits(historyKeep.Megabytes, 5);
+
     session.RefreshRead.Entries = {QStringLiteral("5  secs"), QStringLiteral("10 secs"),
                                    QStringLiteral("30 secs"), QStringLiteral("60 secs")};
     upload.RefreshUpload.Entries = {QStringLiteral("5 sec"), QStringLiteral("10 sec"),
@@ -32,6 +36,7 @@ Records::Records() {
     session.ButtStop.Visible = false;
     session.LblUsers.Caption = QStringLiteral("Attached Users: 0");
     dataFile.RecOption.Index = 1;
+    dataFile.LblRecorded.Caption = QStringLiteral("Not recording");
 
     for (const QuantityRow& row : quantityTable())
         display.Label0[row.quantity].Caption = QString::fromLatin1(row.header);

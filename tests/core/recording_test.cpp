@@ -13,6 +13,9 @@ class Recording : public CoreFixture {
             column.Prt = false;
     }
 
+    QString recorded() {
+        return QString(records().dataFile.LblRecorded.Caption).remove(folder_->path() + u'/');
+    }
     void showColumn(std::size_t slot) { records().dataFile.Columns[slot - 1].Prt = true; }
 
     std::vector<std::string> lines() const {
@@ -85,6 +88,7 @@ TEST_F(Recording, lineIsWrittenWhileSourcesFail) {
 TEST_F(Recording, startThatFailsShowsItsCode) {
     const auto check = [this](const char* what) {
         EXPECT_EQ(codes(), u"d13"_s) << what;
+        EXPECT_EQ(records().dataFile.LEDRecord.FillColor, kRed) << what;
         EXPECT_EQ(records().session.Statusbar2.ForeColor, kRed) << what;
         EXPECT_EQ(records().dataFile.RecOption.Index, 1) << what;
         EXPECT_TRUE(records().dataFile.FileName.Enabled) << what;
@@ -99,7 +103,14 @@ TEST_F(Recording, startThatFailsShowsItsCode) {
     startRecording(*core_, true);
     EXPECT_EQ(codes(), QString());
     EXPECT_EQ(records().dataFile.RecOption.Index, 0);
+    EXPECT_EQ(recorded(), u"gone/Skyhold.csv: the first line comes with a read cycle"_s);
+    EXPECT_EQ(records().dataFile.LEDRecord.FillColor, kGreen);
+    StartSession(*core_);
+    cycle();
+    EXPECT_EQ(recorded(), u"gone/Skyhold.csv: 2 lines"_s);
     stopRecording(*core_);
+    EXPECT_EQ(recorded(), u"Stopped. gone/Skyhold.csv: 2 lines"_s);
+    EXPECT_EQ(records().dataFile.LEDRecord.FillColor, kGrey);
     EXPECT_EQ(records().dataFile.RecOption.Index, 1);
 }
 

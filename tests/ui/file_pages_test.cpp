@@ -1,5 +1,6 @@
 #include "window_fixture.h"
 
+#include "core/upload.h"
 #include "datafiles/upload_list.h"
 #include "ui/dialogs/kiv_file_struct_form.h"
 
@@ -11,6 +12,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -56,6 +58,22 @@ TEST_F(FilePages, DataFileNameTakesLettersDigitsAndUnderscores) {
     EXPECT_EQ(records().dataFile.FileName.Text.value(), u"Night_0_b"_s);
 }
 
+TEST_F(FilePages, TheHistoryIsKeptWithinItsBounds) {
+    openPage(Page::DataFile);
+    struct Case {
+        const char *box, *typed, *kept;
+    };
+    for (const Case& c : {Case{"CycleDays", "90", "90"}, Case{"CycleDays", "9999", "3660"},
+                          Case{"EventYears", "0", "1"}, Case{"Megabytes", "5", "16"}}) {
+        QLineEdit* box = text(c.box);
+        focus(box);
+        QTest::keyClicks(box, QString::fromLatin1(c.typed));
+        QTest::keyClick(box, Qt::Key_Return);
+        EXPECT_EQ(box->text(), QString::fromLatin1(c.kept)) << c.box;
+    }
+    EXPECT_EQ(records().historyKeep.CycleDays.Value, 3660);
+}
+
 TEST_F(FilePages, RecordingLocksItsFileAndFallsBackWhenItCannotBegin) {
     openPage(Page::DataFile);
     const auto chosen = [this](const char* option) {
@@ -63,6 +81,7 @@ TEST_F(FilePages, RecordingLocksItsFileAndFallsBackWhenItCannotBegin) {
     };
     space("RecOption0");
     EXPECT_TRUE(core_->recorder.recording);
+    EXPECT_TRUE(child<QLabel>(*window_, "LblRecorded")->text().startsWith(folder_->path()));
     for (const char* name : {"FileName", "ButtPATH", "ButtFileStructure", "SaveFreq"})
         EXPECT_FALSE(child(*window_, name)->isEnabled()) << name;
     space("RecOption1");
@@ -252,6 +271,33 @@ TEST_F(UploadList, PopupTogglesUploadOnceAndDeletes) {
         EXPECT_TRUE(menu_->isVisible());
         menu_->close();
     }
+}
+
+TEST_F(UploadList, FilesAreDroppedAndDeletedUnlessASessionUploads) {
+    const auto drop = [this](const QStringList& names) {
+        QMimeData dragged;
+        QList<QUrl> urls{QUrl(u"http://host/d.png"_s), QUrl::fromLocalFile(folder_->path())};
+        for (const QString& name : names)
+            urls += QUrl::fromLocalFile(folder_->filePath(name));
+        dragged.setUrls(urls);
+        QDragEnterEvent enter({9, 9}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        QApplication::sendEvent(list_->viewport(), &enter);
+        QDropEvent event({9, 9}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        QApplication::sendEvent(list_->viewport(), &event);
+        return enter.isAccepted();
+    };
+    EXPECT_FALSE(drop({}));
+    EXPECT_TRUE(drop({u"a.png"_s, u"b.png"_s}));
+    EXPECT_TRUE(drop({u"b.png"_s, u"gone.png"_s, u"c.htm"_s}));
+    EXPECT_EQ(lines(), (QStringList{u"     a.png"_s, u"     b.png"_s, u"     c.htm"_s}));
+    SelectFile(records().upload, 1);
+    QTest::keyClick(list_, Qt::Key_Delete);
+    const QStringList left{u"     a.png"_s, u"     c.htm"_s};
+    EXPECT_EQ(lines(), left);
+    SetUploadEditable(records().upload, false);
+    EXPECT_FALSE(drop({u"b.png"_s}));
+    QTest::keyClick(list_, Qt::Key_Delete);
+    EXPECT_EQ(lines(), left);
 }
 
 TEST_F(UploadList, BoxShowsAndSetsTheFlagOfTheSelectedFile) {

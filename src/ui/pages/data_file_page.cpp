@@ -1,12 +1,14 @@
 #include "ui/pages/data_file_page.h"
 
 #include "datafiles/user_data_file.h"
+#include "ui/dialogs/dialog_parts.h"
 #include "ui/dialogs/kiv_file_struct_form.h"
 #include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/kiv_get_number.h"
 #include "ui/widgets/open_editor.h"
+#include "ui/widgets/readout.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -34,10 +36,29 @@ class FileNameValidator : public QValidator {
     }
 };
 
+// The lamp, and beside it what is recorded.
+void addRecorded(QVBoxLayout* column, DataFileControls& dataFile) {
+    QWidget* group = column->parentWidget();
+    auto* lamp = new LampWidget(14, group);
+    lamp->setObjectName(u"LEDRecord"_s);
+    lamp->setToolTip(u"Green while lines are recorded, red when the last one was lost"_s);
+    bind(lamp, dataFile.LEDRecord);
+    QLabel* recorded = makeDimmed({}, group);
+    recorded->setObjectName(u"LblRecorded"_s);
+    recorded->setWordWrap(true);
+    bind(recorded, dataFile.LblRecorded);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(look::kGap);
+    row->addWidget(lamp, 0, Qt::AlignTop);
+    row->addWidget(recorded, 1);
+    column->addLayout(row);
+}
+
 QWidget* makeRecording(DataFileControls& dataFile, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"Recording"_s);
     addOptions(column, "RecOption", {u"&Record"_s, u"Stop"_s}, dataFile.RecOption);
     addNumberRow(column, u"A line ever&y"_s, u"SaveFreq"_s, dataFile.SaveFreq, u"read cycles"_s);
+    addRecorded(column, dataFile);
     column->addStretch();
     return column->parentWidget();
 }
@@ -83,9 +104,33 @@ QWidget* makeFile(DataFileControls& dataFile, QWidget* page) {
     return group;
 }
 
+QWidget* makeHistory(HistoryControls& history, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"History"_s);
+    addHint(column,
+            u"Every cycle and event goes into the monitor's own database, for looking back and "
+            u"for the what-if. Changes here count from the next start of a session."_s);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(3 * look::kMargin);
+    const auto addAge = [&](const QString& caption, const QString& name, NumberBox& record,
+                            const QString& unit, const QString& tip) {
+        auto* box = new QVBoxLayout;
+        row->addLayout(box);
+        addNumberRow(box, caption, name, record, unit)->setToolTip(tip);
+    };
+    addAge(u"Keep single cycles for"_s, u"CycleDays"_s, history.CycleDays, u"days"_s,
+           u"1 to 3660. Older ones become one entry a minute."_s);
+    addAge(u"Minu&tes and events for"_s, u"EventYears"_s, history.EventYears, u"years"_s,
+           u"1 to 50"_s);
+    addAge(u"&At most"_s, u"Megabytes"_s, history.Megabytes, u"MB"_s,
+           u"16 to 65536. When the file is full the oldest minutes give way."_s);
+    row->addStretch();
+    column->addLayout(row);
+    return column->parentWidget();
+}
+
 } // namespace
 
-QWidget* makeDataFilePage(DataFileControls& dataFile, QWidget* parent) {
+QWidget* makeDataFilePage(DataFileControls& dataFile, HistoryControls& history, QWidget* parent) {
     auto* page = new QWidget(parent);
     QVBoxLayout* column = pageColumn(page);
     auto* row = new QHBoxLayout;
@@ -93,6 +138,7 @@ QWidget* makeDataFilePage(DataFileControls& dataFile, QWidget* parent) {
     row->addWidget(makeRecording(dataFile, page), 2);
     row->addWidget(makeFile(dataFile, page), 5);
     column->addLayout(row);
+    column->addWidget(makeHistory(history, page));
     column->addStretch(1);
     return page;
 }

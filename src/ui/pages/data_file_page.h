@@ -1,12 +1,14 @@
-// Recording of the user data file: on or off, how often, where to, and which columns.
+// Recording of the user data file: on or off, how often, where to, and which columns; and for how
+// long the history is kept.
 #pragma once
 
 #include "records/file_controls.h"
+#include "records/history_controls.h"
 
 class QWidget;
 
 namespace skyhold {
 
-QWidget* makeDataFilePage(DataFileControls& dataFile, QWidget* parent);
+QWidget* makeDataFilePage(DataFileControls& dataFile, HistoryControls& history, QWidget* parent);
 
 } // namespace skyhold

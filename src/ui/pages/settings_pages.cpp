@@ -102,8 +102,9 @@ void SettingsPages::addPages() {
     addSheet(this, u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
 
     QTabWidget* files = addStrip(u"SSTab3"_s, u"Fi&les"_s);
-    addSheet(files, u"&Data file"_s,
-             [&records](QWidget* parent) { return makeDataFilePage(records.dataFile, parent); });
+    addSheet(files, u"&Data file"_s, [&records](QWidget* parent) {
+        return makeDataFilePage(records.dataFile, records.historyKeep, parent);
+    });
     addSheet(files, u"CCDAuto&pilot file"_s,
              [&records](QWidget* parent) { return makeCcdapPage(records.ccdap, parent); });
     addSheet(files, u"&Images"_s,

@@ -39,6 +39,9 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
     }
     bind(lamps[0], lamps[1], upload.LEDUpload);
     column->addLayout(row);
+    addHint(column,
+            u"While a session runs the files go to the server together, as soon as each of "
+            u"them has changed since it was last sent. What did not arrive is sent again."_s);
 }
 
 QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) {
@@ -50,31 +53,42 @@ QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) 
     grid->setVerticalSpacing(6);
     grid->setColumnStretch(1, 1);
     column->addLayout(grid);
-    const auto addRow = [&](const QString& caption, QWidget* box, Qt::Alignment alignment = {}) {
+    const auto addRow = [&](const QString& caption, QWidget* box, const QString& tip,
+                            Qt::Alignment alignment = {}) {
         auto* label = new QLabel(caption, group);
         label->setBuddy(box);
+        label->setToolTip(tip);
+        box->setToolTip(tip);
         const int row = grid->rowCount();
         grid->addWidget(label, row, 0);
         grid->addWidget(box, row, 1, alignment);
     };
-    const auto addText = [&](const QString& caption, const QString& name, TextBox& record) {
+    const auto addText = [&](const QString& caption, const QString& name, TextBox& record,
+                             const QString& tip) {
         QLineEdit* box = makeText(group, name, record);
-        addRow(caption, box);
+        addRow(caption, box, tip);
         return box;
     };
-    onLeaving(addText(u"Add&ress"_s, u"ServerAddress"_s, upload.ServerAddress),
+    onLeaving(addText(u"Add&ress"_s, u"ServerAddress"_s, upload.ServerAddress,
+                      u"A host (plain FTP), or ftpes://, ftps:// or sftp:// and a host"_s),
               [&upload] { ServerAddress_LostFocus(upload.ServerAddress); });
-    onLeaving(addText(u"Path"_s, u"ServerPath"_s, upload.ServerPath),
+    onLeaving(addText(u"Path"_s, u"ServerPath"_s, upload.ServerPath,
+                      u"The folder on the server; empty: the one that it begins in"_s),
               [&upload] { ServerPath_LostFocus(upload.ServerPath); });
-    addText(u"User na&me"_s, u"UserName"_s, upload.UserName);
-    addText(u"Pass&word"_s, u"PassWord"_s, upload.PassWord)->setEchoMode(QLineEdit::Password);
+    addText(u"User na&me"_s, u"UserName"_s, upload.UserName, u"On the server"_s);
+    addText(u"Pass&word"_s, u"PassWord"_s, upload.PassWord,
+            u"Kept in the settings file, which only you can read"_s)
+        ->setEchoMode(QLineEdit::Password);
     auto* cycle = new QComboBox(group);
     cycle->setObjectName(u"RefreshUpload"_s);
     bind(cycle, upload.RefreshUpload);
-    addRow(u"Check c&ycle"_s, cycle, Qt::AlignLeft);
+    addRow(u"Check c&ycle"_s, cycle,
+           u"How often the monitor looks whether the files have changed"_s, Qt::AlignLeft);
     addRow(u"Timeout(sec)"_s, makeNumber(group, u"TimeoutUPLOAD"_s, upload.TimeoutUPLOAD),
+           u"After how many seconds without an answer of the server an upload is given up"_s,
            Qt::AlignLeft);
     addRow(u"Upload second"_s, makeNumber(group, u"UploadOnSec"_s, upload.UploadOnSec),
+           u"Kept for other programs that read the settings; this monitor does not use it"_s,
            Qt::AlignLeft);
     column->addStretch();
     return group;
@@ -122,7 +136,9 @@ QWidget* makeFiles(UploadControls& upload, QWidget* page) {
     addButton(u"ButtFileDEL"_s, u"D&elete"_s, upload.ButtFileDEL,
               [&upload] { DeleteSelectedFile(upload); });
     row->addStretch();
-    row->addWidget(makeCheck(group, u"UploadOnce"_s, u"Upload once"_s, upload.UploadOnce));
+    QCheckBox* once = makeCheck(group, u"UploadOnce"_s, u"Upload once"_s, upload.UploadOnce);
+    once->setToolTip(u"Send the selected file when it has changed, and never wait for it"_s);
+    row->addWidget(once);
     row->addSpacing(look::kGap);
     row->addWidget(
         makeCheck(group, u"DispFileNameOnly"_s, u"File names only"_s, upload.DispFileNameOnly));

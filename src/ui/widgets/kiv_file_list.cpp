@@ -2,16 +2,35 @@
 
 #include "datafiles/upload_list.h"
 #include "ui/dialogs/choose_path.h"
+#include "ui/look/look.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/open_editor.h"
 
 #include <QContextMenuEvent>
+#include <QFileInfo>
 #include <QMenu>
+#include <QMimeData>
+#include <QPainter>
 #include <QSignalBlocker>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
+
+namespace {
+
+// Of this machine; folders and web addresses cannot be uploaded.
+QStringList droppedFiles(const QMimeData& dropped) {
+    QStringList files;
+    for (const QUrl& url : dropped.urls()) {
+        const QString path = url.toLocalFile();
+        if (!path.isEmpty() && QFileInfo(path).isFile())
+            files += path;
+    }
+    return files;
+}
+
+} // namespace
 
 KivFileList::KivFileList(UploadControls& upload, QWidget* parent)
     : QListWidget(parent)
@@ -20,8 +39,9 @@ KivFileList::KivFileList(UploadControls& upload, QWidget* parent)
     setObjectName(u"KivFileList"_s);
     setTextElideMode(Qt::ElideMiddle);
     setMinimumSize(240, 100);
-    setToolTip(
-        u"Right-click, or press the menu key or Shift+F10, to add, remove or change entries"_s);
+    setToolTip(u"Drop files here, or right-click, or press the menu key or Shift+F10, to add, "
+               u"remove or change entries. Del removes the selected one."_s);
+    setAcceptDrops(true);
     makeMenu();
     follow(this, upload.FileLines, [this](const QStringList& lines) { showLines(lines); });
     follow(this, upload.ListIndex, [this](int index) { showSelection(index); });
@@ -71,6 +91,8 @@ void KivFileList::mouseReleaseEvent(QMouseEvent* event) {
 void KivFileList::keyPressEvent(QKeyEvent* event) {
     if (asksForMenu(*event))
         openMenu(viewport()->mapToGlobal(visualItemRect(currentItem()).bottomLeft()));
+    else if (event->matches(QKeySequence::Delete))
+        DeleteSelectedFile(upload_);
     else
         QListWidget::keyPressEvent(event);
 }
@@ -78,6 +100,33 @@ void KivFileList::keyPressEvent(QKeyEvent* event) {
 // The release of the button or the key has opened the menu.
 void KivFileList::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
+}
+
+void KivFileList::dragEnterEvent(QDragEnterEvent* event) {
+    event->setAccepted(upload_.ButtFileADD.Enabled && !droppedFiles(*event->mimeData()).isEmpty());
+}
+
+void KivFileList::dragMoveEvent(QDragMoveEvent* event) {
+    event->setAccepted(upload_.ButtFileADD.Enabled);
+}
+
+void KivFileList::dropEvent(QDropEvent* event) {
+    const QStringList files = droppedFiles(*event->mimeData());
+    if (!upload_.ButtFileADD.Enabled || files.isEmpty())
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    AddChosenFiles(upload_, files);
+}
+
+void KivFileList::paintEvent(QPaintEvent* event) {
+    QListWidget::paintEvent(event);
+    if (count() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(look::kDimText);
+    painter.drawText(viewport()->rect().adjusted(look::kGap, 0, -look::kGap, 0),
+                     Qt::AlignCenter | Qt::TextWordWrap, u"No files yet: drop some here, or Add"_s);
 }
 
 void KivFileList::showLines(const QStringList& lines) {

@@ -1,4 +1,5 @@
-// The list of the files to upload, with its popup menu.
+// The list of the files to upload, with its popup menu. Files can be dropped on it; the Del key
+// removes the selected one.
 #pragma once
 
 #include "records/file_controls.h"
@@ -22,6 +23,10 @@ class KivFileList : public QListWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     void makeMenu();
