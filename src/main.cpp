@@ -1,8 +1,11 @@
 // The program: options, one instance, first start, updater, window or terminal, and the end.
 #include "automation/automation_object.h"
+#include "bus/desktop_notifier.h"
 #include "bus/session_bus.h"
+#include "core/alarms.h"
 #include "core/clients.h"
 #include "core/gateway_keeper.h"
+#include "core/notices.h"
 #include "core/recording.h"
 #include "core/session.h"
 #include "core/start_up.h"
@@ -149,6 +152,47 @@ class Automation {
     std::vector<std::unique_ptr<AutomationServer>> servers_;
 };
 
+// What changes while nobody looks goes to the desktop.
+class DesktopNotices {
+  public:
+    DesktopNotices(MonitoringCore& core, const SessionBus& bus, KivSHMainform* window)
+        : notifier_(bus)
+        , notices_(core) {
+        notices_.show = [this](const Notice& notice) {
+            const bool bad = notice.urgency == NoticeUrgency::Critical;
+            notifier_.show({.title = notice.title,
+                            .text = notice.text,
+                            .icon = bad ? QStringLiteral("dialog-warning")
+                                        : QStringLiteral("dialog-information"),
+                            .urgency = static_cast<int>(notice.urgency),
+                            .actionLabel = notice.silence ? QStringLiteral("Silence") : QString()});
+        };
+        notices_.close = [this] {
+            notifier_.close();
+        };
+        notices_.seen = [] {
+            return QGuiApplication::applicationState() == Qt::ApplicationActive;
+        };
+        notifier_.action = [&core] {
+            stopAlarm(core);
+        };
+        if (!window)
+            return;
+        notifier_.opened = [window] {
+            window->restore();
+        };
+        QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &notifier_,
+                         [this](Qt::ApplicationState state) {
+                             if (state == Qt::ApplicationActive)
+                                 notifier_.close();
+                         });
+    }
+
+  private:
+    DesktopNotifier notifier_;
+    ChangeNotices notices_;
+};
+
 // Ends the program whatever holds the window: a request to quit would first ask the window to
 // close, which it refuses while automation clients are attached.
 void end(MonitoringCore& core) {
@@ -261,6 +305,7 @@ int main(int argc, char** argv) {
         automation.busLost();
     };
     automation.begin();
+    std::optional<DesktopNotices> notices(std::in_place, core, bus, window.get());
 
     onQuitSignal([&core] {
         StopSession(core); // ends a start that still waits, too
@@ -295,6 +340,7 @@ int main(int argc, char** argv) {
     }
     // A signal or the last cycle ends a running session too; the window has stopped it already.
     StopSession(core);
+    notices.reset();
     tray.reset();
     automation.end();
     Unload(core);

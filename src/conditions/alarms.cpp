@@ -11,10 +11,6 @@ namespace {
 constexpr int kCheckPlayingMs = 500;
 constexpr int kRightButton = 2;
 
-const QString kStationAlarm = u"10"_s;
-const QString kSensorAlarm = u"20"_s;
-const QString kRoofAlarm = u"30"_s; // goes before the others, since it asks for hands
-
 // Which of PlayAlarm shows that the alarm plays; none for an empty id.
 std::optional<int> indicatorOf(const QString& id) {
     if (id == kStationAlarm)

@@ -14,6 +14,12 @@
 
 namespace skyhold {
 
+// The ids of alarms that are not of a condition.
+inline const QString kStationAlarm = QStringLiteral("10");
+inline const QString kSensorAlarm = QStringLiteral("20");
+// Goes before the others, since it asks for hands.
+inline const QString kRoofAlarm = QStringLiteral("30");
+
 // What it takes to sound an alarm.
 struct AlarmPlayer {
     MediaControl& media;

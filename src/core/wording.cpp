@@ -1,5 +1,6 @@
 #include "core/wording.h"
 
+#include "conditions/alarms.h"
 #include "conditions/threshold_rules.h"
 #include "judge/nearest.h"
 
@@ -112,6 +113,55 @@ QString levelLabel(Quantity quantity, const CycleResult& result,
     return rowOf(quantity).hasLimits()
                ? controls.Color[quantity][static_cast<std::size_t>(level - 1)].Caption.value()
                : result.observation.givenLabels[quantity];
+}
+
+QString noticeTitle(Verdict verdict, bool sourceFailed) {
+    QString title;
+    switch (verdict) {
+    case Verdict::None:
+        title = u"Not monitored"_s;
+        break;
+    case Verdict::Safe:
+        title = u"Safe"_s;
+        break;
+    case Verdict::Waiting:
+        title = u"Unsafe: waiting for the safe delay"_s;
+        break;
+    case Verdict::Unsafe:
+        title = u"Unsafe"_s;
+        break;
+    }
+    if (!sourceFailed)
+        return title;
+    return title +
+           (verdict == Verdict::Safe ? u", but a source has failed"_s : u": a source has failed"_s);
+}
+
+QStringList sourceFaults(const CycleResult& result, const NumberForms& forms) {
+    QStringList faults;
+    if (result.observation.station.faulty())
+        faults +=
+            sourceText({.kind = CauseKind::Source, .source = SourceName::Station}, result, forms);
+    if (result.observation.sensor.failed())
+        faults +=
+            sourceText({.kind = CauseKind::Source, .source = SourceName::Sensor}, result, forms);
+    return faults;
+}
+
+QString alarmText(const QString& id, const CycleResult& result, const ConditionControls& controls) {
+    if (const std::optional<ConditionAlarm> alarm = conditionAlarm(id)) {
+        const QuantityRow& row = rowOf(alarm->quantity);
+        const QString label = row.hasLimits()
+                                  ? controls.Color[row.quantity][alarm->index].Caption.value()
+                                  : result.observation.givenLabels[row.quantity].trimmed();
+        const QString name = u"Alarm: "_s + QString::fromUtf16(row.title);
+        return label.isEmpty() ? name : name + u", "_s + label;
+    }
+    if (id == kStationAlarm)
+        return u"Alarm: weather station"_s;
+    if (id == kSensorAlarm)
+        return u"Alarm: Kiv_Nubilo"_s;
+    return id == kRoofAlarm ? u"Alarm: roof"_s : u"An alarm sounds"_s;
 }
 
 QString nearestText(const CycleResult& result, const NumberForms& forms) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/cycle_result.h"
+#include "model/session_state.h"
 #include "platform/text_forms.h"
 #include "records/condition_controls.h"
 #include "units/unit_text.h"
@@ -16,6 +17,16 @@ QString causeText(const Cause& cause, const CycleResult& result, const NumberFor
 // The name of a quantity's level in force: "Unknown" for none, the user's or the sensor program's
 // words for 1..3, else empty.
 QString levelLabel(Quantity quantity, const CycleResult& result, const ConditionControls& controls);
+
+// The verdict as the title of a notification: "Unsafe"; with a source that has just failed "Safe,
+// but a source has failed".
+QString noticeTitle(Verdict verdict, bool sourceFailed);
+
+// What is wrong with the sources, "Kiv_Nubilo has failed"; empty while both are good.
+QStringList sourceFaults(const CycleResult& result, const NumberForms& forms);
+
+// Whose alarm sounds, by its id: "Alarm: Wind, Very Windy". A client's has no id.
+QString alarmText(const QString& id, const CycleResult& result, const ConditionControls& controls);
 
 // What comes closest to being unsafe: "nearest: humidity 86 of 90 %"; empty when nothing has a
 // limit that counts.

@@ -10,6 +10,7 @@
 #include "records/graph_pictures.h"
 #include "records/history_controls.h"
 #include "records/network_controls.h"
+#include "records/notice_controls.h"
 #include "records/reading_display.h"
 #include "records/session_controls.h"
 #include "records/unit_controls.h"
@@ -33,6 +34,7 @@ struct Records {
     GraphPictures pictures;
     HistoryControls historyKeep;
     NetworkControls network;
+    NoticeControls notices;
     SessionControls session;
     WindowControls window;
 };

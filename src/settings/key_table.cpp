@@ -307,6 +307,16 @@ void networkRows(KeyRows& rows, NetworkControls& network) {
               u"command that is run when the verdict changes; empty: none"_s);
 }
 
+void noticeRows(KeyRows& rows, NoticeControls& notices) {
+    rows.section(u"Notices"_s);
+    rows.check(u"Verdict"_s, true, notices.OnVerdict,
+               u"the desktop is notified when the verdict changes"_s);
+    rows.check(u"Source"_s, true, notices.OnSource,
+               u"the desktop is notified when a source fails"_s);
+    rows.check(u"Alarm"_s, true, notices.OnAlarm,
+               u"the desktop is notified when an alarm sounds"_s);
+}
+
 void viewRows(KeyRows& rows, WindowControls& window) {
     rows.section(u"View"_s);
     rows.integer(u"Look"_s, 0, {0, 2}, window.Look,
@@ -334,6 +344,7 @@ std::vector<KeyRow> keyTable(Records& r) {
     viewRows(rows, r.window);
     historyRows(rows, r.historyKeep);
     networkRows(rows, r.network);
+    noticeRows(rows, r.notices);
     return rows.take();
 }
 

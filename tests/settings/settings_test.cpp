@@ -150,11 +150,11 @@ TEST_F(Settings, EveryKeyStandsOnceAndItsDefaultConverts) {
     }
     EXPECT_EQ(sections.join(u' '), u"Window Limit Window Setup Limit Description Color Unsafe "
                                    u"Alarms Graphs Alarms Window File Update Verdict View "
-                                   "History Network"_s);
+                                   "History Network Notices"_s);
     // 41 in "Window", 23 in "Limit", 15 + 15 levels, 30 in "Unsafe", 56 in "Alarms", 19 in
     // "Setup", 32 in "Graphs", 76 in "File", 1 each in "Update" and "View", 9 in
-    // "Verdict", 3 in "History", 14 in "Network".
-    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 56 + 19 + 32 + 76 + 1 + 9 + 1 + 3 + 14);
+    // "Verdict", 3 each in "History" and "Notices", 14 in "Network".
+    EXPECT_EQ(names.size(), 41 + 23 + 15 + 15 + 30 + 56 + 19 + 32 + 76 + 1 + 9 + 1 + 3 + 14 + 3);
 }
 
 TEST_F(Settings, EveryKeySurvivesARestart) {

@@ -50,9 +50,26 @@ QWidget* makeRoof(ConditionControls& conditions, QWidget* page) {
     return column->parentWidget();
 }
 
+QWidget* makeNotices(NoticeControls& notices, QWidget* page) {
+    QVBoxLayout* column = addGroup(page, u"Desktop notifications"_s);
+    QWidget* group = column->parentWidget();
+    addHint(column, u"While no window of the monitor has the focus, the desktop reports, in one "
+                    u"notification:"_s);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(2 * look::kMargin);
+    row->addWidget(
+        makeCheck(group, u"NoticeVerdict"_s, u"a change of the verdict"_s, notices.OnVerdict));
+    row->addWidget(makeCheck(group, u"NoticeSource"_s, u"a source that fails"_s, notices.OnSource));
+    row->addWidget(
+        makeCheck(group, u"NoticeAlarm"_s, u"an alarm, which it can silence"_s, notices.OnAlarm));
+    row->addStretch();
+    column->addLayout(row);
+    return group;
+}
+
 } // namespace
 
-QWidget* makeCautionPage(ConditionControls& conditions, QWidget* parent) {
+QWidget* makeCautionPage(ConditionControls& conditions, NoticeControls& notices, QWidget* parent) {
     auto* page = new QWidget(parent);
     QVBoxLayout* column = pageColumn(page);
     auto* row = new QHBoxLayout;
@@ -61,6 +78,7 @@ QWidget* makeCautionPage(ConditionControls& conditions, QWidget* parent) {
          {makeSooner(conditions, page), makeLater(conditions, page), makeRoof(conditions, page)})
         row->addWidget(group, 1);
     column->addLayout(row);
+    column->addWidget(makeNotices(notices, page));
     column->addStretch();
     return page;
 }

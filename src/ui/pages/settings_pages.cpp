@@ -96,8 +96,9 @@ void SettingsPages::addPages() {
                               core_.showMessage, parent);
     });
 
-    addSheet(conditions, u"Cautio&n"_s,
-             [&records](QWidget* parent) { return makeCautionPage(records.conditions, parent); });
+    addSheet(conditions, u"Cautio&n"_s, [&records](QWidget* parent) {
+        return makeCautionPage(records.conditions, records.notices, parent);
+    });
 
     addSheet(this, u"&Graphs"_s, [this](QWidget* parent) { return makeGraphsPage(core_, parent); });
 
