@@ -148,7 +148,9 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     UpdateControls update;
     update.Label1.Caption = monitor.core().version.text();
     take(UpdateWindow(update, monitor.core(), QDir::tempPath(), &window), "update");
-    take(HelpWindow(QString::fromLocal8Bit(SKYHOLD_SOURCES) + u"/README.md"_s, &window), "help");
+    HelpWindow help(&window);
+    help.open(QString::fromLocal8Bit(SKYHOLD_SOURCES) + u"/README.md"_s);
+    take(std::move(help), "help");
 
     KivSetupForm setup(monitor.settings(), Simulators::of(&window), window.windowTitle());
     for (int step = 1;; ++step) {

@@ -1,5 +1,6 @@
 #include "ui/pages/settings_pages.h"
 
+#include "ui/dialogs/help_window.h"
 #include "ui/pages/caution_page.h"
 #include "ui/pages/ccdap_page.h"
 #include "ui/pages/data_file_page.h"
@@ -17,7 +18,11 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -47,7 +52,24 @@ void followFocus(QScrollArea* pane) {
     });
 }
 
+struct GuideRow {
+    Page page;
+    const char16_t* file;
+};
+
+constexpr std::array kGuide{
+    GuideRow{Page::Sources, u"sources.html"},    GuideRow{Page::Limits, u"limits.html"},
+    GuideRow{Page::Unsafe, u"alarms.html"},      GuideRow{Page::Caution, u"caution.html"},
+    GuideRow{Page::Graphs, u"graphs.html"},      GuideRow{Page::DataFile, u"data-file.html"},
+    GuideRow{Page::Ccdap, u"ccdautopilot.html"}, GuideRow{Page::Images, u"images.html"},
+    GuideRow{Page::Upload, u"upload.html"}};
+
 } // namespace
+
+QString guidePage(Page page) {
+    const auto* const row = std::ranges::find(kGuide, page, &GuideRow::page);
+    return row == kGuide.end() ? kGuideStart : QString::fromUtf16(row->file);
+}
 
 SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
     : QTabWidget(parent)
@@ -55,6 +77,7 @@ SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
     setObjectName(u"SSTab1"_s);
     setDocumentMode(true);
     addPages();
+    addHelpButton();
     const auto pane = [this](int index, const QString& name) {
         auto* area = static_cast<QScrollArea*>(widget(index));
         area->setObjectName(name);
@@ -120,6 +143,22 @@ void SettingsPages::addPages() {
     followStrip(this, window.SSTab1);
     followStrip(conditions, window.SSTab2);
     followStrip(files, window.SSTab3);
+}
+
+// For the mouse: the keyboard has F1.
+void SettingsPages::addHelpButton() {
+    auto* button = new QToolButton(this);
+    button->setObjectName(u"ButtHelp"_s);
+    button->setText(u"?"_s);
+    button->setToolTip(u"Explain this page (F1)"_s);
+    button->setAccessibleName(u"Explain this page"_s);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    setCornerWidget(button);
+    connect(button, &QToolButton::clicked, this, [this] {
+        if (onHelp)
+            onHelp();
+    });
 }
 
 void SettingsPages::addSheet(QTabWidget* strip, const QString& title, MakePage make) {

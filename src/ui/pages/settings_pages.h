@@ -25,6 +25,9 @@ enum class Page {
     Network
 };
 
+// The page of the user guide that explains it.
+QString guidePage(Page page);
+
 class SettingsPages : public QTabWidget {
     Q_OBJECT
 
@@ -33,6 +36,9 @@ class SettingsPages : public QTabWidget {
     SettingsPages(MonitoringCore& core, QWidget* parent);
 
     void open(Page page);
+    Page shownPage() const { return static_cast<Page>(shownSheet()); }
+
+    std::function<void()> onHelp; // the "?" beside the pages was pressed
 
   private:
     using MakePage = std::function<QWidget*(QWidget* parent)>;
@@ -43,6 +49,7 @@ class SettingsPages : public QTabWidget {
     };
 
     void addPages();
+    void addHelpButton();
     void addSheet(QTabWidget* strip, const QString& title, MakePage make);
     QTabWidget* addStrip(const QString& name, const QString& title);
     void addPane(QWidget* content, const QString& title);

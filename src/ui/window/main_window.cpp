@@ -2,6 +2,7 @@
 
 #include "core/session.h"
 #include "core/start_up.h"
+#include "ui/dialogs/help_window.h"
 #include "ui/look/look.h"
 #include "ui/pages/settings_pages.h"
 #include "ui/widgets/bind.h"
@@ -51,6 +52,9 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     column->setSpacing(0);
     column->addWidget(new MonitorPanel(core_, content));
     pages_ = new SettingsPages(core_, content);
+    pages_->onHelp = [this] {
+        explainPage();
+    };
     column->addWidget(pages_, 1);
     column->addWidget(new StatusStrip(core_.records.session, content));
     setCentralWidget(content);
@@ -101,6 +105,10 @@ void KivSHMainform::restore() {
     // its keys again.
     if (QGuiApplication::focusWindow() == windowHandle() && !isActiveWindow())
         QApplication::setActiveWindow(this);
+}
+
+void KivSHMainform::explainPage() {
+    showHelp(core_, this, helpFolders(), guidePage(pages_->shownPage()));
 }
 
 void KivSHMainform::minimise() {

@@ -22,6 +22,9 @@ class KivSHMainform : public QMainWindow {
     // With a tray icon the window is hidden, else it is an icon like any other.
     void minimise();
 
+    // The page of the user guide about the page that is shown.
+    void explainPage();
+
     // What the menu's update entry does; the entry is only offered when this is set.
     std::function<void()> onUpdate;
 

@@ -1,7 +1,6 @@
 #include "ui/window/menus.h"
 
 #include "core/session.h"
-#include "ui/dialogs/help_window.h"
 #include "ui/widgets/bind.h"
 #include "ui/window/main_window.h"
 
@@ -83,8 +82,8 @@ void makeMenuBar(KivSHMainform& window, MonitoringCore& core) {
 
     QMenu* help = window.menuBar()->addMenu(u"&Help"_s);
     help->setObjectName(u"mHelp"_s);
-    addEntry(help, u"mnuHelp1"_s, u"&Contents"_s, [&window, &core] {
-        showHelp(core, &window, helpFolders());
+    addEntry(help, u"mnuHelp1"_s, u"&Contents"_s, [&window] {
+        window.explainPage();
     })->setShortcut(QKeySequence::HelpContents);
     addSeparator(help, u"mSpe0"_s);
     QAction* update = addEntry(help, u"mnuUpdate"_s, u"Check &update"_s, controls.mnuUpdate,
