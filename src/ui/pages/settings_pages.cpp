@@ -62,7 +62,7 @@ constexpr std::array kGuide{
     GuideRow{Page::Unsafe, u"alarms.html"},      GuideRow{Page::Caution, u"caution.html"},
     GuideRow{Page::Graphs, u"graphs.html"},      GuideRow{Page::DataFile, u"data-file.html"},
     GuideRow{Page::Ccdap, u"ccdautopilot.html"}, GuideRow{Page::Images, u"images.html"},
-    GuideRow{Page::Upload, u"upload.html"}};
+    GuideRow{Page::Upload, u"upload.html"},      GuideRow{Page::Network, u"network.html"}};
 
 } // namespace
 
