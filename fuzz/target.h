@@ -21,7 +21,8 @@ struct Target {
 };
 
 extern const Target kHtmlTable, kCsvTable, kStationValue, kStationFile, kSector, kNumberBox,
-    kSettingsFile, kAutomationValue, kAutomationMembers, kUpdateFiles, kIndiStream, kSensorValues;
+    kSettingsFile, kAutomationValue, kAutomationMembers, kUpdateFiles, kIndiStream, kSensorValues,
+    kGatewayRequests;
 
 // What a broken rule comes to: the fuzzer's end, a test's failure.
 void broken(const char* rule);

@@ -2,6 +2,7 @@
 
 #include "gateway/metrics.h"
 #include "gateway/page.h"
+#include "gateway/setup_page.h"
 #include "model/roof_status.h"
 
 #include <QDateTime>
@@ -128,6 +129,8 @@ Handling route(const Request& request, Site& site) {
     if (request.method == "GET") {
         if (std::optional<Answer> page = pageAnswer(request.path, view))
             return std::move(*page);
+        if (std::optional<Answer> setup = setupAnswer(request.path, site.alpaca))
+            return std::move(*setup);
     }
     for (const Route& row : kRoutes) {
         if (request.path != row.path)

@@ -4,7 +4,6 @@
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <ctime>
 
 namespace skyhold {
 
@@ -26,12 +25,6 @@ QJsonObject unknownDocument(const QString& reason) {
 }
 
 } // namespace
-
-std::int64_t bootMs() {
-    timespec now{};
-    ::clock_gettime(CLOCK_BOOTTIME, &now);
-    return static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1'000'000;
-}
 
 Snapshot snapshotOf(const QByteArray& text, std::int64_t heardMs) {
     const QJsonDocument parsed =

@@ -2,6 +2,8 @@
 // whether the monitor answers. The thread of the bus writes it, that of the network reads it.
 #pragma once
 
+#include "platform/clock.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
@@ -11,10 +13,6 @@
 #include <mutex>
 
 namespace skyhold {
-
-// Milliseconds that only ever go forward, time asleep included: what was safe before the machine
-// slept is not known to be safe after it.
-std::int64_t bootMs();
 
 inline constexpr std::int64_t kSilenceMs = 4000; // a monitor that does not answer for so long hangs
 

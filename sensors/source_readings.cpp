@@ -1,7 +1,5 @@
 #include "sensors/source_readings.h"
 
-#include <ctime>
-
 namespace skyhold {
 
 namespace {
@@ -9,12 +7,6 @@ namespace {
 constexpr qsizetype kLongestText = 255;
 
 } // namespace
-
-std::int64_t bootMs() {
-    timespec time{};
-    ::clock_gettime(CLOCK_BOOTTIME, &time);
-    return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
-}
 
 void SourceReadings::take(const QString& address, const QString& text, std::int64_t atMs) {
     if (!wants(address))

@@ -1,6 +1,8 @@
 // What a source has found: the latest text at each address, and when it came.
 #pragma once
 
+#include "platform/clock.h"
+
 #include <QHash>
 #include <QSet>
 #include <QString>
@@ -9,10 +11,6 @@
 #include <functional>
 
 namespace skyhold {
-
-// Milliseconds since the machine's start, the time asleep included: what was measured before a
-// sleep is old after it.
-std::int64_t bootMs();
 
 struct SourceSample {
     QString text;

@@ -64,6 +64,12 @@ void SystemClock::waitServingEvents(int ms) {
     loop.exec();
 }
 
+std::int64_t bootMs() {
+    timespec time{};
+    ::clock_gettime(CLOCK_BOOTTIME, &time);
+    return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
+}
+
 double daySerial(const QDateTime& time) {
     return static_cast<double>(localStamp(time)) / static_cast<double>(kMsPerDay);
 }

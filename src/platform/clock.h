@@ -53,6 +53,10 @@ class SystemClock : public Clock {
     mutable int offsetSeconds_ = 0;          // local time is UTC and this
 };
 
+// Milliseconds since the machine's start, which only ever go forward and count the time asleep too:
+// what was heard before a sleep is not news after it.
+std::int64_t bootMs();
+
 // Local days since 30 December 1899, the time of day as the fraction.
 double daySerial(const QDateTime& time);
 QDateTime fromDaySerial(double days);

@@ -16,13 +16,6 @@ namespace {
 
 constexpr std::int64_t kPatienceMs = 5000;
 
-// Unlike the clock of elapsed times this one goes on while the machine sleeps.
-std::int64_t sinceBootMs() {
-    timespec time{};
-    clock_gettime(CLOCK_BOOTTIME, &time);
-    return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1'000'000;
-}
-
 timespec timeOf(std::int64_t ms) {
     timespec time{};
     time.tv_sec = static_cast<time_t>(ms / 1000);
@@ -51,7 +44,7 @@ std::int64_t Timer::realIntervalMs() const {
 
 void Timer::arm(int intervalMs) {
     interval_ = intervalMs;
-    lastTick_ = sinceBootMs();
+    lastTick_ = bootMs();
     const timespec every = timeOf(realIntervalMs());
     const itimerspec times{.it_interval = every, .it_value = every};
     ::timerfd_settime(fd_, 0, &times, nullptr);
@@ -64,7 +57,7 @@ void Timer::disarm() {
 }
 
 bool Timer::overdue() const {
-    return enabled() && sinceBootMs() - lastTick_ > 3 * realIntervalMs() + kPatienceMs;
+    return enabled() && bootMs() - lastTick_ > 3 * realIntervalMs() + kPatienceMs;
 }
 
 void Timer::expired() {
@@ -74,7 +67,7 @@ void Timer::expired() {
     ticking_ = true;
     if (overdue() && Overdue)
         Overdue();
-    lastTick_ = sinceBootMs();
+    lastTick_ = bootMs();
     if (Tick)
         Tick();
     ticking_ = false;

@@ -33,7 +33,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, Replay,
                          testing::Values(kHtmlTable, kCsvTable, kStationValue, kStationFile,
                                          kSector, kNumberBox, kSettingsFile, kAutomationValue,
                                          kAutomationMembers, kUpdateFiles, kIndiStream,
-                                         kSensorValues),
+                                         kSensorValues, kGatewayRequests),
                          [](const auto& target) { return std::string(target.param.name); });
 
 } // namespace

@@ -1,0 +1,12 @@
+// Alpaca's set-up pages, which clients open in a browser: what is set, and where to change it.
+#pragma once
+
+#include "gateway/alpaca.h"
+#include "gateway/request.h"
+
+namespace skyhold {
+
+// Of "/setup" and "/setup/v1/TYPE/0/setup"; nothing for any other path.
+std::optional<Answer> setupAnswer(const QByteArray& path, const AlpacaServer& server);
+
+} // namespace skyhold
