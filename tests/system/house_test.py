@@ -4,8 +4,10 @@ goes on saying safe. Hooks and the fleet at the same broker."""
 import contextlib
 import datetime
 import json
+import pathlib
 import signal
 import subprocess
+import tempfile
 import threading
 import time
 import unittest
@@ -220,6 +222,52 @@ class RunsHooks(unittest.TestCase):
                 place.monitor.kill()
                 wait_until("stopped", lambda: "stopped {" in events())
             self.assertNotIn("secret", seen.read_text(encoding="utf-8"))
+
+    def test_those_that_come_along(self):
+        """Each with a program in place of what it drives, which keeps arguments and input."""
+        hooks = pathlib.Path(__file__).resolve().parents[2] / "contrib/hooks"
+        with tempfile.TemporaryDirectory() as folder:
+            place = pathlib.Path(folder)
+            (place / "token").write_text("t0ken\n", encoding="utf-8")
+            for name in ["sendmail", "curl", "pulse", "release", "skyholdctl", "sleep"]:
+                script = place / name
+                script.write_text(f"""#!/bin/sh
+echo "$0 $*" >>{place}/seen
+case $0 in
+*/sendmail | */curl) cat >>{place}/seen ;;
+*/skyholdctl) count=$(grep -c skyholdctl {place}/seen); exit $((count - 1)) ;; # safe only once
+*/sleep) [ $(grep -c sleep {place}/seen) -lt 3 ] || kill $PPID ;;
+esac
+""", encoding="utf-8")
+                script.chmod(0o755)
+            relay = ["relay", place / "pulse", place / "release"]
+            for arguments, event, status, present, absent in [
+                    (["mail", "me@example.org"], "unsafe", 0,
+                     ["sendmail -t -i", "To: me@example.org\n", ": unsafe\n", "\n\nRain\n", "{}"], []),
+                    (["mail", "me@example.org"], "waiting", 0, [], ["sendmail"]),
+                    (["push", "https://push", place / "token"], "stopped", 0,
+                     ["--data-raw Rain https://push\n", "Priority: high", "Bearer t0ken"], []),
+                    (["push", "https://push"], "safe", 0, ["Priority: default"], ["Bearer"]),
+                    (["push"], "safe", 2, [], ["curl"]),
+                    (relay, "unsafe", 0, ["/release"], ["/pulse"]),
+                    (relay, "stopped", 0, ["/release"], ["/pulse"]),
+                    (relay, "safe", 0, [], ["/release", "/pulse"]),
+                    # The service: one pulse, for one "safe" in three questions.
+                    (relay, None, -signal.SIGTERM, ["/pulse"], ["/release"])]:
+                with self.subTest(arguments=arguments, event=event):
+                    (place / "seen").write_text("", encoding="utf-8")
+                    environment = {"PATH": f"{place}:/usr/bin:/bin", "SKYHOLD_REASON": "Rain"}
+                    if event:
+                        environment["SKYHOLD_EVENT"] = event
+                    done = subprocess.run([hooks / arguments[0], *arguments[1:]], env=environment,
+                                          input="{}", text=True, timeout=20, check=False,
+                                          stderr=subprocess.DEVNULL)
+                    self.assertEqual(done.returncode, status)
+                    seen = (place / "seen").read_text(encoding="utf-8")
+                    for text in present:
+                        self.assertEqual(seen.count(text), 1, seen)
+                    for text in absent:
+                        self.assertNotIn(text, seen)
 
 
 class Fleet(unittest.TestCase):
