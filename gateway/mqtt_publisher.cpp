@@ -10,12 +10,21 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kLastWordsMs = 1000; // shorter than the patience of whoever ends it
 
-MqttBroker withWill(MqttBroker broker, const QString& idEnd, const QString& topic,
+MqttBroker withWill(const MqttOptions& options, const QString& idEnd, const QString& topic,
                     const QByteArray& payload) {
+    MqttBroker broker = options.broker;
     broker.clientId += idEnd;
     broker.mqtt5 = true;
-    broker.will = MqttMessage{.topic = topic, .payload = payload, .retain = true};
+    broker.will =
+        MqttMessage{.topic = options.prefix + u'/' + topic, .payload = payload, .retain = true};
     return broker;
+}
+
+View silent(const QString& why) {
+    View view;
+    view.snapshot = std::make_shared<const Snapshot>();
+    view.fault = why;
+    return view;
 }
 
 } // namespace
@@ -24,46 +33,52 @@ MqttPublisher::MqttPublisher(const MqttOptions& options, const StateBoard& board
     : options_(options)
     , board_(board)
     , feed_(options.prefix, options.discovery)
-    , state_(withWill(options.broker, {}, options.prefix + u"/safe"_s, "OFF"), bootMs)
-    , presence_(withWill(options.broker, u"-availability"_s, options.prefix + u"/availability"_s,
-                         "offline"),
-                bootMs) {
+    , main_(withWill(options, {}, u"safe"_s, "OFF"), bootMs)
+    , state_(withWill(options, u"-state"_s, u"state"_s,
+                      silent(u"The gateway is gone"_s).documentText()),
+             bootMs)
+    , availability_(withWill(options, u"-availability"_s, u"availability"_s, "offline"), bootMs) {
     if (!options_.discovery.isEmpty())
-        state_.Topics = {options_.discovery + u"/status"_s};
-    state_.Connected = [this] {
-        log(u"connected to "_s + state_.broker().address());
-        feed_.forget();
-        look();
+        main_.Topics = {options_.discovery + u"/status"_s};
+    main_.Connected = [this] {
+        log(u"connected to "_s + main_.broker().address());
+        publishAll();
     };
-    state_.Lost = [this](const QString& why) {
-        log(u"no broker at %1: %2"_s.arg(state_.broker().address(), why));
+    main_.Lost = [this](const QString& why) {
+        log(u"no broker at %1: %2"_s.arg(main_.broker().address(), why));
     };
-    state_.Refused = [this](const QString& why) {
+    main_.Refused = [this](const QString& why) {
         log(u"the broker refuses what is published: "_s + why);
     };
-    state_.Arrived = [this](const MqttMessage& message, std::int64_t) {
+    main_.Arrived = [this](const MqttMessage& message, std::int64_t) {
         if (message.payload == "online" && !message.retain) {
             feed_.announce();
             look();
         }
     };
-    presence_.Connected = [this] {
-        presence_.publish(
+    // Its will may have replaced the document meanwhile.
+    state_.Connected = [this] {
+        publishAll();
+    };
+    availability_.Connected = [this] {
+        availability_.publish(
             {.topic = options_.prefix + u"/availability"_s, .payload = "online", .retain = true});
     };
-    state_.start();
-    presence_.start();
+    for (MqttConnection* connection : {&main_, &state_, &availability_})
+        connection->start();
 }
 
 MqttPublisher::~MqttPublisher() {
     ending_ = true;
     feed_.forget();
-    View last;
-    last.snapshot = std::make_shared<const Snapshot>();
-    last.fault = u"The gateway has stopped"_s;
-    publish(last, bootMs());
-    if (state_.connected() && !state_.flush(kLastWordsMs))
+    publish(silent(u"The gateway has stopped"_s), bootMs());
+    if (main_.connected() && !main_.flush(kLastWordsMs))
         log(u"the broker did not take the last message"_s);
+}
+
+void MqttPublisher::publishAll() {
+    feed_.forget();
+    look();
 }
 
 void MqttPublisher::look() {
@@ -74,10 +89,10 @@ void MqttPublisher::look() {
 }
 
 void MqttPublisher::publish(const View& view, std::int64_t nowMs) {
-    if (!state_.connected())
+    if (!main_.connected())
         return;
     for (const MqttMessage& message : feed_.due(view, nowMs))
-        state_.publish(message);
+        main_.publish(message);
 }
 
 void MqttPublisher::log(const QString& text) {

@@ -12,10 +12,10 @@ struct MqttOptions {
     QString discovery = QStringLiteral("homeassistant"); // prefix; empty: no discovery messages
 };
 
-// A will can set one topic, and two must not outlive this program: "safe", for whoever reads only
-// that one, and "availability". So there are two connections, each with its will. They are always
-// ended without a goodbye, so that the end of the program takes one way, whatever ends it. What
-// else says safe expires at the broker, also where the broker dies together with this program and
+// A will can set one topic, and three must not outlive this program: "safe" and "state", which say
+// that it is safe, and "availability". So there are three connections, each with its will. They are
+// always ended without a goodbye, so that the end of the program takes one way, whatever ends it.
+// What says safe expires at the broker besides, for one that dies together with this program and
 // starts alone.
 class MqttPublisher {
   public:
@@ -28,13 +28,15 @@ class MqttPublisher {
 
   private:
     void publish(const View& view, std::int64_t nowMs);
+    void publishAll();
     void log(const QString& text);
 
     MqttOptions options_;
     const StateBoard& board_;
     MqttFeed feed_;
+    MqttConnection main_; // its will is on "safe"; publishes all but the availability
     MqttConnection state_;
-    MqttConnection presence_;
+    MqttConnection availability_;
     QString logged_;
     bool ending_ = false;
 };

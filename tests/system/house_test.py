@@ -115,6 +115,8 @@ class PublishesTheState(unittest.TestCase):
                     gateway.program.send_signal(number)
                     heard.wait_for(safe, "OFF")
                     heard.wait_for(f"{PREFIX}/availability", "offline")
+                    wait_until("a document that says so", lambda: not json.loads(
+                        heard.latest[f"{PREFIX}/state"])["safe"])
                     self.assertLess(time.monotonic() - begin, 2)
                     gateway.program.wait(5)
                     self.assertEqual(retained(broker), "OFF")
