@@ -54,7 +54,10 @@ ShowMessage terminalMessages() {
     return [](const Message& message) {
         const QString title =
             message.title.isEmpty() ? QStringLiteral("Kiv_Skyhold") : message.title;
-        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(message.text));
+        const QString text = message.about.isEmpty()
+                                 ? message.text
+                                 : message.about + QStringLiteral(": ") + message.text;
+        std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
         return safestAnswer(message.style);
     };
 }

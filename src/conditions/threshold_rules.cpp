@@ -8,14 +8,14 @@ const QString kGreater = QStringLiteral(" value CANNOT be greater or equal than 
 const QString kSmaller = QStringLiteral(" value CANNOT be smaller or equal than ");
 const QString kLarger = QStringLiteral(" value CANNOT be larger or equal than ");
 
-// `act` gets the box, a copy of its edit, and why that is refused.
+// `act` gets the box, a copy of its edit, its quantity, and why the edit is refused.
 template <class Act>
 void forEachEdit(ConditionControls& conditions, const Act& act) {
     for (const Quantity quantity : kStationQuantities) {
         for (std::size_t i = 0; i < 3; ++i) {
             NumberBox& box = conditions.Limit[quantity][i];
             if (const std::optional<NumberEdit> edit = box.Edit)
-                act(box, *edit, limitFault(conditions, quantity, i, edit->typed));
+                act(box, *edit, quantity, limitFault(conditions, quantity, i, edit->typed));
         }
     }
 }
@@ -59,30 +59,36 @@ QString limitFault(ConditionControls& conditions, Quantity quantity, std::size_t
     return ValidateLimit(quantity, index, thresholds);
 }
 
+Message refusedLimit(Quantity quantity, const QString& fault) {
+    return {fault, MessageStyle::Ok, {}, QString::fromUtf16(rowOf(quantity).title)};
+}
+
 bool acceptLimits(ConditionControls& conditions, const ShowMessage& showMessage) {
-    QString fault;
-    forEachEdit(conditions, [&](NumberBox& box, const NumberEdit& edit, const QString& refused) {
+    std::optional<Message> fault;
+    forEachEdit(conditions, [&](NumberBox& box, const NumberEdit& edit, Quantity quantity,
+                                const QString& refused) {
         if (!refused.isEmpty()) {
-            fault = refused;
+            fault = refusedLimit(quantity, refused);
             return;
         }
         if (box.Value != edit.typed)
             box.set(edit.typed);
         box.Edit.reset();
     });
-    if (!fault.isEmpty())
-        showMessage({fault, MessageStyle::Ok, {}});
-    return fault.isEmpty();
+    if (fault)
+        showMessage(*fault);
+    return !fault;
 }
 
 void dropRefusedLimits(ConditionControls& conditions) {
-    forEachEdit(conditions, [](NumberBox& box, const NumberEdit& edit, const QString& refused) {
-        if (refused.isEmpty())
-            return;
-        box.set(edit.typed); // so that the view of an emptied box sees a change, too
-        box.set(edit.before);
-        box.Edit.reset();
-    });
+    forEachEdit(conditions,
+                [](NumberBox& box, const NumberEdit& edit, Quantity, const QString& refused) {
+                    if (refused.isEmpty())
+                        return;
+                    box.set(edit.typed); // so that the view of an emptied box sees a change, too
+                    box.set(edit.before);
+                    box.Edit.reset();
+                });
 }
 
 } // namespace skyhold

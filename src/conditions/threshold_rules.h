@@ -25,6 +25,10 @@ QString ValidateLimit(Quantity quantity, std::size_t index, const Thresholds& th
 QString limitFault(ConditionControls& conditions, Quantity quantity, std::size_t index,
                    double value);
 
+// The message of such a fault, which names the quantity: levels of several quantities may have the
+// same name.
+Message refusedLimit(Quantity quantity, const QString& fault);
+
 // A limit that is being typed is to be used or kept. False, with a message, when it is refused;
 // otherwise it is entered.
 bool acceptLimits(ConditionControls& conditions, const ShowMessage& showMessage);

@@ -13,7 +13,8 @@ enum class MessageAnswer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 struct Message {
     QString text;
     MessageStyle style = MessageStyle::Ok;
-    QString title; // empty: the main window's caption
+    QString title;      // empty: the main window's caption
+    QString about = {}; // stands over the text: "Wind"; empty: nothing does
 };
 
 // Shows the message and returns when it has been answered; events are served meanwhile.

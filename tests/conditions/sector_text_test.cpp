@@ -1,6 +1,7 @@
 #include "conditions/sector_text.h"
 
 #include "conditions/rules_of.h"
+#include "model/compass.h"
 
 #include <gtest/gtest.h>
 
@@ -46,11 +47,34 @@ TEST(Sectors, TheEditorKeepsItsRulesAndWritesTheFixedColumns) {
         EXPECT_EQ(editedSectorText(edited), text);
         EXPECT_EQ(editedSectorText(sectorForEditing(text)), text);
     }
+    EXPECT_EQ(sectorBetween(200, 30, 2), (Sector{-160, 30, 2}));
+    EXPECT_EQ(sectorBetween(30, 200, 2), (Sector{30, 200, 2}));
     // Texts that no editor wrote open within the rules.
     EXPECT_EQ(sectorForEditing(u"200  100  01"_s), (Sector{100, 100, 1}));
     EXPECT_EQ(sectorForEditing(u"-200 300  01"_s), (Sector{-59, 300, 1}));
     for (const QString& text : {u"unreadable"_s, QString()})
         EXPECT_EQ(sectorForEditing(text), Sector{});
+}
+
+TEST(Sectors, WordsSayWhatTheTextMeans) {
+    std::array<QString, 16> labels;
+    for (std::size_t i = 0; i < labels.size(); ++i)
+        labels[i] = QString::fromLatin1(kCompassPoints[i]);
+    labels[8] = u"Sud"_s;
+    const std::pair<QString, QString> rows[] = {
+        {u"000  359  01"_s, u"all directions, after 1 min"_s},
+        {u"-359 000  00"_s, u"all directions, at once"_s},
+        {u"225  315  02"_s, u"SW to NW, after 2 min"_s},
+        {u"-030 030  00"_s, u"330° to 30°, at once"_s},
+        {u"-022 178  10"_s, u"NNW to 178°, after 10 min"_s},
+        {u"090  180  05"_s, u"E to Sud, after 5 min"_s},
+        {u"000  000  01"_s, u"only N, after 1 min"_s},
+        {u"300  100  01"_s, u"no direction"_s},
+        {u"100  999  01"_s, u"100° to N, after 1 min"_s}, // ends at 359
+        {QString(), u"all directions, at once"_s},
+        {u"unreadable"_s, u"all directions, at once"_s}};
+    for (const auto& [text, words] : rows)
+        EXPECT_EQ(sectorWords(text, labels), words) << qPrintable(text);
 }
 
 // What is no sector restricts nothing.

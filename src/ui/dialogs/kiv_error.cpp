@@ -26,6 +26,15 @@ KivError::KivError(const Message& message, const QString& caption, QWidget* pare
     setWindowTitle(message.title.isEmpty() ? caption : message.title);
     QVBoxLayout* column = dialogColumn(this);
 
+    if (!message.about.isEmpty()) {
+        auto* about = new QLabel(message.about, this);
+        about->setObjectName(QStringLiteral("LblAbout"));
+        about->setTextFormat(Qt::PlainText);
+        QFont bold = about->font();
+        bold.setBold(true);
+        about->setFont(bold);
+        column->addWidget(about);
+    }
     auto* text = new QLabel(message.text, this);
     text->setObjectName(QStringLiteral("LblText"));
     text->setTextFormat(Qt::PlainText);

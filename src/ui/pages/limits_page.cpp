@@ -72,9 +72,9 @@ void addLevel(QGridLayout* grid, const QuantityRow& shown, std::size_t i,
                 limit->holdsNumber() ? conditions.Limit[quantity][i].Value.value() : 0;
             return limitFault(conditions, quantity, i, value);
         },
-        [&showMessage](const QString& text) {
+        [&showMessage, quantity = shown.quantity](const QString& text) {
             if (showMessage)
-                showMessage({text, MessageStyle::Ok, {}});
+                showMessage(refusedLimit(quantity, text));
         });
 
     const int row = static_cast<int>(i) * 2 + 1;
