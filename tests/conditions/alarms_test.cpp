@@ -1,9 +1,185 @@
-// Which condition alarm sounds.
-#include "alarm_fixture.h"
+#include "conditions/alarms.h"
+#include "conditions/rules_of.h"
+#include "judge/judge.h"
+#include "support/manual_clock.h"
+#include "support/scripted_media.h"
+#include "support/test_folder.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
-
 namespace {
+
+// A monitor whose alarms are played by a scripted media control, in calm, clear, dry weather.
+
+struct AlarmFixture : testing::Test {
+    AlarmFixture() {
+        for (const QuantityRow& row : quantityTable()) {
+            for (std::size_t i = 0; i < kLevelCount; ++i) {
+                controls.Cond[row.quantity][i].Value = row.levels[i].unsafe ? 1 : 0;
+                if (row.hasLimits())
+                    controls.Limit[row.quantity][i].Value =
+                        QByteArray(row.levels[i].limit).toDouble();
+            }
+        }
+        seen.station.state = SourceState::Ok;
+        seen.sensor.state = SourceState::Ok;
+        for (const Quantity quantity : kAllQuantities)
+            setLevel(quantity, 1);
+        setLevel(Quantity::Temperature, 2);
+        setLevel(Quantity::Dew, 3);
+        beginSession({}, memory, {clock.MsClock(), clock.MsClock()});
+    }
+
+    // 0 is above the last limit.
+    void setLevel(Quantity quantity, std::int32_t level) {
+        const auto& limits = controls.Limit[quantity];
+        if (!rowOf(quantity).hasLimits())
+            seen.givenLevels[quantity] = level;
+        else if (level == 0)
+            seen.values[quantity] = limits.back().Value + 1;
+        else
+            seen.values[quantity] = limits[static_cast<std::size_t>(level - 1)].Value;
+    }
+
+    // A sound file of that name; its path.
+    QString sound(const QString& name) const { return folder.write(name + u".wav"_s); }
+
+    // The one indicator that is lit, or -1.
+    int lit() const {
+        int found = -1;
+        for (int i = 0; i < 10; ++i) {
+            if (!alarms.PlayAlarm[static_cast<std::size_t>(i)])
+                continue;
+            EXPECT_EQ(found, -1) << "two indicators are lit";
+            found = i;
+        }
+        return found;
+    }
+
+    ManualClock clock;
+    Observation seen;
+    ConditionControls controls;
+    JudgeMemory memory;
+    CurrentReadings readings;
+    TestFolder folder;
+    AlarmControls alarms;
+    ScriptedMedia media;
+    Timer timer{clock};
+    AlarmPlayer player{media, timer, alarms};
+};
+
+// How an alarm is started and stopped, and the alarms of the two sources.
+
+using AlarmSounds = AlarmFixture;
+
+TEST_F(AlarmSounds, StartAndStopSendTheirCommands) {
+    const QString plain = sound(u"bell"_s);
+    const QString blanks = sound(u"two words|2"_s);
+    const QString once = u"play KivNubiloPlayer from 0"_s;
+    const QString repeated = once + u" repeat"_s;
+    const QStringList silence{u"stop KivNubiloPlayer"_s, u"close KivNubiloPlayer"_s};
+    const auto open = [](const QString& path) {
+        return u"open "_s + path + u" type MPEGVideo alias KivNubiloPlayer"_s;
+    };
+    const struct {
+        QString spec;
+        int openResult;
+        QStringList commands; // after the silence
+        bool started;
+    } rows[] = {
+        {plain, 0, {open(plain), once}, true},
+        {plain + u"|repeat"_s, 0, {open(plain), repeated}, true},
+        {blanks + u"|once"_s, 0, {open(u'"' + blanks + u'"'), repeated}, true},
+        {blanks, 0, {}, false}, // the name ends at the bar
+        {plain, 263, {open(plain)}, false},
+        {folder.filePath(u"missing.wav"_s), 0, {}, false},
+        {QString(), 0, {}, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(qPrintable(row.spec));
+        media.openResult = row.openResult;
+        readings.AlarmSoundId = u"R2"_s;
+        ShowPlayingAlarm(alarms, u"R2"_s);
+        AlarmStart(player, row.spec);
+        EXPECT_EQ(std::exchange(media.commands, {}), silence + row.commands);
+        EXPECT_EQ(timer.interval(), row.started ? 500 : 0);
+        EXPECT_EQ(alarms.ButtStopAlarm.Visible, row.started);
+        EXPECT_EQ(lit(), -1);
+        AlarmStop(player);
+        EXPECT_EQ(std::exchange(media.commands, {}), silence);
+        EXPECT_FALSE(timer.enabled() || alarms.ButtStopAlarm.Visible);
+        EXPECT_EQ(readings.AlarmSoundId, u"R2"_s);
+    }
+}
+
+TEST_F(AlarmSounds, OfTheSources) {
+    using Stop = std::function<void()>;
+    using Event = std::function<void(const Stop& stopSensorAlarm)>;
+    const auto station = [this](StationFileState state) -> Event {
+        return [this, state](const Stop& stop) {
+            StationDataAlarm(state, player, readings, stop);
+        };
+    };
+    const auto sensor = [this](bool failed) -> Event {
+        return [this, failed](const Stop& stop) {
+            SensorFailureAlarm(failed, player, readings, stop);
+        };
+    };
+    const Event old = station(StationFileState::Old);
+    const Event missing = station(StationFileState::Missing);
+    const Event unchanged = station(StationFileState::Unchanged);
+    const Event rewritten = station(StationFileState::Refreshed);
+    const Event failed = sensor(true);
+    const Event well = sensor(false);
+    const struct {
+        const char* what;
+        const Event& event;
+        bool ticked, hasSound;
+        QString owner, heard;
+        bool sensorStopped;
+        QString id;
+        int lit;
+    } rows[] = {
+        {"too old", old, true, true, {}, u"its"_s, true, u"10"_s, 8},
+        {"too old, replaces a condition", old, true, true, u"C2"_s, u"its"_s, true, u"10"_s, 8},
+        {"still too old", old, true, true, u"10"_s, {}, false, u"10"_s, 8},
+        {"old, not ticked", old, false, true, u"C2"_s, {}, false, u"C2"_s, 0},
+        {"old, no sound", old, true, false, {}, {}, false, {}, -1},
+        {"missing", missing, true, true, {}, u"its"_s, false, u"10"_s, 8},
+        {"missing, not ticked", missing, false, true, {}, {}, false, {}, -1},
+        {"missing, no sound", missing, true, false, u"C2"_s, u"-"_s, false, u"10"_s, 8},
+        {"recent, not rewritten", unchanged, true, true, u"10"_s, u"-"_s, false, u"10"_s, -1},
+        {"rewritten", rewritten, true, true, u"10"_s, u"-"_s, false, {}, -1},
+        {"rewritten, not its alarm", rewritten, true, true, u"R2"_s, {}, false, u"R2"_s, 1},
+        {"failed", failed, true, true, u"10"_s, u"its"_s, true, u"20"_s, 9},
+        {"still failed", failed, true, true, u"20"_s, {}, false, u"20"_s, 9},
+        {"failed, not ticked", failed, false, true, {}, {}, false, {}, -1},
+        {"failed, no sound", failed, true, false, {}, {}, false, {}, -1},
+        {"well again", well, true, true, u"20"_s, u"-"_s, false, {}, -1},
+    };
+    alarms.SuspendSoundAlarm.Value = 1; // concerns the condition alarms alone
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        for (CheckBox* box : {&alarms.AlarmWS, &alarms.AlarmNB}) {
+            box->Value = row.ticked;
+            box->Tag = row.hasSound ? sound(u"its"_s) : QString();
+        }
+        readings.AlarmSoundId = row.owner;
+        ShowPlayingAlarm(alarms, row.owner);
+        bool sensorStopped = false;
+        row.event([&] {
+            sensorStopped = true;
+            EXPECT_TRUE(media.commands.isEmpty()) << "first the sensor program's own alarm";
+        });
+        EXPECT_EQ(sensorStopped, row.sensorStopped);
+        EXPECT_EQ(readings.AlarmSoundId, row.id);
+        EXPECT_EQ(lit(), row.lit);
+        EXPECT_EQ(media.heard(), row.heard);
+    }
+}
+
+// Which condition alarm sounds.
 
 // One cycle of a walk.
 struct Step {
@@ -190,5 +366,4 @@ TEST_F(Alarms, CloudAndSectorsCountAsTheyDoForTheVerdict) {
 }
 
 } // namespace
-
 } // namespace skyhold

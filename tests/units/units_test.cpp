@@ -90,20 +90,6 @@ struct UnitChange : testing::Test {
     QStringList converted;
 };
 
-TEST_F(UnitChange, WhileSettingsLoadTheUnitIsOnlyRecorded) {
-    units.Loading = true;
-    speed(3);
-    temperature(1);
-    EXPECT_EQ(readings.SpeedUnit, SpeedCode::Knots);
-    EXPECT_EQ(units.PreviousSpeedUnit, SpeedCode::Knots);
-    EXPECT_EQ(units.SpeedUnitText.Caption.value(), u"knot"_s);
-    EXPECT_EQ(readings.TemperatureUnit, TemperatureCode::Fahrenheit);
-    EXPECT_EQ(units.PreviousTemperatureUnit, TemperatureCode::Fahrenheit);
-    EXPECT_EQ(units.TemperatureUnitText.Caption.value(), u"°F"_s);
-    expectLimits({10, 20, 30}, {0.5, 10.5, 20.5}, {2.5, 12.5, 22.5});
-    EXPECT_TRUE(converted.isEmpty());
-}
-
 TEST_F(UnitChange, SpeedConvertsWindAndGustLimitsAndTheHistoryOnce) {
     conditions.Limit[Quantity::Wind][0].Value = 36;
     speed(2);
@@ -128,11 +114,18 @@ TEST_F(UnitChange, TemperatureConvertsDewLimitsAsDifferences) {
     EXPECT_EQ(converted, (QStringList{u"C>F"_s, u"F>C"_s}));
 }
 
-TEST_F(UnitChange, ChoosingTheUnitInForceLeavesLimitsAlone) {
+TEST_F(UnitChange, ChoosingTheUnitInForceOrLoadingSettingsLeavesLimitsAlone) {
     readings.TemperatureUnit = TemperatureCode::Unknown; // the file's unit was unknown for a while
     temperature(0);
     speed(0);
     EXPECT_EQ(readings.TemperatureUnit, TemperatureCode::Celsius);
+    expectLimits({10, 20, 30}, {0.5, 10.5, 20.5}, {2.5, 12.5, 22.5});
+    units.Loading = true;
+    speed(3);
+    temperature(1);
+    EXPECT_EQ(units.PreviousSpeedUnit, SpeedCode::Knots);
+    EXPECT_EQ(units.SpeedUnitText.Caption.value(), u"knot"_s);
+    EXPECT_EQ(units.TemperatureUnitText.Caption.value(), u"°F"_s);
     expectLimits({10, 20, 30}, {0.5, 10.5, 20.5}, {2.5, 12.5, 22.5});
     EXPECT_TRUE(converted.isEmpty());
 }

@@ -1,6 +1,6 @@
-#include "conditions/sector_text.h"
-
 #include "conditions/rules_of.h"
+#include "conditions/sector_text.h"
+#include "conditions/threshold_rules.h"
 #include "model/compass.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +8,52 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
+namespace {
+
+TEST(ThresholdRules, AnEntryMustKeepTheOrder) {
+    using enum Quantity;
+    const std::array<QString, 3> names{u"Calm"_s, u"breezy"_s, u"Very Windy"_s};
+    const std::string greater = "CALM value CANNOT be greater or equal than BREEZY value";
+    const std::string smaller = "BREEZY value CANNOT be smaller or equal than CALM value";
+    const struct {
+        Quantity quantity;
+        std::array<double, 3> limits;
+        std::size_t index; // the entry that is left
+        std::string message;
+    } cases[]{
+        {Wind, {10, 20, 99}, 0, ""},
+        {Wind, {20, 20, 99}, 0, greater},
+        {Wind, {100, 120, 99}, 0, ""}, // entry 0 against entry 1 only
+        {Wind, {10, 10, 99}, 1, smaller},
+        {Wind, {10, 99, 99}, 1, "BREEZY value CANNOT be larger or equal than VERY WINDY value"},
+        {Wind, {10, 5, 3}, 1, smaller}, // one message
+        {Gust, {10, 20, 15}, 2, "VERY WINDY value CANNOT be smaller or equal than BREEZY value"},
+        {Dew, {10, 20, 10}, 2, "VERY WINDY value CANNOT be smaller or equal than CALM value"},
+        {Temperature, {-5, -5, 30}, 1, smaller},
+        {Humidity, {80, 90, 100}, 2, ""},
+        {Humidity, {80, 90, 101}, 2, "VERY WINDY value CANNOT be greater than 100"},
+        {Humidity, {101, 90, 99}, 0, "CALM value CANNOT be greater than 100"},
+        {Wind, {80, 90, 101}, 2, ""},
+    };
+    for (const auto& [quantity, limits, index, message] : cases)
+        EXPECT_EQ(ValidateLimit(quantity, index, {limits, names}).toStdString(), message);
+}
+
+TEST(ThresholdRules, LimitsFromElsewhereMayBeOutOfOrder) {
+    const std::pair<std::array<double, 3>, bool> rows[] = {{{10, 20, 99}, true},
+                                                           {{20, 10, 99}, false},
+                                                           {{10, 10, 99}, false},
+                                                           {{10, 99, 20}, false},
+                                                           {{10, qQNaN(), 99}, false}};
+    for (const auto& [values, ordered] : rows) {
+        ThreeBoxes limits;
+        for (std::size_t i = 0; i < limits.size(); ++i)
+            limits[i].Value = values[i];
+        EXPECT_EQ(limitsInOrder(limits), ordered) << values[0] << ' ' << values[1];
+    }
+}
+
+} // namespace
 
 // Names the case that fails.
 static void PrintTo(const Sector& sector, std::ostream* out) {
@@ -28,10 +74,8 @@ TEST(Sectors, TheEditorKeepsItsRulesAndWritesTheFixedColumns) {
         {{0, 30, 1}, moveSectorFrom, -30, {-30, 30, 1}},
         {{-30, 30, 1}, moveSectorTo, 350, {-30, 329, 1}},
         {{-30, 329, 1}, moveSectorFrom, 400, {329, 329, 1}},
-        {{329, 329, 1}, moveSectorTo, 100, {329, 329, 1}},
         {{329, 329, 1}, moveSectorTo, 999, {329, 359, 1}},
         {{0, 0, 0}, moveSectorFrom, -999, {-359, 0, 0}},
-        {{-359, 0, 0}, moveSectorTo, -1, {-359, 0, 0}},
     };
     for (const auto& row : moves) {
         Sector sector = row.sector;
@@ -94,5 +138,4 @@ TEST(Sectors, RulesTakeTheTextsOfTheControls) {
 }
 
 } // namespace
-
 } // namespace skyhold
