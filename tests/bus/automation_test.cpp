@@ -21,20 +21,16 @@ TEST(AutomationValue, convertsAsTheParameterNeeds) {
     } cases[] = {
         {7, 7, 7.0, true, u"7"_s},
         {2.5, 2, 2.5, true, u"2.5"_s},
-        {3.5, 4, 3.5, true, u"3.5"_s},
         {true, -1, -1.0, true, u"True"_s},
         {false, 0, 0.0, false, u"False"_s},
         {u" 12.5 "_s, 12, 12.5, true, u" 12.5 "_s},
         {u"1e-05"_s, 0, 1e-5, true, u"1e-05"_s},
         {u"12,5"_s, {}, {}, {}, u"12,5"_s},
-        {u"1,012.5"_s, {}, {}, {}, u"1,012.5"_s},
-        {u"1.012.5"_s, {}, {}, {}, u"1.012.5"_s},
         {u"true"_s, -1, {}, true, u"true"_s},
         {u"rain"_s, {}, {}, {}, u"rain"_s},
         {3e9, {}, 3e9, true, u"3000000000"_s},
         {kNan, {}, {}, {}, {}},
         {QVariant(), {}, {}, {}, {}},
-        {QVariantList{1}, {}, {}, {}, {}},
     };
     for (const auto& [value, integer, real, boolean, text] : cases) {
         SCOPED_TRACE(qPrintable(value.toString()));

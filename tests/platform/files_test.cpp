@@ -1,17 +1,21 @@
 #include "platform/files.h"
-
+#include "platform/line_file.h"
 #include "platform/replacement_file.h"
 #include "platform/settings_store.h"
 #include "support/test_folder.h"
 
+#include <QDir>
 #include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace skyhold {
 namespace {
-
-using namespace Qt::Literals::StringLiterals;
 
 struct Files : testing::Test {
     QString path(const QString& name) const { return folder.filePath(name); }
@@ -92,31 +96,120 @@ TEST_F(Files, replacementKeepsTheOldContentsUntilTheNewAreWhole) {
     EXPECT_FALSE(nowhere.commit());
 }
 
-TEST_F(Files, settingsAreTheOwnersAloneAndKeepWhatOthersWrote) {
-    const QString ini = path(u"Kiv/Test.ini"_s);
-    const QString password = u"a, b; \"c\" %D \\ é"_s;
-    const auto get = [](const QString& section, const QString& key) {
-        return SettingsStore(u"Test"_s).GetSetting(section, key, u"none"_s);
-    };
-    const auto othersMay = [&ini] {
-        return QFileInfo(ini).permissions() & QFileDevice::Permissions(0x0077);
-    };
-    EXPECT_EQ(get(u"Setup"_s, u"Server"_s), u"none"_s);
-    SettingsStore first(u"Test"_s);
-    first.SaveSetting(u"Setup"_s, u"Password"_s, password);
-    EXPECT_TRUE(first.flush());
-    EXPECT_FALSE(othersMay());
-    ASSERT_TRUE(
-        QFile::setPermissions(ini, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
-    SettingsStore store(u"Test"_s);
-    EXPECT_FALSE(othersMay());
-    EXPECT_EQ(get(u"Setup"_s, u"Password"_s), password);
+// Whose files are written: not what a link leads to that somebody else may have made.
 
-    // Another program (the uploader) writes into the same file.
-    SettingsStore(u"Test"_s).saveNow(u"Window"_s, u"Running"_s, u"1"_s);
-    store.saveNow(u"Setup"_s, u"Server"_s, u"host"_s);
-    EXPECT_EQ(get(u"Window"_s, u"Running"_s), u"1"_s);
-    EXPECT_EQ(get(u"Setup"_s, u"Server"_s), u"host"_s);
+class OwnFiles : public testing::Test {
+  protected:
+    void SetUp() override { qputenv("XDG_CONFIG_HOME", folder_.path().toLocal8Bit()); }
+
+    QString path(const QString& name) const { return folder_.filePath(name); }
+    QStringList names(const QString& folder) const {
+        return QDir(path(folder)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+    void write(const QString& name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    QByteArray read(const QString& name) const {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    }
+    void setMode(const QString& name, mode_t mode) const {
+        ASSERT_EQ(::chmod(qPrintable(path(name)), mode), 0);
+    }
+    mode_t mode(const QString& name) const {
+        struct stat status {};
+        return ::stat(qPrintable(path(name)), &status) == 0 ? status.st_mode & 0777 : 0;
+    }
+    // What is said while the settings are opened and saved.
+    static QString notes() {
+        testing::internal::CaptureStderr();
+        SettingsStore(u"Test"_s).saveNow(u"Setup"_s, u"Password"_s, u"secret"_s);
+        return QString::fromStdString(testing::internal::GetCapturedStderr());
+    }
+
+    QTemporaryDir folder_;
+};
+
+TEST_F(OwnFiles, aLinkInTheirPlaceIsNotFollowed) {
+    write(u"victim"_s, "precious");
+    const QString link = path(u"link"_s);
+    const auto replaced = [&link](const QByteArray& bytes) {
+        ReplacementFile file(link);
+        return file.write(bytes) && file.commit();
+    };
+    for (const QString& target : {path(u"victim"_s), path(u"nowhere"_s), u"/dev/null"_s}) {
+        ASSERT_TRUE(QFile::link(target, link));
+        EXPECT_FALSE(writeAtStart(link, "mine")) << qPrintable(target);
+        EXPECT_FALSE(LineFile().open(link, false)) << qPrintable(target);
+        EXPECT_FALSE(LineFile().open(link, true)) << qPrintable(target);
+        EXPECT_TRUE(replaced("mine"));
+        EXPECT_EQ(read(u"link"_s), "mine");
+        EXPECT_EQ(names({}), (QStringList{u"link"_s, u"victim"_s}));
+        EXPECT_EQ(read(u"victim"_s), "precious");
+        QFile::remove(link);
+    }
+}
+
+TEST_F(OwnFiles, whatAKilledProgramLeftIsRemoved) {
+    const QStringList others{u".page.txt.abc1ef"_s, u".page.txt.abcdefg"_s, u".pageXtxt.abcdef"_s};
+    for (const QString& name : others + QStringList{u".page.txt.abCDef"_s})
+        write(name, "half");
+    ReplacementFile::removeLeftovers(path(u"page.txt"_s));
+    EXPECT_EQ(names({}), others);
+}
+
+TEST_F(OwnFiles, settingsAreTakenFromEverybodyElse) {
+    EXPECT_EQ(notes(), QString());
+    EXPECT_EQ(mode(u"Kiv"_s), 0700U);
+    EXPECT_EQ(mode(u"Kiv/Test.ini"_s), 0600U);
+
+    setMode(u"Kiv"_s, 0755);
+    setMode(u"Kiv/Test.ini"_s, 0644);
+    EXPECT_EQ(notes().count(u"was open to other users"_s), 2);
+    EXPECT_EQ(mode(u"Kiv"_s), 0700U);
+    EXPECT_EQ(mode(u"Kiv/Test.ini"_s), 0600U);
+    EXPECT_EQ(notes(), QString());
+
+    write(u"Kiv/Test.ini.abcXYZ"_s, "half"); // by a program that was killed while it saved
+    write(u"Kiv/Test.ini.whole.abcXYZ"_s, "half");
+    write(u"Kiv/Test.ini.backup1"_s, "mine");
+    EXPECT_EQ(notes(), QString());
+    EXPECT_EQ(names(u"Kiv"_s), (QStringList{u"Test.ini"_s, u"Test.ini.backup1"_s}));
+}
+
+TEST_F(OwnFiles, aLinkToSettingsMustBeTheUsersOwnWork) {
+    EXPECT_EQ(notes(), QString());
+    const struct {
+        const char* what;
+        QString target;
+        mode_t folder;
+        bool followed;
+    } cases[] = {
+        {"others could have made it", path(u"page"_s), 0777, false},
+        {"the group could have made it", path(u"page"_s), 0770, false},
+        {"a device", u"/dev/null"_s, 0700, false},
+        {"nothing there", path(u"nowhere"_s), 0700, false},
+        {"the user's own", path(u"page"_s), 0700, true},
+    };
+    for (const auto& [what, target, folder, followed] : cases) {
+        QFile::remove(path(u"Kiv/Test.ini"_s));
+        ASSERT_TRUE(QFile::link(target, path(u"Kiv/Test.ini"_s)));
+        ASSERT_TRUE(QFile::link(path(u"page"_s), path(u"Kiv/Other.ini"_s)));
+        write(u"page"_s, "[Setup]\nServer=here\n");
+        setMode(u"page"_s, 0644);
+        setMode(u"Kiv"_s, folder);
+        const bool open = folder != 0700;
+        EXPECT_EQ(notes().count(u"left alone"_s), !followed + open) << what;
+        EXPECT_EQ(QFile::remove(path(u"Kiv/Other.ini"_s)), !open) << what;
+        EXPECT_EQ(mode(u"page"_s), followed ? 0600U : 0644U) << what;
+        EXPECT_EQ(read(u"page"_s) == "[Setup]\nServer=here\n", !followed) << what;
+        EXPECT_EQ(SettingsStore(u"Test"_s).GetSetting(u"Setup"_s, u"Server"_s, u"none"_s),
+                  followed ? u"here"_s : u"none"_s)
+            << what;
+        EXPECT_FALSE(QFile::exists(path(u"nowhere"_s)));
+    }
 }
 
 } // namespace
