@@ -1,14 +1,16 @@
+#include "datafiles/staleness.h"
 #include "datafiles/station_file.h"
-
 #include "platform/text_encoding.h"
+#include "support/manual_clock.h"
 #include "support/test_folder.h"
 
 #include <sys/stat.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace skyhold {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
 using enum StationRead;
 
 const QDateTime kModified(QDate(2026, 11, 16), QTime(9, 5, 2));
@@ -113,15 +115,6 @@ TEST_F(StationFile, FillsEveryEntryFromAPage) {
                          "1012,5 | °C | km/h | hPa"_s);
 }
 
-TEST_F(StationFile, FillsEveryEntryFromCsvWithEitherLineEnd) {
-    choose(u"a.csv.txt"_s);
-    for (const char* lineEnd : {"\r\n", "\n"}) {
-        ASSERT_EQ(readBytes(csvText(kRows, lineEnd)), Valid);
-        EXPECT_EQ(entries(), u"16/11 | 09:05:00 | -2.5 | 25.75 | 31.5 | 22.5 | 2.5 | 85 | -4.25 | "
-                             "1012.5 | &deg;C | km/h | hPa"_s);
-    }
-}
-
 TEST_F(StationFile, DateAndTimeThatDoNotConvert) {
     ASSERT_EQ(readBytes(htmlPage(kRows)), Valid);
     const QDateTime before = memory.recordTime;
@@ -141,8 +134,7 @@ TEST_F(StationFile, DateAndTimeThatDoNotConvert) {
     units.DateFormat.Index = 1;
     ASSERT_EQ(readBytes(htmlPage(rows)), Valid);
     EXPECT_EQ(memory.recordTime, QDateTime(QDate(2026, 11, 17), QTime(0, 0)));
-    EXPECT_EQ(entry(0), u"11/17"_s);
-    EXPECT_EQ(entry(1), u"noon"_s);
+    EXPECT_EQ(entry(0) + entry(1), u"11/17noon"_s);
 }
 
 TEST_F(StationFile, NamesThatWereNeverThereReadZeroAndWhatIsNoNumberIsBlank) {
@@ -157,17 +149,6 @@ TEST_F(StationFile, NamesThatWereNeverThereReadZeroAndWhatIsNoNumberIsBlank) {
     memory.reset();
     EXPECT_EQ(readBytes(csvText(kRows, "\r\n")), NoReadings) << "read as a page";
     EXPECT_EQ(entries(), u" |  | 0 | 0 | 0 | 0.0 | 0 | 0 | 0 | 0.0 |  |  | "_s);
-}
-
-TEST_F(StationFile, LongCellsAreCutAndHarmless) {
-    const QByteArray longText(4'000'000, ',');
-    const QByteArray page = htmlPage({{"WindSpeed", longText.constData(), longText.constData()},
-                                      {"Date", "", longText.constData()},
-                                      {"Time", "", longText.constData()}});
-    ASSERT_EQ(readBytes(page), ValueMissing);
-    EXPECT_EQ(entry(1).size(), 255);
-    EXPECT_EQ(entry(3), QString());
-    EXPECT_EQ(entry(11).size(), 255);
 }
 
 TEST_F(StationFile, WhatIsNoStationFileFillsNothing) {
@@ -271,9 +252,16 @@ TEST_F(StationFile, CsvThatStopsInsideARecordIsIncomplete) {
     // What follows the records, and whether the file is torn for ever with it.
     const QByteArray records = csvText(without("DewPoint"), "\r\n");
     const std::pair<QByteArray, StationRead> ends[] = {
-        {"made by a station\r\n", Valid},     {"two,fields\r\n", Valid},     {"\x1A", Valid},
-        {"made by a station\r\n\x1A", Valid}, {"no line end", Valid},        {"Dew", Incomplete},
-        {"dewpoint,C\r\n", Incomplete},       {"more,gust\r\n", Incomplete}, {"\"", Incomplete},
+        {"made by a station\r\n", Valid},
+        {"two,fields\r\n", Valid},
+        {"\x1A", Valid},
+        {"made by a station\r\n\x1A", Valid},
+        {"no line end", Valid},
+        {"Dew", Incomplete},
+        {"\x1A\nDew", Valid}, // behind the mark
+        {"dewpoint,C\r\n", Incomplete},
+        {"more,gust\r\n", Incomplete},
+        {"\"", Incomplete},
         {"DewPoint,C,\"4\r\n", Incomplete},
     };
     for (const auto& [end, read] : ends) {
@@ -318,12 +306,118 @@ TEST_F(StationFile, TornAtEveryByteNeverGivesAWrongWind) {
     }
 }
 
-TEST(StationReadStatus, EveryFailureHasATextThatFits) {
-    for (int read = static_cast<int>(Missing); read <= static_cast<int>(ValueMissing); ++read) {
-        const QString text = stationReadStatus(static_cast<StationRead>(read));
-        EXPECT_TRUE(text.startsWith(u"Weather Station Data - "_s)) << read;
-        EXPECT_LE(text.size(), 60) << read;
+TEST(StationFileVerdict, Judgement) {
+    const QDateTime written(QDate(2026, 11, 16), QTime(21, 0, 0, 250));
+    const QDateTime now(QDate(2026, 11, 16), QTime(22, 0));
+    const QString same = fileTimeText(written);
+    const QString other = fileTimeText(written.addMSecs(-1));
+    const QString never = neverReadFileTime();
+    const QDateTime summer(QDate(2026, 10, 25), QTime(2, 59), Qt::OffsetFromUTC, 7200);
+    const QDateTime winter(QDate(2026, 10, 25), QTime(2, 1), Qt::OffsetFromUTC, 3600);
+    const struct {
+        const char* what;
+        QDateTime modified;
+        QString last;
+        QDateTime record, now;
+        double timeout;
+        StationFileState state;
+        double age = 0;
+        double since = 0; // seconds since the file was found rewritten
+    } rows[] = {
+        {"no file", {}, same, now, now, 3, StationFileState::Missing},
+        {"no file, never read", {}, {}, now, now, 3, StationFileState::Missing},
+        {"never read", written, {}, {}, now, 3, StationFileState::Refreshed},
+        {"rewritten a millisecond later", written, other, {}, now, 3, StationFileState::Refreshed},
+        {"at the limit", written, same, now.addSecs(-180), now, 3, StationFileState::Unchanged,
+         180},
+        {"left behind", written, never, {}, written.addSecs(181), 3, StationFileState::Old, 181},
+        {"first read", written, never, {}, written.addSecs(180), 3, StationFileState::Refreshed},
+        {"beyond the limit", written, same, now.addSecs(-181), now, 3, StationFileState::Old, 181},
+        {"a record of the future", written, same, now.addSecs(181), now, 3, StationFileState::Old,
+         181},
+        {"a clock as wrong as the stop is long", written, same, now, now, 3, StationFileState::Old,
+         3600, 3600},
+        {"no minutes allowed", written, same, now, now, 0, StationFileState::Unchanged},
+        {"a limit that is no number", written, same, now, now, qQNaN(), StationFileState::Old},
+        {"the hour after summer time", written, same, summer, winter, 3,
+         StationFileState::Unchanged, 120},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const StationFileVerdict verdict =
+            judgeStationFile(row.modified, row.last, row.record, row.now, row.timeout, row.since);
+        EXPECT_EQ(verdict.state, row.state);
+        EXPECT_EQ(verdict.ageSeconds, row.age);
     }
+    // A record that was never read is too old whatever the limit.
+    EXPECT_EQ(judgeStationFile(written, same, {}, now, 1e12).state, StationFileState::Old);
+}
+
+struct Staleness : testing::Test {
+    Staleness() {
+        controls.HTMFile.Caption = path;
+        controls.TimeoutREAD.Value = 3;
+    }
+    void writeNow(const QString& name = u"WindSpeed"_s) const {
+        const QString row = u"<tr><td>%1</td><td></td><td>%2</td></tr>"_s;
+        folder.write(u"Station.htm"_s,
+                     (u"<table>"_s + row.arg(u"Date"_s, clock.now().toString(u"dd/MM/yyyy"_s)) +
+                      row.arg(u"Time"_s, clock.now().toString(u"HH:mm:ss"_s)) +
+                      row.arg(name, u"5"_s) + u"</table>"_s)
+                         .toUtf8());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(clock.now(), QFileDevice::FileModificationTime));
+    }
+    StationObservation observe() {
+        return observeStation(controls, UnitControls(), {}, clock, memory);
+    }
+
+    ManualClock clock;
+    TestFolder folder;
+    const QString path = folder.filePath(u"Station.htm"_s);
+    StationFileControls controls;
+    StationFileMemory memory;
+};
+
+TEST_F(Staleness, FromMissingToFreshToOldAndBack) {
+    const auto expect = [this](SourceState state, StationFileState file, double age,
+                               StationFileState alarm) {
+        SCOPED_TRACE(testing::Message() << static_cast<int>(file) << ", " << age << " s");
+        const StationObservation seen = observe();
+        EXPECT_EQ(seen.state, state);
+        EXPECT_EQ(seen.file, file);
+        EXPECT_EQ(seen.ageSeconds, age);
+        EXPECT_EQ(seen.timeoutSeconds, 180);
+        EXPECT_EQ(seen.alarmState(), alarm);
+        EXPECT_EQ(seen.detail.isEmpty(), state != SourceState::Unusable);
+        EXPECT_EQ(seen.numbers[Quantity::Wind].has_value(), state == SourceState::Ok);
+        EXPECT_EQ(seen.recordTime, memory.recordTime);
+    };
+    expect(SourceState::Absent, StationFileState::Missing, 0, StationFileState::Missing);
+    writeNow();
+    expect(SourceState::Ok, StationFileState::Refreshed, 0, StationFileState::Refreshed);
+    clock.advanceMs(119'500);
+    expect(SourceState::Ok, StationFileState::Unchanged, 119.5, StationFileState::Unchanged);
+    clock.advanceMs(60'600);
+    expect(SourceState::Old, StationFileState::Old, 180.1, StationFileState::Old);
+    writeNow();
+    expect(SourceState::Ok, StationFileState::Refreshed, 0, StationFileState::Refreshed);
+    // The records that a station writes after it stopped come of age by themselves.
+    memory.recordTime = clock.now().addSecs(180);
+    clock.advanceSeconds(181);
+    expect(SourceState::Old, StationFileState::Old, 181, StationFileState::Old);
+    ASSERT_TRUE(QFile::remove(path));
+    expect(SourceState::Absent, StationFileState::Missing, 0, StationFileState::Missing);
+    writeNow();
+    memory.reset();
+    expect(SourceState::Ok, StationFileState::Refreshed, 0, StationFileState::Refreshed);
+    clock.advanceSeconds(1);
+    writeNow(u"Soil"_s);
+    const StationObservation seen = observe();
+    EXPECT_EQ(seen.state, SourceState::Unusable);
+    EXPECT_EQ(seen.alarmState(), StationFileState::Old);
+    EXPECT_EQ(seen.detail, stationReadStatus(StationRead::NoReadings));
 }
 
 } // namespace

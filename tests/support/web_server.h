@@ -13,10 +13,9 @@ namespace skyhold {
 class WebServer {
   public:
     struct Answer {
-        QByteArray bytes;     // header and body, as sent
-        bool close = true;    // closes the connection after them
-        bool endless = false; // sends blanks for as long as they are taken
-        bool drips = false;   // sends a blank every 10 ms
+        QByteArray bytes;   // header and body, as sent
+        bool close = true;  // closes the connection after them
+        bool drips = false; // sends a blank every 10 ms
     };
     static Answer ok(const QByteArray& body) {
         return {"HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) +
@@ -38,7 +37,6 @@ class WebServer {
 
     QHash<QByteArray, Answer> answers; // by path; any other path is not found
     QList<QByteArray> asked;           // paths
-    qint64 taken = 0;                  // bytes of endless answers that were sent
 
   private:
     void accept() {
@@ -59,15 +57,7 @@ class WebServer {
 
     void answer(QTcpSocket& socket, const Answer& answer) {
         socket.write(answer.bytes);
-        if (answer.endless) {
-            const QByteArray blanks(16 * 1024, ' ');
-            QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket,
-                             [this, &socket, blanks](qint64 count) {
-                                 taken += count;
-                                 if (socket.bytesToWrite() == 0)
-                                     socket.write(blanks);
-                             });
-        } else if (answer.drips) {
+        if (answer.drips) {
             auto* tap = new QTimer(&socket);
             QObject::connect(tap, &QTimer::timeout, &socket, [&socket] { socket.write(" "); });
             tap->start(10);
