@@ -1,10 +1,12 @@
 #include "graphs/history.h"
+#include "graphs/trend.h"
 
 #include "platform/automation_date.h"
 #include "platform/clock.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 namespace skyhold {
@@ -67,9 +69,8 @@ TEST_F(History, RingKeepsTheNewestPoints) {
         std::int32_t first, last, count;
         double oldest;
     } cases[] = {
-        {0, 0, 0, 0, 0},      {1, 1, 2, 2, 1},     {2, 1, 3, 3, 1},    {18, 1, 19, 19, 1},
-        {19, 1, 20, 20, 1},   {20, 2, 1, 20, 1},   {21, 3, 2, 20, 2},  {37, 19, 18, 20, 18},
-        {38, 20, 19, 20, 19}, {39, 1, 20, 20, 20}, {40, 2, 1, 20, 21},
+        {0, 0, 0, 0, 0},   {1, 1, 2, 2, 1},      {19, 1, 20, 20, 1},  {20, 2, 1, 20, 1},
+        {21, 3, 2, 20, 2}, {38, 20, 19, 20, 19}, {39, 1, 20, 20, 20}, {40, 2, 1, 20, 21},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.readings);
@@ -82,12 +83,6 @@ TEST_F(History, RingKeepsTheNewestPoints) {
         EXPECT_EQ(winds(), expected);
         EXPECT_TRUE(expected.empty() || expected.front() == c.oldest);
     }
-
-    setBoxes(120, 1);
-    taken = 0;
-    read(120); // 121 points, the first reading's two counted
-    EXPECT_EQ(history.FirstElem, 2);
-    EXPECT_EQ(history.LastElem, 1);
 }
 
 TEST_F(History, EverySixthReadingBecomesAPoint) {
@@ -100,73 +95,6 @@ TEST_F(History, EverySixthReadingBecomesAPoint) {
     setBoxes(120, 4);
     read(4);
     EXPECT_EQ(winds(), (std::vector<double>{1, 1, 7, 13, 17}));
-}
-
-TEST_F(History, AnotherNumberOfPointsDiscardsThem) {
-    const struct {
-        double box;
-        double corrected;
-        bool kept;
-    } cases[] = {{120, 120, true}, {121, 121, false}, {5, 20, false},      {19.5, 20, true},
-                 {-3, 20, true},   {20.5, 20, true},  {5000, 2000, false}, {1e12, 2000, true}};
-    read(3);
-    for (const auto& c : cases) {
-        graphs.GraphNoPoints.Value = c.box;
-        SetCapacity(history, graphs, refreshRead);
-        EXPECT_EQ(graphs.GraphNoPoints.Value, c.corrected) << c.box;
-        EXPECT_EQ(history.count() > 0, c.kept) << c.box;
-        EXPECT_EQ(history.capacity(), c.kept ? c.corrected : 0) << c.box;
-        if (!c.kept) {
-            EXPECT_EQ(history.FirstElem, 0);
-            EXPECT_EQ(history.LastElem, 0);
-        }
-        read(1);
-        EXPECT_EQ(history.capacity(), c.corrected);
-    }
-}
-
-TEST_F(History, SpanOfAFullHistory) {
-    const struct {
-        int entry;
-        double points, frequency;
-        double shownFrequency;
-        QString seconds, text;
-    } cases[] = {
-        {1, 120, 6, 6, u"7200"_s, u"02 h 00 m 00 s"_s},
-        {0, 121, 1, 1, u"605"_s, u"00 h 10 m 05 s"_s},
-        {3, 2000, 99, 99, u"11880000"_s, u"3300 h 00 m 00 s"_s},
-        {2, 20, 0, 1, u"600"_s, u"00 h 10 m 00 s"_s},
-        {2, 20, -7, 1, u"600"_s, u"00 h 10 m 00 s"_s},
-        {0, 41, 2.5, 2, u"410"_s, u"00 h 06 m 50 s"_s},
-        {-1, 20, 6, 6, u"0"_s, u"00 h 00 m 00 s"_s},
-    };
-    for (const auto& c : cases) {
-        refreshRead.ListIndex = c.entry;
-        setBoxes(c.points, c.frequency);
-        EXPECT_EQ(graphs.GraphFreq.Value, c.shownFrequency);
-        EXPECT_EQ(history.SampleEvery, c.shownFrequency);
-        EXPECT_EQ(graphs.GraphSpan.Caption.value(), c.seconds);
-        EXPECT_EQ(graphs.GraphSpanDesc.Caption.value(), c.text);
-    }
-}
-
-TEST_F(History, UnitChangeConvertsEveryStoredPointOnce) {
-    setBoxes(20, 1);
-    convertSpeedHistory(history, SpeedCode::KilometresPerHour,
-                        SpeedCode::MetresPerSecond); // nothing stored yet
-    read(25);                                        // the ring has wrapped
-    convertSpeedHistory(history, SpeedCode::KilometresPerHour, SpeedCode::MetresPerSecond);
-    convertTemperatureHistory(history, TemperatureCode::Celsius, TemperatureCode::Fahrenheit);
-    for (std::int32_t elem = 1; elem <= 20; ++elem) {
-        const GraphPoint& point = history.point(elem);
-        const double number = elem <= 6 ? elem + 19 : elem - 1;
-        EXPECT_DOUBLE_EQ(point.wind, number / 3.6) << elem;
-        EXPECT_DOUBLE_EQ(point.gust, (number + 0.5) / 3.6) << elem;
-        EXPECT_EQ(point.spread, -3) << elem;      // -1.75 scaled, without the offset
-        EXPECT_EQ(point.temperature, 47) << elem; // 8.5 is 47.3
-        EXPECT_EQ(point.direction, 22.5);
-        EXPECT_EQ(point.humidity, 58);
-    }
 }
 
 TEST_F(History, ArrayForClients) {
@@ -188,16 +116,42 @@ TEST_F(History, ArrayForClients) {
         EXPECT_FALSE(table[field][4].isValid()) << field << ", not stored yet";
         EXPECT_EQ(table[field][1], table[field][2]) << field;
     }
-    read(18);
-    for (qsizetype elem = 1; elem <= 20; ++elem)
-        EXPECT_EQ(array()[2][elem], QVariant(elem == 1 ? 20.0 : static_cast<double>(elem - 1)));
-
     current.GustSpeed.reset(); // missing in the station's file
     current.DewPointValue.reset();
     AddReading(history, current, graphs.GraphNoPoints);
     const QList<bool> there{false, true, true, false, true, false, true, true};
     for (qsizetype field = 0; field < there.size(); ++field)
         EXPECT_EQ(array()[field][history.LastElem].isValid(), there[field]) << field;
+}
+
+TEST(Trend, ShowsTheLastHourWithItsGaps) {
+    GraphHistory history;
+    history.Points.assign(120, {});
+    history.FirstElem = 1;
+    const double now = daySerial(kMidnight);
+    const auto add = [&](int minutesAgo, double wind, bool valid = true) {
+        GraphPoint& point = history.point(++history.LastElem);
+        point.date = now - minutesAgo / 1440.0;
+        point.wind = wind;
+        point.valid = valid;
+    };
+    for (const int minutes : {70, 61, 59, 58, 57}) // the first two are too long ago
+        add(minutes, 7);
+    for (const int minutes : {40, 39, 38}) // behind a time without readings
+        add(minutes, 9);
+    add(37, 8, false); // the station could not be read
+    add(36, std::nan(""));
+    for (const int minutes : {35, 34})
+        add(minutes, 5);
+    add(-5, 99); // the clock has been set back since
+    const Trend trend = lastHour(
+        history, [](const GraphPoint& point) { return point.wind; }, now, 60);
+    std::vector<std::size_t> runs;
+    for (const auto& run : trend.runs)
+        runs.push_back(run.size());
+    EXPECT_EQ(runs, (std::vector<std::size_t>{3, 3, 2}));
+    EXPECT_EQ(trend.lowest, 5);
+    EXPECT_EQ(trend.highest, 9);
 }
 
 } // namespace

@@ -29,16 +29,14 @@ inline int ink(const Picture& picture, const QRect& rectangle, QRgb ground) {
     return found;
 }
 
-// The smallest rectangle around that ink.
-inline QRect inkBounds(const Picture& picture, const QRect& rectangle, QRgb ground) {
-    QRect bounds;
+inline bool holds(const Picture& picture, const QRect& rectangle, QRgb colour) {
     for (int y = rectangle.top(); y <= rectangle.bottom(); ++y) {
         for (int x = rectangle.left(); x <= rectangle.right(); ++x) {
-            if (pixel(picture, x, y) != ground)
-                bounds |= QRect(x, y, 1, 1);
+            if (pixel(picture, x, y) == colour)
+                return true;
         }
     }
-    return bounds;
+    return false;
 }
 
 // `count` points `stepSeconds` apart, all of one value.

@@ -1,7 +1,6 @@
 #include "night.h"
 
 #include "core/alarms.h"
-#include "night_dump.h"
 
 #include <utility>
 
@@ -185,8 +184,6 @@ void Night::playCycle() {
     writeStationFile();
     RunReadCycle(*core_);
     note();
-    if (++cycles_ % 50 == 0)
-        dumpMonitor(GetParam(), cycles_, *members_, records(), folder_->path());
 }
 
 // Whatever was not heard, shown or written before, below the time of the first cycle that came to
@@ -207,7 +204,6 @@ void Night::note() {
                              display.LValSwitch.Visible ? display.LValSwitch.Caption : u"-"_s};
     const QString outcome = fields.join(u" | "_s) + written();
     const QString time = clock_.now().toString(u"hh:mm:ss"_s);
-    dumpCalls(GetParam(), time, sensor_.takeCalls());
     if (outcome != outcome_ || outcome.contains(u'\n'))
         endRun();
     if (repeats_++ == 0)

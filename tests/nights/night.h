@@ -45,7 +45,6 @@ class Night : public CoreFixture, public testing::WithParamInterface<std::string
     StationForm form_;
     QString stationFile_ = u"new"_s; // "new", "kept", "gone", "torn", "empty" or "rubbish"
     int seconds_ = 10;
-    int cycles_ = 0;
     bool secondLampLit_ = true;
     QByteArray dataFile_, record_;
     QString outcomes_;

@@ -2,8 +2,7 @@
 // course of a night stays the same.
 //
 // Written anew with SKYHOLD_NIGHTS_WRITE=1 nights_test, after which `git diff` shows what changed.
-// SKYHOLD_NIGHTS=FOLDER plays the nights of another folder, SKYHOLD_NIGHT_DUMP=FOLDER writes what
-// night_dump.h says to an empty folder.
+// SKYHOLD_NIGHTS=FOLDER plays the nights of another folder.
 #include "night.h"
 
 #include "conditions/rules_of.h"

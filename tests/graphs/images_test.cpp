@@ -1,12 +1,16 @@
+#include "graphs/export.h"
+#include "graphs/graph_paper.h"
 #include "graphs/render.h"
-
 #include "pictures.h"
+#include "support/full_disk.h"
 #include "support/test_folder.h"
+
+#include <QFileInfo>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 namespace {
-
-using namespace Qt::Literals::StringLiterals;
 
 const QStringList kNames{u"Kiv_ImageWindCondition"_s,    u"Kiv_ImageGustCondition"_s,
                          u"Kiv_ImageWindDirCondition"_s, u"Kiv_ImageDewCondition"_s,
@@ -101,9 +105,7 @@ TEST_F(Render, DrawsAgainOnlyWhatHasChanged) {
              history.point(++history.LastElem) = {kNight + 0.1, 3, 7};
          },
          "xxxxxx"},
-        {"a converted history", set(history.point(2).wind, 1), "x....."},
         {"a limit", set(conditions.Limit[Quantity::Dew][1].Value, 30), "...x.."},
-        {"a description", set(conditions.Color[Quantity::Humidity][2].Caption, u"Wet"_s), "....x."},
         {"a level's colour", set(conditions.Color[Quantity::Temperature][0].BackColor, kRed),
          ".....x"},
         {"a graph's colour", set(graphs.GraphColor[2][2].BackColor, kRed), "..x..."},
@@ -141,27 +143,6 @@ TEST_F(Render, BoxesChooseWhatIsDrawnAndSaved) {
     EXPECT_EQ(folder.names(), files(u"02345"_s, u".jpg"_s));
     EXPECT_EQ(saved(0, u".jpg"_s).pixelColor(300, 100), QColor(Qt::white));
     EXPECT_EQ(pictures[1].Drawings, 1);
-
-    // A graph that is no longer drawn keeps its last drawing.
-    graphs.GraphGenerate[5].Value = 0;
-    const QImage last = pictures[5].Image;
-    history.point(2).temperature = 15;
-    render();
-    EXPECT_EQ(pictures[5].Image, last);
-    EXPECT_EQ(codes(), QString());
-}
-
-TEST_F(Render, WithoutAFolderNothingIsSaved) {
-    for (const QString& path : {QString(), u"   "_s}) {
-        graphs.GraphImagePath.Caption = path;
-        render();
-        EXPECT_EQ(codes(), QString());
-    }
-    EXPECT_EQ(pictures[0].Drawings, 1);
-    // Blanks around a folder and a separator at its end do not count.
-    graphs.GraphImagePath.Caption = u" "_s + folder.path() + u"\\ "_s;
-    render();
-    EXPECT_EQ(folder.names(), files(u"012345"_s, u".png"_s));
 }
 
 TEST_F(Render, FailuresAreReportedAndTriedAgain) {
@@ -176,7 +157,10 @@ TEST_F(Render, FailuresAreReportedAndTriedAgain) {
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(pictures[5].Drawings, 1); // the cycle went on
 
-    ASSERT_TRUE(QDir(folder.path()).mkdir(u"images"_s));
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"images/Kiv_ImageWindCondition.png"_s));
+    render();
+    EXPECT_EQ(codes(), u"i23"_s) << "a folder of that name";
+    ASSERT_TRUE(QDir(folder.path()).rmdir(u"images/Kiv_ImageWindCondition.png"_s));
     render();
     EXPECT_FALSE(writer.failed());
     EXPECT_EQ(changes, 2);
@@ -192,6 +176,52 @@ TEST_F(Render, FailuresAreReportedAndTriedAgain) {
     graphs.GraphImagePath.Caption = folder.path();
     ImageLibrary missing(u"no_such_image_library"_s);
     EXPECT_EQ(SaveImages(graphs, pictures, missing, writer), u"i24"_s);
+}
+
+class Export : public testing::Test {
+  protected:
+    Export() { draw(kGreen); }
+
+    // Something that takes some room: text on a colour.
+    void draw(Colour colour) {
+        GraphPaper paper(picture, kNavy);
+        paper.painter().fillRect(0, 0, 600, 200, paintColour(colour));
+        for (int y = 0; y < 160; y += 20)
+            paper.drawCentred({100, y, 500, 20}, u"The quick brown fox, 0123456789"_s);
+    }
+    bool save(ImageFormat format = ImageFormat::Png, int flags = 0) {
+        return SavePicture({picture.Image, picture.Drawings, path, format, flags}, library, saved);
+    }
+    QByteArray bytes() const { return folder.read(u"picture.img"_s); }
+    QImage image(const char* format = "PNG") const { return QImage(path, format); }
+
+    TestFolder folder;
+    const QString path = folder.filePath(u"picture.img"_s);
+    Picture picture;
+    ImageLibrary library;
+    SavedImage saved;
+};
+
+TEST_F(Export, FullDiskLeavesTheOldFile) {
+    ASSERT_TRUE(save());
+    EXPECT_TRUE(QFile::permissions(path).testFlag(QFileDevice::ReadOther));
+    const QByteArray old = bytes();
+    draw(kRed);
+    // The library notices a write that fails, but not one of the last bytes.
+    for (const rlim_t room : {rlim_t{0}, rlim_t{1000}, static_cast<rlim_t>(old.size() - 100)}) {
+        const FullDisk full(room);
+        EXPECT_FALSE(save()) << room;
+        EXPECT_FALSE(save(ImageFormat::Jpeg, 0x80)) << room;
+    }
+    EXPECT_EQ(bytes(), old);
+    EXPECT_EQ(folder.names(), QStringList{u"picture.img"_s});
+
+    ASSERT_TRUE(save());
+    {
+        const FullDisk full(1000);
+        EXPECT_FALSE(save()) << "the same drawing again";
+    }
+    EXPECT_EQ(image().pixel(5, 5), paintColour(kRed).rgb());
 }
 
 } // namespace
