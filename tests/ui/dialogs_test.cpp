@@ -1,13 +1,15 @@
 #include "dialog_driver.h"
-
-#include "ui/dialogs/kiv_cardinal_points.h"
-#include "ui/dialogs/kiv_color.h"
+#include "platform/files.h"
+#include "support/web_server.h"
 #include "ui/dialogs/kiv_error.h"
 #include "ui/dialogs/kiv_setup_form.h"
-#include "ui/dialogs/kiv_unit_symbols.h"
 #include "ui/dialogs/kiv_wind_pars.h"
+#include "ui/dialogs/news_window.h"
+#include "ui/dialogs/update_window.h"
 #include "ui/window/simulators.h"
+#include "window_fixture.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -20,7 +22,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
-
 namespace {
 
 TEST(KivErrorDialog, AnswersItsButtonsAndTheSafestWhenClosedOtherwise) {
@@ -32,91 +33,39 @@ TEST(KivErrorDialog, AnswersItsButtonsAndTheSafestWhenClosedOtherwise) {
     };
     const Case cases[]{
         {MessageStyle::Ok, {u"OK"_s}, {MessageAnswer::Ok}, MessageAnswer::Ok},
-        {MessageStyle::YesNo,
-         {u"&Yes"_s, u"&No"_s},
-         {MessageAnswer::Yes, MessageAnswer::No},
-         MessageAnswer::No},
         {MessageStyle::YesNoCancel,
          {u"&Yes"_s, u"&No"_s, u"Cancel"_s},
          {MessageAnswer::Yes, MessageAnswer::No, MessageAnswer::Cancel},
          MessageAnswer::Cancel},
     };
     QWidget window;
-    window.setGeometry(100, 100, 600, 400);
     window.show();
-    const auto ask = [&](MessageStyle style, const QString& title, const auto& act) {
+    const auto ask = [&](MessageStyle style, const auto& act) {
         MessageAnswer answer{};
-        KivError dialog({u"<i>text</i>"_s, style, title}, u"Caption"_s, &window);
+        KivError dialog({u"<i>text</i>"_s, style, {}}, u"Caption"_s, &window);
         EXPECT_TRUE(duringDialog([&] { answer = dialog.ask(); }, act));
         return answer;
     };
     for (const Case& tried : cases) {
         for (qsizetype i = 0; i < tried.buttons.size(); ++i) {
             const QByteArray name = "Butt" + QByteArray::number(i);
-            const MessageAnswer answer = ask(tried.style, {}, [&](QDialog& dialog) {
+            const MessageAnswer answer = ask(tried.style, [&](QDialog& dialog) {
                 EXPECT_EQ(child<QPushButton>(dialog, name)->text(), tried.buttons[i]);
                 EXPECT_EQ(dialog.findChildren<QPushButton*>().size(), tried.buttons.size());
                 EXPECT_EQ(dialog.windowTitle(), u"Caption"_s);
+                EXPECT_EQ(child<QLabel>(dialog, "LblText")->textFormat(), Qt::PlainText);
                 click(dialog, name);
             });
             EXPECT_EQ(answer, tried.answers[i]);
         }
-        const auto escape = [](QDialog& dialog) {
-            QTest::keyClick(&dialog, Qt::Key_Escape);
-        };
-        const auto closed = [](QDialog& dialog) {
-            dialog.close();
-        };
-        EXPECT_EQ(ask(tried.style, {}, escape), tried.safest);
-        EXPECT_EQ(ask(tried.style, {}, closed), tried.safest);
+        EXPECT_EQ(
+            ask(tried.style, [](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }),
+            tried.safest);
+        EXPECT_EQ(ask(tried.style, [](QDialog& dialog) { dialog.close(); }), tried.safest);
     }
-    ask(MessageStyle::Ok, u"Warning"_s, [&](QDialog& dialog) {
-        EXPECT_EQ(dialog.windowTitle(), u"Warning"_s);
-        EXPECT_EQ(child<QLabel>(dialog, "LblText")->textFormat(), Qt::PlainText);
-        const QPoint offset = dialog.geometry().center() - window.geometry().center();
-        EXPECT_LE(offset.manhattanLength(), 4);
-        dialog.close();
-    });
 }
 
-class Editors : public testing::Test {
-  protected:
-    Editors() { window_.show(); }
-    QWidget window_;
-};
-
-TEST_F(Editors, ColourAndDescriptionAreWrittenOnOkOnly) {
-    Label level;
-    CheckBox unsafeBox;
-    level.Caption = u"Calm"_s;
-    level.BackColor = kSwatchGreen;
-    unsafeBox.Caption = u"Calm"_s;
-    const auto edit = [&](CheckBox* box, const char* end) {
-        EXPECT_TRUE(duringDialog([&] { KivColor(level, box, &window_).exec(); },
-                                 [&](QDialog& dialog) {
-                                     click(dialog, "Swatch255");
-                                     if (box) {
-                                         child(dialog, "TxtDescription")->setFocus();
-                                         QTest::keyClicks(child(dialog, "TxtDescription"),
-                                                          u"  Breezy "_s);
-                                     }
-                                     click(dialog, end);
-                                 }));
-    };
-    edit(&unsafeBox, "ButtCancel");
-    EXPECT_EQ(level.BackColor, kSwatchGreen);
-    EXPECT_EQ(level.Caption, u"Calm"_s);
-    edit(nullptr, "ButtOK");
-    EXPECT_EQ(level.BackColor, kRed);
-    EXPECT_EQ(level.Caption, u"Calm"_s);
-    level.BackColor = kSwatchGreen;
-    edit(&unsafeBox, "ButtOK");
-    EXPECT_EQ(level.BackColor, kRed);
-    EXPECT_EQ(level.Caption, u"Breezy"_s);
-    EXPECT_EQ(unsafeBox.Caption, u"Breezy"_s);
-}
-
-TEST_F(Editors, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
+TEST(SectorEditor, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
     struct Case {
         QString before;
         std::function<void(QDialog&)> act;
@@ -145,76 +94,25 @@ TEST_F(Editors, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
             QTest::keyClicks(box, typed);
         };
     };
-    const auto press = [](const char* slider, Qt::Key key) {
-        return [=](QDialog& dialog) {
-            QTest::keyClick(child(dialog, slider), key);
-        };
-    };
     const Case cases[]{
-        {u"000  359  01"_s, [](QDialog&) {}, u"000  359  01 "_s},
-        {u"000  359  01"_s, slide("SliderFrom", -30), u"000  359  01 "_s}, // 359 wide already
         {u"010  090  01"_s, slide("SliderFrom", -30), u"-030 090  01 "_s},
-        {u"010  090  01"_s, slide("SliderFrom", 200), u"000  000  01 "_s}, // meets "to"
-        {u"010  090  01"_s, slide("SliderTo", -180), u"010  180  01 "_s},
         {u"-030 045  05"_s, slide("SliderTo", -359), u"-030 329  05 "_s},
         {u"010  090  01"_s, drag(Qt::LeftButton, 15), u"025  090  01 "_s},
         {u"010  090  01"_s, drag(Qt::RightButton, -20), u"010  070  01 "_s},
-        {u"010  090  01"_s, press("SliderFrom", Qt::Key_Up), u"011  090  01 "_s},
-        {u"010  090  01"_s, press("SliderTo", Qt::Key_Up), u"010  091  01 "_s},
-        {u"010  090  01"_s, press("SliderTo", Qt::Key_PageDown), u"010  080  01 "_s},
         {u"010  090  01"_s, minutes(u"123"_s), u"010  090  12 "_s},
-        {u"010  090  01"_s, minutes({}), u"010  090  00 "_s},
     };
+    QWidget window;
+    window.show();
     for (const Case& tried : cases) {
         Label sector;
         sector.Caption = tried.before;
-        const auto edit = [&](const char* end) {
-            EXPECT_TRUE(duringDialog([&] { KivWindPars(sector, &window_).exec(); },
-                                     [&](QDialog& dialog) {
-                                         tried.act(dialog);
-                                         click(dialog, end);
-                                     }));
-        };
-        edit("ButtCancel");
-        EXPECT_EQ(sector.Caption, tried.before);
-        edit("ButtOK");
+        EXPECT_TRUE(duringDialog([&] { KivWindPars(sector, &window).exec(); },
+                                 [&](QDialog& dialog) {
+                                     tried.act(dialog);
+                                     click(dialog, "ButtOK");
+                                 }));
         EXPECT_EQ(sector.Caption.value().toStdString(), tried.after.toStdString());
     }
-}
-
-TEST_F(Editors, UnitSymbolsAndCardinalPointsAreWrittenInUpperCaseOnOk) {
-    UnitControls units;
-    units.StringDC = u"C"_s;
-    units.ExcChrHumidity = u"%"_s;
-    units.Cardinal[1] = u"NNE"_s;
-    const auto editSymbols = [&](const char* end) {
-        return duringDialog([&] { KivUnitSymbols(units, &window_).exec(); },
-                            [&](QDialog& dialog) {
-                                QTest::keyClicks(child(dialog, "SymbolDC"), u";degc"_s);
-                                QTest::keyClicks(child(dialog, "ExcChrHumidity"), u"rh"_s);
-                                click(dialog, end);
-                            });
-    };
-    EXPECT_TRUE(editSymbols("ButtCancel"));
-    EXPECT_EQ(units.StringDC, u"C"_s);
-    EXPECT_TRUE(editSymbols("ButtOK"));
-    EXPECT_EQ(units.StringDC, u"C;DEGC"_s);
-    EXPECT_EQ(units.ExcChrHumidity, u"%rh"_s);
-
-    const auto editPoints = [&](const char* end) {
-        return duringDialog([&] { KivCardinalPoints(units.Cardinal, &window_).exec(); },
-                            [&](QDialog& dialog) {
-                                auto* box = child<QLineEdit>(dialog, "Symbol1");
-                                QTest::keyClick(box, Qt::Key_Home);
-                                QTest::keyClicks(box, u"ab"_s);
-                                EXPECT_EQ(box->text(), u"ABNNE"_s);
-                                click(dialog, end);
-                            });
-    };
-    EXPECT_TRUE(editPoints("ButtCancel"));
-    EXPECT_EQ(units.Cardinal[1], u"NNE"_s);
-    EXPECT_TRUE(editPoints("ButtOK"));
-    EXPECT_EQ(units.Cardinal[1], u"ABNNE"_s);
 }
 
 class SetupForm : public testing::Test {
@@ -242,14 +140,8 @@ TEST_F(SetupForm, SavesNothingWithoutAStationFile) {
         dialog.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
         click(dialog, "ButtNext");
-        EXPECT_FALSE(child(dialog, "HTMFile")->isVisible());
         EXPECT_TRUE(duringDialog([&] { click(dialog, "ButtOK"); },
-                                 [](QDialog& message) {
-                                     EXPECT_EQ(
-                                         child<QLabel>(message, "LblText")->text(),
-                                         u"Please define path for Weather Station Data File"_s);
-                                     click(message, "Butt0");
-                                 }));
+                                 [](QDialog& message) { click(message, "Butt0"); }));
         EXPECT_TRUE(dialog.isVisible());
         EXPECT_EQ(dialog.focusWidget(), child(dialog, "HTMFile")); // back to what is missing
         click(dialog, "Command1");
@@ -335,6 +227,104 @@ TEST_F(SetupForm, HasTheSensorsSettingsWritten) {
     }));
 }
 
-} // namespace
+class Updates : public WindowFixture {
+  protected:
+    Updates() {
+        core_->showNews = [this](const QString& text) {
+            showNewsOver(*window_, *core_, text);
+        };
+        core_->closeWindow = [this] {
+            ++closed_;
+        };
+        records().window.UpdateBaseAddress = server_.address();
+        serve("Kiv_SkyholdNews.txt", "ab");
+        serve("Kiv_Skyhold.txt", "2.31.000");
+        serve("Kiv_SkyholdUpdater.txt", "instructions");
+    }
+    ~Updates() override { QFile::remove(instructions()); }
 
+    void serve(const QByteArray& name, const QByteArray& body) {
+        server_.answers["/kiv/skyhold220/" + name] = WebServer::ok(body);
+    }
+    static QString instructions() {
+        return joinPath(writableProgramFolder(), u"Kiv_Updater.txt"_s);
+    }
+    void run(const std::function<void(QDialog&)>& act) {
+        EXPECT_TRUE(duringDialog([&] { runUpdateWindow(*core_, *window_); }, act));
+    }
+    QString storedNews() {
+        return SettingsStore(u"Kiv_Skyhold"_s).GetSetting(u"Window"_s, u"Kiv_News"_s, u"none"_s);
+    }
+
+    WebServer server_;
+    int closed_ = 0;
+};
+
+TEST_F(Updates, NewsComeAtStartUntilTheyAreDiscarded) {
+    const QString news = u"<b>News</b>\r\nof two lines"_s;
+    settings_.saveNow(u"Window"_s, u"Kiv_News"_s, news);
+    records().window.Kiv_News = news;
+    const auto start = [&](const std::function<void(QDialog&)>& act) {
+        return duringDialog([&] { core_->Timer6.Tick(); }, act);
+    };
+    EXPECT_TRUE(start([this](QDialog& dialog) {
+        EXPECT_EQ(child<QLabel>(dialog, "LblNews")->text(), u"<b>News</b>\nof two lines"_s);
+        EXPECT_EQ(child<QLabel>(dialog, "LblNews")->textFormat(), Qt::PlainText);
+        EXPECT_TRUE(dialog.windowFlags() & Qt::WindowStaysOnTopHint);
+        click(dialog, "ButtClose");
+    }));
+    EXPECT_EQ(storedNews(), news);
+    // However it is closed.
+    EXPECT_TRUE(start([this](QDialog& dialog) {
+        child<QCheckBox>(dialog, "CheckDiscard")->setChecked(true);
+        dialog.close();
+    }));
+    EXPECT_EQ(records().window.Kiv_News, QString());
+    EXPECT_EQ(storedNews(), QString());
+    EXPECT_FALSE(start([](QDialog&) {}));
+}
+
+TEST_F(Updates, ADownloadIsOfferedAfterTheCheckAndEndsTheProgram) {
+    run([&](QDialog& dialog) {
+        EXPECT_FALSE(child(dialog, "FrameDownload")->isVisible());
+        EXPECT_TRUE(child<QLabel>(dialog, "LblWarning")->text().contains(u"not https"_s));
+        EXPECT_TRUE(child(dialog, "LblWarning")->isVisible());
+        click(dialog, "ButtCheck");
+        EXPECT_EQ(child<QLabel>(dialog, "Label1")->text(), u"2.30.004"_s);
+        EXPECT_EQ(child<QLabel>(dialog, "Label2")->text(), u"2.31.000"_s);
+        EXPECT_EQ(child<QLabel>(dialog, "LblStatusLine")->text(), u"Sucessful response"_s);
+        EXPECT_TRUE(child(dialog, "FrameDownload")->isVisible());
+        EXPECT_EQ(
+            readFile(instructions(), 1000).bytes,
+            u"\"Title\",\"Kiv_Skyhold\",%1,%2,\"Kiv_Skyhold.exe\"\r\ninstructions"_s.arg(dialog.x())
+                .arg(dialog.y())
+                .toLatin1());
+        click(dialog, "ButtClose");
+    });
+    EXPECT_EQ(closed_, 0);
+    EXPECT_FALSE(QFile::exists(instructions()));
+    EXPECT_EQ(storedNews(), u"ab"_s);
+
+    run([&](QDialog& dialog) {
+        click(dialog, "ButtCheck");
+        click(dialog, "ButtDownload");
+    });
+    EXPECT_EQ(closed_, 1);
+    EXPECT_TRUE(QFile::exists(instructions()));
+
+    serve("Kiv_Skyhold.txt", "2.30.004"); // the same version
+    for (const auto& [button, chosen] :
+         QList<std::pair<const char*, bool>>{{"Butt1", false}, {"Butt0", true}}) {
+        closed_ = 0;
+        run([&](QDialog& dialog) {
+            click(dialog, "ButtCheck");
+            EXPECT_TRUE(duringDialog([&] { click(dialog, "ButtDownload"); },
+                                     [&](QDialog& question) { click(question, button); }));
+        });
+        EXPECT_EQ(closed_, chosen ? 1 : 0);
+        EXPECT_EQ(QFile::exists(instructions()), chosen);
+    }
+}
+
+} // namespace
 } // namespace skyhold

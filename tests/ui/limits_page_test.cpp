@@ -90,13 +90,7 @@ TEST_F(LimitsPage, ARefusedClickDoesNothing) {
     };
     enter(calm_, u"30"_s, clickStart);
     EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
-    EXPECT_TRUE(calm_->hasFocus());
     EXPECT_FALSE(records().session.running());
-
-    auto* gust = child<KivGetNumber>(*window_, "LimitGust2");
-    enter(calm_, u"30"_s, [gust] { QTest::mouseClick(gust, Qt::LeftButton); });
-    EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
-    EXPECT_TRUE(calm_->hasFocus());
 
     auto* tabs = window_->findChild<SettingsPages*>();
     const int conditions = tabs->currentIndex();
@@ -151,11 +145,6 @@ TEST_F(LimitsPage, ARefusedLimitIsNeitherEnteredNorStartedWithNorClosedWith) {
     }
     enter(windy_, {}, ways[1].second); // an empty one stands for 0
     EXPECT_EQ(messages_, QStringList{kWindyTooLow});
-    enter(windy_, u"20"_s, tab(windy_));
-    enter(calm_, u"19"_s, ways[1].second);
-    EXPECT_EQ(messages_, QStringList());
-    EXPECT_TRUE(running());
-    EXPECT_EQ(limit(0), 19);
 }
 
 // Where nobody can be asked the limit before stays in force.

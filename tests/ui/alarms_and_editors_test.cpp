@@ -1,4 +1,5 @@
-// Every item with an editor of its own: all ways to it open the same editor, which writes on OK.
+#include "core/alarms.h"
+#include "ui/widgets/alarm_box.h"
 #include "window_fixture.h"
 
 #include <QDialogButtonBox>
@@ -11,8 +12,114 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
-
 namespace {
+
+class AlarmsPage : public WindowFixture {
+  protected:
+    AlarmsPage() {
+        folder_->write(u"sounds/Bell.wav"_s);
+        records().alarms.LastMusicDir = path("sounds");
+        openPage(Page::Unsafe);
+    }
+
+    QString path(const char* name) const { return folder_->filePath(QLatin1String(name)); }
+    CheckBox& record() { return records().alarms.Alarm[Quantity::Rain][2]; }
+    QAbstractButton* box() { return child<QAbstractButton>(*window_, "AlarmRain2"); }
+    bool choose(const std::function<void(QDialog&)>& act) {
+        return duringDialog([this] { click(*window_, "SoundAlarmRain2"); }, act);
+    }
+    void chooseBell() {
+        EXPECT_TRUE(choose([](QDialog& dialog) {
+            auto* files = skyhold::child<QListWidget>(dialog, "FileList");
+            QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                              files->visualItemRect(files->item(0)).center());
+            click(dialog, "ButtOK");
+        }));
+    }
+};
+
+TEST_F(AlarmsPage, ABoxWithoutASoundCannotBeChecked) {
+    click(*window_, "AlarmRain2");
+    EXPECT_FALSE(box()->isChecked());
+    EXPECT_FALSE(record().checked());
+    chooseBell();
+    EXPECT_EQ(messages_, QStringList{u"The alarm of Rain, level 3 is off: its sound will not be "
+                                     u"heard. Switch it on?"_s});
+    EXPECT_FALSE(record().checked()); // a sound alone enables nothing
+    answer_ = MessageAnswer::Yes;
+    chooseBell();
+    EXPECT_TRUE(record().checked());
+    messages_.clear();
+    chooseBell();
+    EXPECT_EQ(messages_, QStringList()); // is on
+    record().set(0);
+    click(*window_, "AlarmRain2");
+    EXPECT_TRUE(box()->isChecked());
+    EXPECT_TRUE(record().checked());
+    EXPECT_EQ(child<SoundName>(*window_, "SoundAlarmRain2")->text(), u"Bell"_s);
+}
+
+TEST_F(AlarmsPage, StopAlarmIsInViewOnEveryPageWhileASoundIsStarted) {
+    chooseBell();
+    click(*window_, "AlarmRain2");
+    openPage(Page::Sources);
+    click(*window_, "ButtStart");
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(visible("ButtStopAlarm"));
+    sensor_.values[u"Condition_Rain"_s] = 3;
+    media_.heard();
+    cycle();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(media_.heard(), u"Bell"_s);
+    EXPECT_TRUE(visible("ButtStopAlarm"));
+    EXPECT_TRUE(child<PlayMark>(*window_, "PlayAlarm1")->isPlaying());
+
+    click(*window_, "ButtStopAlarm");
+    EXPECT_EQ(media_.heard(), u"-"_s);
+    EXPECT_FALSE(visible("ButtStopAlarm"));
+    EXPECT_FALSE(child<PlayMark>(*window_, "PlayAlarm1")->isPlaying());
+    cycle();
+    EXPECT_EQ(media_.heard(), QString()); // acknowledged: it does not begin again
+}
+
+TEST_F(AlarmsPage, AnAlarmThatIsNotHeardSaysSo) {
+    chooseBell();
+    click(*window_, "AlarmRain2");
+    click(*window_, "ButtStart");
+    sensor_.values[u"Condition_Rain"_s] = 3;
+    cycle();
+    const auto mark = [this] {
+        return child(*window_, "PlayAlarm1")->toolTip();
+    };
+    EXPECT_EQ(mark(), u"This alarm sounds"_s);
+    EXPECT_FALSE(visible("SoundFault"));
+    media_.silent(u"no audio device"_s);
+    EXPECT_TRUE(visible("SoundFault"));
+    EXPECT_EQ(shown("SoundFault"), u"No sound: no audio device"_s);
+    EXPECT_TRUE(mark().startsWith(u"This alarm is due but cannot be heard."_s));
+    startAlarm(*core_, record().Tag);
+    EXPECT_FALSE(visible("SoundFault"));
+    QFile::remove(path("sounds/Bell.wav"));
+    startAlarm(*core_, record().Tag);
+    EXPECT_EQ(shown("SoundFault"), u"No sound: Bell.wav cannot be opened"_s);
+}
+
+// A master sensor program sounds its own alarm.
+TEST_F(AlarmsPage, SensorAlarmIsHiddenBesideAMaster) {
+    click(*window_, "ButtStart");
+    for (const char* name : {"AlarmNB", "SoundAlarmNB", "NBDataOldUnsafe"})
+        EXPECT_FALSE(visible(name)) << name;
+    EXPECT_EQ(shown("LblMaster"), u"Master: its failure is unsafe"_s); // the row is not empty
+    EXPECT_TRUE(visible("LblMaster"));
+    click(*window_, "ButtStop");
+    sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
+    click(*window_, "ButtStart");
+    for (const char* name : {"AlarmNB", "SoundAlarmNB", "NBDataOldUnsafe"})
+        EXPECT_TRUE(visible(name)) << name;
+    EXPECT_FALSE(visible("LblMaster"));
+}
+
+// Every item with an editor of its own: all ways to it open the same editor, which writes on OK.
 
 class ItemEditors : public WindowFixture {
   protected:
@@ -99,9 +206,16 @@ TEST_F(ItemEditors, OpenByMousePencilAndKeysAndWriteOnOkOnly) {
     Editor soundName = soundEditor;
     soundName.item = soundEditor.button;
     const Editor editors[]{
-        {Page::Limits, "ColorWind0", "EditColorWind0", "KivColor", red, [&] { return fill(level); },
-         [&] {
+        {Page::Limits, "ColorWind0", "EditColorWind0", "KivColor",
+         [](QDialog& dialog) {
+             click(dialog, "Swatch255");
+             QTest::keyClicks(skyhold::child(dialog, "TxtDescription"), u" X "_s);
+         },
+         [&] { return fill(level) + level.Caption + conditions.Cond[Quantity::Wind][0].Caption; },
+         [&, calm = level.Caption.value()] {
              level.BackColor = kSwatchGreen;
+             level.Caption = calm;
+             conditions.Cond[Quantity::Wind][0].Caption = calm;
          }},
         {Page::Limits, "DirectionGust2", "EditDirectionGust2", "KivWindPars",
          [](QDialog& dialog) { skyhold::child<QSlider>(dialog, "SliderTo")->setValue(-90); },
@@ -182,5 +296,4 @@ TEST_F(ItemEditors, OpenByMousePencilAndKeysAndWriteOnOkOnly) {
 }
 
 } // namespace
-
 } // namespace skyhold
