@@ -5,7 +5,9 @@ tells what it shows.
 """
 
 import contextlib
+import os
 import pathlib
+import subprocess
 import sys
 import tempfile
 import threading
@@ -94,7 +96,6 @@ class Monitored:
         self.run.wait_for_name("Kiv_Skyhold.Nubilo", self.monitor)
 
     def launch_monitor(self):
-        import subprocess
         self.monitor = self.run.start(*self.prefix, run.PROGRAMS / "Kiv_Skyhold", "--report",
                                       *self.arguments, *self.clock, stdout=subprocess.PIPE,
                                       stderr=subprocess.PIPE, text=True)
@@ -123,6 +124,18 @@ class Monitored:
 
         self.wait_until(what, look, seconds)
         return found[0]
+
+    def start_display(self):
+        """A display of its own, for a monitor with a window."""
+        self.run.variables["QT_QPA_PLATFORM"] = "xcb"
+        reading, writing = os.pipe()
+        display = self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24",
+                                 "-noreset", "-nolisten", "tcp", pass_fds=[writing],
+                                 stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as number:
+            self.run.variables["DISPLAY"] = f":{number.readline().strip()}"
+        return display
 
     def break_station(self, fault):
         part = self.station_control.with_suffix(".part")

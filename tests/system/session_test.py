@@ -1,12 +1,53 @@
 """A session of the whole program: verdicts, faults of both sources, clients, and the end."""
 
 import signal
+import subprocess
 import time
 import unittest
 
 import dbus
 
-from monitored import METHOD, Client, Monitored
+from monitored import METHOD, Client, Monitored, run
+
+
+class RestartableBus(Monitored):
+    """Its bus has an address that a new bus can have again."""
+
+    def __init__(self, *arguments, **more):
+        super().__init__(*arguments, **more)
+        self.address = f"unix:path={self.folder}/bus.socket"
+        self.run.start_bus = self.start_bus
+
+    def start_bus(self):
+        (self.folder / "bus.socket").unlink(missing_ok=True)
+        configuration = self.folder / "bus.conf"
+        configuration.write_text(run.BUS_CONFIGURATION.replace("unix:tmpdir=/tmp", self.address),
+                                 encoding="utf-8")
+        self.daemon = self.run.start("dbus-daemon", f"--config-file={configuration}", "--nofork",
+                                     "--print-address", stdout=subprocess.PIPE,
+                                     stderr=subprocess.DEVNULL, text=True)
+        self.daemon.stdout.readline()
+        # What it prints names this very bus as well, and would lead to no other.
+        self.run.variables["DBUS_SESSION_BUS_ADDRESS"] = self.address
+
+    def end_bus(self):
+        self.daemon.kill()
+        self.daemon.wait()
+
+
+class OnDisplay(Monitored):
+    """The window on a display that can be killed."""
+
+    def __init__(self):
+        super().__init__(["--start", "--record"], window=True)
+
+    def __enter__(self):
+        self.display = self.start_display()
+        return super().__enter__()
+
+    def kill_display(self):
+        self.display.kill()
+        self.display.wait()
 
 
 class SessionTest(unittest.TestCase):
@@ -32,9 +73,6 @@ class SessionTest(unittest.TestCase):
             faults = [
                 ("stop", "Weather Station Data too old", "a41"),
                 ("delete", "Weather Station Data - file not available", "a42"),
-                ("empty", "Weather Station Data - no readings in file", "a41"),
-                ("rubbish", "Weather Station Data - ", "a41"),
-                ("huge", "Weather Station Data - file too large (over 16 MB)", "a41"),
             ]
             for fault, status, code in faults:
                 with self.subTest(fault=fault):
@@ -50,6 +88,12 @@ class SessionTest(unittest.TestCase):
         with Monitored(["--start"]) as monitored:
             monitored.next_cycle("a first cycle", lambda c: not c.codes)
             client = Client(monitored)
+
+            def closings():
+                calls = monitored.ask_sensor("Sim_Calls").splitlines()
+                return calls.count("SetUnSafe(method; b true)")
+
+            before = closings()
             for fault in ["silent", "late=1000"]:
                 with self.subTest(fault=fault):
                     monitored.break_sensor(fault)
@@ -64,6 +108,7 @@ class SessionTest(unittest.TestCase):
                         for _ in range(3):
                             monitored.next_cycle("a quick cycle", lambda c: c.codes == "a31", 3)
                         self.assertLess(time.monotonic() - begin, 4.5)
+                        self.assertLessEqual(closings(), before + 1)
                     monitored.break_sensor("none")
                     monitored.next_cycle("its return", lambda c: c.codes == "")
 
@@ -101,9 +146,53 @@ class SessionTest(unittest.TestCase):
             self.assertEqual(settings.stat().st_mode & 0o777, 0o600)
             self.assertIn("GraphNoPoints=120", settings.read_text())
 
+    def test_control_without_an_instance_ends_with_its_client(self):
+        with Monitored(["--start"], safe_delay=0) as monitored:
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE")
+            bare = dbus.bus.BusConnection(monitored.run.variables["DBUS_SESSION_BUS_ADDRESS"])
+            bare.call_blocking("Kiv_Skyhold.Nubilo", "/Kiv_Skyhold/Nubilo/MForm",
+                               "Kiv.Automation.Dispatch", "InvokeByName", "suav",
+                               ("HasControl", dbus.UInt32(METHOD), [True, "bare"]))
+            monitored.next_cycle("its control", lambda c: c.cause == "Decided by bare")
+            bare.close()
+            monitored.next_cycle("its end", lambda c: "bare" not in c.cause)
+
+    def test_bus_goes_away_and_comes_back(self):
+        with RestartableBus(["--start"]) as monitored:
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE")
+            client = Client(monitored)
+            client.invoke("Kiv_LocalControl", METHOD, [True, "script"])
+            monitored.next_cycle("its control", lambda c: c.cause == "Decided by script")
+            monitored.end_bus()
+            lost = monitored.next_cycle("the loss", lambda c: c.codes == "a31")
+            self.assertEqual(lost.verdict, "UNSAFE")
+            monitored.wait_until("a word", lambda: any("has gone" in e for e in monitored.errors))
+            monitored.start_bus()
+            monitored.sensor.terminate()
+            monitored.sensor.wait(10)
+            monitored.start_sensor()
+            monitored.next_cycle("both are back", lambda c: c.verdict == "SAFE" and not c.codes)
+            monitored.run.wait_for_name("Kiv_Skyhold.Nubilo", monitored.monitor)
+            client = Client(monitored)
+            self.assertEqual(client.invoke("Kiv_TotalNoUsers"), 1)
+            client.close()
+
+    def test_a_display_that_dies_ends_the_program_in_order(self):
+        with OnDisplay() as monitored:
+            monitored.next_cycle("a safe sky", lambda c: c.verdict == "SAFE", 30)
+            monitored.kill_display()
+            monitored.monitor.wait(10)
+            monitored.wait_until("a word", lambda: any(
+                "The display has gone" in line for line in monitored.errors))
+            settings = monitored.folder / "user/config/Kiv/Kiv_Skyhold.ini"
+            self.assertIn("GraphNoPoints=120", settings.read_text(encoding="utf-8"))
+            self.assertTrue((monitored.folder / "data/Skyhold.csv").read_bytes().endswith(b"\r\n"))
+            given_back = [call for call in monitored.ask_sensor("Sim_Calls").splitlines()
+                          if call.startswith("Kiv_LocalControl")]
+            self.assertIn("false", given_back[-1])
+
     def test_second_instance_ends_silently(self):
         with Monitored() as monitored:
-            import run
             second = monitored.run.start(run.PROGRAMS / "Kiv_Skyhold", "--headless")
             self.assertEqual(second.wait(10), 0)
             self.assertIsNone(monitored.monitor.poll())

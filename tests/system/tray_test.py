@@ -1,7 +1,6 @@
 """The first start, the window and its tray icon on a real display, with a window manager and a
 panel, by real keys and clicks."""
 
-import os
 import subprocess
 import time
 import unittest
@@ -18,7 +17,6 @@ class Desktop(Monitored):
 
     def __init__(self):
         super().__init__(window=True)
-        self.run.variables["QT_QPA_PLATFORM"] = "xcb"
         self.settings = self.folder / "user" / "config" / "Kiv" / "Kiv_Skyhold.ini"
         self.settings.unlink()
 
@@ -62,12 +60,7 @@ class Desktop(Monitored):
             raise
 
     def start_desktop(self):
-        reading, writing = os.pipe()
-        self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24", "-noreset",
-                       "-nolisten", "tcp", pass_fds=[writing], stderr=subprocess.DEVNULL)
-        os.close(writing)
-        with os.fdopen(reading) as number:
-            self.run.variables["DISPLAY"] = f":{number.readline().strip()}"
+        self.start_display()
         self.run.start("openbox", "--sm-disable", stderr=subprocess.DEVNULL)
         self.wait_until("the window manager", lambda: self.xdotool("get_desktop"))
         self.start_panel()
@@ -162,7 +155,8 @@ class TrayTest(unittest.TestCase):
                                {desktop.assistant})
             desktop.wait_until("the icon", desktop.icon)
             kept = desktop.settings.read_text(encoding="utf-8")
-            for line in ["UnitsSpeed2=True", "UnitsSpeed0=False", "ImageWind=0", "FileNameCCDAP4="]:
+            for line in ["UnitsSpeed2=True", "UnitsSpeed0=False", "ImageWind=0", "FileNameCCDAP4=",
+                         "BeyondLimitUnsafe=1"]:
                 self.assertIn(line, kept.splitlines())
             self.assertIn("simulated/station.htm", kept)
 

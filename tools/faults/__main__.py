@@ -15,10 +15,10 @@ import traceback
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PAGE = ROOT / "docs/faults.md"
 sys.path.insert(0, str(ROOT / "tests/system"))
-import fault_table as table  # noqa: E402  (in that folder)
-from shared import end_shared  # noqa: E402  (beside this file)
+import table  # noqa: E402  (beside this file)
+from shared import end_shared  # noqa: E402
 
-MODULES = ["faults_test", "sensor_rows", "station_rows", "output_rows", "clock_rows", "bus_rows",
+MODULES = ["telling_rows", "sensor_rows", "station_rows", "output_rows", "clock_rows", "bus_rows",
            "settings_rows", "end_rows"]
 HEADINGS = ["area", "fault", "what was seen (verdict, lamps, codes, status)", "recovery", "seconds"]
 

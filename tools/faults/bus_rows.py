@@ -7,9 +7,10 @@ import threading
 import time
 
 import dbus
+import dbus.lowlevel
 
-from fault_table import Monitored, is_safe, row
-from faults_test import ManyConnections
+from table import Monitored, is_safe, row
+from telling_rows import WatchedBus
 from monitored import READ, Client, run
 
 INSTANCES = 10_000
@@ -46,7 +47,7 @@ def no_bus(seen):
 
 @row("bus", "hangs for ten seconds")
 def bus_hangs(seen):
-    with ManyConnections(["--start"]) as monitored:
+    with WatchedBus(["--start"]) as monitored:
         monitored.next_cycle("a safe sky", is_safe)
         monitored.watch.end()  # its question waits for the bus, not for the program
         monitored.watch = None
@@ -143,6 +144,17 @@ def bad_clients(seen):
             raise AssertionError(f"{method} {signature} was taken")
         assert client.invoke("Kiv_SafeDelayValue") == 30
         seen.say("wrong types are refused and change nothing")
+        # A connection that asks, but never reads what it is answered, holds nobody up.
+        deaf = dbus.bus.BusConnection(monitored.run.variables["DBUS_SESSION_BUS_ADDRESS"])
+        for _ in range(2000):
+            deaf.send_message(dbus.lowlevel.MethodCallMessage(
+                "Kiv_Skyhold.Nubilo", client.path, "org.freedesktop.DBus.Introspectable",
+                "Introspect"))
+        begun = time.monotonic()
+        for _ in range(10):
+            client.invoke("Safe")
+        assert time.monotonic() - begun < 20
+        deaf.close()
         seen.expect("one user", lambda: client.invoke("Kiv_TotalNoUsers") == 1, 5)
         seen.recovery(monitored, "a safe sky", is_safe)
         client.close()

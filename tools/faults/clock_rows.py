@@ -4,7 +4,7 @@ import pathlib
 import signal
 import time
 
-from fault_table import Monitored, is_safe, row
+from table import Monitored, is_safe, row
 from monitored import Client
 
 

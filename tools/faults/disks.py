@@ -12,7 +12,7 @@ import resource
 import subprocess
 import sys
 
-from fault_table import Monitored
+from table import Monitored
 
 SIZE = 262_144  # bytes of each disk
 FOLDERS = ["data", "ccdap", "images", "user/config/Kiv"]

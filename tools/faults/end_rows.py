@@ -8,7 +8,7 @@ import socket
 import subprocess
 import time
 
-from fault_table import Monitored, is_safe, row
+from table import Monitored, is_safe, row
 from monitored import run
 from output_rows import lines_of
 from upload_test import children

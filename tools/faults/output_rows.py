@@ -5,7 +5,7 @@ import shutil
 import signal
 
 from disks import OnDisks
-from fault_table import Monitored, is_safe, row
+from table import Monitored, is_safe, row
 from monitored import METHOD, PUT, Client
 
 DATA = "Skyhold.csv"

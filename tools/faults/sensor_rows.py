@@ -6,8 +6,8 @@ import time
 import unittest.mock
 
 import run
-from fault_table import has_failed, is_safe, more_cycles, quiet_evening, row
-from faults_test import NO_SENSOR, refuses_to_start, starts_with_good_sensor
+from table import has_failed, is_safe, more_cycles, quiet_evening, row
+from telling_rows import NO_SENSOR, refuses_to_start, starts_with_good_sensor
 from monitored import METHOD, Client
 from shared import Shared
 

@@ -4,7 +4,7 @@ import collections
 import re
 import signal
 
-from fault_table import Monitored, row
+from table import Monitored, row
 from monitored import PUT, Client
 
 NUMBER = r"-?[0-9.]+(e\+[0-9]+)?"

@@ -1,6 +1,6 @@
 """A running program that several rows use."""
 
-from fault_table import Monitored
+from table import Monitored
 
 SHARED = []
 

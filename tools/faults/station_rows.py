@@ -9,7 +9,7 @@ import subprocess
 import threading
 import time
 
-from fault_table import is_safe, more_cycles, quiet_evening, row
+from table import is_safe, more_cycles, quiet_evening, row
 from monitored import METHOD, Client, Cycle
 from shared import Shared
 

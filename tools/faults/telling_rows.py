@@ -1,16 +1,14 @@
-"""The most telling rows of the fault table; `./dev faults` walks all of them."""
+"""Faults that reach through the whole program."""
 
-import os
-import subprocess
 import signal
+import subprocess
 import time
-import unittest
 
 import dbus
 
-from fault_table import (ROWS, Monitored, Seen, has_failed, is_safe, more_cycles, quiet_evening,
-                         row, walk)
 from monitored import METHOD, Client, run
+from session_test import OnDisplay, RestartableBus
+from table import Monitored, has_failed, is_safe, more_cycles, quiet_evening, row
 
 SENSOR = "sensor program"
 NO_SENSOR = "Cannot read Kiv_Nubilo"
@@ -83,34 +81,17 @@ def starts_with_good_sensor(seen, monitored):
     client.close()
 
 
-class ManyConnections(Monitored):
-    """Its bus has an address that a new bus can have again."""
+class WatchedBus(RestartableBus, Monitored):
+    pass
 
-    def __init__(self, *arguments, **more):
-        super().__init__(*arguments, **more)
-        self.address = f"unix:path={self.folder}/bus.socket"
-        self.run.start_bus = self.start_bus
 
-    def start_bus(self):
-        (self.folder / "bus.socket").unlink(missing_ok=True)
-        configuration = self.folder / "bus.conf"
-        configuration.write_text(run.BUS_CONFIGURATION.replace("unix:tmpdir=/tmp", self.address),
-                                 encoding="utf-8")
-        self.daemon = self.run.start("dbus-daemon", f"--config-file={configuration}", "--nofork",
-                                     "--print-address", stdout=subprocess.PIPE,
-                                     stderr=subprocess.DEVNULL, text=True)
-        self.daemon.stdout.readline()
-        # What it prints names this very bus as well, and would lead to no other.
-        self.run.variables["DBUS_SESSION_BUS_ADDRESS"] = self.address
-
-    def end_bus(self):
-        self.daemon.kill()
-        self.daemon.wait()
+class WatchedDisplay(OnDisplay, Monitored):
+    pass
 
 
 @row("bus", "goes away in the run and comes back")
 def bus_restarts(seen):
-    with ManyConnections(["--start"]) as monitored:
+    with WatchedBus(["--start"]) as monitored:
         monitored.next_cycle("a safe sky", is_safe)
         client = Client(monitored)
         client.invoke("Kiv_LocalControl", METHOD, [True, "script"])
@@ -161,31 +142,9 @@ def controllers_die(seen):
         second.close()
 
 
-class OnDisplay(Monitored):
-    """The window on a display that can be killed."""
-
-    def __init__(self):
-        super().__init__(["--start", "--record"], window=True)
-        self.run.variables["QT_QPA_PLATFORM"] = "xcb"
-
-    def __enter__(self):
-        reading, writing = os.pipe()
-        self.display = self.run.start("Xvfb", "-displayfd", writing, "-screen", "0", "1400x900x24",
-                                      "-noreset", "-nolisten", "tcp", pass_fds=[writing],
-                                      stderr=subprocess.DEVNULL)
-        os.close(writing)
-        with os.fdopen(reading) as number:
-            self.run.variables["DISPLAY"] = f":{number.readline().strip()}"
-        return super().__enter__()
-
-    def kill_display(self):
-        self.display.kill()
-        self.display.wait()
-
-
 @row("display", "the X server dies under the window")
 def display_dies(seen):
-    with OnDisplay() as monitored:
+    with WatchedDisplay() as monitored:
         seen.expect("the window", lambda: monitored.cycles, 10)  # its first line tells of it
         monitored.next_cycle("a safe sky", is_safe)
         monitored.ends = True
@@ -204,14 +163,3 @@ def display_dies(seen):
         assert given_back and "false" in given_back[-1], calls[-5:]
         seen.say(f"the program ends with status {status} (the display's library does not let it go "
                  f"on), its end in order: data file and settings whole, the sensor program released")
-
-
-class FaultsTest(unittest.TestCase):
-    def test_rows(self):
-        for each in ROWS:
-            with self.subTest(each.fault):
-                walk(each, Seen())
-
-
-if __name__ == "__main__":
-    unittest.main()

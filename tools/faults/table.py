@@ -1,5 +1,4 @@
-"""The fault table: the rows that every change must pass are in `faults_test.py`, all others in
-`tools/faults` (`./dev faults`).
+"""Rows of the fault table: what each does is in the modules that `__main__` lists.
 
 A row is a function `walk(seen)` that breaks something, tells `seen` what the program showed, and
 mends it again:
