@@ -153,6 +153,36 @@ TEST_F(Recording, beginsWithASessionThatMakesItsFolder) {
     EXPECT_EQ(folder_->read(u"new/folder/Skyhold.csv"_s), "\"Wind Speed\"\r\n\"5\"\r\n\"6\"\r\n");
 }
 
+TEST_F(Recording, goesOnWhileSourcesFailAndItsCodeStandsBesideTheirs) {
+    for (const std::size_t slot : {3U, 11U, 13U})
+        showColumn(slot);
+    const QString place = folder_->filePath(u"data"_s);
+    records().dataFile.LblPathName.Caption = place;
+    core_->recordAtStart = true;
+    StartSession(*core_);
+    sensor_.values[u"DeviceIsRunning"_s] = false;
+    cycle();
+    sensor_.answering = false;
+    cycle();
+    // The display is blank; the readings keep their last state. A sensor program that does not
+    // answer has no words.
+    EXPECT_EQ(records().display.LCond[Quantity::Cloud].Caption.value(), QString());
+    EXPECT_EQ(folder_->read(u"data/Skyhold.csv"_s),
+              "\"Cloud Condition\",\"Cloud Value\",\"Wind Speed\"\r\n\"Clear\",\"-25.3\",\"5\"\r\n"
+              "\"Clear\",\"-25.3\",\"5\"\r\n\"\",\"-25.3\",\"5\"\r\n");
+    ASSERT_TRUE(QDir(place).removeRecursively());
+    cycle();
+    EXPECT_EQ(codes(), u"a31 d13"_s);
+
+    // Asking for the words must not make every cycle a failed one.
+    ASSERT_TRUE(QDir().mkpath(place));
+    sensor_.answering = true;
+    sensor_.values[u"DeviceIsRunning"_s] = true;
+    cycle();
+    cycle();
+    EXPECT_EQ(codes(), QString());
+}
+
 TEST_F(Recording, historyFollowsTheCyclesTheBoxesAndTheUnits) {
     const GraphHistory& history = records().history;
     const GraphControls& graphs = records().graphs;

@@ -294,35 +294,6 @@ TEST_F(Session, nothingToDoStopsAtOnceAndUploadAloneReadsNothing) {
     EXPECT_FALSE(core_->TimerUpload.enabled());
 }
 
-TEST_F(Session, clientsWithholdStopAndClose) {
-    const auto register_ = [this](int delta) {
-        RegisterUsers(records(), clock_, delta);
-    };
-    const auto expectFree = [this](bool free) {
-        EXPECT_EQ(records().session.ButtStop.Visible, free);
-        EXPECT_EQ(records().session.FrameCOM.Visible, !free);
-        EXPECT_EQ(records().window.CloseItemEnabled, free);
-        EXPECT_EQ(records().window.MnuExit.Enabled, free);
-    };
-    register_(+1);
-    register_(+1);
-    EXPECT_EQ(records().session.LblUsers.Caption.value(), u"Attached Users: 2"_s);
-    expectFree(false);
-    EXPECT_FALSE(records().window.mnuStart.Visible);
-    EXPECT_FALSE(RequestClose(*core_));
-    EXPECT_EQ(messages_, QStringList{u"There are other users present - cannot UNLOAD"_s});
-
-    Device_Start(*core_);
-    EXPECT_TRUE(running());
-    register_(-1);
-    expectFree(false);
-    register_(-1);
-    expectFree(true);
-    EXPECT_TRUE(records().window.mnuStop.Visible);
-    EXPECT_TRUE(RequestClose(*core_));
-    EXPECT_FALSE(running());
-}
-
 TEST_F(Session, controlEndsWithItsLastHolderAndItsLossIsUnsafe) {
     const auto take = [this](const char* client, bool flag = true) {
         core_->caller = QLatin1String(client);

@@ -12,13 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace skyhold {
 namespace {
 
-TEST(Version, titleTipAndText) {
-    const ProgramVersion version{2, 30, 4};
-    EXPECT_EQ(version.title(), u"Kiv_Skyhold (v2.30.004)"_s);
-    EXPECT_EQ((ProgramVersion{2, 5, 12}.title()), u"Kiv_Skyhold (v2.05.012)"_s);
-    EXPECT_EQ(version.trayTip(), u"Kiv Skyhold (v2.30.004)"_s);
-}
-
 TEST(UpdaterSwap, aFileThatOthersMayHaveMadeStaysAside) {
     const struct {
         const char* what;
@@ -102,16 +95,6 @@ TEST_F(StartUp, newsAndUpdateStatusAreShownOnce) {
     Unload(*core_);
     EXPECT_EQ(SettingsStore(u"Kiv_Skyhold"_s).GetSetting(u"Window"_s, u"LastUpdateMsg"_s, {}),
               u"updated"_s);
-}
-
-TEST_F(StartUp, unloadSavesAndGivesControlBack) {
-    records().conditions.SafeDelayVal.Value = 77;
-    StartSession(*core_);
-    sensor_.takeCalls();
-    Unload(*core_);
-    EXPECT_EQ(sensor_.takeCalls().value(0), u"Kiv_LocalControl(b false, s )"_s);
-    EXPECT_EQ(SettingsStore(u"Kiv_Skyhold"_s).GetSetting(u"Window"_s, u"SafeDelayVal"_s, {}),
-              u"77"_s);
 }
 
 class Upload : public CoreFixture {

@@ -134,27 +134,6 @@ TEST(DirectionPicture, PointsAreDotsOnALabelledGrid) {
                                                                   "------------------------------");
 }
 
-TEST(TimeAxis, CoversTheSpanAtLeast) {
-    const struct {
-        const char* name;
-        double historySeconds, spanSeconds;
-        double time; // seconds after the oldest point
-        int x;
-    } cases[] = {
-        {"a quarter is filled", 1800, 7200, 1800, 150},
-        {"the newest point of a longer history is at the right edge", 9000, 7200, 9000, 600},
-        {"a third of a pixel does not count", 7200, 7200, 16, 1},
-        {"the oldest point", 7200, 7200, 0, 0},
-        {"no span is known", 600, 0, 300, 300},
-    };
-    for (const auto& c : cases) {
-        const GraphSeries series = steady(1, 2, c.historySeconds, c.spanSeconds);
-        const TimeAxis axis = timeAxis(series, 600);
-        EXPECT_EQ(axis.position(kNight + c.time * kSecond), c.x) << c.name;
-    }
-    EXPECT_EQ(timeAxis({}, 600).position(kNight), 0);
-}
-
 TEST(TimeAxis, TicksAreTwelfthsAndShortStepsShowSeconds) {
     const struct {
         double startSeconds, spanSeconds;

@@ -242,56 +242,6 @@ TEST_F(Judging, TheNearestLimitIsTheOneWithTheLeastOfItsSafeValuesLeft) {
     EXPECT_EQ(nearest(), "none");
 }
 
-TEST_F(Judging, AGapEarnsTheWholeDelayAnew) {
-    rules.safeDelaySeconds = 60;
-    EXPECT_FALSE(after(1).UnsafeFlag);
-    distrust(memory, now);
-    EXPECT_TRUE(memory.UnsafeFlag);
-    EXPECT_EQ(after(500).waitSeconds, 60);
-    EXPECT_TRUE(after(59).UnsafeFlag);
-    EXPECT_FALSE(after(1).UnsafeFlag);
-}
-
-TEST_F(Judging, CloudyCountsAfterItsDelayUnlessItFollowsOvercastOrBeginsASession) {
-    rules.levels[Cloud].unsafe = {false, true, true};
-    rules.cloudDelaySeconds = 300;
-    const struct {
-        const char* what;
-        double seconds;
-        std::int32_t cloud;
-        bool unsafe;
-    } steps[] = {
-        {"session begins cloudy", 0, CloudCloudy, true},
-        {"clear", 10, CloudClear, false},
-        {"cloudy begins", 10, CloudCloudy, false},
-        {"not long enough", 299.999, CloudCloudy, false},
-        {"long enough", 0.001, CloudCloudy, true},
-        {"still", 10, CloudCloudy, true},
-        {"a clear cycle", 10, CloudClear, false},
-        {"the wait begins anew", 10, CloudCloudy, false},
-        {"overcast at once", 10, CloudVeryCloudy, true},
-        {"cloudy after overcast", 10, CloudCloudy, true},
-        {"and it goes on", 10, CloudCloudy, true},
-        {"unknown keeps what was seen", 10, CloudUnknown, false},
-        {"cloudy again", 10, CloudCloudy, true},
-        {"overcast", 10, CloudVeryCloudy, true},
-        {"clear after overcast", 10, CloudClear, false},
-        {"cloudy after clear", 10, CloudCloudy, false},
-    };
-    // Whatever the clock's zero: a clock may begin with the machine.
-    for (const Moment& start : {now, Moment{10'000, 1'800'000'000'000}}) {
-        now = start;
-        beginSession(rules, memory, now);
-        for (const auto& [what, seconds, cloud, unsafe] : steps) {
-            SCOPED_TRACE(what);
-            set(Cloud, cloud);
-            const Judgement judgement = after(seconds);
-            EXPECT_EQ(judgement.UnsafeFlag, unsafe);
-            EXPECT_EQ(judgement.holds[Cloud], unsafe || cloud == CloudClear);
-        }
-    }
-}
-
 TEST_F(Judging, SectorBoundsAreInclusiveAndANegativeStartWrapsThroughNorth) {
     const struct {
         std::optional<Sector> sector;

@@ -1,12 +1,9 @@
 """The automation server of the whole program, as other programs see it."""
 
 import json
-import os
 import pathlib
-import signal
 import subprocess
 import unittest
-import unittest.mock
 import xml.etree.ElementTree as ElementTree
 
 import dbus
@@ -194,32 +191,6 @@ class AutomationTest(unittest.TestCase):
         for error, iid, mask in [("Fail", dispatch_id, 2), ("NoInterface", "{}", 1)]:
             self.assertError(ERROR + error, lambda iid=iid, mask=mask: instance.ask(
                 safety, "SetInterfaceSafetyOptions", "suu", iid, mask, mask))
-
-
-class OnDemandTest(unittest.TestCase):
-    def test_program_starts_on_demand(self):
-        services = run.PROGRAMS.parent / "share" / "dbus-1" / "services"
-        configuration = run.BUS_CONFIGURATION.replace(
-            "<auth>", f"<servicedir>{services}</servicedir><auth>")
-        monitored = Monitored()
-        variables = monitored.run.variables
-        for display in ["DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"]:
-            variables.pop(display, None)
-        with unittest.mock.patch.object(run, "BUS_CONFIGURATION", configuration):
-            monitored.run.start_bus()
-        self.addCleanup(monitored.run.started[0].stdout.close)
-        self.addCleanup(monitored.run.end)
-        bus = dbus.bus.BusConnection(variables["DBUS_SESSION_BUS_ADDRESS"])
-        self.assertFalse(bus.name_has_owner(NAME))
-        instance = Instance(monitored)
-        process = int(bus.call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                        "org.freedesktop.DBus", "GetConnectionUnixProcessID",
-                                        "s", (NAME,)))
-        self.addCleanup(lambda: pathlib.Path(f"/proc/{process}").exists()
-                        and os.kill(process, signal.SIGKILL))
-        self.assertEqual(instance.invoke("Kiv_TotalNoUsers"), 1)
-        os.kill(process, signal.SIGTERM)
-        monitored.wait_until("its end", lambda: not pathlib.Path(f"/proc/{process}").exists())
 
 
 if __name__ == "__main__":

@@ -283,10 +283,11 @@ class CtlTest(unittest.TestCase):
             monitored = Shower(with_monitor=False)
             services = monitored.folder / "services"
             services.mkdir()
-            command = [run.PROGRAMS / "Kiv_Skyhold", "--headless", *monitored.clock]
+            installed = run.PROGRAMS.parent / f"share/dbus-1/services/{NAME}.service"
             (services / f"{NAME}.service").write_text(
-                f"[D-BUS Service]\nName={NAME}\nExec={' '.join(map(str, command))}\n",
-                encoding="ascii")
+                f"{installed.read_text().rstrip()} {' '.join(map(str, monitored.clock))}\n")
+            for display in ["DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"]:
+                monitored.run.variables.pop(display, None)
             with monitored:
                 try:
                     self.start_on_demand(monitored)

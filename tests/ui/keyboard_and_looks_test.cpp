@@ -85,7 +85,7 @@ TEST_F(Looks, NightShinesInRedAloneAndLeavesWhatIsStoredAsItWas) {
     QImage graph = records().pictures[0].Image;
     chooseByMenu(Qt::Key_N);
     auto* pages = window_->findChild<SettingsPages*>();
-    for (int i = 0; i <= static_cast<int>(Page::Upload); ++i) {
+    for (int i = 0; i <= static_cast<int>(Page::Network); ++i) {
         pages->open(static_cast<Page>(i));
         QCoreApplication::processEvents();
         EXPECT_EQ(firstColdPixel(*window_), u""_s) << "page " << i;

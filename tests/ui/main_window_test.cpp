@@ -101,6 +101,9 @@ TEST_F(MainWindow, ClosingIsRefusedWhileClientsAreAttached) {
     EXPECT_TRUE(closeItem());
     click(*window_, "ButtStart");
     RegisterUsers(records(), clock_, 1);
+    EXPECT_EQ(records().session.LblUsers.Caption.value(), u"Attached Users: 1"_s);
+    EXPECT_FALSE(visible("ButtStop"));
+    EXPECT_FALSE(child<QAction>("MnuExit")->isEnabled());
     EXPECT_FALSE(closeItem());
     window_->close();
     EXPECT_TRUE(window_->isVisible());
