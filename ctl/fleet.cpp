@@ -9,7 +9,6 @@
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <chrono>
 
 namespace skyhold {
 
@@ -23,12 +22,6 @@ constexpr double kLongestInterval = 600; // seconds
 constexpr int kConnectMs = 10'000;
 constexpr double kShortestWait = 0.2; // seconds
 constexpr double kLongestWait = 60;
-
-std::int64_t elapsedMs() {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
 
 // Why the document does not count; empty while it does.
 QString ageFault(const QJsonObject& document, std::optional<qint64> age) {
@@ -70,7 +63,7 @@ std::optional<MqttBroker> brokerOf(const Command& command, QString& fault) {
 
 // Fills the fleet with what the broker has and what comes meanwhile; false with the reason.
 bool listen(const MqttBroker& broker, double seconds, Fleet& fleet, QString& fault) {
-    MqttConnection connection(broker, elapsedMs);
+    MqttConnection connection(broker);
     QEventLoop loop;
     QTimer end;
     end.setSingleShot(true);

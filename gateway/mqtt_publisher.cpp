@@ -33,11 +33,10 @@ MqttPublisher::MqttPublisher(const MqttOptions& options, const StateBoard& board
     : options_(options)
     , board_(board)
     , feed_(options.prefix, options.discovery)
-    , main_(withWill(options, {}, u"safe"_s, "OFF"), bootMs)
+    , main_(withWill(options, {}, u"safe"_s, "OFF"))
     , state_(withWill(options, u"-state"_s, u"state"_s,
-                      silent(u"The gateway is gone"_s).documentText()),
-             bootMs)
-    , availability_(withWill(options, u"-availability"_s, u"availability"_s, "offline"), bootMs) {
+                      silent(u"The gateway is gone"_s).documentText()))
+    , availability_(withWill(options, u"-availability"_s, u"availability"_s, "offline")) {
     if (!options_.discovery.isEmpty())
         main_.Topics = {options_.discovery + u"/status"_s};
     main_.Connected = [this] {

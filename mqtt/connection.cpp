@@ -1,5 +1,7 @@
 #include "mqtt/connection.h"
 
+#include "platform/clock.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 
@@ -47,7 +49,7 @@ struct MqttConnection::Session {
         if (code != 0)
             return;
         self.accepted = true;
-        self.acceptedMs = self.owner->nowMs_();
+        self.acceptedMs = bootMs();
         for (const QString& topic : std::as_const(self.owner->Topics))
             mosquitto_subscribe(client, nullptr, topic.toUtf8().constData(),
                                 self.owner->SubscribeQos);
@@ -67,7 +69,7 @@ struct MqttConnection::Session {
             .topic = QString::fromUtf8(message->topic),
             .payload = QByteArray(static_cast<const char*>(message->payload), message->payloadlen),
             .retain = message->retain};
-        owner->post([owner, copy = std::move(copy), at = owner->nowMs_()] {
+        owner->post([owner, copy = std::move(copy), at = bootMs()] {
             if (owner->Arrived)
                 owner->Arrived(copy, at);
         });
@@ -92,14 +94,13 @@ struct MqttConnection::Session {
     }
 };
 
-MqttConnection::MqttConnection(MqttBroker broker, std::int64_t (*nowMs)())
+MqttConnection::MqttConnection(MqttBroker broker)
     : broker_(std::move(broker))
-    , nowMs_(nowMs)
     , here_(std::make_unique<QObject>())
-    , beatMs_(nowMs())
+    , beatMs_(bootMs())
     , version5_(broker_.mqtt5) {
     mosquitto_lib_init();
-    QObject::connect(&beats_, &QTimer::timeout, here_.get(), [this] { beatMs_ = nowMs_(); });
+    QObject::connect(&beats_, &QTimer::timeout, here_.get(), [this] { beatMs_ = bootMs(); });
 }
 
 MqttConnection::~MqttConnection() {
@@ -115,7 +116,7 @@ MqttConnection::~MqttConnection() {
 }
 
 void MqttConnection::start() {
-    beatMs_ = nowMs_();
+    beatMs_ = bootMs();
     beats_.start(kBeatMs);
     thread_ = std::thread([this] { serve(); });
 }
@@ -183,7 +184,7 @@ QString MqttConnection::attempt(bool& lasted) {
         session.number = ++try_;
     }
     const auto hung = [this] {
-        return nowMs_() - beatMs_ > kHungMs;
+        return bootMs() - beatMs_ > kHungMs;
     };
     int result = mosquitto_connect_async(client, broker_.host.toUtf8().constData(),
                                          broker_.usedPort(), kKeepAliveSeconds);
@@ -195,7 +196,7 @@ QString MqttConnection::attempt(bool& lasted) {
         client_ = nullptr;
     }
     mosquitto_destroy(client);
-    lasted = session.accepted && nowMs_() - session.acceptedMs > kLastedMs;
+    lasted = session.accepted && bootMs() - session.acceptedMs > kLastedMs;
     post([this, number = session.number] {
         if (connectedTo_ == number)
             connectedTo_ = 0;
@@ -231,7 +232,7 @@ void MqttConnection::serve() {
         if (!pause(seconds))
             return;
         seconds = std::min(seconds * 2, std::max(broker_.longestPause, 0.1));
-        while (nowMs_() - beatMs_ > kHungMs && pause(1))
+        while (bootMs() - beatMs_ > kHungMs && pause(1))
             continue;
     }
 }

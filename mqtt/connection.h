@@ -27,8 +27,7 @@ class MqttConnection {
   public:
     static constexpr std::int64_t kHungMs = 10'000;
 
-    // The clock goes on while the machine sleeps.
-    MqttConnection(MqttBroker broker, std::int64_t (*nowMs)());
+    explicit MqttConnection(MqttBroker broker);
     // Without a goodbye: the broker publishes the will.
     ~MqttConnection();
 
@@ -38,7 +37,7 @@ class MqttConnection {
     std::function<void()> Connected;
     // The broker is gone, or was not reached at another try; `why` is a part of a sentence.
     std::function<void(const QString& why)> Lost;
-    // With the moment of its arrival by the clock.
+    // With the moment of its arrival by bootMs.
     std::function<void(const MqttMessage& message, std::int64_t atMs)> Arrived;
     // The broker does not want a message, as of a topic that this user may not write.
     std::function<void(const QString& why)> Refused;
@@ -64,7 +63,6 @@ class MqttConnection {
     void send();
 
     MqttBroker broker_;
-    std::int64_t (*nowMs_)();
     std::unique_ptr<QObject> here_; // where the thread hands over what came
     QTimer beats_;
     Outbox outbox_;

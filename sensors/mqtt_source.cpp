@@ -28,7 +28,7 @@ void MqttSource::start() {
         readings_.setTrouble(fault);
         return;
     }
-    connection_ = std::make_unique<MqttConnection>(broker, bootMs);
+    connection_ = std::make_unique<MqttConnection>(broker);
     for (const QString& address : readings_.wanted())
         connection_->Topics.append(address.section(u'#', 0, 0));
     connection_->Topics.removeDuplicates();
