@@ -70,12 +70,12 @@ void HookRunner::call(HookCall call) {
 void HookRunner::next() {
     if (running() || waiting_.empty())
         return;
-    HookCall call = std::move(waiting_.front());
+    const HookCall call = std::move(waiting_.front());
     waiting_.pop_front();
-    begin(std::move(call));
+    begin(call);
 }
 
-void HookRunner::begin(HookCall call) {
+void HookRunner::begin(const HookCall& call) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(u"SKYHOLD_MQTT_PASSWORD"_s);
     environment.insert(u"SKYHOLD_EVENT"_s, call.event);

@@ -34,7 +34,7 @@ class HookRunner : public QObject {
 
   private:
     void next();
-    void begin(HookCall call);
+    void begin(const HookCall& call);
     void readOutput();
     void ended(const QString& result);
     void killRun(const QString& why);

@@ -55,7 +55,8 @@ std::span<const ReadingRow> readingRows() {
 QString reasonText(const View& view) {
     const QJsonObject document = view.document();
     QStringList texts;
-    for (const QJsonValue& cause : document[u"causes"_s].toArray())
+    const QJsonArray causes = document[u"causes"_s].toArray();
+    for (const auto& cause : causes)
         texts += cause[u"text"_s].toString().simplified();
     if (view.safe())
         texts = {document[u"nearest"_s][u"text"_s].toString().simplified()};

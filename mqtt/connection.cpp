@@ -20,7 +20,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kKeepAliveSeconds = 10; // the broker waits half as long again
 constexpr int kLoopMs = 200;
 constexpr int kBeatMs = 1000;
-constexpr std::int64_t kLongestPayload = 256 * 1024;
+constexpr std::int64_t kLongestPayload = std::int64_t{256} * 1024;
 constexpr std::int64_t kLastedMs = 30'000; // a connection that proved itself
 constexpr int kFailure = 128;              // codes from here on are failures
 
@@ -202,7 +202,7 @@ QString MqttConnection::attempt(bool& lasted) {
             connectedTo_ = 0;
     });
     if (session.refusal != 0) {
-        const QString text = session.refusalText(version5_);
+        QString text = session.refusalText(version5_);
         if (session.refusal == MQTT_RC_UNSUPPORTED_PROTOCOL_VERSION)
             version5_ = false;
         return text;
