@@ -19,7 +19,7 @@ function addCharts() {
     ranges.append(button);
   }
   $('band').prepend(make('div', {class: 'head'}, make('span', {id: 'moment'}, ''), ranges));
-  $('charts').append(make('div', {class: 'rows'}),
+  $('charts').append(make('div', {class: 'rows'}, make('div', {id: 'cursor', hidden: ''})),
     make('div', {class: 'axis-row'}, make('div', {class: 'in-plot'}, make('div', {class: 'axis'}))));
   for (const key of ROWS) {
     const quantity = QUANTITIES.find((one) => one.key === key);
@@ -33,7 +33,9 @@ function addCharts() {
 }
 
 const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
-const middle = (value) => (Array.isArray(value) ? value[1] : value);
+// Lowest, mean, highest.
+const NOTHING = [null, null, null];
+const spread = (value) => (Array.isArray(value) ? value : typeof value === 'number' ? [value, value, value] : NOTHING);
 
 // When a quantity was among the causes: [from, to] in milliseconds.
 function unsafeSpans(key) {
@@ -58,21 +60,21 @@ function rowsOf(key) {
   const step = Math.max(usual * 2.5, (past.until - past.since) / 480 * 2.5);
   for (const point of past.points) {
     const at = Date.parse(point.time);
-    const value = middle(point[key]);
-    if (last && at - last > step) rows.push([new Date(last + 1), null, null]);
+    const values = spread(point[key]);
+    if (last && at - last > step) rows.push([new Date(last + 1), NOTHING, NOTHING]);
     last = at;
-    const bad = spans.some(([from, to]) => at >= from && at < to);
-    rows.push([new Date(at), typeof value === 'number' ? value : null, bad && typeof value === 'number' ? value : null]);
+    const end = at + (point.span_s || 0) * 1000;
+    rows.push([new Date(at), values, spans.some(([from, to]) => end >= from && at < to) ? values : NOTHING]);
   }
   return rows;
 }
 
 // The span of values that is shown: that of the curve, and of the limits that are near.
 function valueRange(chart, limits) {
-  const values = chart.rows.map((row) => row[1]).filter((value) => value !== null);
   if (chart.quantity.round) return [-10, 370];
-  let low = Math.min(...values);
-  let high = Math.max(...values);
+  const values = chart.rows.map((row) => row[1]).filter((value) => value[1] !== null);
+  let low = Math.min(...values.map((value) => value[0]));
+  let high = Math.max(...values.map((value) => value[2]));
   const room = Math.max(high - low, Math.abs(high) * 0.05, 1);
   for (const limit of limits) {
     if (limit > high && limit - high < 1.5 * room) high = limit;
@@ -118,12 +120,15 @@ function showNow(index) {
   for (const chart of charts) {
     const then = index !== null && chart.rows[index];
     const reading = (heard.state && heard.state.readings || {})[chart.quantity.key] || {};
-    const value = then ? then[1] : live ? reading.value : null;
+    const value = then ? then[1][1] : live ? reading.value : null;
     chart.now.textContent = numberText(value, chart.quantity.digits);
-    chart.now.className = then ? 'now then' : 'now';
+    chart.now.className = then ? 'now then' : typeof value === 'number' ? 'now' : 'now old';
   }
   const at = index !== null && charts[0].rows[index];
-  $('moment').textContent = at ? clockText(at[0]) : new Date(past.until).toDateString().replace(/^(\w+) (\w+) (\d+) .*/, '$1 $3 $2');
+  const {plot, graph} = charts.find((chart) => chart.graph) || {};
+  $('cursor').hidden = !at || !graph;
+  if (at && graph) $('cursor').style.left = `${plot.offsetLeft + graph.toDomXCoord(at[0].getTime())}px`;
+  $('moment').textContent = at ? momentText(at[0]) : new Date(past.until).toDateString().replace(/^(\w+) (\w+) (\d+) .*/, '$1 $3 $2');
 }
 
 function redrawCharts() {
@@ -135,11 +140,12 @@ function redrawCharts() {
     if (chart.graph) chart.graph.destroy();
     chart.graph = null;
     chart.plot.replaceChildren();
-    if (!chart.rows.some((row) => row[1] !== null)) continue;
+    if (!chart.rows.some((row) => row[1][1] !== null)) continue;
     const range = valueRange(chart, edgeLimits(reading));
     chart.graph = new Dygraph(chart.plot, chart.rows, {
       labels: ['time', 'value', 'unsafe'], dateWindow: [past.since, past.until], valueRange: range,
-      colors: [colour('--curve'), colour('--beyond')], strokeWidth: 1.2, series: {unsafe: {strokeWidth: 3}},
+      colors: [colour('--curve'), colour('--beyond')], strokeWidth: 1.2, series: {unsafe: {strokeWidth: 3, pointSize: 1.5}},
+      customBars: true, fillAlpha: 0.35,
       axes: {x: {drawAxis: false, drawGrid: false}, y: {drawAxis: false, drawGrid: false, axisLabelWidth: 0}},
       drawPoints: chart.quantity.round, pointSize: 1, legend: 'never', showLabelsOnHighlight: false,
       highlightCircleSize: 3, animatedZooms: false, interactionModel: {}, xRangePad: 0, rightGap: 0,

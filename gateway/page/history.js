@@ -9,10 +9,12 @@ function addHistory() {
   const right = make('div', {id: 'right'});
   main.append(right);
   right.append($('readings'), $('band'), $('charts'));
-  // A phone shows the log between the band and the charts.
+  // A phone shows the log between the band and the charts, with the choice of time at these.
   const place = () => {
-    if (matchMedia('(min-width: 1000px)').matches) main.insertBefore($('log'), right);
+    const wide = matchMedia('(min-width: 1000px)').matches;
+    if (wide) main.insertBefore($('log'), right);
     else right.insertBefore($('log'), $('charts'));
+    $(wide ? 'band' : 'charts').prepend(document.querySelector('.head'));
     redrawCharts();
   };
   const filter = make('input', {type: 'search', placeholder: 'Filter', 'aria-label': 'Filter the log'});
@@ -34,20 +36,31 @@ const causesIn = (period) => (period.changes || []).flatMap((change) => change.c
 async function loadHistory() {
   if (past.loading || document.visibilityState === 'hidden') return;
   past.loading = true;
+  past.loaded = performance.now();
   try {
     const until = Date.now();
     const since_ = until - past.hours * 3600000;
     const iso = (time) => new Date(time).toISOString().slice(0, 19) + 'Z';
     const answer = await fetch(`api/history?since=${iso(since_)}&until=${iso(until + 1000)}&points=480`, {cache: 'no-store', signal: AbortSignal.timeout(10000)});
+    if (!answer.ok) return;
     const kept = await answer.json();
     past.periods = kept.periods || [];
     past.points = kept.points || [];
     past.since = since_;
     past.until = until;
-    past.any = answer.ok;
-    past.loaded = performance.now();
+    past.any = true;
+    keepLast();
     drawHistory();
   } catch { /* the next one will do */ } finally { past.loading = false; }
+}
+
+// A page that is opened while a source fails has its last values from here.
+function keepLast() {
+  for (const {key} of QUANTITIES) {
+    const last = past.points.filter((point) => typeof spread(point[key])[1] === 'number').pop();
+    if (!known[key] && last) known[key] = {value: spread(last[key])[1], time: last.time};
+  }
+  shown.readings = null;
 }
 
 function drawHistory() {
@@ -84,7 +97,8 @@ function drawBand() {
 }
 
 function axisTicks() {
-  const step = [1 / 6, 1, 2, 4, 24][RANGES.findIndex(([, hours]) => hours === past.hours)] * 3600000;
+  const wide = matchMedia('(min-width: 1000px)').matches;
+  const step = [1 / 6, 1, wide ? 1 : 2, wide ? 2 : 4, 24][RANGES.findIndex(([, hours]) => hours === past.hours)] * 3600000;
   const ticks = [];
   const day = new Date(past.since);
   day.setHours(0, 0, 0, 0);
@@ -93,12 +107,14 @@ function axisTicks() {
     const date = new Date(at);
     const midnight = date.getHours() === 0 && date.getMinutes() === 0;
     const text = past.hours > 24 ? `${date.getDate()} ${date.toDateString().slice(4, 7)}`
-      : past.hours > 1 ? two(date.getHours()) + (matchMedia('(min-width: 1000px)').matches ? ':00' : '') : clockText(at, false);
+      : past.hours > 1 ? two(date.getHours()) + (wide ? ':00' : '') : clockText(at, false);
     const share = (at - past.since) / (past.until - past.since);
     if (share > 0.03 && share < 0.97) ticks.push({share, text, midnight});
   }
   return ticks;
 }
+// With its day where more than one is shown.
+const momentText = (time) => (past.hours > 24 ? new Date(time).toDateString().replace(/^\w+ (\w+) (\d+) .*/, '$2 $1 ') : '') + clockText(time);
 function drawAxes() {
   for (const axis of document.querySelectorAll('.axis')) {
     axis.replaceChildren(...axisTicks().map(({share, text, midnight}) => {
@@ -111,7 +127,7 @@ function drawAxes() {
 
 const WORDS = {safe: 'Safe', unsafe: 'Unsafe', waiting: 'Waiting', failed: 'Unsafe'};
 function causeWords(period) {
-  const texts = causesIn(period).filter((cause) => cause.kind !== 'delay' || period.verdict === 'waiting').map((cause) => cause.text);
+  const texts = causesIn(period).filter((cause) => cause.kind !== 'delay' || period.verdict === 'waiting').map(causeText);
   return [...new Map(texts.map((text) => [text.split(',')[0].replace(/[-0-9.]+/g, ''), text])).values()].join(' · ');
 }
 const lasted = (period) => durationText(((period.lasts ? Date.now() : Date.parse(period.to)) - Date.parse(period.from)) / 1000);
@@ -121,10 +137,10 @@ function showLog(filter) {
   const rows = [...past.periods].reverse().map((period) => {
     const words = causeWords(period);
     const kind = kindOf(period);
-    const icon = smallShape(kind);
+    const icon = smallShape(WORDS[kind] ? kind : 'stopped');
     icon.setAttribute('class', 'icon ' + kind);
-    return {text: `${clockText(period.from)} ${WORDS[kind] || ''} ${words}`.toLowerCase(),
-      row: make('li', {}, icon, make('span', {}, clockText(period.from), ' ', make('b', {}, WORDS[kind] || period.verdict)),
+    return {text: `${momentText(period.from)} ${WORDS[kind] || ''} ${words}`.toLowerCase(),
+      row: make('li', {}, icon, make('span', {}, momentText(period.from), ' ', make('b', {}, WORDS[kind] || period.verdict)),
         make('span', {class: 'lasted'}, lasted(period)), make('span', {class: 'causes'}, words))};
   }).filter(({text}) => text.includes(wanted)).map(({row}) => row);
   document.querySelector('#log ol').replaceChildren(...(rows.length ? rows : [make('li', {class: 'empty'}, 'No verdict in this time')]));

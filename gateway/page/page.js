@@ -3,13 +3,14 @@
 'use strict';
 const SILENCE_MS = 4000;
 const PROBE_MS = 2000;
+const DEAD_LINE_MS = 10000;
 const $ = (id) => document.getElementById(id);
 
 // Both clocks: one stands still while a phone sleeps, the other may be set.
 function stamp() { return {steady: performance.now(), wall: Date.now()}; }
 function since(then) { return Math.max(performance.now() - then.steady, Date.now() - then.wall); }
 
-const heard = {state: null, at: null, anything: null, lost: null, before: 0};
+const heard = {state: null, at: null, anything: null, event: null, taken: 0, before: 0};
 
 function freshMs(snapshot) { return (Number(snapshot.interval_s) || 0) * 1500 + 2000; }
 function pageLost() { return !heard.anything || since(heard.anything) > SILENCE_MS; }
@@ -26,40 +27,15 @@ function sayState() {
   return [verdict === 'waiting' ? 'waiting' : 'unsafe', 'UNSAFE'];
 }
 
-const CROSS = 'M34 34L66 66M66 34L34 66';
-function shapeOf(state, share) {
-  const fill = 'currentColor';
-  const hole = state === 'safe' ? 'var(--safe)' : state === 'unsafe' ? 'var(--unsafe)' : 'var(--well)';
-  const ring = (part) => [make('circle', {cx: 50, cy: 50, r: 41, fill: 'none', stroke: 'var(--edge)', 'stroke-width': 17}),
-    make('circle', {cx: 50, cy: 50, r: 41, fill: 'none', stroke: 'var(--ring, var(--off))', 'stroke-width': 17, pathLength: 100,
-      'stroke-dasharray': `${part} 100`, transform: 'rotate(-90 50 50)'})];
-  switch (state) {
-  case 'safe':
-    return [make('circle', {cx: 50, cy: 50, r: 50, fill}),
-      make('path', {d: 'M28 52L44 68L74 36', fill: 'none', stroke: hole, 'stroke-width': 11})];
-  case 'unsafe':
-    return [make('polygon', {points: '30,1 70,1 99,30 99,70 70,99 30,99 1,70 1,30', fill}),
-      make('path', {d: CROSS, fill: 'none', stroke: hole, 'stroke-width': 13})];
-  case 'waiting':
-    return ring(share * 100).map((circle) => (circle.style.setProperty('--ring', 'var(--waiting)'), circle));
-  case 'starting':
-    return ring(25);
-  case 'stopped':
-    return [...ring(0), make('rect', {x: 37, y: 37, width: 26, height: 26, fill: 'var(--off)'})];
-  case 'failed':
-    return [make('polygon', {points: '50,4 98,94 2,94', fill}),
-      make('path', {d: 'M50 32v34M50 74v10', fill: 'none', stroke: hole, 'stroke-width': 10})];
-  default:
-    return [make('polygon', {points: '50,0 100,50 50,100 0,50', fill}),
-      make('path', {d: 'M39 41a11 11 0 1 1 16 10q-5 3-5 9M50 66v9', fill: 'none', stroke: hole, 'stroke-width': 7})];
-  }
-}
-const smallShape = (state) => make('svg', {viewBox: '0 0 100 100', 'aria-hidden': 'true'}, ...shapeOf(state, 0.75));
+// The page itself holds the shapes: they are there without a script as well.
+const shapeUse = (state) => make('use', {href: `#shape-${state}`});
+const smallShape = (state) => make('svg', {viewBox: '0 0 100 100', 'aria-hidden': 'true'}, shapeUse(state));
 
-function roofText(roof = {}) {
+const openWhileNot = (state) => state !== 'safe' && state !== 'unknown' && (heard.state.roof || {}).state === 'open';
+function roofText(roof = {}, state = '') {
   if (roof.fault) return roof.fault;
-  const state = {open: 'roof open', closed: 'roof closed'}[roof.state];
-  return state || (roof.driven ? 'roof unknown' : '');
+  const text = {open: openWhileNot(state) ? 'roof still open' : 'roof open', closed: 'roof closed'}[roof.state];
+  return text || (roof.driven ? 'roof unknown' : '');
 }
 
 function waited() {
@@ -73,14 +49,14 @@ function bannerLines(state) {
   const snapshot = heard.state;
   const lasted = snapshot && snapshot.since
     ? durationText((Date.parse(snapshot.time) - Date.parse(snapshot.since) + since(heard.at)) / 1000) : '';
-  const roof = snapshot ? roofText(snapshot.roof) : '';
+  const roof = snapshot ? roofText(snapshot.roof, state) : '';
   switch (state) {
   case 'unknown': {
     if (heard.anything && !pageLost()) return ['Monitor lost', 'Treat as unsafe.'];
     return [heard.anything ? `Nothing heard for ${durationText(since(heard.anything) / 1000)}` : 'Nothing heard yet', 'Treat as unsafe. Trying again.'];
   }
   case 'starting': return ['Starting', 'Waiting for the first readings.'];
-  case 'stopped': return ['Not monitoring', roof];
+  case 'stopped': return ['Not monitoring', roof.replace('roof', 'Roof')];
   case 'waiting': {
     const {left} = waited();
     return [`Safe in ${Math.floor(Math.ceil(left) / 60)}:${two(Math.ceil(left) % 60)}`, `Waiting since ${clockText(snapshot.since)}${roof ? ' · ' + roof : ''}`];
@@ -89,28 +65,30 @@ function bannerLines(state) {
   }
 }
 
+// The banner counts down; what last reset the delay comes after it.
+const causeText = (cause) => (cause.text || '').replace(/^Safe in [^;]*; l/, 'L');
+
 function causeItem(cause) {
   const icon = smallShape({source: 'failed', delay: 'waiting', session: 'stopped'}[cause.kind] || 'unsafe');
   const quantity = QUANTITIES.find(({key}) => key === cause.name);
   icon.setAttribute('class', 'icon ' + cause.kind);
-  // The banner counts down; what last reset the delay comes after it.
-  const text = (cause.text || '').replace(/^Safe in [^;]*; l/, 'L');
-  if (!quantity || typeof cause.value !== 'number') return make('li', {}, icon, make('p', {}, text));
+  if (!quantity || typeof cause.value !== 'number') return make('li', {}, icon, make('p', {}, causeText(cause)));
   const value = `${quantity.name} ${numberText(cause.value, quantity.digits)} ${cause.unit || ''}`.trim();
-  const limit = typeof cause.limit === 'number' ? `${cause.relation === '>' ? 'above' : 'not above'} ${shortNumber(cause.limit)}`
-    : cause.label || (cause.kind === 'beyond' ? 'beyond its last limit' : '');
-  return make('li', {title: cause.text}, icon, make('b', {}, value), make('span', {}, [limit, cause.since ? clockText(cause.since, false) : ''].filter(Boolean).join(', ')));
+  const limit = typeof cause.limit === 'number' ? `${cause.relation === '>' ? 'above' : 'at most'} ${shortNumber(cause.limit)}`
+    : cause.kind === 'beyond' ? 'beyond its last limit' : cause.label === quantity.name ? '' : cause.label;
+  const begun = cause.since ? (limit ? '' : 'since ') + clockText(cause.since, false) : '';
+  return make('li', {title: cause.text}, icon, make('b', {}, value), make('span', {}, [limit, begun].filter(Boolean).join(', ')));
 }
 
 function causeItems(state) {
   const snapshot = heard.state || {};
   if (state === 'unknown') {
     const gone = !heard.state || pageLost();
-    const why = gone ? 'The gateway or the network cannot be reached.'
+    const why = gone ? 'The gateway or the network is gone.'
       : heard.state.time ? 'The monitor has not finished a cycle in time.'
         : ((heard.state.causes || [])[0] || {}).text || 'The monitor cannot be reached.';
     return [make('li', {}, make('p', {}, why)),
-      make('li', {class: 'dim'}, make('p', {class: 'dim'}, (heard.last ? `Last heard ${clockText(heard.last)}. ` : '') + 'Readings are not known.'))];
+      make('li', {class: 'dim'}, make('p', {class: 'dim'}, (heard.last ? `Last heard ${clockText(heard.last)}. ` : '') + 'No readings.'))];
   }
   const nearest = snapshot.nearest;
   if (state === 'safe' && nearest) {
@@ -122,11 +100,14 @@ function causeItems(state) {
   return (snapshot.causes || []).map(causeItem);
 }
 
+// Ticks by the second at first; later the minute is enough.
+const ageText = (seconds) => durationText(seconds).replace(/^(\d+ min) .*/, '$1');
+
 function sourceItem(name, source, live, passed) {
   const age = live && typeof source.age_s === 'number' ? source.age_s + passed : null;
   const good = live && source.state === 'ok';
   const mark = !live || source.state === 'absent' && !source.detail ? 'off' : good ? '' : 'failed';
-  const seen = source.state === 'ok' ? (age === null ? 'ok' : durationText(age)) : `${source.state || '–'}${age === null ? '' : ', ' + durationText(age)}`;
+  const seen = source.state === 'ok' ? (age === null ? 'ok' : ageText(age)) : `${source.state || '–'}${age === null ? '' : ', ' + ageText(age)}`;
   return make('li', {class: good || !live ? '' : 'bad', title: source.detail || ''}, make('i', {class: 'dot ' + mark}), make('span', {}, name + ' '),
     make('b', {}, live ? seen : '–'), make('span', {class: 'wide-only'}, live && source.read ? clockText(source.read) : ''));
 }
@@ -166,10 +147,16 @@ function render() {
     fitVerdict();
   });
   const {share} = state === 'waiting' ? waited() : {share: 0};
-  put('shape', `${state} ${Math.round(share * 100)}`, (element) => element.replaceChildren(...shapeOf(state, share)));
+  put('shape', `${state} ${Math.round(share * 100)}`, (element) => {
+    element.firstElementChild.setAttribute('href', `#shape-${state}`);
+    element.style.setProperty('--share', Math.round(share * 100));
+  });
   const [first, second] = bannerLines(state);
   put('since', first, (element) => { element.textContent = first; });
-  put('more', second, (element) => { element.textContent = second; });
+  put('more', second, (element) => {
+    element.textContent = second;
+    element.className = openWhileNot(state) ? 'open' : '';
+  });
   const items = causeItems(state);
   put('causes', items.map((item) => item.outerHTML).join(), (element) => element.replaceChildren(...items));
   $('why').hidden = items.length === 0;
@@ -199,12 +186,12 @@ function fitVerdict() {
   const range = document.createRange();
   range.selectNodeContents(element);
   const width = range.getBoundingClientRect().width;
-  const rem = parseFloat(getComputedStyle(document.documentElement).fontSize);
-  if (room > 0 && width > 0) element.style.fontSize = `${Math.min(size * room / width * 0.99, 5.5 * rem)}px`;
+  if (room > 0 && width > 0) element.style.fontSize = `${Math.min(size * room / width * 0.99, element.parentElement.clientHeight * 0.95)}px`;
 }
 
 function take(snapshot, age) {
   const first = !heard.state;
+  ++heard.taken;
   heard.anything = stamp();
   // Between two cycles a document may come again: it is no younger for that.
   if (first || snapshot.time !== heard.state.time || !snapshot.time) {
@@ -220,30 +207,41 @@ function take(snapshot, age) {
 
 // The first document may be from any time of the interval; the answer's own date says how old it is.
 async function probe() {
+  const taken = heard.taken;
   try {
     const answer = await fetch('api/status', {cache: 'no-store', signal: AbortSignal.timeout(PROBE_MS)});
     if (!answer.ok) return;
     const snapshot = await answer.json();
     const age = Date.parse(answer.headers.get('Date')) - Date.parse(snapshot.time);
-    take(snapshot, age >= 0 && age < freshMs(snapshot) ? age : 0);
+    // An event that came meanwhile is newer than this answer.
+    if (heard.taken === taken) take(snapshot, age >= 0 && age < freshMs(snapshot) ? age : 0);
   } catch { /* nothing heard: the page says so by itself */ }
 }
 
 let events = null;
 function follow() {
   if (events) events.close();
-  events = new EventSource('api/events');
-  events.onopen = () => { heard.anything = stamp(); render(); };
-  for (const name of ['state', 'message']) events.addEventListener(name, (event) => take(JSON.parse(event.data), 0));
-  events.addEventListener('alive', () => { heard.anything = stamp(); });
+  const source = new EventSource('api/events');
+  events = source;
+  heard.event = stamp();
+  const on = (name, act) => source.addEventListener(name, (event) => {
+    if (source !== events) return;
+    // What waited in the line while a phone slept is as old as the sleep: ask anew.
+    if (since(heard.event) > SILENCE_MS) { follow(); return; }
+    heard.anything = heard.event = stamp();
+    act(event);
+  });
+  on('state', (event) => take(JSON.parse(event.data), 0));
+  on('alive', () => {});
+  source.onopen = () => { if (source === events) heard.anything = heard.event = stamp(); };
   // A browser gives up after some errors.
-  events.onerror = () => { if (events.readyState === EventSource.CLOSED) setTimeout(follow, PROBE_MS); };
+  source.onerror = () => { if (source.readyState === EventSource.CLOSED) setTimeout(() => { if (source === events) follow(); }, PROBE_MS); };
 }
 
 let audio = null;
-function soundAlarm() {
+function soundAlarm(tones = 6) {
   if (!audio || audio.state !== 'running') return;
-  for (let i = 0; i < 6; ++i) {
+  for (let i = 0; i < tones; ++i) {
     const at = audio.currentTime + i * 0.5;
     const tone = audio.createOscillator();
     const volume = audio.createGain();
@@ -267,8 +265,16 @@ function addButtons() {
     sound.lastElementChild.textContent = `Sound when unsafe: ${on ? 'on' : 'off'}`;
   };
   sound.onclick = async () => {
-    if (!audio) audio = new AudioContext();
-    await (audio.state === 'running' ? audio.suspend() : audio.resume());
+    if (!audio) {
+      audio = new AudioContext();
+      audio.onstatechange = showSound; // a phone takes it away, for a call or in its sleep
+    }
+    if (sound.getAttribute('aria-pressed') === 'true') {
+      await audio.suspend();
+    } else {
+      await audio.resume();
+      soundAlarm(1); // so that one hears how loud it is
+    }
     showSound();
   };
   const showLook = () => {
@@ -287,14 +293,17 @@ function addButtons() {
   showLook();
 }
 
-addPatterns();
 addButtons();
 addHistory();
+fitVerdict();
 probe();
 follow();
 setInterval(() => {
   if (!heard.anything || since(heard.anything) > PROBE_MS + 500) probe();
+  // A line that died without a word, as when a phone changes its network.
+  if (since(heard.event) > DEAD_LINE_MS) follow();
   render();
 }, 1000);
 addEventListener('resize', fitVerdict);
+addEventListener('pageshow', (event) => { if (event.persisted) render(); });
 document.addEventListener('visibilitychange', render);

@@ -4,7 +4,7 @@ const SVG = 'http://www.w3.org/2000/svg';
 
 // make('li', {class: 'x'}, child, 'text'); an SVG element where the name says so.
 function make(name, attributes = {}, ...children) {
-  const vector = /^(svg|path|rect|circle|line|text|polygon|g|defs|pattern)$/.test(name);
+  const vector = /^(svg|path|rect|circle|line|text|use)$/.test(name);
   const element = vector ? document.createElementNS(SVG, name) : document.createElement(name);
   for (const [key, value] of Object.entries(attributes)) {
     if (value !== null && value !== false) element.setAttribute(key, value);
@@ -147,12 +147,4 @@ function showReadings(snapshot, live) {
   }
   document.getElementById('readings').replaceChildren(
     ...QUANTITIES.map((quantity) => readingRow(quantity, readings[quantity.key] || {}, live, snapshot.time)));
-}
-
-// What hatches are drawn with, for all drawings of the page.
-function addPatterns() {
-  const pattern = (id, width, path) => make('pattern', {id, width, height: width, patternUnits: 'userSpaceOnUse',
-    patternTransform: 'rotate(45)'}, make('rect', {width, height: width}), make('path', {d: path}));
-  document.body.append(make('svg', {width: 0, height: 0, 'aria-hidden': 'true', class: 'patterns'},
-    make('defs', {}, pattern('hatch', 5, 'M0 0v5'), pattern('failed-hatch', 8, 'M2 0v8'))));
 }
