@@ -18,7 +18,7 @@ MHD_Result addParameter(void* all, MHD_ValueKind, const char* name, const char* 
     return MHD_YES;
 }
 
-void addHeaders(MHD_Response* response, const char* type) {
+void addHeaders(MHD_Response* response, const char* type, const QByteArray& tag = {}) {
     struct Line {
         const char* name;
         const char* value;
@@ -34,11 +34,13 @@ void addHeaders(MHD_Response* response, const char* type) {
         {"X-Content-Type-Options", "nosniff"},
         {"Referrer-Policy", "no-referrer"},
         {"Cross-Origin-Resource-Policy", "same-origin"},
-        {"Cache-Control", "no-store"},
     };
     MHD_add_response_header(response, "Content-Type", type);
     for (const Line& line : kLines)
         MHD_add_response_header(response, line.name, line.value);
+    MHD_add_response_header(response, "Cache-Control", tag.isEmpty() ? "no-store" : "no-cache");
+    if (!tag.isEmpty())
+        MHD_add_response_header(response, "ETag", tag.constData());
 }
 
 MHD_Result queue(MHD_Connection* connection, MHD_Response* response, int status) {
@@ -80,6 +82,7 @@ void fillRequest(Request& request, MHD_Connection* connection, const char* metho
     request.host = header(connection, "Host");
     request.origin = header(connection, "Origin");
     request.contentType = header(connection, "Content-Type");
+    request.known = header(connection, "If-None-Match");
 }
 
 MHD_Result queueAnswer(MHD_Connection* connection, const Answer& answer) {
@@ -88,7 +91,7 @@ MHD_Result queueAnswer(MHD_Connection* connection, const Answer& answer) {
         MHD_RESPMEM_MUST_COPY);
     if (!response)
         return MHD_NO;
-    addHeaders(response, answer.type.constData());
+    addHeaders(response, answer.type.constData(), answer.tag);
     if (!answer.allow.isEmpty())
         MHD_add_response_header(response, "Allow", answer.allow.constData());
     return queue(connection, response, answer.status);

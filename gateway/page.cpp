@@ -1,7 +1,6 @@
 #include "gateway/page.h"
 
-#include "model/quantity.h"
-
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QFile>
 #include <QJsonArray>
@@ -34,6 +33,24 @@ QByteArray content(const char* path) {
     QFile file(u":/page"_s + QLatin1String(path));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
+
+// The readings in their order on the page, as readings.js has them.
+struct Tile {
+    const char* key;
+    const char16_t* name;
+    int digits;
+};
+constexpr Tile kTiles[] = {
+    {"cloud", u"Cloud", 1},
+    {"rain", u"Rain", 0},
+    {"wind", u"Wind", 1},
+    {"gust", u"Gust", 1},
+    {"humidity", u"Humidity", 0},
+    {"dew_spread", u"Dew spread", 1},
+    {"temperature", u"Temperature", 1},
+    {"brightness", u"Brightness", 0},
+    {"wind_direction", u"Direction", 1},
+};
 
 QString clock(const QJsonValue& time) {
     const QDateTime at = QDateTime::fromString(time.toString(), Qt::ISODate);
@@ -81,29 +98,25 @@ QString sourcesHtml(const QJsonObject& document) {
     return html;
 }
 
-QString readingHtml(const QString& name, const QJsonObject& reading, bool live) {
+QString readingHtml(const Tile& tile, const QJsonObject& reading, bool live) {
     const bool known = live && reading[u"value"_s].isDouble();
-    const QString unit = reading[u"unit"_s].toString();
     const QString value =
-        known ? QString::number(reading[u"value"_s].toDouble(), 'f', unit.isEmpty() ? 0 : 1)
-              : u"–"_s;
+        known ? QString::number(reading[u"value"_s].toDouble(), 'f', tile.digits) : u"–"_s;
     const QString label = reading[u"label"_s].toString(reading[u"compass"_s].toString());
-    const QString kind = !known                         ? u"old"_s
-                         : reading[u"unsafe"_s] == true ? u"culprit"_s
-                                                        : QString();
+    const bool culprit = reading[u"unsafe"_s] == true || reading[u"beyond"_s] == true;
+    const QString kind = !known ? u"old"_s : culprit ? u"culprit"_s : QString();
     return u"<div class=\"reading %1\"><h2>%2</h2><span class=\"level\">%3</span>"
            "<span class=\"value\">%4</span><span class=\"unit\">%5</span></div>"_s.arg(
-               kind, name, (known ? label : QString()).toHtmlEscaped(), value,
-               unit.toHtmlEscaped());
+               kind, QString::fromUtf16(tile.name), (known ? label : QString()).toHtmlEscaped(),
+               value, reading[u"unit"_s].toString().toHtmlEscaped());
 }
 
 QString readingsHtml(const QJsonObject& document, bool live) {
     const QJsonObject readings = document[u"readings"_s].toObject();
     QString html;
-    for (const QuantityRow& row : quantityTable())
-        html += readingHtml(QString::fromUtf16(row.title),
-                            readings[QLatin1String(row.key)].toObject(), live);
-    return html + readingHtml(u"Wind direction"_s, readings[u"wind_direction"_s].toObject(), live);
+    for (const Tile& tile : kTiles)
+        html += readingHtml(tile, readings[QLatin1String(tile.key)].toObject(), live);
+    return html;
 }
 
 QString firstLine(const QString& state, const QJsonObject& document) {
@@ -155,12 +168,21 @@ QByteArray livePage(const View& view) {
 
 } // namespace
 
-std::optional<Answer> pageAnswer(const QByteArray& path, const View& view) {
+std::optional<Answer> pageAnswer(const QByteArray& path, const QByteArray& known,
+                                 const View& view) {
     if (path == "/")
         return Answer{.type = "text/html; charset=utf-8", .body = livePage(view)};
     for (const PageFile& file : kFiles) {
-        if (path == file.path)
-            return Answer{.type = file.type, .body = content(file.path)};
+        if (path != file.path)
+            continue;
+        Answer answer{.type = file.type, .body = content(file.path)};
+        answer.tag =
+            '"' + QCryptographicHash::hash(answer.body, QCryptographicHash::Sha1).toHex() + '"';
+        if (known.contains(answer.tag)) {
+            answer.status = 304;
+            answer.body.clear();
+        }
+        return answer;
     }
     return std::nullopt;
 }

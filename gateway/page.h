@@ -7,7 +7,8 @@
 
 namespace skyhold {
 
-// Of "/" and the files that it asks for; nothing for any other path.
-std::optional<Answer> pageAnswer(const QByteArray& path, const View& view);
+// Of "/" and the files that it asks for; nothing for any other path. A file that the client has, by
+// its tag `known`, is not sent again; the page itself, which holds the verdict, always is.
+std::optional<Answer> pageAnswer(const QByteArray& path, const QByteArray& known, const View& view);
 
 } // namespace skyhold

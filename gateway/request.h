@@ -22,6 +22,7 @@ struct Request {
     QByteArray contentType = {};
     QByteArray host = {};   // the header
     QByteArray origin = {}; // the header; empty where a browser does not send one
+    QByteArray known = {};  // the header If-None-Match: the tag of what the client has
     QByteArray client = {}; // the address of the peer
     bool local = false;     // the peer is on this computer
 };
@@ -31,6 +32,7 @@ struct Answer {
     QByteArray type = "application/json";
     QByteArray body = {};
     QByteArray allow = {}; // the methods, of an answer 405
+    QByteArray tag = {};   // a client may keep it, and asks each time whether it is still this
 };
 
 Answer textAnswer(int status, const QByteArray& text);

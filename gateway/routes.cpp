@@ -127,7 +127,7 @@ Handling route(const Request& request, Site& site) {
     if (request.path.startsWith("/management/"))
         return managementRequest(request, site.alpaca, siteName(view));
     if (request.method == "GET") {
-        if (std::optional<Answer> page = pageAnswer(request.path, view))
+        if (std::optional<Answer> page = pageAnswer(request.path, request.known, view))
             return std::move(*page);
         if (std::optional<Answer> setup = setupAnswer(request.path, site.alpaca))
             return std::move(*setup);

@@ -105,6 +105,34 @@ class PageTest(unittest.TestCase):
             self.assertEqual(word(plain), "UNKNOWN")
             self.expect_clean(page, gateway)
 
+            # What a browser keeps of the page never holds a verdict.
+            _status, headers, style = gateway.ask("/page.css")
+            kept = {"If-None-Match": headers["ETag"]}
+            self.assertEqual(headers["Cache-Control"], "no-cache")
+            self.assertEqual(gateway.ask("/page.css", **kept)[::2], (304, ""))
+            self.assertEqual(gateway.ask("/page.js", **kept)[0], 200)
+            self.assertTrue(style)
+            for path in ["/", "/api/status"]:
+                status, headers, _text = gateway.ask(path, **kept)
+                self.assertEqual((status, headers["Cache-Control"]), (200, "no-store"), path)
+
+    def test_what_waited_while_the_page_slept_is_not_believed(self):
+        """The page stands still, the gateway hangs with it, and then an old "safe" comes out."""
+        with Monitored(["--start"]) as monitored, Gateway(monitored) as gateway, \
+                browser(monitored) as page:
+            monitored.wait_until("safe", gateway.safe)
+            page.get(gateway.url)
+            self.until(page, "SAFE", 2)
+            document = gateway.get("/api/status")
+            os.kill(gateway.program.pid, signal.SIGSTOP)
+            self.until(page, "UNKNOWN", 5)
+            page.execute_script(
+                """const late = new MessageEvent("state", {data: JSON.stringify(arguments[0])});
+                events.dispatchEvent(late);""", document)
+            self.assertEqual(word(page), "UNKNOWN")
+            os.kill(gateway.program.pid, signal.SIGCONT)
+            self.until(page, "SAFE", 5)
+
 
 if __name__ == "__main__":
     unittest.main()
