@@ -67,7 +67,7 @@ QString stateName(const View& view, const QJsonObject& document) {
         return u"stopped"_s;
     if (view.safe())
         return u"safe"_s;
-    for (const QJsonValue& cause : document[u"causes"_s].toArray()) {
+    for (const auto& cause : document[u"causes"_s].toArray()) {
         if (cause[u"kind"_s] == u"source"_s)
             return u"failed"_s;
     }
@@ -76,7 +76,7 @@ QString stateName(const View& view, const QJsonObject& document) {
 
 QString causesHtml(const QJsonObject& document) {
     QString html;
-    for (const QJsonValue& cause : document[u"causes"_s].toArray())
+    for (const auto& cause : document[u"causes"_s].toArray())
         html += u"<li><p>"_s + cause[u"text"_s].toString().toHtmlEscaped() + u"</p></li>"_s;
     const QString nearest = document[u"nearest"_s][u"text"_s].toString();
     return html.isEmpty() && !nearest.isEmpty()
@@ -84,16 +84,20 @@ QString causesHtml(const QJsonObject& document) {
                : html;
 }
 
-QString sourcesHtml(const QJsonObject& document) {
+QString sourcesHtml(const QJsonObject& document, bool live) {
     QString html;
     for (const auto& [key, name] :
          {std::pair(u"sensor"_s, u"Sensor"_s), {u"station"_s, u"Station"_s}}) {
         const QJsonObject source = document[u"sources"_s][key].toObject();
-        const QString state = source[u"state"_s].toString(u"–"_s);
-        const QString age = source[u"age_s"_s].isDouble()
-                                ? u", %1 s"_s.arg(source[u"age_s"_s].toInteger())
-                                : QString();
-        html += u"<li>%1 <b>%2%3</b></li>"_s.arg(name, state.toHtmlEscaped(), age);
+        const QString state = source[u"state"_s].toString();
+        QString said = live ? state.toHtmlEscaped() : u"–"_s;
+        if (live && source[u"age_s"_s].isDouble())
+            said += u", %1 s"_s.arg(source[u"age_s"_s].toInteger());
+        const QString mark = !live || state == u"absent" ? u"off"_s
+                             : state == u"ok"            ? QString()
+                                                         : u"failed"_s;
+        html +=
+            u"<li><i class=\"dot %1\"></i><span>%2 </span><b>%3</b></li>"_s.arg(mark, name, said);
     }
     return html;
 }
@@ -104,7 +108,9 @@ QString readingHtml(const Tile& tile, const QJsonObject& reading, bool live) {
         known ? QString::number(reading[u"value"_s].toDouble(), 'f', tile.digits) : u"–"_s;
     const QString label = reading[u"label"_s].toString(reading[u"compass"_s].toString());
     const bool culprit = reading[u"unsafe"_s] == true || reading[u"beyond"_s] == true;
-    const QString kind = !known ? u"old"_s : culprit ? u"culprit"_s : QString();
+    QString kind = !known ? u"old"_s : culprit ? u"culprit"_s : QString();
+    if (!reading.contains(u"armed"_s))
+        kind += u" plain"_s; // it has no levels
     return u"<div class=\"reading %1\"><h2>%2</h2><span class=\"level\">%3</span>"
            "<span class=\"value\">%4</span><span class=\"unit\">%5</span></div>"_s.arg(
                kind, QString::fromUtf16(tile.name), (known ? label : QString()).toHtmlEscaped(),
@@ -147,7 +153,7 @@ QByteArray livePage(const View& view) {
         {"{{since}}", firstLine(state, document)},
         {"{{more}}", view.live() ? u"as of "_s + known : u"Treat as unsafe."_s},
         {"{{causes}}", causesHtml(document)},
-        {"{{sources}}", sourcesHtml(document)},
+        {"{{sources}}", sourcesHtml(document, live)},
         {"{{readings}}", readingsHtml(document, live)},
     };
     // From left to right, so that a value never becomes a field itself.

@@ -23,7 +23,7 @@ function addCharts() {
     make('div', {class: 'axis-row'}, make('div', {class: 'in-plot'}, make('div', {class: 'axis'}))));
   for (const key of ROWS) {
     const quantity = QUANTITIES.find((one) => one.key === key);
-    const plot = make('div', {class: 'plot'});
+    const plot = make('div', {class: 'plot', role: 'img', 'aria-label': `${quantity.name} over time`});
     const now = make('span', {class: 'now'});
     const unit = make('small');
     const row = make('div', {class: 'chart'}, make('h2', {}, quantity.name + ' ', unit), now, plot);
@@ -111,7 +111,9 @@ function edgeLimits(reading) {
   return (reading.limits || []).slice(0, 2).filter((_, i) => armed.includes(i + 1) !== armed.includes(i + 2));
 }
 
+let pointed = null;
 function point(index) {
+  pointed = index;
   for (const {graph} of charts) if (graph && graph.getSelection() !== index) graph.setSelection(index);
   showNow(index);
 }
@@ -151,7 +153,11 @@ function redrawCharts() {
       highlightCircleSize: 3, animatedZooms: false, interactionModel: {}, xRangePad: 0, rightGap: 0,
       underlayCallback: shadeUnsafe(chart, reading),
       highlightCallback: (_event, _x, _points, row) => point(row),
-      unhighlightCallback: () => { for (const {graph} of charts) if (graph) graph.clearSelection(); showNow(null); },
+      unhighlightCallback: () => {
+        pointed = null;
+        for (const {graph} of charts) if (graph) graph.clearSelection();
+        showNow(null);
+      },
     });
     if (chart.quantity.round) chart.graph.updateOptions({strokeWidth: 0});
     for (const limit of edgeLimits(reading)) {
@@ -161,5 +167,6 @@ function redrawCharts() {
       chart.plot.append(label);
     }
   }
+  pointed = null;
   showNow(null);
 }

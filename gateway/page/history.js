@@ -15,6 +15,7 @@ function addHistory() {
     if (wide) main.insertBefore($('log'), right);
     else right.insertBefore($('log'), $('charts'));
     $(wide ? 'band' : 'charts').prepend(document.querySelector('.head'));
+    drawAxes();
     redrawCharts();
   };
   const filter = make('input', {type: 'search', placeholder: 'Filter', 'aria-label': 'Filter the log'});
@@ -76,6 +77,8 @@ let before = null;
 function showHistory(state) {
   if (performance.now() - past.loaded > RENEW_MS && state !== 'unknown') loadHistory();
   if (state !== before && past.any) { before = state; drawHistory(); }
+  const on = document.querySelector('#log .on');
+  if (on && state !== 'unknown') on.textContent = lasted(past.periods[past.periods.length - 1]);
 }
 
 const HEIGHTS = {safe: 9, waiting: 16, unsafe: 28, failed: 28};
@@ -87,7 +90,7 @@ function drawBand() {
     const high = HEIGHTS[kind] || 0;
     const from = place(period.from);
     const to = period.lasts && sayState()[0] !== 'unknown' ? 1000 : place(period.to);
-    return make('rect', {class: kind, x: from, y: 28 - high, width: Math.max(to - from, 1.5), height: high});
+    return make('rect', {class: kind, x: Math.min(from, 998), y: 28 - high, width: Math.max(to - from, 2), height: high});
   });
   if (sayState()[0] === 'unknown' && heard.last) {
     const from = place(new Date(heard.last).toISOString());
@@ -141,7 +144,7 @@ function showLog(filter) {
     icon.setAttribute('class', 'icon ' + kind);
     return {text: `${momentText(period.from)} ${WORDS[kind] || ''} ${words}`.toLowerCase(),
       row: make('li', {}, icon, make('span', {}, momentText(period.from), ' ', make('b', {}, WORDS[kind] || period.verdict)),
-        make('span', {class: 'lasted'}, lasted(period)), make('span', {class: 'causes'}, words))};
+        make('span', {class: period.lasts ? 'lasted on' : 'lasted'}, lasted(period)), make('span', {class: 'causes'}, words))};
   }).filter(({text}) => text.includes(wanted)).map(({row}) => row);
   document.querySelector('#log ol').replaceChildren(...(rows.length ? rows : [make('li', {class: 'empty'}, 'No verdict in this time')]));
 }

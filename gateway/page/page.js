@@ -163,7 +163,10 @@ function render() {
   const sources = healthItems(state);
   put('sources', sources.map((item) => item.outerHTML).join(), (element) => element.replaceChildren(...sources));
   const live = state !== 'unknown' && heard.state.session === 'running';
-  put('readings', JSON.stringify([live, heard.state && heard.state.readings, heard.state && heard.state.session]), () => showReadings(heard.state || {}, live));
+  put('readings', JSON.stringify([live, heard.state && heard.state.readings, heard.state && heard.state.session]), () => {
+    showReadings(heard.state || {}, live);
+    if (pointed === null) showNow(null);
+  });
   const site = heard.state && heard.state.monitor ? heard.state.monitor.site : $('site').textContent;
   put('site', site, (element) => { element.textContent = site; });
   document.title = `${word} – ${site}`;
