@@ -152,6 +152,11 @@ void SettingsPages::addHelpButton() {
     button->setText(u"?"_s);
     button->setToolTip(u"Explain this page (F1)"_s);
     button->setAccessibleName(u"Explain this page"_s);
+    QFont bold = button->font();
+    bold.setBold(true);
+    bold.setPixelSize(15);
+    button->setFont(bold);
+    button->setFixedSize(36, 28);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
     setCornerWidget(button);
