@@ -139,11 +139,17 @@ TEST_F(SetupForm, SavesNothingWithoutAStationFile) {
     EXPECT_FALSE(runWith([](QDialog& dialog) {
         dialog.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
-        click(dialog, "ButtNext");
-        EXPECT_TRUE(duringDialog([&] { click(dialog, "ButtOK"); },
-                                 [](QDialog& message) { click(message, "Butt0"); }));
-        EXPECT_TRUE(dialog.isVisible());
-        EXPECT_EQ(dialog.focusWidget(), child(dialog, "HTMFile")); // back to what is missing
+        for (const char* button : {"ButtNext", "ButtOK"}) {
+            EXPECT_TRUE(duringDialog([&] { click(dialog, button); },
+                                     [](QDialog& message) {
+                                         EXPECT_EQ(
+                                             child<QLabel>(message, "LblText")->text(),
+                                             u"Please define path for Weather Station Data File"_s);
+                                         click(message, "Butt0");
+                                     }));
+            EXPECT_TRUE(dialog.isVisible());
+            EXPECT_EQ(dialog.focusWidget(), child(dialog, "HTMFile")); // back to what is missing
+        }
         click(dialog, "Command1");
     }));
     EXPECT_EQ(stored(u"Setup"_s, u"HTMFile"_s), u"absent"_s);
@@ -187,6 +193,36 @@ TEST_F(SetupForm, SavesItsChoicesAndSwitchesOffWhatHasNoFolder) {
     for (const QString& key : {u"ImageWind"_s, u"ImageGust"_s, u"ImageDir"_s, u"ImageHum"_s,
                                u"ImageDew"_s, u"ImageTemp"_s})
         EXPECT_EQ(stored(u"Graphs"_s, key), u"0"_s) << key.toStdString();
+}
+
+TEST_F(SetupForm, ShowsWhatTheChosenFileGivesAtOnceAndAtItsEnd) {
+    const QString path = folder_.filePath(u"station.csv"_s);
+    const auto write = [&path](const QByteArray& wind) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        const QDateTime now = QDateTime::currentDateTime();
+        file.write(now.toString(u"'Date,,'MM/dd/yyyy'\r\nTime,,'hh:mm:ss'\r\n'"_s).toLatin1() +
+                   "OutTemp,C,12.5\r\nWindSpeed,m/s," + wind +
+                   "\r\nGust,m/s,4\r\nWindDirection,,SW\r\nOutHumidity,%,80%\r\nDewPoint,C,9\r\n");
+    };
+    write("3");
+    EXPECT_FALSE(runWith([&](QDialog& dialog) {
+        const auto shown = [&dialog](qsizetype view) {
+            return dialog.findChildren<QLabel*>(u"LblCheckBrief"_s)[view]->text();
+        };
+        child<QLineEdit>(dialog, "HTMFile")->setText(path);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown(0).contains(u"WindSpeed 3 m/s"_s); }));
+        EXPECT_TRUE(shown(0).contains(u"day first"_s));
+        child<QRadioButton>(dialog, "DateFormat1")->click();
+        EXPECT_TRUE(shown(0).contains(u"month first"_s));
+        for (int step = 0; step < 4; ++step)
+            click(dialog, "ButtNext");
+        EXPECT_TRUE(shown(1).contains(u"WindSpeed 3 m/s"_s));
+        write("7");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown(1).contains(u"WindSpeed 7 m/s"_s); }));
+        EXPECT_FALSE(child<QLineEdit>(dialog, "PathName")->text().startsWith(programFolder()));
+        click(dialog, "Command1");
+    }));
 }
 
 TEST_F(SetupForm, HasTheSensorsSettingsWritten) {

@@ -1,11 +1,15 @@
 #include "ui/dialogs/kiv_setup_form.h"
 
+#include "datafiles/station_check.h"
 #include "platform/files.h"
+#include "records/records.h"
+#include "settings/load_save.h"
 #include "ui/dialogs/choose_path.h"
 #include "ui/dialogs/dialog_parts.h"
 #include "ui/dialogs/kiv_error.h"
 #include "ui/dialogs/sensor_step.h"
 #include "ui/look/look.h"
+#include "ui/widgets/station_check_view.h"
 #include "ui/window/simulators.h"
 
 #include <QButtonGroup>
@@ -16,6 +20,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
+#include <QStandardPaths>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,6 +33,15 @@ constexpr int kWidth = 720;
 constexpr int kIndent = 24; // of what belongs to a radio button
 
 constexpr int kSensorStep = 1;
+
+constexpr int kTypingMs = 300;
+constexpr int kLookMs = 2000;
+
+// Where a spreadsheet finds it; never the folder of the program, which an update replaces.
+QString offeredDataFolder() {
+    return joinPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                    u"Kiv_Skyhold"_s);
+}
 
 // Rows that belong together, at the width of a step.
 QVBoxLayout* addBlock(QVBoxLayout* step, int indent) {
@@ -45,7 +59,9 @@ KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators, cons
     : settings_(settings)
     , simulators_(simulators)
     , progress_(new QLabel(this))
-    , steps_(new QStackedWidget(this)) {
+    , steps_(new QStackedWidget(this))
+    , records_(std::make_unique<Records>()) {
+    LoadSettings(*records_, settings);
     setObjectName(u"KivSetupForm"_s);
     setWindowTitle(title);
     QVBoxLayout* column = dialogColumn(this);
@@ -57,6 +73,7 @@ KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators, cons
     addSensorStep();
     addUnitsStep();
     addFilesStep();
+    addEndStep();
     addButtons(column);
     chooseStation();
     showStep(0);
@@ -105,6 +122,14 @@ void KivSetupForm::addStationStep() {
         addChoice(block, u"Dates in that file"_s, "DateFormat", {u"&dd/mm/yy"_s, u"mm/dd/&yy"_s});
     addExplanation(block, u"Does the day or the month come first in the file? With the wrong "
                           u"answer new data can look old, and old data is unsafe."_s);
+    chosenCheck_ = new StationCheckView(block->parentWidget());
+    block->addWidget(chosenCheck_);
+    checkSoon_.setSingleShot(true);
+    checkSoon_.setInterval(kTypingMs);
+    connect(&checkSoon_, &QTimer::timeout, this, &KivSetupForm::checkStation);
+    connect(stationFile_, &QLineEdit::textChanged, &checkSoon_, qOverload<>(&QTimer::start));
+    connect(dateFormat_, &QButtonGroup::idClicked, this, &KivSetupForm::checkStation);
+    checkStation();
     addTryOut(step);
     step->addStretch();
     connect(own, &QRadioButton::toggled, this, &KivSetupForm::chooseStation);
@@ -117,10 +142,11 @@ void KivSetupForm::addTryOut(QVBoxLayout* step) {
     step->addWidget(tryOut_);
     QVBoxLayout* block = addBlock(step, kIndent);
     addExplanation(
-        block, u"Two simulators that come with the program play both sources: "
-               u"Kiv_NubiloSim stands in for the sensor's program, "
-               u"Kiv_StationSim writes the file %1. They start with OK, end with the "
-               u"monitor, and start again from the page Sources."_s.arg(Simulators::stationFile()));
+        block,
+        u"Two simulators that come with the program play both sources: "
+        u"Kiv_NubiloSim stands in for the sensor's program, "
+        u"Kiv_StationSim writes the file %1. They start at the last step, end with "
+        u"the monitor, and start again from the page Sources."_s.arg(Simulators::stationFile()));
     auto* warning = new QLabel(u"Their weather is made up. It must never move a real roof."_s,
                                block->parentWidget());
     QFont bold = warning->font();
@@ -187,7 +213,7 @@ void KivSetupForm::addFilesStep() {
     };
     dataFolder_ = addPath(step, u"User &data folder"_s, u"PathName"_s,
                           folder(u"Select a folder to store the user data file."_s));
-    dataFolder_->setText(writableProgramFolder());
+    dataFolder_->setText(offeredDataFolder());
     addExplanation(step, u"For the record of all readings, a CSV file that a spreadsheet opens. "
                          u"Recording is off until you switch it on. The folder shown will do."_s);
     ccdapFolder_ = addPath(step, u"CCDAuto&pilot folder"_s, u"PathNameCCDAP4"_s,
@@ -202,6 +228,36 @@ void KivSetupForm::addFilesStep() {
     for (QLineEdit* optional : {ccdapFolder_, imageFolder_})
         optional->setPlaceholderText(u"None: nothing is written"_s);
     step->addStretch();
+}
+
+void KivSetupForm::addEndStep() {
+    QVBoxLayout* step =
+        addStep(u"This is what the monitor reads"_s,
+                u"The station's file as it is now, looked at every two seconds. The sensor's "
+                u"program is asked when a session starts. OK ends the setup; Start then begins "
+                u"the first session."_s);
+    liveCheck_ = new StationCheckView(step->parentWidget());
+    step->addWidget(liveCheck_);
+    step->addStretch();
+    checkAgain_.setInterval(kLookMs);
+    connect(&checkAgain_, &QTimer::timeout, this, &KivSetupForm::checkStation);
+}
+
+// Into both views: one of them is shown.
+void KivSetupForm::checkStation() {
+    const QString path = tryOut_ && tryOut_->isChecked() ? Simulators::stationFile()
+                                                         : stationFile_->text().trimmed();
+    if (path.isEmpty()) {
+        chosenCheck_->showNone(u"No file is chosen yet"_s);
+        return;
+    }
+    records_->units.DateFormat.Index = dateFormat_->checkedId();
+    const StationCheck check =
+        checkStationFile(path, records_->units, records_->stationFile.TimeoutREAD.Value,
+                         localeNumberForms(), QDateTime::currentDateTime());
+    chosenCheck_->showCheck(check);
+    if (liveCheck_)
+        liveCheck_->showCheck(check);
 }
 
 QLineEdit* KivSetupForm::addPath(QVBoxLayout* step, const QString& caption, const QString& name,
@@ -269,8 +325,7 @@ void KivSetupForm::addButtons(QVBoxLayout* column) {
         auto* button = new QPushButton(text, this);
         button->setObjectName(name);
         button->setMinimumSize(96, 32);
-        connect(button, &QPushButton::clicked, this,
-                [this, by] { goOn(by); });
+        connect(button, &QPushButton::clicked, this, [this, by] { goOn(by); });
         row->insertWidget(at, button);
         return button;
     };
@@ -282,7 +337,14 @@ void KivSetupForm::addButtons(QVBoxLayout* column) {
 }
 
 // A simulator is the sensor where one plays the station: there is nothing to ask.
+// The end comes with a source that can be read, or nothing would be shown there.
 void KivSetupForm::goOn(int by) {
+    const bool fromStation = steps_->currentIndex() == 0 && by > 0;
+    const bool toEnd = steps_->currentIndex() + by == steps_->count() - 1;
+    if ((fromStation && !tryOut_->isChecked()) || toEnd) {
+        if (!prepareStation())
+            return;
+    }
     const int next = steps_->currentIndex() + by;
     const bool simulated = next == kSensorStep && tryOut_->isChecked();
     showStep(simulated ? next + by : next);
@@ -298,6 +360,12 @@ void KivSetupForm::showStep(int step) {
     next_->setEnabled(step < last);
     QPushButton* goesOn = step < last ? next_ : ok_;
     goesOn->setDefault(true);
+    if (step == last) {
+        checkStation();
+        checkAgain_.start();
+    } else {
+        checkAgain_.stop();
+    }
     if (!moved)
         return;
     for (QWidget* widget = steps_->currentWidget()->nextInFocusChain();
@@ -361,8 +429,9 @@ void KivSetupForm::save(const QString& station) {
     const QString images = imageFolder_->text().trimmed();
     settings_.SaveSetting(u"Setup"_s, u"HTMFile"_s, station);
     const QString data = dataFolder_->text().trimmed();
-    settings_.SaveSetting(u"Window"_s, u"PathName"_s,
-                          data.isEmpty() ? writableProgramFolder() : data);
+    settings_.SaveSetting(u"Window"_s, u"PathName"_s, data.isEmpty() ? offeredDataFolder() : data);
+    if (data.isEmpty() || data == offeredDataFolder())
+        createFolder(offeredDataFolder()); // recording may begin before any session
     settings_.SaveSetting(u"Window"_s, u"PathNameCCDAP4"_s, ccdap);
     settings_.SaveSetting(u"Graphs"_s, u"GraphImagePath"_s, images);
     saveOptions(u"UnitsTemp"_s, *unitsTemp_);

@@ -6,6 +6,7 @@
 #include "platform/settings_store.h"
 
 #include <QDialog>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -23,6 +24,8 @@ namespace skyhold {
 
 class SensorStep;
 class Simulators;
+class StationCheckView;
+struct Records;
 
 class KivSetupForm : public QDialog {
     Q_OBJECT
@@ -43,6 +46,7 @@ class KivSetupForm : public QDialog {
     void addSensorStep();
     void addUnitsStep();
     void addFilesStep();
+    void addEndStep();
     void addTryOut(QVBoxLayout* step);
     void addButtons(QVBoxLayout* column);
     QLineEdit* addPath(QVBoxLayout* step, const QString& caption, const QString& name,
@@ -55,6 +59,7 @@ class KivSetupForm : public QDialog {
     void chooseStation();
     bool prepareStation();
     bool prepareSensor();
+    void checkStation();
     void save(const QString& station);
     void saveOptions(const QString& key, const QButtonGroup& group);
     void showFault(const QString& text);
@@ -70,6 +75,13 @@ class KivSetupForm : public QDialog {
     QRadioButton* tryOut_ = nullptr;
     QWidget* ownStation_ = nullptr;
     QLineEdit* stationFile_ = nullptr;
+    // What the file gives: of the one just chosen, and at the end, where it is looked at again and
+    // again.
+    StationCheckView* chosenCheck_ = nullptr;
+    StationCheckView* liveCheck_ = nullptr;
+    QTimer checkSoon_;
+    QTimer checkAgain_;
+    std::unique_ptr<Records> records_; // as stored: the texts by which units are recognised
     QLineEdit* dataFolder_ = nullptr;
     QLineEdit* ccdapFolder_ = nullptr;
     QLineEdit* imageFolder_ = nullptr;

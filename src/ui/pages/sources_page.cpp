@@ -9,6 +9,7 @@
 #include "ui/widgets/kiv_get_number.h"
 #include "ui/widgets/open_editor.h"
 #include "ui/widgets/readout.h"
+#include "ui/widgets/station_check_view.h"
 #include "ui/window/simulators.h"
 
 #include <QApplication>
@@ -56,6 +57,35 @@ void addFileRow(QVBoxLayout* column, StationFileControls& file, SettingsStore& s
     row->addWidget(button);
     row->addWidget(path, 1);
     column->addLayout(row);
+}
+
+// Checked when the user chooses a file, its date order or its age limit, and on the button; never
+// by itself, for a file of a network that hangs would hold the window.
+void addCheck(QVBoxLayout* column, MonitoringCore& core) {
+    QWidget* group = column->parentWidget();
+    auto* view = new StationCheckView(group);
+    view->showNone(u"Not checked yet"_s);
+    auto* again = new QPushButton(u"Check this file"_s, group);
+    again->setObjectName(u"ButtCheckStation"_s);
+    again->setToolTip(u"Read the file now and show what the monitor makes of it"_s);
+    const auto check = [&core, view] {
+        const StationFileControls& file = core.records.stationFile;
+        const QString path = file.HTMFile.Caption;
+        if (path.isEmpty())
+            view->showNone(u"No file is chosen"_s);
+        else
+            view->showCheck(checkStationFile(path, core.records.units, file.TimeoutREAD.Value,
+                                             core.forms, core.clock.now()));
+    };
+    QObject::connect(again, &QPushButton::clicked, view, check);
+    const auto checkOnChange = [view, check](auto& property) {
+        holdNotifier(view, property.addNotifier(check));
+    };
+    checkOnChange(core.records.stationFile.HTMFile.Caption);
+    checkOnChange(core.records.stationFile.TimeoutREAD.Value);
+    checkOnChange(core.records.units.DateFormat.Index);
+    column->addWidget(view);
+    column->addWidget(again, 0, Qt::AlignLeft);
 }
 
 void addIntervalRow(QVBoxLayout* column, ComboBox& interval) {
@@ -116,6 +146,7 @@ QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
                  records.stationFile.TimeoutREAD, u"min"_s);
     addHint(column, u"Date format used by the program controlling the weather station"_s);
     addOptions(column, "DateFormat", {u"&dd/mm/yy"_s, u"&mm/dd/yy"_s}, records.units.DateFormat);
+    addCheck(column, core);
     column->addStretch();
     return group;
 }
@@ -154,7 +185,10 @@ QWidget* makeSensorGroup(SessionControls& session, QWidget* page) {
     QWidget* group = column->parentWidget();
     addNumberRow(column, u"Wa&it for its first data"_s, u"NBTimeout"_s, session.NBTimeout,
                  u"secs"_s);
-    column->addWidget(makeCheck(group, u"EmulatorFlag"_s, {}, session.EmulatorFlag));
+    QCheckBox* emulator = makeCheck(group, u"EmulatorFlag"_s, {}, session.EmulatorFlag);
+    emulator->setToolTip(u"Kept with the settings: it marks that the monitor has been set up. With "
+                         u"or without it the monitor works the same."_s);
+    column->addWidget(emulator);
     addHint(column, u"Roof switch driven by the verdict"_s);
     addOptions(column, "SWRole", {u"Enabled"_s, u"Disable"_s}, session.SWRole);
     column->addStretch();

@@ -1,5 +1,7 @@
-#include "ctl/check_station.h"
+#include "datafiles/station_check.h"
 
+#include "platform/settings_store.h"
+#include "records/records.h"
 #include "settings/load_save.h"
 #include "support/test_folder.h"
 
@@ -31,13 +33,18 @@ TEST(CheckStation, SaysWhatTheReaderSees) {
         int minutesLater;
         int status;
         const char* says; // after blanks are made single
+        const char* brief = "";
     };
     const Case cases[] = {
-        {kWhole, 0, 0, "WindSpeed 3 3 m/s, judged"},
+        {kWhole, 0, 0, "WindSpeed 3 3 m/s, judged",
+         "CSV, 11 entries, written 0 s ago\n"
+         "Date 05/11/2026: 2026-11-05, day first; the other order would be nearer to today\n"
+         "Read: WindSpeed 3 m/s, Gust 4 m/s"},
         {kWhole, 0, 0, "Date 05/11/2026 2026-11-05, day first; the other order would be nearer"},
         {kWhole, 0, 0, "rain of the day 1.5"},
-        {kWhole, 10, 1, "File: 10 min 0 s old, limit 3 min 0 s: TOO OLD"},
-        {with("12.5", "N/A"), 0, 1, "OutTemp N/A MISSING"},
+        {kWhole, 10, 1, "File: 10 min 0 s old, limit 3 min 0 s: TOO OLD",
+         "Too old: more than 3 min 0 s"},
+        {with("12.5", "N/A"), 0, 1, "OutTemp N/A MISSING", "Missing, not a number: OutTemp"},
         {with(",3\r", ",\r"), 0, 1, "WindSpeed (empty) MISSING"},
         {with("12.5", "\"12,5\""), 0, 1, "OutTemp 12,5 MISSING"},
         {with("SW", "225"), 0, 0, "WindDirection 225 not a compass label"},
@@ -56,7 +63,7 @@ TEST(CheckStation, SaysWhatTheReaderSees) {
         const QDateTime then(QDate(2026, 5, 11), QTime(22, 0));
         ASSERT_TRUE(file.setFileTime(then, QFileDevice::FileModificationTime));
         const StationCheck check =
-            checkStationFile(path, records, {}, then.addSecs(60LL * row.minutesLater));
+            checkStationFile(path, records.units, 3, {}, then.addSecs(60LL * row.minutesLater));
         EXPECT_EQ(check.status, row.status) << row.says;
         QStringList lines;
         for (const QString& line : check.lines)
@@ -64,8 +71,10 @@ TEST(CheckStation, SaysWhatTheReaderSees) {
         EXPECT_TRUE(lines.join(u'\n').contains(QLatin1String(row.says)))
             << row.says << '\n'
             << lines.join(u'\n').toStdString();
+        EXPECT_TRUE(check.brief.join(u'\n').contains(QLatin1String(row.brief)))
+            << check.brief.join(u'\n').toStdString();
     }
-    EXPECT_EQ(checkStationFile(folder.filePath(u"gone.htm"_s), records, {}, {}).status, 2);
+    EXPECT_EQ(checkStationFile(folder.filePath(u"gone.htm"_s), records.units, 3, {}, {}).status, 2);
 }
 
 } // namespace skyhold
