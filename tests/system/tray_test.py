@@ -34,6 +34,9 @@ class Desktop(Monitored):
         self.keys("Down", "Return")                           # no hardware; next step
         self.keys("Tab", "Right", "Right", "Return")          # wind in m/s; next step
         self.keys("Return")                                   # the folders as they are
+        self.wait_until("the simulators' file", lambda: any(
+            self.folder.rglob("simulated/station.htm")))      # the last step shows it
+        self.keys("Return")
         self.run.wait_for_name("Kiv_Skyhold.Nubilo", self.monitor)
 
     def give_keys(self, window):
@@ -109,7 +112,8 @@ class Desktop(Monitored):
 
     def menu(self):
         """The open menu; the icon itself is smaller, the main window has its title."""
-        windows = self.windows("--class", POPUP_CLASS) - self.windows("--name", MAIN_WINDOW)
+        windows = (self.windows("--class", POPUP_CLASS) - self.windows("--name", MAIN_WINDOW) -
+                   self.windows("--name", "^About$"))
         for window in windows:
             if self.shape(window).get("WIDTH", 0) > 40:
                 return window
@@ -146,6 +150,13 @@ class Desktop(Monitored):
             return not self.menu()
 
         self.wait_until(f"the end of the menu by {access_key}", chosen)
+
+    def choose_first(self):
+        """The first entry of the icon's menu, by mouse."""
+        self.click_until("the menu", self.menu, 3)
+        shape = self.shape(self.menu())
+        self.xdotool("mousemove", shape["X"] + 20, shape["Y"] + 14, "click", 1)
+        self.wait_until("the end of the menu", lambda: not self.menu())
 
 
 class TrayTest(unittest.TestCase):
@@ -191,6 +202,8 @@ class TrayTest(unittest.TestCase):
             desktop.give_keys(window)
             desktop.keys("alt+h", "a")
             desktop.wait_until("the dialog", lambda: desktop.windows("--name", "^About$"))
+            desktop.choose_first()  # Stop: the icon's menu goes on working
+            desktop.wait_until("the end of the session", lambda: not desktop.session_runs())
             desktop.iconify_and_activate(window)
             desktop.wait_until("the dialog", lambda: desktop.windows("--name", "^About$"))
             desktop.give_keys(desktop.windows("--name", "^About$").pop())

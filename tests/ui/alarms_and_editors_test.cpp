@@ -295,5 +295,26 @@ TEST_F(ItemEditors, OpenByMousePencilAndKeysAndWriteOnOkOnly) {
     EXPECT_EQ(records().readings.AlarmSoundId, QString());
 }
 
+// What must be stopped can be stopped while an editor is open, and the verdict stays in sight.
+TEST_F(ItemEditors, HoldUpNeitherTheSessionNorTheBanner) {
+    openPage(Page::Graphs);
+    const auto edit = [this] {
+        click(*window_, "EditGraphColorDir2");
+    };
+    EXPECT_TRUE(duringDialog(edit, [&](QDialog& dialog) {
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        const QWidget* banner = child(*window_, "LblStatus")->parentWidget();
+        EXPECT_FALSE(dialog.frameGeometry().intersects(
+            QRect(banner->mapToGlobal(QPoint()), banner->size())));
+        click(*window_, "ButtStart");
+        EXPECT_TRUE(running());
+        click(*window_, "ButtStop");
+        EXPECT_FALSE(running());
+        edit(); // one at a time
+        EXPECT_TRUE(dialog.isVisible());
+        dialog.reject();
+    }));
+}
+
 } // namespace
 } // namespace skyhold

@@ -1,5 +1,7 @@
 #include "ui/dialogs/choose_path.h"
 
+#include "ui/dialogs/dialog_parts.h"
+
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QTreeView>
@@ -18,7 +20,7 @@ QStringList ask(QFileDialog& dialog) {
         list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
         dialog.resize(760, 480);
     }
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles() : QStringList();
+    return execOver(dialog) == QDialog::Accepted ? dialog.selectedFiles() : QStringList();
 }
 
 } // namespace

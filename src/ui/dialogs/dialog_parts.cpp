@@ -3,9 +3,10 @@
 #include "ui/look/look.h"
 
 #include <QButtonGroup>
-#include <QDialog>
+#include <QEventLoop>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -16,13 +17,41 @@ namespace skyhold {
 
 namespace {
 
-void moveInside(QDialog* dialog, QPoint corner, const QRect& screen) {
-    const QSize size = dialog->frameGeometry().size().expandedTo(dialog->sizeHint());
+// The height of the verdict, over the width of its window; nothing in other windows.
+QRect bannerOf(const QWidget* window) {
+    const auto* verdict = window->findChild<QWidget*>(QStringLiteral("LblStatus"));
+    if (!verdict)
+        return {};
+    const QWidget* card = verdict->parentWidget();
+    return {QPoint(window->frameGeometry().left(), card->mapToGlobal(QPoint()).y()),
+            QSize(window->frameGeometry().width(), card->height())};
+}
+
+// Below the banner, or beside its window; where neither has room it stays.
+QPoint besideBanner(const QRect& dialog, const QRect& banner, const QRect& screen) {
+    if (!dialog.intersects(banner))
+        return dialog.topLeft();
+    if (banner.bottom() + dialog.height() < screen.bottom())
+        return {dialog.left(), banner.bottom() + 1};
+    if (banner.right() + dialog.width() < screen.right())
+        return {banner.right() + 1, dialog.top()};
+    if (banner.left() - dialog.width() > screen.left())
+        return {banner.left() - dialog.width(), dialog.top()};
+    return dialog.topLeft();
+}
+
+void moveInside(QDialog* dialog, QPoint corner, const QWidget* over) {
+    constexpr QSize kFrame(8, 40); // it is only known once the dialog stands
+    const QRect screen = over->screen()->availableGeometry();
+    const QSize size = dialog->sizeHint() + kFrame;
     const int right = std::max(screen.left(), screen.right() - size.width());
     const int bottom = std::max(screen.top(), screen.bottom() - size.height());
-    dialog->move(std::clamp(corner.x(), screen.left(), right),
-                 std::clamp(corner.y(), screen.top(), bottom));
+    const QPoint inside(std::clamp(corner.x(), screen.left(), right),
+                        std::clamp(corner.y(), screen.top(), bottom));
+    dialog->move(besideBanner(QRect(inside, size), bannerOf(over->window()), screen));
 }
+
+QPointer<EditorDialog> openEditor;
 
 } // namespace
 
@@ -77,13 +106,36 @@ OkAndCancel addOkAndCancel(QDialog* dialog, QVBoxLayout* column) {
     return buttons;
 }
 
+int execOver(QDialog& dialog) {
+    if (dialog.parentWidget())
+        dialog.setWindowModality(Qt::WindowModal);
+    return dialog.exec();
+}
+
+int EditorDialog::exec() {
+    if (openEditor) {
+        openEditor->raise();
+        openEditor->activateWindow();
+        return Rejected;
+    }
+    openEditor = this;
+    setResult(Rejected);
+    QEventLoop answer;
+    connect(this, &QDialog::finished, &answer, [&answer] { answer.quit(); });
+    show();
+    activateWindow();
+    answer.exec(QEventLoop::DialogExec);
+    openEditor = nullptr;
+    return result();
+}
+
 void placeNear(QDialog* dialog, const QWidget* item) {
     dialog->adjustSize();
     const QRect screen = item->screen()->availableGeometry();
     QPoint corner = item->mapToGlobal(QPoint(0, item->height() + 4));
     if (corner.y() + dialog->height() > screen.bottom())
         corner.setY(item->mapToGlobal(QPoint(0, 0)).y() - dialog->height() - 40);
-    moveInside(dialog, corner, screen);
+    moveInside(dialog, corner, item);
 }
 
 void centreOver(QDialog* dialog, const QWidget* window) {
@@ -92,7 +144,7 @@ void centreOver(QDialog* dialog, const QWidget* window) {
     moveInside(dialog,
                over.topLeft() + QPoint((over.width() - dialog->width()) / 2,
                                        (over.height() - dialog->height()) / 2),
-               window->screen()->availableGeometry());
+               window);
 }
 
 } // namespace skyhold

@@ -1,8 +1,10 @@
-// What all dialogs share: their margins, dim texts, the row of OK and Cancel, and where they open.
+// What all dialogs share: their margins, dim texts, the row of OK and Cancel, where they open and
+// what they hold up.
 #pragma once
 
+#include <QDialog>
+
 class QButtonGroup;
-class QDialog;
 class QLabel;
 class QPushButton;
 class QString;
@@ -27,7 +29,21 @@ struct OkAndCancel {
 };
 OkAndCancel addOkAndCancel(QDialog* dialog, QVBoxLayout* column);
 
-// Below `item`, or above it where the screen ends, and inside the screen in any case.
+// Waits for its answer. It holds up its own window alone, so that the tray icon goes on working.
+int execOver(QDialog& dialog);
+
+// An editor that holds up nothing: Stop and Stop Alarm, above all, can be pressed while it is open.
+class EditorDialog : public QDialog {
+  public:
+    using QDialog::QDialog;
+
+    // Waits for its answer. One editor is open at a time: a second one gives way to it, and is
+    // rejected.
+    int exec() override;
+};
+
+// Where a dialog opens it does not cover the banner of the main window, unless the screen leaves no
+// other place. Below `item`, or above it where the screen ends, and inside the screen in any case.
 void placeNear(QDialog* dialog, const QWidget* item);
 void centreOver(QDialog* dialog, const QWidget* window);
 

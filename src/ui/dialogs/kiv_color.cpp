@@ -1,6 +1,5 @@
 #include "ui/dialogs/kiv_color.h"
 
-#include "ui/dialogs/dialog_parts.h"
 #include "ui/look/look.h"
 
 #include <QAbstractButton>
@@ -78,7 +77,7 @@ class ColourButton : public QAbstractButton {
 } // namespace
 
 KivColor::KivColor(Label& label, CheckBox* unsafeBox, const QWidget* item)
-    : QDialog(item->window())
+    : EditorDialog(item->window())
     , label_(label)
     , unsafeBox_(unsafeBox)
     , chosen_(label.BackColor) {

@@ -2,14 +2,13 @@
 #pragma once
 
 #include "records/controls.h"
-
-#include <QDialog>
+#include "ui/dialogs/dialog_parts.h"
 
 class QLineEdit;
 
 namespace skyhold {
 
-class KivColor : public QDialog {
+class KivColor : public EditorDialog {
     Q_OBJECT
 
   public:

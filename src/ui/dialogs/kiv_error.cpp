@@ -92,7 +92,7 @@ void KivError::addButtons(const std::vector<Choice>& choices, QVBoxLayout* colum
 MessageAnswer KivError::ask() {
     if (const QWidget* over = parentWidget())
         centreOver(this, over->window());
-    exec();
+    execOver(*this);
     return answer_;
 }
 

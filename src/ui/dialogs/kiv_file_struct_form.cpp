@@ -1,6 +1,5 @@
 #include "ui/dialogs/kiv_file_struct_form.h"
 
-#include "ui/dialogs/dialog_parts.h"
 #include "ui/look/look.h"
 
 #include <QHBoxLayout>
@@ -46,7 +45,7 @@ class HeaderEditor : public QStyledItemDelegate {
 } // namespace
 
 KivFileStructForm::KivFileStructForm(DataColumns& columns, QWidget* parent)
-    : QDialog(parent)
+    : EditorDialog(parent)
     , columns_(columns)
     , list_(columnList(columns))
     , shown_(new QListWidget(this)) {

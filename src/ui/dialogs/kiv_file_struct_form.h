@@ -2,14 +2,13 @@
 #pragma once
 
 #include "datafiles/column_list.h"
-
-#include <QDialog>
+#include "ui/dialogs/dialog_parts.h"
 
 class QListWidget;
 
 namespace skyhold {
 
-class KivFileStructForm : public QDialog {
+class KivFileStructForm : public EditorDialog {
     Q_OBJECT
 
   public:

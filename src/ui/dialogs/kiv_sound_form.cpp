@@ -2,7 +2,6 @@
 
 #include "conditions/alarms.h"
 #include "platform/files.h"
-#include "ui/dialogs/dialog_parts.h"
 #include "ui/look/look.h"
 #include "ui/widgets/readout.h"
 
@@ -35,7 +34,7 @@ bool isWithin(const QString& folder, const QString& place) {
 
 KivSoundForm::KivSoundForm(CheckBox& box, QString& lastMusicDir, MediaControl& media,
                            QWidget* window)
-    : QDialog(window)
+    : EditorDialog(window)
     , box_(box)
     , lastMusicDir_(lastMusicDir)
     , media_(media)

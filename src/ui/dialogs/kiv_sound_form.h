@@ -2,8 +2,7 @@
 #pragma once
 
 #include "conditions/sound_chooser.h"
-
-#include <QDialog>
+#include "ui/dialogs/dialog_parts.h"
 
 class QCheckBox;
 class QComboBox;
@@ -15,7 +14,7 @@ namespace skyhold {
 
 class Readout;
 
-class KivSoundForm : public QDialog {
+class KivSoundForm : public EditorDialog {
     Q_OBJECT
 
   public:

@@ -1,7 +1,6 @@
 #include "ui/dialogs/kiv_wind_pars.h"
 
 #include "platform/text_forms.h"
-#include "ui/dialogs/dialog_parts.h"
 #include "ui/look/look.h"
 #include "ui/widgets/compass_diagram.h"
 #include "ui/widgets/kiv_get_number.h"
@@ -16,7 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace skyhold {
 
 KivWindPars::KivWindPars(Label& direction, const QWidget* item)
-    : QDialog(item->window())
+    : EditorDialog(item->window())
     , direction_(direction)
     , sector_(sectorForEditing(direction.Caption))
     , sliderFrom_(new QSlider(Qt::Vertical, this))

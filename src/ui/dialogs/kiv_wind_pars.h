@@ -3,8 +3,7 @@
 
 #include "conditions/sector_text.h"
 #include "records/controls.h"
-
-#include <QDialog>
+#include "ui/dialogs/dialog_parts.h"
 
 class QLabel;
 class QSlider;
@@ -14,7 +13,7 @@ namespace skyhold {
 class CompassDiagram;
 class KivGetNumber;
 
-class KivWindPars : public QDialog {
+class KivWindPars : public EditorDialog {
     Q_OBJECT
 
   public:

@@ -84,7 +84,7 @@ bool NewsWindow::discards() const {
 void showNewsOver(QWidget& window, MonitoringCore& core, const QString& text) {
     NewsWindow news(text, &window);
     centreOver(&news, &window);
-    news.exec();
+    execOver(news);
     if (news.discards())
         DiscardNews(core.records.window, core.settings);
 }

@@ -135,7 +135,7 @@ void runUpdateWindow(MonitoringCore& core, KivSHMainform& window) {
     {
         UpdateWindow dialog(update, core, instructionFolder, &window);
         centreOver(&dialog, &window);
-        dialog.exec();
+        execOver(dialog);
     }
     RunUpdaterIfChosen(update, programFolder(), instructionFolder, core.closeWindow);
 }

@@ -1,6 +1,7 @@
 #include "ui/pages/sources_page.h"
 
 #include "ui/dialogs/choose_path.h"
+#include "ui/dialogs/dialog_parts.h"
 #include "ui/dialogs/kiv_cardinal_points.h"
 #include "ui/dialogs/kiv_unit_symbols.h"
 #include "ui/look/look.h"
@@ -170,10 +171,15 @@ QWidget* makeUnitsGroup(UnitControls& units, QWidget* page) {
     };
     addButton(u"ButtUnits"_s, u"U&nit symbols…"_s, units.ButtUnits,
               u"Change the texts by which units are recognised in the station's file"_s,
-              [&units, group] { KivUnitSymbols(units, group).exec(); });
+              [&units, group] {
+                  KivUnitSymbols editor(units, group);
+                  execOver(editor);
+              });
     addButton(u"ButtCardinal"_s, u"Cardinal &points…"_s, units.ButtCardinal,
-              u"Change the compass labels that the station's file uses"_s,
-              [&units, group] { KivCardinalPoints(units.Cardinal, group).exec(); });
+              u"Change the compass labels that the station's file uses"_s, [&units, group] {
+                  KivCardinalPoints editor(units.Cardinal, group);
+                  execOver(editor);
+              });
     row->addStretch();
     column->addLayout(row);
     column->addStretch();

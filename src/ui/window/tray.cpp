@@ -74,8 +74,8 @@ void Tray::showVerdict() {
     window_.setWindowIcon(icon);
 }
 
-// A desktop's panel may have come or gone since the icon was added, and a dialog that waits for its
-// answer takes the icon's clicks away.
+// A desktop's panel may have come or gone since the icon was added. A window that a dialog holds up
+// stays in sight below it.
 bool Tray::eventFilter(QObject*, QEvent* event) {
     if (event->type() == QEvent::WindowStateChange)
         core_.records.window.HasTrayIcon =
