@@ -70,4 +70,19 @@ std::optional<NearestLimit> nearestLimit(const Observation& observation, const R
     return nearest;
 }
 
+std::optional<double> leftToUnsafe(double value, std::int32_t level, const LevelRules& levels,
+                                   bool beyondIsUnsafe) {
+    if (level < 1 || level > static_cast<std::int32_t>(kLevelCount) || !levels.ordered())
+        return std::nullopt;
+    const auto index = static_cast<std::size_t>(level - 1);
+    if (levels.unsafe[index])
+        return std::nullopt;
+    const SafeSpan span = spanAround(index, levels, beyondIsUnsafe);
+    if (!span.bottom && !span.top)
+        return std::nullopt;
+    const double below = span.bottom ? value - *span.bottom : HUGE_VAL;
+    const double above = span.top ? *span.top - value : HUGE_VAL;
+    return std::max(std::min(below, above), 0.0);
+}
+
 } // namespace skyhold

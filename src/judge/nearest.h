@@ -23,4 +23,9 @@ struct NearestLimit {
 std::optional<NearestLimit> nearestLimit(const Observation& observation, const Rules& rules,
                                          const Judgement& judgement);
 
+// How far a value of that level is from one that is unsafe. Nothing where the level itself is
+// unsafe, there is no unsafe one, or the limits are not in order.
+std::optional<double> leftToUnsafe(double value, std::int32_t level, const LevelRules& levels,
+                                   bool beyondIsUnsafe);
+
 } // namespace skyhold

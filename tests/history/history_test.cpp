@@ -1,4 +1,5 @@
 // The history as a user would find it: written by the worker, read by another connection.
+#include "history/level_times.h"
 #include "history/reader.h"
 #include "history/writer.h"
 
@@ -94,6 +95,29 @@ TEST_F(History, keepsWhatItIsGiven) {
     EXPECT_EQ(events[0].detail[u"causes"_s].toString(), u"…"_s);
     EXPECT_EQ(QFile::permissions(path_) & (QFile::ReadGroup | QFile::ReadOther),
               QFile::Permissions());
+}
+
+TEST(LevelTimes, aLevelLastsUntilTheNextCycleAndNotThroughAGap) {
+    LevelTimes times;
+    const auto add = [&times](std::int64_t second, std::int32_t wind,
+                              SourceState station = SourceState::Ok) {
+        KeptCycle cycle = cycleAt(kStart + second * 1'000);
+        cycle.levels[Quantity::Wind] = wind;
+        cycle.station = station;
+        times.add(cycle);
+    };
+    add(0, 1);
+    add(10, 2);
+    add(25, 2, SourceState::Old);
+    add(35, 9); // no level
+    add(45, 1);
+    add(3'600, 1); // a gap: two intervals of it count
+    add(3'605, 3); // lasts until the next one, which is not there yet
+    EXPECT_EQ(times.ms(Quantity::Wind, 0), 10'000 + 20'000 + 5'000);
+    EXPECT_EQ(times.ms(Quantity::Wind, 1), 15'000);
+    EXPECT_EQ(times.ms(Quantity::Wind, 2), 0);
+    EXPECT_EQ(times.ms(Quantity::Cloud, 0), 0);
+    EXPECT_EQ(times.lastMs(), kStart + 3'605'000);
 }
 
 TEST_F(History, thinsToMinutesAndForgets) {

@@ -19,7 +19,7 @@ class AlarmsPage : public WindowFixture {
     AlarmsPage() {
         folder_->write(u"sounds/Bell.wav"_s);
         records().alarms.LastMusicDir = path("sounds");
-        openPage(Page::Unsafe);
+        openPage(Page::Limits);
     }
 
     QString path(const char* name) const { return folder_->filePath(QLatin1String(name)); }
@@ -194,7 +194,7 @@ TEST_F(ItemEditors, OpenByMousePencilAndKeysAndWriteOnOkOnly) {
                              [&] {
                                  units.StringMPH = u"MPH"_s;
                              }};
-    const Editor soundEditor{Page::Unsafe,
+    const Editor soundEditor{Page::Limits,
                              "AlarmRain1",
                              "SoundAlarmRain1",
                              "KivSoundForm",

@@ -16,6 +16,7 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QTemporaryDir>
+#include <QtMath>
 
 #include <gtest/gtest.h>
 
@@ -65,7 +66,7 @@ TEST(KivErrorDialog, AnswersItsButtonsAndTheSafestWhenClosedOtherwise) {
     }
 }
 
-TEST(SectorEditor, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
+TEST(SectorEditor, SectorsAreTurnedBySlidersAndOnTheCompass) {
     struct Case {
         QString before;
         std::function<void(QDialog&)> act;
@@ -86,6 +87,20 @@ TEST(SectorEditor, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
             QTest::mouseRelease(diagram, button, {}, QPoint(120, 120 - up));
         };
     };
+    const auto rim = [](int from, int to) {
+        return [=](QDialog& dialog) {
+            QWidget* diagram = child(dialog, "Diagram");
+            const auto at = [](int degrees) {
+                const double radians = qDegreesToRadians(static_cast<double>(degrees));
+                return QPointF(120 + 94 * std::sin(radians), 120 - 94 * std::cos(radians));
+            };
+            QTest::mousePress(diagram, Qt::LeftButton, {}, at(from).toPoint());
+            QMouseEvent move(QEvent::MouseMove, at(to), diagram->mapToGlobal(at(to)),
+                             Qt::LeftButton, Qt::LeftButton, {});
+            QApplication::sendEvent(diagram, &move);
+            QTest::mouseRelease(diagram, Qt::LeftButton, {}, at(to).toPoint());
+        };
+    };
     const auto minutes = [](const QString& typed) {
         return [=](QDialog& dialog) {
             auto* box = child<QLineEdit>(dialog, "Duration");
@@ -94,11 +109,31 @@ TEST(SectorEditor, SectorsAreTurnedBySlidersAndByDraggingTheCompass) {
             QTest::keyClicks(box, typed);
         };
     };
+    const auto press = [](const char* name, Qt::Key key) {
+        return [=](QDialog& dialog) {
+            QTest::keyClick(child(dialog, name), key);
+        };
+    };
     const Case cases[]{
         {u"010  090  01"_s, slide("SliderFrom", -30), u"-030 090  01 "_s},
         {u"-030 045  05"_s, slide("SliderTo", -359), u"-030 329  05 "_s},
         {u"010  090  01"_s, drag(Qt::LeftButton, 15), u"025  090  01 "_s},
         {u"010  090  01"_s, drag(Qt::RightButton, -20), u"010  070  01 "_s},
+        {u"010  090  01"_s, rim(90, 200), u"010  200  01 "_s},
+        {u"010  090  01"_s, rim(10, 300), u"-060 090  01 "_s},
+        {u"200  300  01"_s, rim(300, 30), u"-160 030  01 "_s}, // through north
+        {u"-030 045  05"_s, rim(45, 20), u"-030 020  05 "_s},
+        {u"000  359  01"_s, rim(0, 90), u"090  359  01 "_s}, // the edges of a circle lie together
+        {u"000  359  01"_s, rim(0, 270), u"000  270  01 "_s},
+        {u"000  000  01"_s, rim(0, 90), u"000  090  01 "_s},
+        {u"010  090  01"_s, press("Diagram", Qt::Key_Right), u"011  090  01 "_s},
+        {u"005  090  01"_s, press("Diagram", Qt::Key_PageDown), u"-005 090  01 "_s},
+        {u"010  090  01"_s,
+         [](QDialog& dialog) {
+             for (const Qt::Key key : {Qt::Key_Space, Qt::Key_PageUp, Qt::Key_Left})
+                 QTest::keyClick(child(dialog, "Diagram"), key);
+         },
+         u"010  099  01 "_s},
         {u"010  090  01"_s, minutes(u"123"_s), u"010  090  12 "_s},
     };
     QWidget window;

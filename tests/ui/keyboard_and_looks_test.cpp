@@ -207,9 +207,8 @@ void expectMnemonicsOnce(const QWidget* window) {
     }
 }
 
-constexpr Page kAllPages[]{Page::Sources, Page::Limits,   Page::Unsafe, Page::Caution,
-                           Page::Graphs,  Page::DataFile, Page::Ccdap,  Page::Images,
-                           Page::Upload,  Page::Network};
+constexpr Page kAllPages[]{Page::Sources, Page::Limits, Page::Caution, Page::Graphs, Page::DataFile,
+                           Page::Ccdap,   Page::Images, Page::Upload,  Page::Network};
 
 class Keyboard : public WindowFixture {
   protected:

@@ -3,6 +3,7 @@
 #include "core/clients.h"
 #include "core/remember.h"
 #include "support/eventually.h"
+#include "ui/pages/limits_table.h"
 #include "ui/widgets/kiv_get_number.h"
 
 #include <QLabel>
@@ -49,6 +50,11 @@ class LimitsPage : public WindowFixture {
 };
 
 TEST_F(LimitsPage, ALimitOutOfOrderHoldsTheFocusUntilItIsCorrected) {
+    QStringList about; // which quantity: several have a level of the same name
+    core_->showMessage = [&, show = core_->showMessage](const Message& message) {
+        about.append(message.about);
+        return show(message);
+    };
     for (int i = 0; i < 2; ++i) {
         enter(calm_, u"20"_s, tab(calm_));
         EXPECT_EQ(messages_, QStringList{kCalmTooHigh});
@@ -56,6 +62,7 @@ TEST_F(LimitsPage, ALimitOutOfOrderHoldsTheFocusUntilItIsCorrected) {
         EXPECT_EQ(calm_->text(), u"20"_s);
         EXPECT_EQ(limit(0), 20); // in force all the same
     }
+    EXPECT_EQ(about, (QStringList{u"Wind"_s, u"Wind"_s}));
     enter(calm_, u"19.5"_s, tab(calm_));
     EXPECT_EQ(messages_, QStringList());
     EXPECT_FALSE(calm_->hasFocus());
@@ -180,6 +187,39 @@ TEST_F(LimitsPage, AnotherWindowAndOtherProgramsAreNotAsked) {
     EXPECT_EQ(messages_, QStringList());
 }
 
+// Marked is only what a working source says in a session that runs.
+TEST_F(LimitsPage, TheTableMarksTheLevelOfEachValueAndSaysHowFarItIsFromUnsafe) {
+    auto* table = child<LimitsTable>(*window_, "LimitsTable");
+    records().conditions.Cond[Quantity::Wind][1].set(0);
+    const auto wind = [&] {
+        return u"%1 %2 %3"_s.arg(shown("NowWind"), shown("LeftWind"))
+            .arg(table->markedLevel(Quantity::Wind))
+            .toStdString();
+    };
+    EXPECT_EQ(wind(), "–  0");
+    StartSession(*core_);
+    const std::pair<StationPage, std::string> cycles[]{
+        {{.wind = u"5"_s}, "5.0 15.0 to unsafe 1"},
+        {{.wind = u"17.5"_s}, "17.5 2.5 to unsafe 2"},
+        {{.wind = u"20"_s}, "20.0 0.0 to unsafe 2"},
+        {{.wind = u"20.1"_s}, "20.1 unsafe level 3"},
+        {{.wind = u"---"_s}, "–  0"},
+        {{.wind = u"5"_s}, "5.0 15.0 to unsafe 1"},
+    };
+    for (const auto& [station, row] : cycles) {
+        cycle(station);
+        EXPECT_EQ(wind(), row);
+    }
+    EXPECT_EQ(shown("DirectionWind0"), u"all directions, after 1 min"_s);
+    sensor_.answering = false;
+    cycle();
+    EXPECT_EQ(table->markedLevel(Quantity::Rain), 0);
+    cycleWithoutStation(600); // old
+    EXPECT_EQ(table->markedLevel(Quantity::Wind), 0);
+    StopSession(*core_);
+    EXPECT_EQ(table->markedLevel(Quantity::Humidity), 0);
+}
+
 TEST_F(LimitsPage, WhatIfJudgesTheRecordedWeekAgain) {
     qputenv("XDG_DATA_HOME", folder_->path().toLocal8Bit());
     auto* answer = child<QLabel>(*window_, "LblWhatIf");
@@ -197,6 +237,13 @@ TEST_F(LimitsPage, WhatIfJudgesTheRecordedWeekAgain) {
             cycle({.wind = wind});
     }
     StopSession(*core_);
+    // How long each level lasted tonight, read whenever the page is shown.
+    EXPECT_TRUE(eventually([this] {
+        openPage(Page::Caution);
+        openPage(Page::Limits);
+        return shown("TonightWind1") == u"1 min 30 s"_s;
+    }));
+    EXPECT_EQ(shown("TonightWind2"), u"–"_s);
     ASSERT_TRUE(core_->history.end());
     const std::string before = ask();
     EXPECT_TRUE(before.starts_with("1 closure")) << before;

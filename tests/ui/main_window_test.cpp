@@ -79,7 +79,6 @@ TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
     type("LimitWind0", u"7.5"_s);
     EXPECT_EQ(records().conditions.Limit[Quantity::Wind][0].Value, 7.5);
 
-    openPage(Page::Unsafe);
     const int before = records().conditions.Cond[Quantity::Dew][2].Value;
     QTest::keyClick(child<QWidget>(*window_, "CondDew2"), Qt::Key_Space);
     EXPECT_EQ(records().conditions.Cond[Quantity::Dew][2].Value, 1 - before);

@@ -96,8 +96,8 @@ class Album {
 
 void takePages(Album& album, KivSHMainform& window) {
     auto* pages = window.findChild<SettingsPages*>();
-    constexpr std::array names{"sources",   "limits", "unsafe", "caution", "graphs",
-                               "data-file", "ccdap",  "images", "upload",  "network"};
+    constexpr std::array names{"sources", "limits", "caution", "graphs", "data-file",
+                               "ccdap",   "images", "upload",  "network"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         pages->open(static_cast<Page>(i));
         album.take(window, QString::fromLatin1(names[i]));
@@ -109,8 +109,6 @@ void takeLimits(Album& album, KivSHMainform& window) {
     auto* pages = window.findChild<SettingsPages*>();
     pages->open(Page::Limits);
     album.take(window, u"limits-out-of-order"_s);
-    pages->open(Page::Unsafe);
-    album.take(window, u"unsafe-out-of-order"_s);
     pages->open(Page::Sources);
 }
 

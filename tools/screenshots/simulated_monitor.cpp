@@ -50,7 +50,9 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     SetCapacity(r.history, r.graphs, r.session.RefreshRead);
     // Rain is told by a sound.
     r.alarms.Alarm[Quantity::Rain][2].Tag = u"/sounds/Rain.wav|repeat"_s;
+    r.alarms.Alarm[Quantity::Rain][2].HasIcons = true;
     r.alarms.Alarm[Quantity::Rain][2].set(1);
+    r.conditions.Direction[Quantity::Gust][2].Caption = u"225  315  02"_s;
     r.upload.ServerAddress.Text = u"ftp.example.org"_s;
     r.upload.ServerPath.Text = u"weather"_s;
     r.upload.UserName.Text = u"observer"_s;

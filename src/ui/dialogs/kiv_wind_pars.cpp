@@ -14,7 +14,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
 
-KivWindPars::KivWindPars(Label& direction, const QWidget* item)
+KivWindPars::KivWindPars(Label& direction, const QWidget* item, std::optional<double> windFrom)
     : EditorDialog(item->window())
     , direction_(direction)
     , sector_(sectorForEditing(direction.Caption))
@@ -34,6 +34,11 @@ KivWindPars::KivWindPars(Label& direction, const QWidget* item)
     diagram_->setObjectName(u"Diagram"_s);
     connect(sliderFrom_, &QSlider::valueChanged, this, &KivWindPars::turnFrom);
     connect(sliderTo_, &QSlider::valueChanged, this, [this](int value) { turnTo(-value); });
+    diagram_->setWind(windFrom);
+    connect(diagram_, &CompassDiagram::edgesTurned, this, [this](int from, int to) {
+        sector_ = sectorBetween(from, to, sector_.minutes);
+        showSector();
+    });
     connect(diagram_, &CompassDiagram::fromDragged, this,
             [this](int degrees) { turnFrom(sector_.from + degrees); });
     connect(diagram_, &CompassDiagram::toDragged, this,
@@ -46,9 +51,19 @@ KivWindPars::KivWindPars(Label& direction, const QWidget* item)
     row->addWidget(diagram_);
     row->addWidget(makeBound(u"&To"_s, toText_, sliderTo_));
     column->addLayout(row);
-    auto* hint = new QLabel(u"The shaded sector is the unsafe one. Drag up or down on the compass:"
-                            u" left button turns its start, right button its end. The sliders do"
-                            u" the same by keys: the arrows, and Page Up and Page Down."_s,
+    setTabOrder(sliderFrom_, diagram_);
+    setTabOrder(diagram_, sliderTo_);
+    auto* wind = new QLabel(windFrom ? u"The arrow is the wind now: from %1°"_s.arg(
+                                           formatNumber(*windFrom, u"0", localeNumberForms()))
+                                     : u"Where the wind comes from now is not known"_s,
+                            this);
+    wind->setObjectName(u"LblWindNow"_s);
+    wind->setAlignment(Qt::AlignHCenter);
+    column->addWidget(wind);
+    auto* hint = new QLabel(u"The shaded sector is the unsafe one. Drag its edges along the rim, "
+                            u"or turn them by the arrows and Page Up and Page Down; the space bar "
+                            u"goes to the other edge. Elsewhere a drag up or down turns its start, "
+                            u"with the right button its end; the sliders do the same."_s,
                             this);
     hint->setWordWrap(true);
     column->addWidget(hint);

@@ -18,7 +18,8 @@ class KivWindPars : public EditorDialog {
 
   public:
     // Opens next to `item` with the sector text of the label; OK writes the new text into it.
-    KivWindPars(Label& direction, const QWidget* item);
+    // `windFrom`: where the wind comes from now, in degrees; nothing when that is not known.
+    KivWindPars(Label& direction, const QWidget* item, std::optional<double> windFrom = {});
 
     void accept() override;
 

@@ -1,17 +1,14 @@
-// The limits of the five station quantities, the names and colours of their levels, and the wind
-// sectors.
+// All that makes the sky unsafe: limits, levels, sectors and alarms of the quantities in one table,
+// and beside it what else counts.
 #pragma once
 
-#include "records/condition_controls.h"
-#include "records/messages.h"
-#include "records/unit_controls.h"
+#include "core/monitoring_core.h"
 
 class QWidget;
 
 namespace skyhold {
 
-// `showMessage`, which outlives the page, shows why a limit is refused.
-QWidget* makeLimitsPage(ConditionControls& conditions, UnitControls& units,
-                        const ShowMessage& showMessage, QWidget* parent);
+// `core` outlives the page.
+QWidget* makeLimitsPage(MonitoringCore& core, QWidget* parent);
 
 } // namespace skyhold

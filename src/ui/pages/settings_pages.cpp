@@ -9,10 +9,8 @@
 #include "ui/pages/limits_page.h"
 #include "ui/pages/network_page.h"
 #include "ui/pages/sources_page.h"
-#include "ui/pages/unsafe_page.h"
 #include "ui/pages/upload_page.h"
 #include "ui/widgets/bind.h"
-#include "ui/widgets/what_if.h"
 
 #include <QApplication>
 #include <QScrollArea>
@@ -59,10 +57,10 @@ struct GuideRow {
 
 constexpr std::array kGuide{
     GuideRow{Page::Sources, u"sources.html"},    GuideRow{Page::Limits, u"limits.html"},
-    GuideRow{Page::Unsafe, u"alarms.html"},      GuideRow{Page::Caution, u"caution.html"},
-    GuideRow{Page::Graphs, u"graphs.html"},      GuideRow{Page::DataFile, u"data-file.html"},
-    GuideRow{Page::Ccdap, u"ccdautopilot.html"}, GuideRow{Page::Images, u"images.html"},
-    GuideRow{Page::Upload, u"upload.html"},      GuideRow{Page::Network, u"network.html"}};
+    GuideRow{Page::Caution, u"caution.html"},    GuideRow{Page::Graphs, u"graphs.html"},
+    GuideRow{Page::DataFile, u"data-file.html"}, GuideRow{Page::Ccdap, u"ccdautopilot.html"},
+    GuideRow{Page::Images, u"images.html"},      GuideRow{Page::Upload, u"upload.html"},
+    GuideRow{Page::Network, u"network.html"}};
 
 } // namespace
 
@@ -108,17 +106,8 @@ void SettingsPages::addPages() {
              [this](QWidget* parent) { return makeSourcesPage(core_, parent); });
 
     QTabWidget* conditions = addStrip(u"SSTab2"_s, u"&Conditions"_s);
-    addSheet(conditions, u"Li&mits"_s, [this, &records](QWidget* parent) {
-        QWidget* page =
-            makeLimitsPage(records.conditions, records.units, core_.showMessage, parent);
-        page->layout()->addWidget(new WhatIf(core_, page));
-        return page;
-    });
-    addSheet(conditions, u"&Unsafe and alarms"_s, [this, &records](QWidget* parent) {
-        return makeUnsafePage(records.conditions, records.alarms, records.readings, core_.media,
-                              core_.showMessage, parent);
-    });
-
+    addSheet(conditions, u"Li&mits and alarms"_s,
+             [this](QWidget* parent) { return makeLimitsPage(core_, parent); });
     addSheet(conditions, u"Cautio&n"_s, [&records](QWidget* parent) {
         return makeCautionPage(records.conditions, records.notices, parent);
     });
@@ -141,7 +130,7 @@ void SettingsPages::addPages() {
              [&records](QWidget* parent) { return makeNetworkPage(records.network, parent); });
 
     followStrip(this, window.SSTab1);
-    followStrip(conditions, window.SSTab2);
+    followStrip(conditions, window.SSTab2, 1);
     followStrip(files, window.SSTab3);
 }
 
@@ -195,13 +184,14 @@ void SettingsPages::addPane(QWidget* content, const QString& title) {
     addTab(pane, title);
 }
 
-void SettingsPages::followStrip(QTabWidget* strip, QProperty<int>& index) {
-    follow(strip, index, [strip](int saved) {
-        if (saved >= 0 && saved < strip->count())
-            strip->setCurrentIndex(saved);
+void SettingsPages::followStrip(QTabWidget* strip, QProperty<int>& index, int first) {
+    follow(strip, index, [strip, first](int saved) {
+        const int page = std::max(saved - first, 0);
+        if (saved >= 0 && page < strip->count())
+            strip->setCurrentIndex(page);
     });
-    connect(strip, &QTabWidget::currentChanged, this, [this, &index](int chosen) {
-        index = chosen;
+    connect(strip, &QTabWidget::currentChanged, this, [this, &index, first](int chosen) {
+        index = chosen + first;
         makeShownSheet();
     });
 }
@@ -240,7 +230,9 @@ void SettingsPages::makeShownSheet() {
     Sheet& sheet = sheets_[shownSheet()];
     if (!sheet.make)
         return;
-    sheet.holder->layout()->addWidget(sheet.make(sheet.holder));
+    QWidget* page = sheet.make(sheet.holder);
+    sheet.holder->layout()->addWidget(page);
+    page->show(); // at once: its pane is to know its size before it is painted
     sheet.make = nullptr;
 }
 

@@ -12,18 +12,7 @@
 namespace skyhold {
 
 // In the order in which Ctrl+Tab goes through them.
-enum class Page {
-    Sources,
-    Limits,
-    Unsafe,
-    Caution,
-    Graphs,
-    DataFile,
-    Ccdap,
-    Images,
-    Upload,
-    Network
-};
+enum class Page { Sources, Limits, Caution, Graphs, DataFile, Ccdap, Images, Upload, Network };
 
 // The page of the user guide that explains it.
 QString guidePage(Page page);
@@ -53,7 +42,8 @@ class SettingsPages : public QTabWidget {
     void addSheet(QTabWidget* strip, const QString& title, MakePage make);
     QTabWidget* addStrip(const QString& name, const QString& title);
     void addPane(QWidget* content, const QString& title);
-    void followStrip(QTabWidget* strip, QProperty<int>& index);
+    // `first`: the number under which its first page is kept; lower ones stand for that page, too.
+    void followStrip(QTabWidget* strip, QProperty<int>& index, int first = 0);
     void openSheet(std::size_t index);
     void step(int by);
     std::size_t shownSheet() const;

@@ -6,10 +6,10 @@
 #include "replay/report.h"
 #include "ui/look/look.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -41,17 +41,16 @@ WhatIf::WhatIf(MonitoringCore& core, QWidget* parent)
     button_->setText(u"&What if…"_s);
     button_->setToolTip(u"Judges the recorded week again with the limits as they are now, and "
                         u"compares with those of the last session"_s);
-    progress_->setFixedWidth(160);
     progress_->hide();
     answer_->setObjectName(u"LblWhatIf"_s);
     answer_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     answer_->setWordWrap(true);
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(look::kMargin);
-    row->addWidget(button_);
-    row->addWidget(progress_);
-    row->addWidget(answer_, 1);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(look::kGap);
+    column->addWidget(button_, 0, Qt::AlignLeft);
+    column->addWidget(progress_);
+    column->addWidget(answer_);
     connect(button_, &QPushButton::clicked, this, &WhatIf::startOrCancel);
 }
 

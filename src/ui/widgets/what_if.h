@@ -18,7 +18,7 @@ namespace skyhold {
 
 struct MonitoringCore;
 
-// A button, and beside it the progress and the answer. The replay runs on a thread of its own and
+// A button, and below it the progress and the answer. The replay runs on a thread of its own and
 // ends with the widget.
 class WhatIf : public QWidget {
   public:
