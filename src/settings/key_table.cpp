@@ -323,6 +323,18 @@ void viewRows(KeyRows& rows, WindowControls& window) {
                  u"look of the windows: 0 dark panel, 1 night vision, 2 as the desktop"_s);
 }
 
+KeyRole roleOf(const QString& key) {
+    static const QStringList state{u"LastUpdateMsg"_s, u"Left"_s,         u"Top"_s,
+                                   u"SSTab1"_s,        u"SSTab2"_s,       u"SSTab3"_s,
+                                   u"VScrollPos0"_s,   u"VScrollPos1"_s,  u"VScrollPos3"_s,
+                                   u"HScrollPos2"_s,   u"LastMusicDir"_s, u"Kiv_News"_s};
+    if (key.endsWith(u"Password"_s))
+        return KeyRole::Secret;
+    if (key == u"NoFiles"_s)
+        return KeyRole::List;
+    return state.contains(key) ? KeyRole::State : KeyRole::Setting;
+}
+
 } // namespace
 
 std::vector<KeyRow> keyTable(Records& r) {
@@ -345,7 +357,10 @@ std::vector<KeyRow> keyTable(Records& r) {
     historyRows(rows, r.historyKeep);
     networkRows(rows, r.network);
     noticeRows(rows, r.notices);
-    return rows.take();
+    std::vector<KeyRow> table = rows.take();
+    for (KeyRow& row : table)
+        row.role = roleOf(row.key);
+    return table;
 }
 
 std::vector<KeyRow> uploadEntryRows(UploadControls& upload) {

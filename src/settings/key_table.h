@@ -19,6 +19,14 @@ enum class KeyType {
     Colour    // decimal text of 0x00BBGGRR
 };
 
+// What a key is to the user.
+enum class KeyRole {
+    Setting,
+    State, // of the window, or what the program found last
+    List,  // the number of entries that have keys of their own
+    Secret // must not leave this computer
+};
+
 struct KeyRow {
     QString section;
     QString key;
@@ -29,6 +37,7 @@ struct KeyRow {
     int lowest = 0;      // of integers and colours
     int highest = 0;
     bool clamped = false; // what lies outside moves to the nearer end
+    KeyRole role = KeyRole::Setting;
 
     // The field's value as the text to store.
     std::function<QString(const NumberForms&)> text;

@@ -1,6 +1,8 @@
+#include "settings/journal.h"
 #include "settings/key_table.h"
 #include "settings/load_save.h"
 #include "settings/reference_page.h"
+#include "settings/transfer.h"
 
 #include "support/test_folder.h"
 
@@ -245,4 +247,108 @@ TEST_F(Settings, ReferencePageIsUpToDate) {
     ASSERT_TRUE(page.open(QIODevice::ReadOnly));
     EXPECT_EQ(QString::fromUtf8(page.readAll()), settingsReference())
         << "rebuild it with ./dev docs";
+}
+
+TEST_F(Settings, ChangesAreJoinedIntoStepsAndGoneBackOn) {
+    Records records;
+    LoadSettings(records, store_, kPoint);
+    SettingsJournal journal(records);
+    QDateTime now(QDate(2026, 11, 23), QTime(22, 0));
+    const Texts loaded = textsOf(records);
+    NumberBox& calm = records.conditions.Limit[Quantity::Wind][0];
+    CheckBox& clear = records.conditions.Cond[Quantity::Cloud][0];
+    const auto look = [&](int seconds, bool byUser = true) {
+        now = now.addSecs(seconds);
+        journal.look(now, byUser);
+        return journal.steps().size();
+    };
+    calm.set(1);
+    EXPECT_EQ(look(1), 1U);
+    calm.set(12); // the second digit
+    records.window.Left = 77;
+    EXPECT_EQ(look(2), 1U);
+    clear.set(1);
+    EXPECT_EQ(look(20), 2U);
+    clear.set(0); // as it was
+    EXPECT_EQ(look(2), 1U);
+    // A unit changes limits with it, and comes back with them.
+    records.units.UnitsSpeed.choose(2);
+    calm.set(3.33);
+    EXPECT_EQ(look(20), 2U);
+    calm.set(4);
+    EXPECT_EQ(look(20, false), 3U); // by another program: stays
+    EXPECT_EQ(journal.undoable()->changes.size(), 3U);
+    journal.undo();
+    EXPECT_EQ(records.units.UnitsSpeed.Index.value(), 0);
+    EXPECT_EQ(calm.Value.value(), 4);
+    calm.set(12);
+    look(20, false);
+    journal.undo();
+    EXPECT_EQ(differences(textsOf(records), loaded), "");
+    EXPECT_EQ(journal.undoable(), nullptr);
+    journal.redo();
+    EXPECT_EQ(calm.Value.value(), 12);
+    journal.redo();
+    EXPECT_EQ(records.units.UnitsSpeed.Index.value(), 2);
+    // What was changed before a session is out of reach while it runs.
+    journal.lock();
+    journal.undo();
+    EXPECT_EQ(records.units.UnitsSpeed.Index.value(), 2);
+    clear.set(1);
+    look(20);
+    journal.undo();
+    EXPECT_FALSE(clear.checked());
+    journal.unlock();
+    EXPECT_NE(journal.undoable(), nullptr);
+}
+
+TEST_F(Settings, AnExportComesBackWithoutSecretsAndAnImportListsWhatItRefuses) {
+    Records records;
+    for (const KeyRow& row : keyTable(records))
+        row.load(changedText(row), kPoint);
+    records.upload.Files.assign(1, FileItem());
+    records.upload.Files[0].fName = u"a=b;\"c\".csv"_s;
+    const QString path = folder_.filePath(u"out/settings.ini"_s);
+    EXPECT_NE(exportSettings(records, path, kPoint), QString()); // no such folder
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    EXPECT_EQ(exportSettings(records, path, kPoint), QString());
+
+    Records other;
+    LoadSettings(other, store_, kPoint);
+    Texts expected = textsOf(records);
+    for (const KeyRow& row : keyTable(other)) {
+        if (row.role == KeyRole::Secret || row.role == KeyRole::State)
+            expected[nameOf(row)] = row.text(kPoint);
+    }
+    const SettingsImport import = readSettingsFile(path, kPoint);
+    EXPECT_EQ(import.refused, QStringList());
+    takeSettings(other, import, kPoint);
+    EXPECT_EQ(differences(textsOf(other), expected), "");
+
+    const auto refused = [&](const QByteArray& bytes) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(bytes);
+        file.close();
+        const SettingsImport read = readSettingsFile(path, kPoint);
+        takeSettings(other, read, kPoint);
+        return (read.fault.isEmpty() ? read.refused.join(u"; "_s) : u"fault"_s).toStdString();
+    };
+    const std::pair<QByteArray, std::string> files[]{
+        {"[Limit]\nWindCalm=abc\nWindWindy=21\n[End]\nWhole=1\n",
+         "Limit/WindCalm: \"abc\" is no value of it"},
+        {"[Setup]\nTimeoutREAD=1000\nPassword=x\nRefreshRead=2\n[Nowhere]\nKey=1\n[End]\nWhole=1\n",
+         "Setup/Password: secrets are not imported; Setup/TimeoutREAD: \"1000\" is no value of it; "
+         "Nowhere/Key: not known"},
+        {"[Limit]\nUnitsTemp1=False\nWindWindy=22\n",
+         "The file was cut short: some settings are missing"},
+        {QByteArray("\0\xff\x01PNG", 6), "fault"},
+        {"", "fault"},
+    };
+    for (const auto& [bytes, lines] : files)
+        EXPECT_EQ(refused(bytes), lines);
+    EXPECT_EQ(other.conditions.Limit[Quantity::Wind][1].Value.value(), 22);
+    EXPECT_EQ(other.session.RefreshRead.ListIndex.value(), 2);
+    EXPECT_EQ(other.units.UnitsTemp.Index.value(), 0); // one is always chosen
+    EXPECT_EQ(other.upload.PassWord.Text.value(), QString());
 }
