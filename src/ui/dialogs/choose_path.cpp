@@ -48,6 +48,17 @@ QStringList chooseUploadFiles(QWidget* parent) {
     return ask(dialog);
 }
 
+QString chooseSettingsFile(QWidget* parent, bool write) {
+    QFileDialog dialog(parent, write ? u"Export settings"_s : u"Import settings"_s, {},
+                       u"Settings (*.ini);;All files (*)"_s);
+    dialog.setAcceptMode(write ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(write ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(u"ini"_s);
+    if (write)
+        dialog.selectFile(u"skyhold-settings.ini"_s);
+    return ask(dialog).value(0);
+}
+
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current) {
     QFileDialog dialog(parent, title, current);
     dialog.setFileMode(QFileDialog::Directory);

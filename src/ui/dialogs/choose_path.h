@@ -10,6 +10,8 @@ namespace skyhold {
 QString chooseStationFile(QWidget* parent, const QString& current);
 // Several at once.
 QStringList chooseUploadFiles(QWidget* parent);
+// A file of settings, to be written or to be read.
+QString chooseSettingsFile(QWidget* parent, bool write);
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current);
 
 } // namespace skyhold

@@ -2,6 +2,7 @@
 
 #include "ui/pages/limits_table.h"
 #include "ui/pages/page_parts.h"
+#include "ui/pages/settings_changes.h"
 #include "ui/pages/sources_and_delay.h"
 #include "ui/widgets/side_by_side.h"
 #include "ui/widgets/tonight_times.h"
@@ -27,12 +28,13 @@ QWidget* makeWhatIf(MonitoringCore& core, QWidget* parent) {
 
 } // namespace
 
-QWidget* makeLimitsPage(MonitoringCore& core, QWidget* parent) {
+QWidget* makeLimitsPage(MonitoringCore& core, SettingsChanges& changes, QWidget* parent) {
     auto* table = new LimitsTable(core, parent);
     const AlarmUse use{core.records.alarms, core.records.readings, core.media, core.showMessage};
     QWidget* const whatIf = makeWhatIf(core, parent);
     QWidget* const sources = makeSourcesAndDelay(core.records.conditions, use, parent);
-    auto* page = new SideBySide(table, {whatIf, sources}, kSideWidth, parent);
+    QWidget* const latest = makeChangesCard(changes, parent);
+    auto* page = new SideBySide(table, {whatIf, sources, latest}, kSideWidth, parent);
     new TonightTimes(core, page, [table](const LevelTimes& times) { table->showTimes(times); });
     return page;
 }

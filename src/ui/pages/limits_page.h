@@ -8,7 +8,9 @@ class QWidget;
 
 namespace skyhold {
 
-// `core` outlives the page.
-QWidget* makeLimitsPage(MonitoringCore& core, QWidget* parent);
+class SettingsChanges;
+
+// `core` and `changes` outlive the page.
+QWidget* makeLimitsPage(MonitoringCore& core, SettingsChanges& changes, QWidget* parent);
 
 } // namespace skyhold

@@ -8,6 +8,7 @@
 #include "ui/pages/images_page.h"
 #include "ui/pages/limits_page.h"
 #include "ui/pages/network_page.h"
+#include "ui/pages/settings_changes.h"
 #include "ui/pages/sources_page.h"
 #include "ui/pages/upload_page.h"
 #include "ui/widgets/bind.h"
@@ -71,7 +72,8 @@ QString guidePage(Page page) {
 
 SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
     : QTabWidget(parent)
-    , core_(core) {
+    , core_(core)
+    , changes_(new SettingsChanges(core, this)) {
     setObjectName(u"SSTab1"_s);
     setDocumentMode(true);
     addPages();
@@ -107,7 +109,7 @@ void SettingsPages::addPages() {
 
     QTabWidget* conditions = addStrip(u"SSTab2"_s, u"&Conditions"_s);
     addSheet(conditions, u"Li&mits and alarms"_s,
-             [this](QWidget* parent) { return makeLimitsPage(core_, parent); });
+             [this](QWidget* parent) { return makeLimitsPage(core_, *changes_, parent); });
     addSheet(conditions, u"Cautio&n"_s, [&records](QWidget* parent) {
         return makeCautionPage(records.conditions, records.notices, parent);
     });

@@ -17,6 +17,8 @@ enum class Page { Sources, Limits, Caution, Graphs, DataFile, Ccdap, Images, Upl
 // The page of the user guide that explains it.
 QString guidePage(Page page);
 
+class SettingsChanges;
+
 class SettingsPages : public QTabWidget {
     Q_OBJECT
 
@@ -25,6 +27,7 @@ class SettingsPages : public QTabWidget {
     SettingsPages(MonitoringCore& core, QWidget* parent);
 
     void open(Page page);
+    SettingsChanges& changes() { return *changes_; }
     Page shownPage() const { return static_cast<Page>(shownSheet()); }
 
     std::function<void()> onHelp; // the "?" beside the pages was pressed
@@ -50,6 +53,7 @@ class SettingsPages : public QTabWidget {
     void makeShownSheet();
 
     MonitoringCore& core_;
+    SettingsChanges* changes_;
     std::vector<Sheet> sheets_; // in the order of Page
 };
 

@@ -1,6 +1,8 @@
 #include "ui/window/menus.h"
 
 #include "core/session.h"
+#include "ui/pages/settings_menu.h"
+#include "ui/pages/settings_pages.h"
 #include "ui/widgets/bind.h"
 #include "ui/window/main_window.h"
 
@@ -79,6 +81,8 @@ void makeMenuBar(KivSHMainform& window, MonitoringCore& core) {
     QMenu* view = window.menuBar()->addMenu(u"&View"_s);
     view->setObjectName(u"mView"_s);
     addLooks(view, controls);
+
+    addSettingsMenu(window, *window.findChild<SettingsPages*>(), core);
 
     QMenu* help = window.menuBar()->addMenu(u"&Help"_s);
     help->setObjectName(u"mHelp"_s);
