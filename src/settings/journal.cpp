@@ -14,7 +14,8 @@ SettingsJournal::SettingsJournal(Records& records)
     : forms_(localeNumberForms())
     , rows_(keyTable(records)) {
     std::erase_if(rows_, [](const KeyRow& row) {
-        return row.role == KeyRole::State || row.role == KeyRole::List;
+        return row.role == KeyRole::State || row.role == KeyRole::List ||
+               row.section == QStringLiteral("View"); // has a menu of its own
     });
     texts_.reserve(rows_.size());
     for (const KeyRow& row : rows_)

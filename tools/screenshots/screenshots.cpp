@@ -23,11 +23,15 @@
 #include "ui/dialogs/update_window.h"
 #include "ui/look/look.h"
 #include "ui/look/verdict_icon.h"
+#include "ui/pages/find_setting.h"
+#include "ui/pages/settings_changes.h"
 #include "ui/pages/settings_pages.h"
+#include "ui/widgets/readout.h"
 #include "ui/window/main_window.h"
 #include "ui/window/simulators.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileDialog>
 #include <QHBoxLayout>
@@ -105,11 +109,30 @@ void takePages(Album& album, KivSHMainform& window) {
     pages->open(Page::Sources);
 }
 
-void takeLimits(Album& album, KivSHMainform& window) {
+// At every moment: what the table marks differs.
+void takeLimits(Album& album, KivSHMainform& window, const QString& moment) {
     auto* pages = window.findChild<SettingsPages*>();
     pages->open(Page::Limits);
-    album.take(window, u"limits-out-of-order"_s);
+    // The times of the levels are read by a thread.
+    const auto* tonight = window.findChild<Readout*>(u"TonightRain0"_s);
+    const QDeadlineTimer deadline(2'000);
+    while (tonight->text().isEmpty() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    album.take(window, u"limits-"_s + moment);
     pages->open(Page::Sources);
+}
+
+// What the list of changes is about.
+void changeSettings(Records& r, SettingsChanges& changes) {
+    r.alarms.Alarm[Quantity::Gust][2].Tag = u"/sounds/Wind warning.wav"_s;
+    r.alarms.Alarm[Quantity::Gust][2].HasIcons = true;
+    changes.noteUser();
+    r.alarms.Alarm[Quantity::Gust][2].set(1);
+    changes.noteUser();
+    r.conditions.Limit[Quantity::Gust][0].set(12);
+    changes.noteUser();
+    r.conditions.Direction[Quantity::Gust][2].Caption = u"225  315  02"_s;
+    changes.noteUser();
 }
 
 void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window) {
@@ -121,7 +144,8 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
                   &window),
          "level");
     take(KivColor(r.graphs.GraphColor[0][1], nullptr, &window), "colour");
-    take(KivWindPars(r.conditions.Direction[Quantity::Wind][2], &window), "sector");
+    take(KivWindPars(r.conditions.Direction[Quantity::Gust][2], &window, 270), "sector");
+    take(FindSetting(settingPlaces(r), &window), "find");
     take(KivCardinalPoints(r.units.Cardinal, &window), "cardinal");
     take(KivUnitSymbols(r.units, &window), "units");
     take(KivFileStructForm(r.dataFile.Columns, &window), "columns");
@@ -238,7 +262,6 @@ constexpr Scene kMoments[]{
      }},
 };
 constexpr std::string_view kSettingsMoment = "safe"; // at which pages and dialogs are shown
-constexpr std::string_view kIdleMoment = "stopped";  // at which some pages look different
 
 std::vector<QSize> sizesFrom(const QStringList& texts) {
     std::vector<QSize> sizes;
@@ -265,6 +288,7 @@ int main(int argc, char** argv) {
     SimulatedMonitor monitor(QDateTime(QDate(2026, 11, 16), QTime(19, 20)));
     KivSHMainform window(monitor.core());
     window.show();
+    changeSettings(monitor.records(), window.findChild<SettingsPages*>()->changes());
     Album album(arguments[1]);
     for (const Scene& moment : kMoments) {
         moment.reach(monitor);
@@ -275,8 +299,7 @@ int main(int argc, char** argv) {
                 album.take(window, u"now-"_s + QString::fromLatin1(moment.name));
                 if (moment.name == kSettingsMoment)
                     takePages(album, window);
-                if (moment.name == kIdleMoment)
-                    takeLimits(album, window);
+                takeLimits(album, window, QString::fromLatin1(moment.name));
             }
             if (moment.name == kSettingsMoment)
                 takeDialogs(album, monitor, window);

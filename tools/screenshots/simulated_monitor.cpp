@@ -18,7 +18,8 @@ namespace {
 constexpr int kReadSeconds = 10;
 
 SettingsStore settingsIn(const QTemporaryDir& folder) {
-    qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        qputenv(name, folder.path().toLocal8Bit());
     return SettingsStore(u"Kiv_Skyhold"_s);
 }
 
@@ -34,6 +35,7 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
         return MessageAnswer::Ok;
     };
     LoadMainWindow(*core_);
+    beginHistory(*core_);
     core_->handOff.program = folder_.filePath(u"none"_s);
 
     Records& r = records();
@@ -52,7 +54,6 @@ SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     r.alarms.Alarm[Quantity::Rain][2].Tag = u"/sounds/Rain.wav|repeat"_s;
     r.alarms.Alarm[Quantity::Rain][2].HasIcons = true;
     r.alarms.Alarm[Quantity::Rain][2].set(1);
-    r.conditions.Direction[Quantity::Gust][2].Caption = u"225  315  02"_s;
     r.upload.ServerAddress.Text = u"ftp.example.org"_s;
     r.upload.ServerPath.Text = u"weather"_s;
     r.upload.UserName.Text = u"observer"_s;

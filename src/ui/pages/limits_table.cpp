@@ -102,15 +102,15 @@ int LimitsTable::rowOfLevel(Quantity quantity, std::size_t i) const {
 
 void LimitsTable::addHeader() {
     constexpr std::array<std::pair<const char16_t*, int>, kColumns> kHeads{{
-        {u"Quantity, now", 124},
+        {u"Quantity, now", 134},
         {u"", 12},
         {u"Level", 128},
         {u"Up to", 104},
         {u"Unsafe", 44},
         {u"Alarm", 34},
-        {u"Sound", 104},
+        {u"Sound", 100},
         {u"Wind from, for", 176},
-        {u"Tonight", 70},
+        {u"Tonight", 76},
     }};
     for (int column = 0; column < kColumns; ++column) {
         const auto& [text, width] = kHeads[static_cast<std::size_t>(column)];
@@ -124,9 +124,8 @@ void LimitsTable::addHeader() {
         grid_->addWidget(head, 0, column);
         grid_->setColumnMinimumWidth(column, width);
     }
-    grid_->setColumnStretch(kName, 2);
-    grid_->setColumnStretch(kSound, 2);
-    grid_->setColumnStretch(kSector, 1);
+    for (const Column column : {kNow, kName, kLimit, kSound, kSector, kTonight})
+        grid_->setColumnStretch(column, 1);
 }
 
 void LimitsTable::addQuantity(const QuantityRow& shown) {

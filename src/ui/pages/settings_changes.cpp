@@ -143,6 +143,7 @@ QWidget* makeChangesCard(SettingsChanges& changes, QWidget* parent) {
         auto* line = new Readout(group);
         line->setObjectName(indexed("Change", i));
         line->setPixelSize(12);
+        line->cutInMiddle(); // what it was and what it is stand at the end
         if (i > 0)
             line->setTone(Tone::Dim);
         column->addWidget(line);
@@ -169,7 +170,10 @@ QWidget* makeChangesCard(SettingsChanges& changes, QWidget* parent) {
             shown[i]->setToolTip(line);
         }
         undo->setEnabled(!changes.undoText().isEmpty());
-        undo->setToolTip(changes.undoText());
+        undo->setToolTip(!undo->isEnabled() && !lines.isEmpty()
+                             ? u"What was changed before the session began can be taken back once "
+                               u"it has ended"_s
+                             : changes.undoText());
         redo->setEnabled(!changes.redoText().isEmpty());
         redo->setToolTip(changes.redoText());
     };
