@@ -117,8 +117,9 @@ void Discovery::open(int family, int port) {
             ::close(descriptor);
         return;
     }
-    auto socket = std::make_shared<Socket>(
-        descriptor, std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read));
+    auto socket = std::make_shared<Socket>();
+    socket->descriptor = descriptor;
+    socket->notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
     QObject::connect(socket->notifier.get(), &QSocketNotifier::activated, socket->notifier.get(),
                      [this, descriptor] { answer(descriptor); });
     sockets_.append(std::move(socket));

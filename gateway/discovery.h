@@ -20,7 +20,7 @@ class Discovery {
 
   private:
     struct Socket {
-        int descriptor;
+        int descriptor = -1;
         std::unique_ptr<QSocketNotifier> notifier;
     };
     void open(int family, int port);
