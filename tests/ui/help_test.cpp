@@ -13,9 +13,8 @@ namespace skyhold {
 
 namespace {
 
-constexpr Page kAllPages[]{Page::Sources, Page::Limits,   Page::Unsafe, Page::Caution,
-                           Page::Graphs,  Page::DataFile, Page::Ccdap,  Page::Images,
-                           Page::Upload,  Page::Network};
+constexpr Page kAllPages[]{Page::Sources, Page::Limits, Page::Caution, Page::Graphs, Page::DataFile,
+                           Page::Ccdap,   Page::Images, Page::Upload,  Page::Network};
 
 using Help = WindowFixture;
 
