@@ -133,7 +133,9 @@ function causeWords(period) {
   const texts = causesIn(period).filter((cause) => cause.kind !== 'delay' || period.verdict === 'waiting').map(causeText);
   return [...new Map(texts.map((text) => [text.split(',')[0].replace(/[-0-9.]+/g, ''), text])).values()].join(' · ');
 }
-const lasted = (period) => durationText(((period.lasts ? Date.now() : Date.parse(period.to)) - Date.parse(period.from)) / 1000);
+// What lasts does so only for as long as something is heard.
+const lastedUntil = () => (sayState()[0] === 'unknown' ? heard.last || past.until : Date.now());
+const lasted = (period) => durationText(((period.lasts ? lastedUntil() : Date.parse(period.to)) - Date.parse(period.from)) / 1000);
 
 function showLog(filter) {
   const wanted = filter.trim().toLowerCase();
@@ -146,6 +148,11 @@ function showLog(filter) {
       row: make('li', {}, icon, make('span', {}, momentText(period.from), ' ', make('b', {}, WORDS[kind] || period.verdict)),
         make('span', {class: period.lasts ? 'lasted on' : 'lasted'}, lasted(period)), make('span', {class: 'causes'}, words))};
   }).filter(({text}) => text.includes(wanted)).map(({row}) => row);
+  if (sayState()[0] === 'unknown' && heard.last) {
+    const icon = smallShape('failed');
+    icon.setAttribute('class', 'icon failed');
+    rows.unshift(make('li', {}, icon, make('span', {}, momentText(heard.last), ' ', make('b', {}, 'Nothing heard since'))));
+  }
   document.querySelector('#log ol').replaceChildren(...(rows.length ? rows : [make('li', {class: 'empty'}, 'No verdict in this time')]));
 }
 
