@@ -13,6 +13,13 @@ function since(then) { return Math.max(performance.now() - then.steady, Date.now
 const heard = {state: null, at: null, anything: null, event: null, taken: 0, before: 0};
 
 function freshMs(snapshot) { return (Number(snapshot.interval_s) || 0) * 1500 + 2000; }
+// Something was heard; should it be the last, the page says so in time.
+let silence = 0;
+function hear() {
+  heard.anything = stamp();
+  clearTimeout(silence);
+  silence = setTimeout(render, SILENCE_MS + 50);
+}
 function pageLost() { return !heard.anything || since(heard.anything) > SILENCE_MS; }
 function documentOld() { return !heard.state.time || heard.before + since(heard.at) > freshMs(heard.state); }
 
@@ -195,7 +202,7 @@ function fitVerdict() {
 function take(snapshot, age) {
   const first = !heard.state;
   ++heard.taken;
-  heard.anything = stamp();
+  hear();
   // Between two cycles a document may come again: it is no younger for that.
   if (first || snapshot.time !== heard.state.time || !snapshot.time) {
     heard.at = stamp();
@@ -231,12 +238,17 @@ function follow() {
     if (source !== events) return;
     // What waited in the line while a phone slept is as old as the sleep: ask anew.
     if (since(heard.event) > SILENCE_MS) { follow(); return; }
-    heard.anything = heard.event = stamp();
+    heard.event = stamp();
+    hear();
     act(event);
   });
   on('state', (event) => take(JSON.parse(event.data), 0));
   on('alive', () => {});
-  source.onopen = () => { if (source === events) heard.anything = heard.event = stamp(); };
+  source.onopen = () => {
+    if (source !== events) return;
+    heard.event = stamp();
+    hear();
+  };
   // A browser gives up after some errors.
   source.onerror = () => { if (source.readyState === EventSource.CLOSED) setTimeout(() => { if (source === events) follow(); }, PROBE_MS); };
 }
