@@ -35,8 +35,12 @@ TEST_F(SettingsMenu, CtrlZTakesBackWhatTheUserChangedAndTheListSaysWhat) {
         key(static_cast<Qt::Key>(digit.unicode()), {});
     key(Qt::Key_Tab, {});
     clock_.advanceSeconds(60);
-    click(*window_, "CondGust0");
+    auto* unsafe = child<QWidget>(*window_, "CondGust0");
+    QTest::keyPress(unsafe, Qt::Key_Space);
     QCoreApplication::processEvents();
+    QTest::keyRelease(unsafe, Qt::Key_Space);
+    QCoreApplication::processEvents();
+    clock_.advanceSeconds(1);
     records().conditions.SafeDelayVal.set(77); // a client
     const auto line = [this](const char* name) {
         return shown(name).section(u' ', 1).toStdString();

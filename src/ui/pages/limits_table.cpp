@@ -15,7 +15,6 @@
 #include "ui/widgets/bind.h"
 #include "ui/widgets/hold_focus.h"
 #include "ui/widgets/kiv_get_number.h"
-#include "ui/widgets/level_name.h"
 #include "ui/widgets/open_editor.h"
 #include "units/unit_text.h"
 
@@ -69,6 +68,24 @@ Readout* makeReadout(QWidget* parent, int pixels, Tone tone) {
     readout->setPixelSize(pixels);
     readout->setTone(tone);
     return readout;
+}
+
+// A box without a text; what it is for is its accessible name. `quantity` in words.
+QCheckBox* makeUnsafeBox(CheckBox& record, const QString& name, const QString& quantity,
+                         QWidget* parent) {
+    auto* box = new QCheckBox(parent);
+    box->setObjectName(name);
+    follow(box, record.Caption, [box, quantity](const QString& level) {
+        const QString what = u"Unsafe: %1, %2"_s.arg(quantity, level);
+        box->setAccessibleName(what);
+        box->setToolTip(what);
+    });
+    follow(box, record.Value, [box](int value) { box->setChecked(value == 1); });
+    follow(box, record.Enabled, [box](bool on) { box->setEnabled(on); });
+    followVisible(box, record.Visible);
+    QObject::connect(box, &QCheckBox::clicked, box,
+                     [&record](bool checked) { record.set(checked ? 1 : 0); });
+    return box;
 }
 
 QString titleOf(const QuantityRow& shown) {
@@ -205,19 +222,24 @@ void LimitsTable::addLevel(const QuantityRow& shown, std::size_t i) {
 void LimitsTable::addName(const QuantityRow& shown, std::size_t i) {
     ConditionControls& conditions = core_.records.conditions;
     CheckBox& unsafe = conditions.Cond[shown.quantity][i];
-    auto* name = new LevelName(shown.hasLimits(), this);
-    name->setPixelSize(12);
-    if (shown.hasLimits()) {
-        Label& level = conditions.Color[shown.quantity][i];
-        name->setObjectName(indexed("Color" + QByteArray(shown.suffix), i));
-        bind(name, level);
-        makeEditable(name, u"Change the name and colour of this level"_s,
-                     [name, &level, &unsafe] { KivColor(level, &unsafe, name).exec(); });
-    } else {
+    const int row = rowOfLevel(shown.quantity, i);
+    if (!shown.hasLimits()) {
+        Readout* name = makeReadout(this, 12, Tone::Text);
+        name->setContentsMargins(Swatch::kChipRoom, 0, 0, 0);
         follow(name, unsafe.Caption, [name](const QString& text) { name->setText(text); });
+        grid_->addWidget(name, row, kName);
+        return;
     }
+    Label& level = conditions.Color[shown.quantity][i];
+    auto* name = new Swatch(this);
+    name->setObjectName(indexed("Color" + QByteArray(shown.suffix), i));
+    name->setPixelSize(12);
+    name->shrinkToChip();
+    bind(name, level);
+    makeEditable(name, u"Change the name and colour of this level"_s,
+                 [name, &level, &unsafe] { KivColor(level, &unsafe, name).exec(); });
     name->setFixedHeight(kRow);
-    grid_->addWidget(name, rowOfLevel(shown.quantity, i), kName);
+    grid_->addWidget(name, row, kName);
 }
 
 void LimitsTable::addLimit(const QuantityRow& shown, std::size_t i) {

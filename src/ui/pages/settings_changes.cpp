@@ -19,6 +19,7 @@ namespace skyhold {
 namespace {
 
 constexpr std::size_t kLines = 5;
+constexpr int kSettlesMs = 300; // what follows within this is of the user's doing
 
 // A line edit takes these keys for itself, even when it has nothing to undo.
 bool isIdleUndo(QObject* watched, const QEvent& event) {
@@ -30,9 +31,20 @@ bool isIdleUndo(QObject* watched, const QEvent& event) {
            (key.matches(QKeySequence::Redo) && !line->isRedoAvailable());
 }
 
+// A box is ticked when its key is released, a button by its shortcut a moment later.
 bool canChangeSettings(const QEvent& event) {
-    return event.type() == QEvent::KeyPress || event.type() == QEvent::MouseButtonRelease ||
-           event.type() == QEvent::MouseButtonPress || event.type() == QEvent::Drop;
+    switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::Wheel:
+    case QEvent::Drop:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -43,10 +55,13 @@ SettingsChanges::SettingsChanges(MonitoringCore& core, QObject* parent)
     , journal_(core.records) {
     setObjectName(u"SettingsChanges"_s);
     qApp->installEventFilter(this);
+    settled_.setSingleShot(true);
+    settled_.setInterval(kSettlesMs - 50);
+    connect(&settled_, &QTimer::timeout, this, [this] { note(settling()); });
     SessionControls& session = core_.records.session;
-    follow(this, session.CyclesDone, [this](std::int64_t) { note(false); });
+    follow(this, session.CyclesDone, [this](std::int64_t) { note(settling()); });
     follow(this, session.State, [this](SessionState state) {
-        note(false);
+        note(settling());
         if (state == SessionState::Idle)
             journal_.unlock();
         else
@@ -62,8 +77,10 @@ bool SettingsChanges::eventFilter(QObject* watched, QEvent* event) {
     }
     if (pending_ || !canChangeSettings(*event))
         return false;
-    note(false);
+    note(settling());
     pending_ = true;
+    lastInputMs_ = core_.clock.MsClock();
+    settled_.start();
     QMetaObject::invokeMethod(
         this,
         [this] {
@@ -72,6 +89,10 @@ bool SettingsChanges::eventFilter(QObject* watched, QEvent* event) {
         },
         Qt::QueuedConnection);
     return false;
+}
+
+bool SettingsChanges::settling() const {
+    return lastInputMs_ && core_.clock.MsClock() - *lastInputMs_ < kSettlesMs;
 }
 
 void SettingsChanges::note(bool byUser) {

@@ -5,6 +5,7 @@
 #include "settings/journal.h"
 
 #include <QObject>
+#include <QTimer>
 
 class QWidget;
 
@@ -36,11 +37,14 @@ class SettingsChanges : public QObject {
 
   private:
     void note(bool byUser);
+    bool settling() const;
     QString words(const SettingsStep& step) const;
 
     MonitoringCore& core_;
     SettingsJournal journal_;
     bool pending_ = false; // the user's event is at work
+    std::optional<std::int64_t> lastInputMs_;
+    QTimer settled_;
 };
 
 // The latest changes, with Undo and Redo.

@@ -147,8 +147,15 @@ void Swatch::setFill(const QColor& fill) {
     update();
 }
 
+void Swatch::shrinkToChip() {
+    chip_ = true;
+    setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setContentsMargins(kChipRoom, 0, 0, 0);
+    update();
+}
+
 QColor Swatch::shownInk() const {
-    return look::inkOn(fill_);
+    return chip_ ? look::kText : look::inkOn(fill_);
 }
 
 void Swatch::paintEvent(QPaintEvent* event) {
@@ -156,9 +163,15 @@ void Swatch::paintEvent(QPaintEvent* event) {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QColor fill = look::ground(fill_);
-        painter.setPen(QPen(hasFocus() ? look::kAccent : fill.darker(130), hasFocus() ? 2 : 1));
         painter.setBrush(fill);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+        if (chip_) {
+            constexpr double kSide = 12;
+            painter.setPen(fill.darker(130));
+            painter.drawRoundedRect(QRectF(2.5, (height() - kSide) / 2.0, kSide, kSide), 2, 2);
+        } else {
+            painter.setPen(QPen(hasFocus() ? look::kAccent : fill.darker(130), hasFocus() ? 2 : 1));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+        }
     }
     Readout::paintEvent(event);
 }

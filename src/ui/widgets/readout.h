@@ -78,6 +78,11 @@ class Swatch : public Readout {
 
     QColor fill() const { return fill_; }
     void setFill(const QColor& fill);
+    // The colour in a small field before the description, which has the ink of texts.
+    void shrinkToChip();
+
+    // Room before the description where the colour stands so.
+    static constexpr int kChipRoom = 20;
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -85,6 +90,7 @@ class Swatch : public Readout {
 
   private:
     QColor fill_;
+    bool chip_ = false;
 };
 
 // A round lamp. What is off is hollow in night vision; a large one carries the sign of its colour,

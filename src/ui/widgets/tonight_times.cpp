@@ -63,7 +63,7 @@ void TonightTimes::read() {
                              times.add(cycle);
                              return true;
                          });
-        QMetaObject::invokeMethod(this, [this, read = std::move(times)] {
+        QMetaObject::invokeMethod(this, [this, read = times] {
             reading_ = false;
             times_ = read;
             show_(times_);
