@@ -53,7 +53,9 @@ void DesktopNotifier::send(const DesktopNotification& notification) {
     if (!connection.isConnected())
         return;
     listen(connection);
-    QStringList actions{kOpen, u"Open"_s};
+    QStringList actions;
+    if (opened)
+        actions += {kOpen, u"Open"_s};
     if (!notification.actionLabel.isEmpty())
         actions += {kButton, notification.actionLabel};
     QDBusMessage call = callOf(u"Notify"_s);

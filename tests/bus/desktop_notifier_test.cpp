@@ -36,7 +36,7 @@ class Server : public QDBusVirtualObject {
         const uint replaced = arguments[1].toUInt();
         const uint id = replaced != 0 ? replaced : ++last_;
         shown[id] = arguments[3].toString() + u'|' + arguments[4].toString() + u'|' +
-                    arguments[5].toStringList().mid(2).join(u' ');
+                    arguments[5].toStringList().join(u' ');
         if (hangs)
             waiting += call.createReply(id);
         else
