@@ -253,6 +253,9 @@ TEST_F(SetupForm, ShowsWhatTheChosenFileGivesAtOnceAndAtItsEnd) {
         for (int step = 0; step < 4; ++step)
             click(dialog, "ButtNext");
         EXPECT_TRUE(shown(1).contains(u"WindSpeed 3 m/s"_s));
+        QCoreApplication::processEvents();
+        const QLabel* brief = dialog.findChildren<QLabel*>(u"LblCheckBrief"_s)[1];
+        EXPECT_GE(brief->height(), brief->heightForWidth(brief->width()));
         write("7");
         EXPECT_TRUE(QTest::qWaitFor([&] { return shown(1).contains(u"WindSpeed 7 m/s"_s); }));
         EXPECT_FALSE(child<QLineEdit>(dialog, "PathName")->text().startsWith(programFolder()));

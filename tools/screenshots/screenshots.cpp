@@ -104,6 +104,8 @@ void takePages(Album& album, KivSHMainform& window) {
                                "ccdap",   "images", "upload",  "network"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         pages->open(static_cast<Page>(i));
+        if (auto* check = window.findChild<QPushButton*>(u"ButtCheckStation"_s))
+            check->click();
         album.take(window, QString::fromLatin1(names[i]));
     }
     pages->open(Page::Sources);
@@ -175,10 +177,11 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     take(std::move(help), "help");
 
     KivSetupForm setup(monitor.settings(), Simulators::of(&window), window.windowTitle());
+    setup.findChild<QLineEdit*>(u"HTMFile"_s)->setText(r.stationFile.HTMFile.Caption);
     for (int step = 1;; ++step) {
         album.takeDialog(setup, u"setup-%1"_s.arg(step));
         auto* next = setup.findChild<QPushButton*>(u"ButtNext"_s);
-        if (!next || !next->isEnabled() || next->isHidden() || step == 5)
+        if (!next || !next->isEnabled() || next->isHidden() || step == 6)
             break;
         setup.show();
         next->click();

@@ -142,12 +142,12 @@ QWidget* makeStationGroup(MonitoringCore& core, QWidget* page) {
                                 records.session.flgReadStation));
     addFileRow(column, records.stationFile, core.settings);
     addSimulatorsRow(column, records.stationFile.HTMFile);
+    addCheck(column, core);
     addIntervalRow(column, records.session.RefreshRead);
     addNumberRow(column, u"Data too old &after"_s, u"TimeoutREAD"_s,
                  records.stationFile.TimeoutREAD, u"min"_s);
     addHint(column, u"Date format used by the program controlling the weather station"_s);
     addOptions(column, "DateFormat", {u"&dd/mm/yy"_s, u"&mm/dd/yy"_s}, records.units.DateFormat);
-    addCheck(column, core);
     column->addStretch();
     return group;
 }

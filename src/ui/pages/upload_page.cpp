@@ -26,7 +26,9 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
     QWidget* group = column->parentWidget();
     auto* row = new QHBoxLayout;
     row->setSpacing(look::kGap);
-    row->addWidget(makeCheck(group, u"flgUpload"_s, u"Upload files i&n a session"_s, flgUpload));
+    QCheckBox* box = makeCheck(group, u"flgUpload"_s, u"Upload files i&n a session"_s, flgUpload);
+    box->setToolTip(u"What did not arrive is sent again"_s);
+    row->addWidget(box);
     row->addStretch();
     std::array<LampWidget*, 2> lamps{};
     for (std::size_t i = 0; i < lamps.size(); ++i) {
@@ -39,9 +41,7 @@ void addSwitch(QVBoxLayout* column, UploadControls& upload, CheckBox& flgUpload)
     }
     bind(lamps[0], lamps[1], upload.LEDUpload);
     column->addLayout(row);
-    addHint(column,
-            u"While a session runs the files go to the server together, as soon as each of "
-            u"them has changed since it was last sent. What did not arrive is sent again."_s);
+    addHint(column, u"They are sent together, once each has changed since it was last sent."_s);
 }
 
 QWidget* makeServer(UploadControls& upload, CheckBox& flgUpload, QWidget* page) {
