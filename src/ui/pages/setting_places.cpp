@@ -145,9 +145,8 @@ std::vector<SettingPlace> settingPlaces(Records& records) {
 std::vector<SettingPlace> findPlaces(const std::vector<SettingPlace>& places, const QString& text) {
     const QStringList words = text.split(u' ', Qt::SkipEmptyParts);
     const auto has = [&words](const QString& all) {
-        return std::ranges::all_of(words, [&all](const QString& word) {
-            return all.contains(word, Qt::CaseInsensitive);
-        });
+        return std::ranges::all_of(
+            words, [&all](const QString& word) { return all.contains(word, Qt::CaseInsensitive); });
     };
     std::vector<SettingPlace> found;
     for (const SettingPlace& place : places) {
