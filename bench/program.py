@@ -131,8 +131,9 @@ def reads():
               f"{took[len(took) * 99 // 100]:.2f} ms (at most 1), longest {took[-1]:.1f} ms")
 
 
-start()
-busy()
-idle()
-reads()
-growth()
+if __name__ == "__main__":
+    start()
+    busy()
+    idle()
+    reads()
+    growth()
