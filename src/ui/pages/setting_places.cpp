@@ -138,7 +138,9 @@ std::vector<SettingPlace> settingPlaces(Records& records) {
         places.push_back({key, capital(row.holds), rule->page,
                           QString::fromUtf16(rule->control).replace(u'*', rest)});
     }
-    std::ranges::stable_sort(places, {}, &SettingPlace::page);
+    std::stable_sort(
+        places.begin(), places.end(),
+        [](const SettingPlace& one, const SettingPlace& other) { return one.page < other.page; });
     return places;
 }
 
@@ -153,8 +155,8 @@ std::vector<SettingPlace> findPlaces(const std::vector<SettingPlace>& places, co
         if (has(place.title + u' ' + pageTitle(place.page) + u' ' + place.key))
             found.push_back(place);
     }
-    std::ranges::stable_partition(found,
-                                  [&has](const SettingPlace& place) { return has(place.title); });
+    std::stable_partition(found.begin(), found.end(),
+                          [&has](const SettingPlace& place) { return has(place.title); });
     return found;
 }
 
