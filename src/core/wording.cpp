@@ -148,6 +148,24 @@ QStringList sourceFaults(const CycleResult& result, const NumberForms& forms) {
     return faults;
 }
 
+QString sourceFaultInShort(const CycleResult& result, std::int64_t later) {
+    if (result.observation.sensor.failed())
+        return sourceText({.kind = CauseKind::Source, .source = SourceName::Sensor}, result, {});
+    const StationObservation& station = result.observation.station;
+    if (!station.faulty())
+        return {};
+    switch (station.state) {
+    case SourceState::Absent:
+        return u"station data file is missing"_s;
+    case SourceState::Old:
+        return u"station data %1 s old"_s.arg(std::llround(station.ageSeconds) + later);
+    case SourceState::Ok:
+        return u"station values are missing"_s;
+    default:
+        return u"station data cannot be used"_s;
+    }
+}
+
 QString alarmText(const QString& id, const CycleResult& result, const ConditionControls& controls) {
     if (const std::optional<ConditionAlarm> alarm = conditionAlarm(id)) {
         const QuantityRow& row = rowOf(alarm->quantity);

@@ -25,6 +25,10 @@ QString noticeTitle(Verdict verdict, bool sourceFailed);
 // What is wrong with the sources, "Kiv_Nubilo has failed"; empty while both are good.
 QStringList sourceFaults(const CycleResult& result, const NumberForms& forms);
 
+// The same of one source in few words, "station data 195 s old"; the station's age has grown by
+// `later` seconds since that cycle. Empty while both are good.
+QString sourceFaultInShort(const CycleResult& result, std::int64_t later);
+
 // Whose alarm sounds, by its id: "Alarm: Wind, Very Windy". A client's has no id.
 QString alarmText(const QString& id, const CycleResult& result, const ConditionControls& controls);
 

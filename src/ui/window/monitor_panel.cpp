@@ -61,7 +61,9 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     : QWidget(parent) {
     auto* top = new QHBoxLayout;
     top->setSpacing(look::kGap);
-    top->addWidget(makeVerdictCard(core, this));
+    const VerdictView verdict = makeVerdictCard(core, this);
+    countVerdict_ = verdict.tick;
+    top->addWidget(verdict.card);
     top->addWidget(makeMessageCard(core, this, readouts_), 1);
     top->addWidget(makeSwitchAndSession(core));
 
@@ -75,19 +77,59 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     follow(this, session.CyclesDone, [this, &core, &session](std::int64_t) {
         showTrends(core.records, core.clock.now());
         showLive(core.records, session.begun());
+        showFacts(core);
     });
+    follow(this, session.verdict, [this, &core](Verdict) { showFacts(core); });
     // A session that starts has nothing to show before its first reading.
     follow(this, session.State, [this, &core](SessionState state) {
         if (state != SessionState::Running)
             showLive(core.records, false);
+        showFacts(core);
     });
+    const double scale = std::max(core.clock.scale(), 1.0);
+    second_.setInterval(std::max(static_cast<int>(1000 / scale), 50));
+    connect(&second_, &QTimer::timeout, this, [this] {
+        countVerdict_();
+        countAges_();
+    });
+}
+
+void MonitorPanel::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    countVerdict_();
+    countAges_();
+    second_.start();
+}
+
+void MonitorPanel::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    second_.stop();
+}
+
+void MonitorPanel::showFacts(const MonitoringCore& core) {
+    const CycleResult& result = core.result;
+    const SessionControls& session = core.records.session;
+    const bool judged = session.running() && session.verdict != Verdict::None;
+    for (const ShownTile& shown : tiles_) {
+        if (shown.quantity)
+            shown.tile->showFacts(
+                judged ? tileFacts(*shown.quantity, result, session.verdict, core.forms)
+                       : TileFacts{});
+        if (!session.running())
+            continue;
+        const QDateTime read = shown.ofSensor ? core.records.readings.LastReading
+                                              : result.observation.station.recordTime;
+        const bool lost = judged && (shown.ofSensor ? result.observation.sensor.failed()
+                                                    : !result.observation.station.usable());
+        shown.tile->setLost(lost, read.isValid() ? formatDate(read, u"hh:mm:ss") : QString());
+    }
 }
 
 // Without a session nothing has a colour of its own, and the last readings have their times.
 void MonitorPanel::showLive(const Records& records, bool live) {
     for (Readout* readout : readouts_)
         readout->setOld(!live);
-    for (const auto& [tile, ofSensor] : tiles_) {
+    for (const auto& [tile, ofSensor, quantity] : tiles_) {
         const Label& read = ofSensor ? records.display.Label3Sensor : records.display.Label3Station;
         tile->setOld(!live, read.Caption.value().section(u' ', 1));
     }
@@ -165,10 +207,10 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
     const auto addTile = [&](Label& header, int number, Label& value, const QString& valueName,
-                             bool sensor) {
+                             bool sensor, std::optional<Quantity> quantity = {}) {
         auto* tile = new ReadingTile(header, u"Label0%1"_s.arg(number), value, valueName, row);
         layout->addWidget(tile, 1);
-        tiles_.emplace_back(tile, sensor);
+        tiles_.push_back({tile, sensor, quantity});
         return tile;
     };
     const auto addDirection = [&] {
@@ -182,7 +224,7 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
         const QuantityRow& shown = rowOf(quantity);
         ReadingTile* tile = addTile(display.Label0[quantity], header, display.LVal[quantity],
                                     u"LVal"_s + QLatin1String(shown.valueLabel),
-                                    shown.source == SourceName::Sensor);
+                                    shown.source == SourceName::Sensor, quantity);
         tile->showCondition(display.LCond[quantity],
                             u"LCond"_s + QLatin1String(shown.conditionLabel));
         if (Label* unit = unitLabel(shown.measure, records.units))
@@ -246,24 +288,35 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     Readout* sensorAge = addTime(u"Sensor"_s, u"Label30"_s, display.Label3Sensor);
     Readout* stationAge = addTime(u"Station"_s, u"Label32"_s, display.Label3Station);
     layout->addStretch();
-    const auto showAges = [&core, sensorAge, stationAge] {
+    Readout* next = makeReadout(row, u"NextCycle"_s, 13);
+    next->setTone(Tone::Dim);
+    next->reserve(u"next in 00 s"_s);
+    layout->insertWidget(3, next);
+    countAges_ = [&core, sensorAge, stationAge, next] {
+        const CycleResult& result = core.result;
         const CurrentReadings& readings = core.records.readings;
         const SessionControls& session = core.records.session;
-        const bool running = session.running();
-        const QDateTime now = core.clock.now();
-        const int interval = session.RefreshRead.chosenSeconds();
-        const auto show = [&](Readout* age, const QDateTime& read, bool known, bool failed) {
-            age->setInk(failed ? screenColour(kOrange) : QColor());
-            age->setText(running && known ? ageText(read, now, interval) : QString());
-        };
+        const std::int64_t nowMs = core.clock.MsClock();
         // At its start a session has no reading yet, and the time of its start stands for it.
-        show(sensorAge, readings.LastReading,
-             !readings.SensorError || readings.LastReading != readings.ReadingStart,
-             readings.SensorError);
-        show(stationAge, readings.StationDateTime, true, !readings.StationValid);
+        const bool judged = session.running() && session.verdict != Verdict::None;
+        const bool sensorKnown =
+            session.running() &&
+            (!readings.SensorError || readings.LastReading != readings.ReadingStart);
+        sensorAge->setInk(readings.SensorError ? screenColour(kOrange) : QColor());
+        sensorAge->setText(sensorKnown ? ageText(readings.LastReading, core.clock.now(), 0)
+                                       : QString());
+        const SourceAge station = skyhold::stationAge(result, nowMs);
+        const bool loud = judged && (station.failed || station.ageing);
+        stationAge->setInk(loud ? QColor(0xff, 0xb0, 0x00) : QColor());
+        stationAge->setText(
+            session.running() ? ageText(readings.StationDateTime, core.clock.now(), 0) : QString());
+        const std::int64_t left = secondsToCycle(result, nowMs);
+        next->setText(!judged || result.intervalSeconds == 0 ? QString()
+                      : left > 0                             ? u"next in %1 s"_s.arg(left)
+                                                             : u"next due"_s);
     };
-    follow(row, session.CyclesDone, [showAges](std::int64_t) { showAges(); });
-    follow(row, session.State, [showAges](SessionState) { showAges(); });
+    follow(row, session.CyclesDone, [this](std::int64_t) { countAges_(); });
+    follow(row, session.State, [this](SessionState) { countAges_(); });
 
     auto* activity = new QWidget(row);
     activity->setObjectName(u"FrameCOM"_s);

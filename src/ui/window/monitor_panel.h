@@ -7,6 +7,7 @@
 
 #include "ui/widgets/trend_line.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <utility>
@@ -23,12 +24,17 @@ class MonitorPanel : public QWidget {
   public:
     MonitorPanel(MonitoringCore& core, QWidget* parent);
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
   private:
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(Records& records);
     QWidget* makeSources(MonitoringCore& core);
     void showTrends(const Records& records, const QDateTime& now);
     void showLive(const Records& records, bool live);
+    void showFacts(const MonitoringCore& core);
 
     struct TileTrend {
         ReadingTile* tile;
@@ -36,8 +42,15 @@ class MonitorPanel : public QWidget {
         TrendScale scale;
     };
     std::vector<TileTrend> trends_;
-    std::vector<std::pair<ReadingTile*, bool>> tiles_; // and whether the sensor program reads it
-    std::vector<Readout*> readouts_;                   // in colours of the session
+    struct ShownTile {
+        ReadingTile* tile;
+        bool ofSensor; // the sensor program reads it
+        std::optional<Quantity> quantity;
+    };
+    std::vector<ShownTile> tiles_;
+    std::vector<Readout*> readouts_; // in colours of the session
+    std::function<void()> countVerdict_, countAges_;
+    QTimer second_;                                           // runs while the panel is visible
     std::pair<std::int32_t, std::int32_t> shownPoints_{0, 0}; // how many, and the newest
 };
 

@@ -13,6 +13,31 @@ namespace {
 constexpr int kHeight = 112;
 constexpr int kStripTop = 84;
 constexpr int kStripHeight = 21;
+constexpr int kFootHeight = 22;
+
+bool atNight() {
+    return lookInForce() == Look::Night;
+}
+
+QColor culpritGround() {
+    switch (lookInForce()) {
+    case Look::Night:
+        return Qt::black;
+    case Look::Panel:
+        return {0x43, 0x09, 0x0d};
+    case Look::Desktop:
+        break;
+    }
+    return look::kCard;
+}
+
+QColor culpritEdge() {
+    return atNight() ? QColor(0xff, 0, 0) : QColor(0xff, 0x5a, 0x5a);
+}
+
+QColor lostEdge() {
+    return atNight() ? QColor(0xb8, 0, 0) : QColor(0xff, 0xb0, 0x00);
+}
 
 } // namespace
 
@@ -23,7 +48,8 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
     , value_(new Readout(this))
     , unit_(new Readout(this))
     , condition_(new Readout(this))
-    , at_(new Readout(this)) {
+    , at_(new Readout(this))
+    , spread_(new Readout(this)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     header_->setObjectName(headerName);
     header_->setTone(Tone::Dim);
@@ -34,7 +60,16 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
     unit_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     bind(header_, header);
     bind(value_, value);
-    follow(unit_, value.Caption, [this](const QString& text) { unit_->setHidden(text.isEmpty()); });
+    spread_->setTone(Tone::Dim);
+    spread_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    spread_->setObjectName(valueName + QStringLiteral("Spread"));
+    at_->setObjectName(valueName + QStringLiteral("At"));
+    setObjectName(valueName + QStringLiteral("Tile"));
+    follow(unit_, value.Caption, [this](const QString& text) {
+        unit_->setHidden(text.isEmpty());
+        if (!text.isEmpty())
+            last_ = text;
+    });
 }
 
 void ReadingTile::showCondition(Label& condition, const QString& name) {
@@ -57,8 +92,29 @@ void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
     update(strip());
 }
 
+void ReadingTile::showFacts(const TileFacts& facts) {
+    facts_ = facts;
+    const bool shown = facts.culprit && !facts.foot.isEmpty();
+    spread_->setText(facts.spread);
+    const QColor ground = facts.culprit ? culpritGround() : QColor();
+    for (Readout* readout : {header_, value_, unit_, condition_, spread_})
+        readout->setGround(ground);
+    setToolTip(shown ? facts.foot : QString());
+    place();
+    update();
+}
+
+void ReadingTile::setLost(bool lost, const QString& at) {
+    lost_ = lost;
+    at_->setText(lost && !last_.isEmpty() ? QStringLiteral("was %1 at %2").arg(last_, at)
+                                          : QString());
+    at_->setHidden(!lost);
+    update();
+}
+
 void ReadingTile::setOld(bool old, const QString& at) {
     setEdge(old ? Edge::Line : Edge::None);
+    lost_ = false;
     for (Readout* readout : {header_, value_, unit_, condition_})
         readout->setOld(old);
     at_->setText(value_->text().isEmpty() ? QString() : QStringLiteral("at ") + at);
@@ -79,15 +135,93 @@ QRect ReadingTile::strip() const {
 }
 
 void ReadingTile::paintEvent(QPaintEvent* event) {
-    Card::paintEvent(event);
-    // A new value above it leaves the strip as it is.
-    if (trend_.runs.empty() || at_->isVisible() || !event->rect().intersects(strip()))
-        return;
+    if (facts_.culprit || lost_) {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (facts_.culprit) {
+            painter.setBrush(culpritGround());
+            painter.setPen(QPen(culpritEdge(), 4));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 4, 4);
+        } else {
+            painter.setBrush(look::kField);
+            painter.setPen(QPen(lostEdge(), 1.5, Qt::DashLine));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+        }
+    } else {
+        Card::paintEvent(event);
+    }
     QPainter painter(this);
+    if (facts_.nearest) {
+        painter.setPen(QPen(look::kText, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    }
+    if (facts_.culprit) {
+        drawFoot(painter);
+        return;
+    }
+    if (at_->isVisible())
+        return;
+    if (facts_.gauge) {
+        drawGauge(painter, *facts_.gauge);
+        return;
+    }
+    // A new value above it leaves the strip as it is.
+    if (trend_.runs.empty() || !event->rect().intersects(strip()))
+        return;
     painter.fillRect(QRect(strip().left(), strip().bottom() + 2, strip().width(), 1), look::kEdge);
     constexpr int kLineMargin = 1;
     drawTrend(painter, QRectF(strip()).adjusted(0, kLineMargin, -kLineMargin, -kLineMargin), trend_,
               scale_, look::kDimText);
+}
+
+// What is exceeded and since when, below a culprit.
+void ReadingTile::drawFoot(QPainter& painter) const {
+    const QRect foot(0, height() - kFootHeight, width(), kFootHeight);
+    const bool night = atNight();
+    painter.fillRect(foot, night ? QColor(0xff, 0, 0) : QColor(0xc4, 0x16, 0x1c));
+    painter.setPen(night ? Qt::black : Qt::white);
+    QFont letters = font();
+    letters.setBold(true);
+    for (int size = 13; size >= 10; --size) {
+        letters.setPixelSize(size);
+        if (QFontMetrics(letters).horizontalAdvance(facts_.foot) <= foot.width() - 6)
+            break;
+    }
+    painter.setFont(letters);
+    painter.drawText(foot, Qt::AlignCenter, facts_.foot);
+}
+
+// Unsafe values hatched, limits as lines, the value as a wedge from above.
+void ReadingTile::drawGauge(QPainter& painter, const Gauge& gauge) const {
+    const QRectF bar(10, kStripTop + 9, width() - 20, 7);
+    const QColor limit = look::ink({0xff, 0x5a, 0x5a}, look::kCard);
+    const auto x = [&bar](double at) {
+        return bar.left() + at * bar.width();
+    };
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(bar, look::kField);
+    for (const Gauge::Span& span : gauge.unsafe)
+        painter.fillRect(
+            QRectF(QPointF(x(span.from), bar.top()), QPointF(x(span.to), bar.bottom())),
+            QBrush(limit, Qt::BDiagPattern));
+    painter.setPen(look::kDimText);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(bar);
+    for (const Gauge::Limit& at : gauge.limits) {
+        painter.setPen(QPen(at.unsafe ? limit : look::kDimText, at.unsafe ? 2 : 1));
+        painter.drawLine(QPointF(x(at.at), bar.top() - 2), QPointF(x(at.at), bar.bottom() + 2));
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look::kText);
+    const qreal marker = x(gauge.marker);
+    painter.drawPolygon(QPolygonF{{marker - 5, bar.top() - 6},
+                                  {marker + 5, bar.top() - 6},
+                                  {marker + 1.5, bar.top()},
+                                  {marker + 1.5, bar.bottom() + 1},
+                                  {marker - 1.5, bar.bottom() + 1},
+                                  {marker - 1.5, bar.top()}});
 }
 
 void ReadingTile::resizeEvent(QResizeEvent*) {
@@ -110,7 +244,12 @@ void ReadingTile::place() {
     header_->setGeometry(inset, 6, inner - unitWidth - 2, 20);
     unit_->setGeometry(inset + inner - unitWidth, 6, unitWidth, 20);
     value_->setGeometry(inset, 26, inner, 36);
-    condition_->setGeometry(inset, 62, inner, 20);
+    spread_->setPixelSize(narrow ? 11 : 12);
+    const int spreadWidth = spread_->text().isEmpty()
+                                ? 0
+                                : spread_->fontMetrics().horizontalAdvance(spread_->text()) + 2;
+    condition_->setGeometry(inset, 62, inner - spreadWidth, 20);
+    spread_->setGeometry(inset + inner - spreadWidth, 62, spreadWidth, 20);
     at_->setGeometry(inset, kStripTop, inner, kStripHeight);
 }
 

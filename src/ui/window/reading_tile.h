@@ -5,6 +5,7 @@
 #include "records/controls.h"
 #include "ui/widgets/readout.h"
 #include "ui/widgets/trend_line.h"
+#include "ui/window/panel_facts.h"
 
 namespace skyhold {
 
@@ -22,6 +23,10 @@ class ReadingTile : public Card {
     void showUnit(Label& unit);
     // Drawn below the condition; nothing as long as there are no points.
     void showTrend(Trend trend, const TrendScale& scale);
+    // A gauge takes the place of the trend, a culprit's foot that of both.
+    void showFacts(const TileFacts& facts);
+    // The source gives no data: no value, and the last one small and grey with its time.
+    void setLost(bool lost, const QString& at);
     // A reading of the past is grey on a hollow card, and has the time `at` in the trend's place.
     void setOld(bool old, const QString& at);
 
@@ -35,14 +40,20 @@ class ReadingTile : public Card {
   private:
     void place();
     QRect strip() const;
+    void drawFoot(QPainter& painter) const;
+    void drawGauge(QPainter& painter, const Gauge& gauge) const;
 
     Readout* header_;
     Readout* value_;
     Readout* unit_;
     Readout* condition_;
     Readout* at_;
+    Readout* spread_;
     Trend trend_;
     TrendScale scale_;
+    TileFacts facts_;
+    bool lost_ = false;
+    QString last_; // value that was known
 };
 
 } // namespace skyhold

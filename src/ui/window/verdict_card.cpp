@@ -3,11 +3,11 @@
 #include "platform/text_forms.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/readout.h"
+#include "ui/window/banner_look.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QVBoxLayout>
-
-#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -15,103 +15,124 @@ namespace skyhold {
 
 namespace {
 
-// The ground of the verdict: deep enough for white letters, strong enough to be seen from afar.
-QColor verdictGround(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Unsafe:
-    case Verdict::Waiting:
-        return QColor(0xa1, 0x12, 0x1b);
-    case Verdict::Safe:
-        return QColor(0x12, 0x6b, 0x35);
-    case Verdict::None:
-        break;
-    }
-    return {};
-}
+// Letters in the banner's own ink, which no look shows differently.
+class BannerText : public Readout {
+  public:
+    explicit BannerText(QWidget* parent)
+        : Readout(parent) {}
 
-struct Parts {
-    Card* card;
-    LampWidget* lamp;
-    Readout* verdict;
-    Readout* note;
+  protected:
+    QColor shownInk() const override { return bannerLook(kind).ink; }
+
+  public:
+    BannerKind kind = BannerKind::Idle;
 };
 
-// A verdict without a session would look like a judgement of now.
-void showIdle(const Parts& parts, const QString& stopped) {
-    parts.card->setFill({});
-    parts.card->setEdge(Edge::Dashed);
-    parts.verdict->setGround({});
-    parts.verdict->setInk({});
-    parts.verdict->setTone(Tone::Dim);
-    parts.verdict->setPixelSize(32, true);
-    parts.verdict->setFixedHeight(44);
-    parts.verdict->setText(u"Not monitoring"_s);
-    parts.verdict->show();
-    parts.note->setText(stopped);
-    parts.note->setHidden(stopped.isEmpty());
+class VerdictBanner : public QWidget {
+  public:
+    VerdictBanner(MonitoringCore& core, QWidget* parent);
+
+    void show(SessionState state);
+    void showMoment();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void showFacts(const BannerFacts& facts);
+
+    MonitoringCore& core_;
+    BannerText* verdict_;
+    BannerText* note_;
+    BannerKind kind_ = BannerKind::Idle;
+    bool ran_ = false;
+    QString stopped_; // when the last session was
+    std::int64_t startedMs_ = 0;
+};
+
+constexpr int kSignSide = 76;
+constexpr int kSignLeft = 18;
+
+VerdictBanner::VerdictBanner(MonitoringCore& core, QWidget* parent)
+    : QWidget(parent)
+    , core_(core)
+    , verdict_(new BannerText(this))
+    , note_(new BannerText(this)) {
+    setFixedSize(372, kVerdictHeight);
+    setObjectName(u"VerdictBanner"_s);
+    verdict_->setObjectName(u"LblStatus"_s);
+    note_->setObjectName(u"LblVerdictNote"_s);
+    note_->setFixedHeight(24);
+    auto* words = new QVBoxLayout(this);
+    words->setContentsMargins(kSignLeft + kSignSide + 14, 12, 12, 12);
+    words->setSpacing(0);
+    words->addStretch();
+    words->addWidget(verdict_);
+    words->addWidget(note_);
+    words->addStretch();
+
+    SessionControls& session = core.records.session;
+    follow(this, session.State, [this](SessionState state) { show(state); });
+    follow(this, session.verdict, [this](Verdict) { showMoment(); });
+    follow(this, session.CyclesDone, [this](std::int64_t) { showMoment(); });
+    follow(this, core.records.display.LblCause.Caption, [this](const QString&) { showMoment(); });
 }
 
-void showVerdict(const Parts& parts, Verdict verdict, const ConditionControls& conditions) {
-    const QString words = conditions.LblStatus.Caption;
-    const QColor ground = verdictGround(verdict);
-    parts.card->setFill(ground);
-    parts.card->setEdge(Edge::None);
-    parts.verdict->setGround(ground);
-    parts.verdict->setInk(ground.isValid() ? Qt::white : QColor());
-    parts.verdict->setTone(Tone::Text);
-    parts.verdict->setPixelSize(68, true);
-    parts.verdict->setFixedHeight(88);
-    parts.verdict->setText(words);
-    parts.verdict->setHidden(words.isEmpty());
-    parts.note->setText(words.isEmpty() ? u"No verdict yet"_s : QString());
-    parts.note->setHidden(!words.isEmpty());
+void VerdictBanner::show(SessionState state) {
+    if (state == SessionState::Idle && ran_)
+        stopped_ = u"stopped "_s + formatDate(core_.clock.now(), u"dd/mm hh:mm:ss");
+    if (state == SessionState::Starting)
+        startedMs_ = core_.clock.MsClock();
+    ran_ = state == SessionState::Running;
+    showMoment();
+}
+
+void VerdictBanner::showMoment() {
+    const SessionControls& session = core_.records.session;
+    const std::int64_t now = core_.clock.MsClock();
+    showFacts(bannerFacts(core_.result, {.session = session.State,
+                                         .verdict = session.verdict,
+                                         .ms = now,
+                                         .overdue = core_.TimerRead.overdue(),
+                                         .startLimit = session.NBTimeout.Value,
+                                         .started = static_cast<double>(now - startedMs_) / 1000}));
+}
+
+void VerdictBanner::showFacts(const BannerFacts& facts) {
+    kind_ = facts.kind;
+    verdict_->kind = kind_;
+    note_->kind = kind_;
+    const QString words = core_.records.conditions.LblStatus.Caption;
+    const bool idle = kind_ == BannerKind::Idle;
+    const bool starting = kind_ == BannerKind::Starting;
+    const bool judged = !idle && !starting && kind_ != BannerKind::NoVerdict;
+    // A verdict without a session would look like a judgement of now.
+    const int size = judged ? 62 : starting ? 40 : 30;
+    verdict_->setPixelSize(size, true);
+    verdict_->setFixedHeight(size * 5 / 4);
+    verdict_->setText(idle ? u"Not monitoring"_s : starting ? u"Starting"_s : words);
+    verdict_->setHidden(verdict_->text().isEmpty());
+    note_->setPixelSize(judged ? 17 : 15, judged);
+    note_->setText(idle ? stopped_ : facts.line);
+    note_->setHidden(note_->text().isEmpty());
+    update();
+}
+
+void VerdictBanner::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const BannerLook look = bannerLook(kind_);
+    drawBanner(painter, rect(), look);
+    drawSign(painter, QRectF(kSignLeft, (height() - kSignSide) / 2.0, kSignSide, kSignSide), kind_,
+             look);
 }
 
 } // namespace
 
-QWidget* makeVerdictCard(MonitoringCore& core, QWidget* parent) {
-    auto* card = new Card(parent);
-    card->setFixedSize(372, kVerdictHeight);
-    const Parts parts{card, new LampWidget(52, card), new Readout(card), new Readout(card)};
-    parts.lamp->setObjectName(u"LEDUnsafe"_s);
-    parts.verdict->setObjectName(u"LblStatus"_s);
-    parts.note->setObjectName(u"LblVerdictNote"_s);
-    parts.note->setPixelSize(15);
-    parts.note->setTone(Tone::Dim);
-    parts.note->setFixedHeight(24);
-    bind(parts.lamp, core.records.conditions.LEDUnsafe);
-
-    ConditionControls& conditions = core.records.conditions;
-    SessionControls& session = core.records.session;
-    const auto stopped = std::make_shared<QString>(); // when the last session was
-    const auto refresh = [parts, stopped, &conditions, &session] {
-        parts.lamp->setUnlit(!session.begun());
-        if (session.begun())
-            showVerdict(parts, session.verdict, conditions);
-        else
-            showIdle(parts, *stopped);
-    };
-    const auto ran = std::make_shared<bool>(false);
-    follow(card, session.State, [refresh, stopped, ran, &core](SessionState state) {
-        if (state == SessionState::Idle && *ran)
-            *stopped = u"stopped "_s + formatDate(core.clock.now(), u"dd/mm hh:mm:ss");
-        *ran = state == SessionState::Running;
-        refresh();
-    });
-    follow(card, session.verdict, [refresh](Verdict) { refresh(); });
-
-    auto* words = new QVBoxLayout;
-    words->setSpacing(0);
-    words->addStretch();
-    words->addWidget(parts.verdict);
-    words->addWidget(parts.note);
-    words->addStretch();
-    auto* layout = new QHBoxLayout(card);
-    layout->setContentsMargins(20, 8, 12, 8);
-    layout->setSpacing(16);
-    layout->addWidget(parts.lamp);
-    layout->addLayout(words);
-    return card;
+VerdictView makeVerdictCard(MonitoringCore& core, QWidget* parent) {
+    auto* banner = new VerdictBanner(core, parent);
+    return {banner, [banner] {
+                banner->showMoment();
+            }};
 }
 
 } // namespace skyhold

@@ -9,6 +9,10 @@ namespace skyhold {
 
 constexpr int kVerdictHeight = 128;
 
-QWidget* makeVerdictCard(MonitoringCore& core, QWidget* parent);
+struct VerdictView {
+    QWidget* card;
+    std::function<void()> tick; // what it counts, each second
+};
+VerdictView makeVerdictCard(MonitoringCore& core, QWidget* parent);
 
 } // namespace skyhold
