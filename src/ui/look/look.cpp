@@ -27,9 +27,8 @@ const look::Scheme kPanel{
     .accent = {0x4a, 0xa3, 0xdf},
     .primary = {0x1f, 0x6f, 0xa8},
     .loud = {0xb3, 0x53, 0x00},
-    // The status lines show navy and dark green, which need a light ground.
-    .strip = {0xec, 0xef, 0xf2},
-    .stripText = {0x1b, 0x21, 0x28},
+    .strip = {0x0b, 0x0e, 0x12},
+    .stripText = {0xe8, 0xed, 0xf2},
 };
 
 const look::Scheme kNight{
@@ -132,7 +131,8 @@ Scheme scheme = kPanel;
 QColor ink(const QColor& stated, const QColor& ground) {
     switch (inForce) {
     case Look::Panel:
-        break;
+        // The status lines have stated colours for a light ground, navy and dark green.
+        return ground == kStrip ? readableInk(stated, ground) : stated;
     case Look::Night:
         return nightInk(stated);
     case Look::Desktop:

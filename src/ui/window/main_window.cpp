@@ -10,10 +10,13 @@
 #include "ui/window/menus.h"
 #include "ui/window/monitor_panel.h"
 #include "ui/window/status_strip.h"
+#include "ui/window/wall_panel.h"
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QMenuBar>
 #include <QScreen>
+#include <QStackedWidget>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -57,7 +60,9 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     };
     column->addWidget(pages_, 1);
     column->addWidget(new StatusStrip(core_.records.session, content));
-    setCentralWidget(content);
+    views_ = new QStackedWidget(this);
+    views_->addWidget(content);
+    setCentralWidget(views_);
     makeMenuBar(*this, core_);
     setMinimumSize(kSmallestSize);
     resize(kUsualSize);
@@ -107,6 +112,28 @@ void KivSHMainform::restore() {
         QApplication::setActiveWindow(this);
 }
 
+void KivSHMainform::showPanelOnly(bool only) {
+    if (only == (views_->currentIndex() == 1))
+        return;
+    if (only) {
+        if (views_->count() == 1) {
+            auto* wall = new WallPanel(core_, views_);
+            connect(wall, &WallPanel::left, this, [this] { showPanelOnly(false); });
+            views_->addWidget(wall);
+        }
+        before_ = windowState() & ~Qt::WindowMinimized;
+        views_->setCurrentIndex(1);
+        menuBar()->hide();
+        setWindowState(windowState() | Qt::WindowFullScreen);
+        views_->currentWidget()->setFocus();
+    } else {
+        views_->setCurrentIndex(0);
+        menuBar()->show();
+        setWindowState(before_ & ~Qt::WindowFullScreen);
+    }
+    Q_EMIT panelOnlyChanged(only);
+}
+
 void KivSHMainform::explainPage() {
     showHelp(core_, this, helpFolders(), guidePage(pages_->shownPage()));
 }
@@ -145,7 +172,7 @@ void KivSHMainform::moveEvent(QMoveEvent* event) {
 // Of the frame's corner, which is what a window is moved to. Without the frame, which comes after
 // the first moves and is not announced, every start would move the window by the frame's width.
 void KivSHMainform::notePosition() {
-    if (!placed_ || !isVisible() || stateOf(*this) != WindowState::Normal)
+    if (!placed_ || !isVisible() || isFullScreen() || stateOf(*this) != WindowState::Normal)
         return;
     WindowControls& window = core_.records.window;
     window.Left = x();

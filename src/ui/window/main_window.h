@@ -6,6 +6,8 @@
 #include <QMainWindow>
 #include <QTimer>
 
+class QStackedWidget;
+
 namespace skyhold {
 
 class SettingsPages;
@@ -22,6 +24,9 @@ class KivSHMainform : public QMainWindow {
     // With a tray icon the window is hidden, else it is an icon like any other.
     void minimise();
 
+    // The panel alone on the whole screen, and back to the window as it was.
+    void showPanelOnly(bool only);
+
     // The page of the user guide about the page that is shown.
     void explainPage();
 
@@ -31,6 +36,7 @@ class KivSHMainform : public QMainWindow {
     void setVisible(bool visible) override;
 
   Q_SIGNALS:
+    void panelOnlyChanged(bool only);
     // A close request has been granted: the session is stopped, the program may unload.
     void closed();
 
@@ -49,6 +55,8 @@ class KivSHMainform : public QMainWindow {
 
     MonitoringCore& core_;
     SettingsPages* pages_ = nullptr;
+    QStackedWidget* views_ = nullptr; // the window's usual content, and the panel alone
+    Qt::WindowStates before_;         // the panel was alone
     bool placed_ = false;
     QTimer frameDrawn_; // runs while the desktop may still put its frame around the window
 };

@@ -81,6 +81,13 @@ void makeMenuBar(KivSHMainform& window, MonitoringCore& core) {
     QMenu* view = window.menuBar()->addMenu(u"&View"_s);
     view->setObjectName(u"mView"_s);
     addLooks(view, controls);
+    view->addSeparator()->setObjectName(u"mSepView"_s);
+    QAction* only = addEntry(view, u"mnuPanelOnly"_s, u"&Panel only"_s, [] {});
+    only->setCheckable(true);
+    only->setShortcut(Qt::Key_F11);
+    window.addAction(only); // its key works while the menu bar is hidden
+    QObject::connect(only, &QAction::triggered, &window, &KivSHMainform::showPanelOnly);
+    QObject::connect(&window, &KivSHMainform::panelOnlyChanged, only, &QAction::setChecked);
 
     addSettingsMenu(window, *window.findChild<SettingsPages*>(), core);
 

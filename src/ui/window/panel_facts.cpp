@@ -33,10 +33,14 @@ BannerFacts startingFacts(const PanelMoment& now) {
     return {BannerKind::Starting, u"Kiv_Nubilo, %1 of %2 s"_s.arg(seconds).arg(now.startLimit)};
 }
 
+QString shortNumber(double value, const NumberForms& forms) {
+    return numberText(std::round(value * 10) / 10, forms);
+}
+
 QString limitFoot(const Cause& cause, const CycleResult& result, const NumberForms& forms) {
     const auto& limits = result.rules.levels[cause.quantity].limits;
     const auto number = [&forms](double value) {
-        return numberText(std::round(value * 10) / 10, forms);
+        return shortNumber(value, forms);
     };
     if (!rowOf(cause.quantity).hasLimits())
         return {};
@@ -49,7 +53,8 @@ QString limitFoot(const Cause& cause, const CycleResult& result, const NumberFor
                       : u"> "_s + number(limits[index - 1]) + u' ';
 }
 
-std::optional<Gauge> gaugeOf(Quantity quantity, const CycleResult& result) {
+std::optional<Gauge> gaugeOf(Quantity quantity, const CycleResult& result,
+                             const NumberForms& forms) {
     const std::optional<double> value = result.observation.values[quantity];
     const LevelRules& levels = result.rules.levels[quantity];
     if (!rowOf(quantity).hasLimits() || !value || !levels.ordered() ||
@@ -74,7 +79,8 @@ std::optional<Gauge> gaugeOf(Quantity quantity, const CycleResult& result) {
         if (unsafe[i])
             gauge.unsafe.push_back({place(bounds[i]), place(bounds[i + 1])});
         if (i < kLevelCount)
-            gauge.limits.push_back({place(limits[i]), unsafe[i] != unsafe[i + 1]});
+            gauge.limits.push_back(
+                {place(limits[i]), unsafe[i] != unsafe[i + 1], shortNumber(limits[i], forms)});
     }
     return gauge;
 }
@@ -129,7 +135,7 @@ TileFacts tileFacts(Quantity quantity, const CycleResult& result, Verdict verdic
     const std::optional<double> value = result.observation.values[quantity];
     if (quantity == Quantity::Dew && value && result.observation.station.usable())
         facts.spread = u"spread "_s + formatNumber(*value, u"0.0", forms);
-    facts.gauge = gaugeOf(quantity, result);
+    facts.gauge = gaugeOf(quantity, result, forms);
     return facts;
 }
 

@@ -42,6 +42,7 @@ struct Gauge {
     struct Limit {
         double at = 0;
         bool unsafe = false; // it parts what is unsafe from what is not
+        QString text;
     };
     std::vector<Limit> limits;
     struct Span {

@@ -192,9 +192,30 @@ void ReadingTile::drawFoot(QPainter& painter) const {
     painter.drawText(foot, Qt::AlignCenter, facts_.foot);
 }
 
+// Those that part safe from unsafe; one that would touch the last is left out.
+void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const {
+    QFont letters = font();
+    letters.setPixelSize(11);
+    letters.setBold(true);
+    painter.setFont(letters);
+    painter.setPen(look::ink({0xff, 0x8f, 0x8f}, look::kCard));
+    qreal free = 2;
+    for (const Gauge::Limit& limit : gauge.limits) {
+        if (!limit.unsafe)
+            continue;
+        const qreal wide = QFontMetrics(letters).horizontalAdvance(limit.text);
+        const qreal left = std::clamp(bar.left() + limit.at * bar.width() - wide / 2, 4.0,
+                                      std::max(width() - wide - 4, 4.0));
+        if (left < free)
+            continue;
+        free = left + wide + 4;
+        painter.drawText(QRectF(left, bar.bottom() + 2, wide + 1, 14), Qt::AlignCenter, limit.text);
+    }
+}
+
 // Unsafe values hatched, limits as lines, the value as a wedge from above.
 void ReadingTile::drawGauge(QPainter& painter, const Gauge& gauge) const {
-    const QRectF bar(10, kStripTop + 9, width() - 20, 7);
+    const QRectF bar(10, kStripTop + 5, width() - 20, 6);
     const QColor limit = look::ink({0xff, 0x5a, 0x5a}, look::kCard);
     const auto x = [&bar](double at) {
         return bar.left() + at * bar.width();
@@ -212,6 +233,7 @@ void ReadingTile::drawGauge(QPainter& painter, const Gauge& gauge) const {
         painter.setPen(QPen(at.unsafe ? limit : look::kDimText, at.unsafe ? 2 : 1));
         painter.drawLine(QPointF(x(at.at), bar.top() - 2), QPointF(x(at.at), bar.bottom() + 2));
     }
+    drawLimitNumbers(painter, gauge, bar);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(look::kText);

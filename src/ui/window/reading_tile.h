@@ -41,6 +41,7 @@ class ReadingTile : public Card {
     void place();
     QRect strip() const;
     void drawFoot(QPainter& painter) const;
+    void drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const;
     void drawGauge(QPainter& painter, const Gauge& gauge) const;
 
     Readout* header_;

@@ -8,12 +8,41 @@
 #include "ui/widgets/readout.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
+
+namespace {
+
+// The left button over the item; the keys still select its text.
+class ClickFilter : public QObject {
+  public:
+    ClickFilter(QObject* item, std::function<void()> act)
+        : QObject(item)
+        , act_(std::move(act)) {}
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::MouseButtonPress ||
+            static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
+            return false;
+        act_();
+        return true;
+    }
+
+  private:
+    std::function<void()> act_;
+};
+
+void onClick(QWidget* item, std::function<void()> act) {
+    item->setCursor(Qt::PointingHandCursor);
+    item->installEventFilter(new ClickFilter(item, std::move(act)));
+}
+
+} // namespace
 
 StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     : QWidget(parent) {
@@ -26,11 +55,12 @@ StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     codes->setPixelSize(15, true);
     for (Readout* line : {status, codes}) {
         line->setTone(Tone::Strip);
-        line->setGround(look::kStrip);
+        line->setContentsMargins(4, 0, 4, 0);
+        followLook(line, [line] { line->setGround(look::kStrip); });
         allowCopying(line);
     }
     codes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    codes->setToolTip(u"Status codes; right-click for their meanings"_s);
+    codes->setToolTip(u"Status codes; click for their meanings"_s);
     bind(status, session.Statusbar1);
     bind(codes, session.Statusbar2);
     // What a session said last, of a refreshed file perhaps, goes with it. The words of a start
@@ -50,7 +80,11 @@ StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     layout->addWidget(status, 2);
     layout->addWidget(codes, 1);
 
-    openEditorOn(codes, [this, codes] { KivLegend::openNear(codes, this); });
+    const auto explain = [this, codes] {
+        KivLegend::openNear(codes, this, codes->text());
+    };
+    openEditorOn(codes, explain);
+    onClick(codes, explain);
 }
 
 void StatusStrip::paintEvent(QPaintEvent* event) {
