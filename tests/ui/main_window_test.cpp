@@ -68,6 +68,44 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     EXPECT_EQ(shown("Statusbar1"), status());
 }
 
+TEST_F(MainWindow, ThePanelAloneComesAndGoesByItsKeyAndKeepsTheWindowsPlace) {
+    window_->move(30, 40);
+    QCoreApplication::processEvents();
+    auto* entry = child<QAction>("mnuPanelOnly");
+    for (const bool byEscape : {true, false}) {
+        entry->trigger();
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(window_->isFullScreen());
+        EXPECT_TRUE(visible("WallPanel"));
+        EXPECT_FALSE(visible("ButtStart"));
+        if (byEscape)
+            QTest::keyClick(child(*window_, "WallPanel"), Qt::Key_Escape);
+        else
+            entry->trigger();
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(window_->isFullScreen());
+        EXPECT_FALSE(visible("WallPanel"));
+        EXPECT_TRUE(visible("ButtStart"));
+        EXPECT_FALSE(entry->isChecked());
+    }
+    EXPECT_EQ(QPoint(records().window.Left, records().window.Top), QPoint(30, 40));
+}
+
+TEST_F(MainWindow, ALostSourceLeavesNoLiveValueAndTimesCountBetweenCycles) {
+    click(*window_, "ButtStart");
+    EXPECT_EQ(shown("LValWindSpeedAt"), QString());
+    clock_.advanceSeconds(4);
+    window_->hide(); // nothing is counted where nobody sees it
+    window_->show();
+    const int interval = records().session.RefreshRead.chosenSeconds();
+    EXPECT_EQ(shown("NextCycle"), u"next in %1 s"_s.arg(interval - 4));
+    QFile::remove(stationPath());
+    RunReadCycle(*core_);
+    EXPECT_EQ(shown("LblVerdictNote"), u"station data file is missing"_s);
+    EXPECT_EQ(shown("LValWindSpeed"), QString());
+    EXPECT_TRUE(shown("LValWindSpeedAt").startsWith(u"was 5 at "_s));
+}
+
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {
     const auto type = [this](const char* name, const QString& number) {
         QWidget* box = child(*window_, name);

@@ -1,6 +1,9 @@
 // Pictures of every page, dialog and look of the window, made without a person or a display.
 //
-// usage: screenshots FOLDER [SIZE...]      a size of the window as "1280x800"
+// usage: screenshots [--panel] FOLDER [SIZE...]      a size of the window as "1280x800"
+//
+// --panel: only the panel, not the pages and dialogs. A contact sheet of each look has the window
+// in every moment, and beside it what an eye sees of it from three metres.
 //
 // QT_SCALE_FACTOR=2 makes them for a screen of twice the resolution. Fails when a picture could not
 // be written or would show a password.
@@ -29,6 +32,7 @@
 #include "ui/widgets/readout.h"
 #include "ui/window/main_window.h"
 #include "ui/window/simulators.h"
+#include "ui/window/wall_panel.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -39,16 +43,47 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
 
 #include <cstdio>
+#include <map>
 
 using namespace skyhold;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+constexpr QSize kWallSize(1920, 1080);
 constexpr std::array kLooks{"panel", "night", "desktop"};
+
+// An eye resolves a minute of arc: at three metres 0.87 mm, on a screen of 24 inches and 1920 dots
+// a row 3.15 dots.
+QImage fromThreeMetres(const QImage& picture) {
+    constexpr double kDots = 3.15;
+    const QSize seen = (QSizeF(picture.size()) / kDots).toSize();
+    return picture.scaled(seen, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+        .scaled(picture.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+// One below the other, each with what is seen of it from three metres at its right.
+QImage contactSheet(const std::vector<QImage>& pictures) {
+    constexpr QSize kCell(800, 500);
+    const auto rows = static_cast<int>(pictures.size());
+    QImage sheet(2 * kCell.width(), rows * kCell.height(), QImage::Format_RGB32);
+    sheet.fill(Qt::darkGray);
+    QPainter painter(&sheet);
+    for (int row = 0; row < rows; ++row) {
+        const QImage& near = pictures[static_cast<std::size_t>(row)];
+        const QPoint place(0, row * kCell.height());
+        const auto fitted = [&kCell](const QImage& picture) {
+            return picture.scaled(kCell, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        };
+        painter.drawImage(place, fitted(near));
+        painter.drawImage(place + QPoint(kCell.width(), 0), fitted(fromThreeMetres(near)));
+    }
+    return sheet;
+}
 
 class Album {
   public:
@@ -75,10 +110,18 @@ class Album {
             withSize ? u"-%1x%2"_s.arg(picture.width()).arg(picture.height()) : QString();
         const QString scale = picture.devicePixelRatio() > 1 ? u"@2x"_s : QString();
         const QString file = joinPath(folder_, look_ + u'-' + name + size + scale + u".png"_s);
-        if (!picture.save(file)) {
-            std::fprintf(stderr, "%s cannot be written\n", qPrintable(file));
-            ++failures_;
-        }
+        save(picture.toImage(), file);
+    }
+
+    // The window, and beside it in the contact sheet what an eye sees of it from afar.
+    void takeForSheet(QWidget& widget, const QString& name) {
+        take(widget, name);
+        sheets_[look_].push_back(widget.grab().toImage());
+    }
+
+    void saveSheets() {
+        for (const auto& [look, pictures] : sheets_)
+            save(contactSheet(pictures), joinPath(folder_, u"sheet-%1.png"_s.arg(look)));
     }
 
     void takeDialog(QDialog& dialog, const QString& name) {
@@ -88,6 +131,13 @@ class Album {
     }
 
   private:
+    void save(const QImage& picture, const QString& file) {
+        if (picture.save(file))
+            return;
+        std::fprintf(stderr, "%s cannot be written\n", qPrintable(file));
+        ++failures_;
+    }
+
     static bool showsPassword(const QWidget& widget) {
         const auto* box = widget.findChild<QLineEdit*>(u"PassWord"_s);
         return box && box->echoMode() == QLineEdit::Normal;
@@ -95,6 +145,7 @@ class Album {
 
     QString folder_;
     QString look_;
+    std::map<QString, std::vector<QImage>> sheets_; // by look
     int failures_ = 0;
 };
 
@@ -224,6 +275,14 @@ constexpr Scene kMoments[]{
      [](SimulatedMonitor& monitor) {
          monitor.runUntil({20, 40});
      }},
+    {"near",
+     [](SimulatedMonitor& monitor) {
+         NumberBox& calm = monitor.records().conditions.Limit[Quantity::Wind][0];
+         const double usual = calm.Value;
+         calm.Value = 5.3; // it blows with 5.2
+         monitor.cycle();
+         calm.Value = usual;
+     }},
     {"rain",
      [](SimulatedMonitor& monitor) {
          monitor.runUntil({0, 50});
@@ -264,7 +323,8 @@ constexpr Scene kMoments[]{
          reportSilence(monitor.records().alarms, u"no audio device"_s);
      }},
 };
-constexpr std::string_view kSettingsMoment = "safe"; // at which pages and dialogs are shown
+constexpr std::string_view kStartingMoment = "starting"; // the session before it has ended
+constexpr std::string_view kSettingsMoment = "safe";     // at which pages and dialogs are shown
 
 std::vector<QSize> sizesFrom(const QStringList& texts) {
     std::vector<QSize> sizes;
@@ -278,9 +338,10 @@ std::vector<QSize> sizesFrom(const QStringList& texts) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    const QStringList arguments = application.arguments();
+    QStringList arguments = application.arguments();
+    const bool panelOnly = arguments.removeAll(u"--panel"_s) > 0;
     if (arguments.size() < 2) {
-        std::fprintf(stderr, "usage: screenshots FOLDER [SIZE...]\n");
+        std::fprintf(stderr, "usage: screenshots [--panel] FOLDER [SIZE...]\n");
         return 2;
     }
     QDir().mkpath(arguments[1]);
@@ -293,13 +354,31 @@ int main(int argc, char** argv) {
     window.show();
     changeSettings(monitor.records(), window.findChild<SettingsPages*>()->changes());
     Album album(arguments[1]);
-    for (const Scene& moment : kMoments) {
-        moment.reach(monitor);
+    WallPanel wall(monitor.core(), nullptr);
+    wall.resize(kWallSize);
+    const auto takeNow = [&](const char* name) {
+        const QString moment = QString::fromLatin1(name);
         for (std::size_t look = 0; look < kLooks.size(); ++look) {
             album.choose(look, monitor.records().window);
             for (const QSize& size : sizes) {
                 window.resize(size);
-                album.take(window, u"now-"_s + QString::fromLatin1(moment.name));
+                if (size == sizes.front())
+                    album.takeForSheet(window, u"now-"_s + moment);
+                else
+                    album.take(window, u"now-"_s + moment);
+            }
+            album.take(wall, u"wall-"_s + moment);
+        }
+    };
+    for (const Scene& moment : kMoments) {
+        moment.reach(monitor);
+        takeNow(moment.name);
+        if (panelOnly)
+            continue;
+        for (std::size_t look = 0; look < kLooks.size(); ++look) {
+            album.choose(look, monitor.records().window);
+            for (const QSize& size : sizes) {
+                window.resize(size);
                 if (moment.name == kSettingsMoment)
                     takePages(album, window);
                 takeLimits(album, window, QString::fromLatin1(moment.name));
@@ -308,5 +387,7 @@ int main(int argc, char** argv) {
                 takeDialogs(album, monitor, window);
         }
     }
+    monitor.start([&takeNow] { takeNow(kStartingMoment.data()); });
+    album.saveSheets();
     return album.failures() == 0 ? 0 : 1;
 }

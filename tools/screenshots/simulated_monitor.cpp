@@ -84,6 +84,20 @@ void SimulatedMonitor::runUntil(QTime time) {
         cycle();
 }
 
+void SimulatedMonitor::start(const std::function<void()>& meanwhile) {
+    showWeather();
+    sensor_.values[u"DataReady"_s] = false;
+    int waits = 0;
+    clock_.onWait = [&] {
+        if (++waits != 5)
+            return;
+        meanwhile();
+        sensor_.values[u"DataReady"_s] = true;
+    };
+    StartSession(core());
+    clock_.onWait = {};
+}
+
 void SimulatedMonitor::cycle() {
     clock_.advanceSeconds(kReadSeconds);
     showWeather();

@@ -20,6 +20,9 @@ class SimulatedMonitor {
     // Read cycles up to a time of the simulated night. The first one begins a session.
     void runUntil(QTime time);
     void cycle();
+    // Begins a session; the sensor program has its first data only once `meanwhile` has been
+    // called.
+    void start(const std::function<void()>& meanwhile);
     // What fails from the next cycle on.
     bool sensorFails = false;
     bool stationStands = false; // its file is not written any more

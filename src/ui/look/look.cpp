@@ -34,17 +34,17 @@ const look::Scheme kPanel{
 const look::Scheme kNight{
     .window = {0x00, 0, 0},
     .field = {0x00, 0, 0},
-    .card = {0x18, 0, 0},
-    .group = {0x0e, 0, 0},
+    .card = {0x0c, 0, 0},
+    .group = {0x0a, 0, 0},
     .edge = {0x50, 0, 0},
     .button = {0x2c, 0, 0},
     .text = {0xf0, 0, 0},
-    .dimText = {0xc8, 0, 0},
+    .dimText = {0xf0, 0, 0},
     .disabledText = {0x88, 0, 0},
     .accent = {0xff, 0, 0},
     .primary = {0x50, 0, 0},
     .loud = {0x60, 0, 0},
-    .strip = {0x18, 0, 0},
+    .strip = {0x0c, 0, 0},
     .stripText = {0xf0, 0, 0},
 };
 

@@ -96,7 +96,7 @@ QColor readableInk(const QColor& ink, const QColor& ground) {
 }
 
 QColor nightInk(const QColor& colour) {
-    return redShade(colour, 0xb8, 0xff, 0xe4);
+    return redShade(colour, 0xf0, 0xff, 0xf4); // 4.6 : 1 on a card at the least
 }
 
 QColor nightLight(const QColor& colour) {

@@ -121,7 +121,7 @@ void MonitorPanel::showFacts(const MonitoringCore& core) {
                                               : result.observation.station.recordTime;
         const bool lost = judged && (shown.ofSensor ? result.observation.sensor.failed()
                                                     : !result.observation.station.usable());
-        shown.tile->setLost(lost, read.isValid() ? formatDate(read, u"hh:mm:ss") : QString());
+        shown.tile->setLost(lost, read.isValid() ? formatDate(read, u"hh:mm") : QString());
     }
 }
 

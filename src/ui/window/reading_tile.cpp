@@ -41,6 +41,40 @@ QColor lostEdge() {
 
 } // namespace
 
+void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar) {
+    const QColor limit = look::ink({0xff, 0x5a, 0x5a}, look::kCard);
+    const qreal unit = bar.height() / 6;
+    const auto x = [&bar](double at) {
+        return bar.left() + at * bar.width();
+    };
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(bar, look::kField);
+    for (const Gauge::Span& span : gauge.unsafe)
+        painter.fillRect(
+            QRectF(QPointF(x(span.from), bar.top()), QPointF(x(span.to), bar.bottom())),
+            QBrush(limit, Qt::BDiagPattern));
+    painter.setPen(look::kDimText);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(bar);
+    for (const Gauge::Limit& at : gauge.limits) {
+        painter.setPen(QPen(at.unsafe ? limit : look::kDimText, (at.unsafe ? 2 : 1) * unit));
+        painter.drawLine(QPointF(x(at.at), bar.top() - 2 * unit),
+                         QPointF(x(at.at), bar.bottom() + 2 * unit));
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look::kText);
+    const qreal marker = x(gauge.marker);
+    painter.drawPolygon(QPolygonF{{marker - 5 * unit, bar.top() - 6 * unit},
+                                  {marker + 5 * unit, bar.top() - 6 * unit},
+                                  {marker + 1.5 * unit, bar.top()},
+                                  {marker + 1.5 * unit, bar.bottom() + unit},
+                                  {marker - 1.5 * unit, bar.bottom() + unit},
+                                  {marker - 1.5 * unit, bar.top()}});
+    painter.restore();
+}
+
 ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
                          const QString& valueName, QWidget* parent)
     : Card(parent)
@@ -95,7 +129,6 @@ void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
 void ReadingTile::showFacts(const TileFacts& facts) {
     facts_ = facts;
     const bool shown = facts.culprit && !facts.foot.isEmpty();
-    spread_->setText(facts.spread);
     const QColor ground = facts.culprit ? culpritGround() : QColor();
     for (Readout* readout : {header_, value_, unit_, condition_, spread_})
         readout->setGround(ground);
@@ -160,10 +193,14 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
         drawFoot(painter);
         return;
     }
+    if (lost_)
+        drawLost(painter);
     if (at_->isVisible())
         return;
     if (facts_.gauge) {
-        drawGauge(painter, *facts_.gauge);
+        const QRectF bar(10, kStripTop + 5, width() - 20, 6);
+        drawGauge(painter, *facts_.gauge, bar);
+        drawLimitNumbers(painter, *facts_.gauge, bar);
         return;
     }
     // A new value above it leaves the strip as it is.
@@ -213,37 +250,17 @@ void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const 
     }
 }
 
-// Unsafe values hatched, limits as lines, the value as a wedge from above.
-void ReadingTile::drawGauge(QPainter& painter, const Gauge& gauge) const {
-    const QRectF bar(10, kStripTop + 5, width() - 20, 6);
-    const QColor limit = look::ink({0xff, 0x5a, 0x5a}, look::kCard);
-    const auto x = [&bar](double at) {
-        return bar.left() + at * bar.width();
-    };
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillRect(bar, look::kField);
-    for (const Gauge::Span& span : gauge.unsafe)
-        painter.fillRect(
-            QRectF(QPointF(x(span.from), bar.top()), QPointF(x(span.to), bar.bottom())),
-            QBrush(limit, Qt::BDiagPattern));
+// In place of a value and its level.
+void ReadingTile::drawLost(QPainter& painter) const {
+    QFont letters = value_->font();
+    painter.setFont(letters);
     painter.setPen(look::kDimText);
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(bar);
-    for (const Gauge::Limit& at : gauge.limits) {
-        painter.setPen(QPen(at.unsafe ? limit : look::kDimText, at.unsafe ? 2 : 1));
-        painter.drawLine(QPointF(x(at.at), bar.top() - 2), QPointF(x(at.at), bar.bottom() + 2));
-    }
-    drawLimitNumbers(painter, gauge, bar);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(look::kText);
-    const qreal marker = x(gauge.marker);
-    painter.drawPolygon(QPolygonF{{marker - 5, bar.top() - 6},
-                                  {marker + 5, bar.top() - 6},
-                                  {marker + 1.5, bar.top()},
-                                  {marker + 1.5, bar.bottom() + 1},
-                                  {marker - 1.5, bar.bottom() + 1},
-                                  {marker - 1.5, bar.top()}});
+    painter.drawText(value_->geometry(), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("–"));
+    letters = condition_->font();
+    painter.setFont(letters);
+    painter.setPen(lostEdge());
+    painter.drawText(condition_->geometry(), Qt::AlignLeft | Qt::AlignVCenter,
+                     QStringLiteral("no new data"));
 }
 
 void ReadingTile::resizeEvent(QResizeEvent*) {
@@ -267,6 +284,9 @@ void ReadingTile::place() {
     unit_->setGeometry(inset + inner - unitWidth, 6, unitWidth, 20);
     value_->setGeometry(inset, 26, inner, 36);
     spread_->setPixelSize(narrow ? 11 : 12);
+    spread_->setText(
+        narrow ? QString(facts_.spread).replace(QStringLiteral("spread"), QStringLiteral("\u0394"))
+               : facts_.spread);
     const int spreadWidth = spread_->text().isEmpty()
                                 ? 0
                                 : spread_->fontMetrics().horizontalAdvance(spread_->text()) + 2;

@@ -9,6 +9,10 @@
 
 namespace skyhold {
 
+// Unsafe values hatched, limits as lines, the value as a wedge from above; all in proportion to the
+// height of `bar`.
+void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar);
+
 class ReadingTile : public Card {
     Q_OBJECT
 
@@ -42,7 +46,7 @@ class ReadingTile : public Card {
     QRect strip() const;
     void drawFoot(QPainter& painter) const;
     void drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const;
-    void drawGauge(QPainter& painter, const Gauge& gauge) const;
+    void drawLost(QPainter& painter) const;
 
     Readout* header_;
     Readout* value_;

@@ -5,6 +5,7 @@
 #include "ui/widgets/bind.h"
 #include "ui/window/age_text.h"
 #include "ui/window/banner_look.h"
+#include "ui/window/reading_tile.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -84,6 +85,7 @@ struct TileWords {
     bool culprit = false;
     bool nearest = false;
     bool lost = false;
+    std::optional<Gauge> gauge = std::nullopt;
 };
 
 void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
@@ -107,6 +109,8 @@ void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
     drawFitted(painter, part(2.7, 4.4), words.value, 86, true);
     painter.setPen(words.levelInk);
     drawFitted(painter, part(7, 2.4), words.level, 42, true);
+    if (words.gauge && !words.culprit)
+        drawGauge(painter, *words.gauge, part(10.4, 0.6));
     if (words.foot.isEmpty())
         return;
     const QRectF foot(area.left(), area.top() + 9.6 * row, area.width(), 2.4 * row);
@@ -114,9 +118,9 @@ void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
         painter.fillRect(foot, red());
         painter.setPen(atNight() ? Qt::black : Qt::white);
         drawFitted(painter, foot.adjusted(8, 0, -8, 0), words.foot, 40, true, Qt::AlignCenter);
-    } else {
+    } else { // beside the level
         painter.setPen(look::kDimText);
-        drawFitted(painter, foot.adjusted(22, 0, -22, 0), words.foot, 36, false);
+        drawFitted(painter, part(7, 2.4), words.foot, 36, false, Qt::AlignRight | Qt::AlignVCenter);
     }
 }
 
@@ -245,12 +249,14 @@ void WallPanel::drawTiles(QPainter& painter, const QRectF& area) const {
         TileWords words{.header = header.Caption,
                         .value = value.Caption,
                         .level = {},
-                        .foot = facts.culprit ? facts.foot : facts.spread,
+                        .foot = facts.culprit ? facts.foot
+                                              : QString(facts.spread).replace(u"spread"_s, u"Δ"_s),
                         .headerInk = ink(header),
                         .valueInk = ink(value),
                         .levelInk = look::kDimText,
                         .culprit = facts.culprit,
                         .nearest = facts.nearest};
+        words.gauge = facts.gauge;
         words.lost = judged && (tile.ofSensor ? result.observation.sensor.failed()
                                               : !result.observation.station.usable());
         if (tile.quantity) {
