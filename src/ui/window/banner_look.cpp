@@ -43,7 +43,10 @@ void drawStripes(QPainter& painter, const QRectF& area, const QColor& colour) {
     for (const qreal top : {area.top(), area.bottom() - height}) {
         painter.save();
         painter.setClipRect(QRectF(area.left(), top, area.width(), height));
-        for (qreal x = area.left() - height; x < area.right(); x += 2.6 * height) {
+        const qreal step = 2.6 * height;
+        const int stripes = static_cast<int>((area.width() + height) / step) + 1;
+        for (int i = 0; i < stripes; ++i) {
+            const qreal x = area.left() - height + i * step;
             painter.drawPolygon(QPolygonF{{x, top + height},
                                           {x + height, top},
                                           {x + 2.3 * height, top},

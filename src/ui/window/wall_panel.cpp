@@ -269,8 +269,8 @@ void WallPanel::drawTiles(QPainter& painter, const QRectF& area) const {
             words.level = u"no new data"_s;
             words.levelInk = amber();
         }
-        const auto column = static_cast<qreal>(i % 3);
-        const auto row = static_cast<qreal>(i / 3);
+        const auto column = static_cast<int>(i % 3);
+        const auto row = static_cast<int>(i / 3);
         drawTile(painter,
                  {{area.left() + column * (size.width() + kGap),
                    area.top() + row * (size.height() + kGap)},
