@@ -47,6 +47,12 @@ std::optional<bool> booleanOf(const QByteArray& text) {
     return std::nullopt;
 }
 
+const char* typeText(AlpacaType type) {
+    if (type == AlpacaType::Bool)
+        return "true or false";
+    return type == AlpacaType::Integer ? "a whole number" : "a number";
+}
+
 bool reads(const QByteArray& text, AlpacaType type) {
     bool sound = true;
     switch (type) {
@@ -77,14 +83,6 @@ const AlpacaMember* memberOf(const AlpacaDevice& device, const QByteArray& name,
     return nullptr;
 }
 
-const AlpacaDevice* deviceOf(const QByteArray& type) {
-    for (const AlpacaDevice& device : alpacaDevices()) {
-        if (type == QByteArray(device.type).toLower())
-            return &device;
-    }
-    return nullptr;
-}
-
 // The member's result as the API has it.
 Answer answerOf(const AlpacaResult& result, const AlpacaMember& member, std::uint32_t client,
                 std::uint32_t transaction) {
@@ -97,41 +95,43 @@ Answer answerOf(const AlpacaResult& result, const AlpacaMember& member, std::uin
             ",\"ServerTransactionID\":" + QByteArray::number(transaction) +
             ",\"ErrorNumber\":" + QByteArray::number(static_cast<int>(result.error)) +
             ",\"ErrorMessage\":" +
-            (result.message.isEmpty() ? QByteArray("\"\"") : jsonText(result.message)) + '}';
+            (result.message.isEmpty()
+                 ? QByteArray("\"\"")
+                 : jsonText(QLatin1String(member.name) + u": "_s + result.message)) +
+            '}';
     return jsonAnswer(body);
 }
 
-// Why the parameters cannot be read, naming the one; empty when they can.
+// Why the parameters cannot be read, naming the one and what it takes; empty when they can.
 QByteArray parameterFault(const AlpacaMember& member, const Parameters& all) {
+    constexpr qsizetype kMostShown = 40;
     for (const AlpacaParameter& wanted : member.parameters) {
         if (!wanted.name)
             continue;
         const std::optional<QByteArray> value = parameter(all, wanted.name, !member.put);
         if (!value)
-            return QByteArray("The parameter ") + wanted.name + " is missing";
+            return QByteArray(wanted.name) + " is missing";
         if (!reads(*value, wanted.type))
-            return QByteArray("The parameter ") + wanted.name + " cannot be read";
+            return QByteArray(wanted.name) + " \"" + value->left(kMostShown) +
+                   "\" cannot be read; it takes " + typeText(wanted.type);
     }
     return {};
 }
 
+Answer refusedRequest(const char* member, const QByteArray& fault) {
+    return textAnswer(400, QByteArray(member) + ": " + fault);
+}
+
 Handling call(const AlpacaMember& member, AlpacaCall call, const Request& request) {
-    std::uint32_t numbers[2] = {};
-    const char* const names[] = {"ClientID", "ClientTransactionID"};
-    for (std::size_t i = 0; i < 2; ++i) {
-        const std::optional<QByteArray> text = parameter(call.parameters, names[i], !member.put);
-        if (!text)
-            continue;
-        const std::optional<std::uint32_t> number =
-            text->isEmpty() ? std::nullopt : transactionNumber(*text);
-        if (!number)
-            return textAnswer(400, QByteArray(names[i]) + " takes a number from 0 to 4294967295");
-        numbers[i] = *number;
-    }
-    if (const QByteArray fault = parameterFault(member, call.parameters); !fault.isEmpty())
-        return textAnswer(400, fault);
-    call.client = call.device.type + (' ' + request.client) + ' ' + QByteArray::number(numbers[0]);
-    const std::uint32_t client = numbers[1];
+    QByteArray fault;
+    const auto ids = readAlpacaIds(call.parameters, !member.put, fault);
+    if (!ids)
+        return refusedRequest(member.name, fault);
+    fault = parameterFault(member, call.parameters);
+    if (!fault.isEmpty())
+        return refusedRequest(member.name, fault);
+    call.client = call.device.type + (' ' + request.client) + ' ' + QByteArray::number(ids->client);
+    const std::uint32_t client = ids->transaction;
     const std::uint32_t transaction = ++call.server.transactions;
     AlpacaOutcome outcome = member.call(call);
     if (const auto* result = std::get_if<AlpacaResult>(&outcome))
@@ -167,6 +167,25 @@ QByteArray jsonText(const QString& text) {
     return list.sliced(1, list.size() - 2);
 }
 
+std::optional<AlpacaIds> readAlpacaIds(const Parameters& all, bool anyCase, QByteArray& fault) {
+    AlpacaIds ids;
+    const std::pair<const char*, std::uint32_t*> wanted[] = {
+        {"ClientID", &ids.client}, {"ClientTransactionID", &ids.transaction}};
+    for (const auto& [name, number] : wanted) {
+        const std::optional<QByteArray> text = parameter(all, name, anyCase);
+        if (!text)
+            continue;
+        const std::optional<std::uint32_t> read =
+            text->isEmpty() ? std::nullopt : transactionNumber(*text);
+        if (!read) {
+            fault = QByteArray(name) + " takes a whole number from 0 to 4294967295";
+            return std::nullopt;
+        }
+        *number = *read;
+    }
+    return ids;
+}
+
 void AlpacaClients::set(const QByteArray& client, bool connected) {
     clients_.removeAll(client);
     if (!connected)
@@ -198,13 +217,15 @@ QByteArray causesJson(const View& view) {
 
 Handling alpacaRequest(const Request& request, AlpacaServer& server, const View& view) {
     const QList<QByteArray> parts = request.path.split('/'); // "", "api", "v1", type, number, name
-    const AlpacaDevice* device = parts.size() == 6 ? deviceOf(parts[3]) : nullptr;
+    const AlpacaDevice* device = parts.size() == 6 ? alpacaDevice(parts[3]) : nullptr;
     if (!device)
         return textAnswer(400, "There is no such device; they are safetymonitor, "
                                "observingconditions and switch");
     if (parts[4] != "0")
         return textAnswer(400, "There is only the device number 0");
     const bool put = request.method == "PUT";
+    if (!put && request.method != "GET")
+        return textAnswer(400, "The verbs are GET and PUT");
     bool exists = false;
     const AlpacaMember* member = memberOf(*device, parts[5], put, exists);
     if (!member) {

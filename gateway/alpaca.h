@@ -99,8 +99,17 @@ struct AlpacaDevice {
     QList<std::pair<const char*, QByteArray>> (*state)(const AlpacaCall& call);
 };
 
-std::span<const AlpacaDevice> alpacaDevices(); // each has the number 0
+std::span<const AlpacaDevice> alpacaDevices();            // each has the number 0
+const AlpacaDevice* alpacaDevice(const QByteArray& type); // in lower case; null: there is none
 std::span<const AlpacaMember> commonMembers();
+
+// How a client counts its requests. Both numbers are 0 where it does not send them.
+struct AlpacaIds {
+    std::uint32_t client = 0;
+    std::uint32_t transaction = 0;
+};
+// Nothing, with the reason, where one of them is no whole number from 0 to 4294967295.
+std::optional<AlpacaIds> readAlpacaIds(const Parameters& all, bool anyCase, QByteArray& fault);
 
 // The causes as JSON, for the action "SafetyEvents".
 QByteArray causesJson(const View& view);
@@ -109,7 +118,7 @@ QByteArray causesJson(const View& view);
 Handling alpacaRequest(const Request& request, AlpacaServer& server, const View& view);
 
 // One whose path begins with /management/.
-Answer managementRequest(const Request& request, AlpacaServer& server, const QByteArray& site);
+Answer managementRequest(const Request& request, AlpacaServer& server, const QString& site);
 
 // Of a device on this computer, the same for ever.
 QByteArray uniqueId(const AlpacaDevice& device);

@@ -1,12 +1,6 @@
-// What every Alpaca device has, the devices themselves, and the management API.
+// What every Alpaca device has, and the devices themselves.
 #include "gateway/alpaca.h"
 #include "gateway/alpaca_members.h"
-
-#include <QFile>
-#include <QSysInfo>
-#include <QUuid>
-
-#include <unistd.h>
 
 namespace skyhold {
 
@@ -19,12 +13,13 @@ AlpacaOutcome refusedCommand(const AlpacaCall&) {
 }
 
 AlpacaOutcome action(const AlpacaCall& call) {
-    const QString name = QString::fromUtf8(call.text("Action"));
+    constexpr qsizetype kMostShown = 40;
+    const QString name = QString::fromUtf8(call.text("Action").left(kMostShown));
     const char* const known = call.device.action;
     if (known && name.compare(QLatin1String(known), Qt::CaseInsensitive) == 0)
         return alpacaText(QString::fromUtf8(causesJson(call.view)));
     return alpacaError(AlpacaError::ActionNotImplemented,
-                       u"There is no action %1; there is %2"_s.arg(
+                       u"Action \"%1\" is unknown; known: %2"_s.arg(
                            name, known ? QString::fromLatin1(known) : u"none"_s));
 }
 
@@ -129,49 +124,12 @@ std::span<const AlpacaDevice> alpacaDevices() {
     return kDevices;
 }
 
-QByteArray uniqueId(const AlpacaDevice& device) {
-    constexpr QUuid kNamespace(0x4d0c5a5e, 0x95f3, 0x4b0b, 0x9c, 0x1f, 0x6b, 0x21, 0x7e, 0x42, 0xd8,
-                               0x53);
-    QByteArray computer = QSysInfo::machineUniqueId();
-    if (computer.isEmpty())
-        computer = QSysInfo::machineHostName().toUtf8();
-    // Two users of a computer have a gateway each.
-    return QUuid::createUuidV5(kNamespace,
-                               computer + ' ' + QByteArray::number(::getuid()) + ' ' + device.type)
-        .toByteArray(QUuid::WithoutBraces);
-}
-
-Answer managementRequest(const Request& request, AlpacaServer& server, const QByteArray& site) {
-    QByteArray value;
-    if (request.path == "/management/apiversions") {
-        value = "[1]";
-    } else if (request.path == "/management/v1/description") {
-        value = R"({"ServerName":"Kiv_Skyhold gateway","Manufacturer":"Kiv_Skyhold",)"
-                R"("ManufacturerVersion":")" SKYHOLD_VERSION R"(","Location":)" +
-                site + '}';
-    } else if (request.path == "/management/v1/configureddevices") {
-        for (const AlpacaDevice& device : kDevices) {
-            value += value.isEmpty() ? "[" : ",";
-            value += QByteArray("{\"DeviceName\":\"") + device.name + "\",\"DeviceType\":\"" +
-                     device.type + "\",\"DeviceNumber\":0,\"UniqueID\":\"" + uniqueId(device) +
-                     "\"}";
-        }
-        value += ']';
-    } else {
-        return textAnswer(404, "There is no such page");
+const AlpacaDevice* alpacaDevice(const QByteArray& type) {
+    for (const AlpacaDevice& device : kDevices) {
+        if (type == QByteArray(device.type).toLower())
+            return &device;
     }
-    if (request.method != "GET")
-        return textAnswer(400, "This can be read only");
-    std::uint32_t client = 0;
-    if (const auto text = parameter(request.query, "ClientTransactionID", true)) {
-        bool fits = false;
-        client = text->toUInt(&fits);
-        if (!fits || text->startsWith('+'))
-            return textAnswer(400, "ClientTransactionID takes a number from 0 to 4294967295");
-    }
-    return jsonAnswer(
-        "{\"Value\":" + value + ",\"ClientTransactionID\":" + QByteArray::number(client) +
-        ",\"ServerTransactionID\":" + QByteArray::number(++server.transactions) + '}');
+    return nullptr;
 }
 
 } // namespace skyhold

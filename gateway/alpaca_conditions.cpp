@@ -99,10 +99,9 @@ AlpacaOutcome averagePeriod(const AlpacaCall&) {
 AlpacaOutcome setAveragePeriod(const AlpacaCall& call) {
     if (call.number("AveragePeriod") == 0)
         return AlpacaResult();
-    return alpacaError(
-        AlpacaError::InvalidValue,
-        u"AveragePeriod %1: values are not averaged, so that it can be 0 alone"_s.arg(
-            QString::fromUtf8(call.text("AveragePeriod"))));
+    return alpacaError(AlpacaError::InvalidValue,
+                       u"AveragePeriod %1 is not 0, the only one: values are not averaged"_s.arg(
+                           call.number("AveragePeriod")));
 }
 
 AlpacaOutcome refresh(const AlpacaCall& call) {
@@ -115,9 +114,10 @@ AlpacaResult noSensor(const AlpacaCall& call) {
     QStringList names;
     for (const SensorRow& row : kSensors)
         names += QLatin1String(row.name);
-    return alpacaError(AlpacaError::InvalidValue,
-                       u"SensorName %1 is none of %2"_s.arg(
-                           QString::fromUtf8(call.text("SensorName")), names.join(u", "_s)));
+    return alpacaError(
+        AlpacaError::InvalidValue,
+        u"SensorName \"%1\" is none of %2"_s.arg(
+            QString::fromUtf8(call.text("SensorName").left(40)), names.join(u", "_s)));
 }
 
 AlpacaOutcome sensorDescription(const AlpacaCall& call) {

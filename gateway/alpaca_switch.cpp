@@ -45,7 +45,7 @@ AlpacaOutcome checked(const AlpacaCall& call) {
     const int id = call.integer("Id");
     if (id < 0 || id >= kCount)
         return alpacaError(AlpacaError::InvalidValue,
-                           u"Id %1: switches are 0 to %2"_s.arg(id).arg(kCount - 1));
+                           u"Id %1 is not from 0 to %2"_s.arg(id).arg(kCount - 1));
     return withId(call, id);
 }
 
@@ -96,7 +96,7 @@ AlpacaOutcome one(const AlpacaCall&, int) {
 AlpacaOutcome notAsynchronous(const AlpacaCall& call, int id) {
     return alpacaError(AlpacaError::NotImplemented,
                        u"Switch %1 is not asynchronous"_s.arg(id) +
-                           (call.put ? u"; SetSwitch writes"_s : QString()));
+                           (call.put ? u"; use SetSwitch"_s : QString()));
 }
 
 AlpacaOutcome setName(const AlpacaCall&, int id) {
@@ -136,9 +136,8 @@ AlpacaOutcome setSwitch(const AlpacaCall& call, int id) {
 AlpacaOutcome setSwitchValue(const AlpacaCall& call, int id) {
     const double value = call.number("Value");
     if (id == kRoof && writable(id, call.server) && value != 0 && value != 1)
-        return alpacaError(
-            AlpacaError::InvalidValue,
-            u"Value %1 of switch %2: 0 or 1"_s.arg(QString::fromUtf8(call.text("Value"))).arg(id));
+        return alpacaError(AlpacaError::InvalidValue,
+                           u"Value %1 of switch %2 is neither 0 nor 1"_s.arg(value).arg(id));
     return move(call, id, value == 1);
 }
 

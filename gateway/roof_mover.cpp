@@ -6,6 +6,8 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 
+#include <algorithm>
+
 namespace skyhold {
 
 namespace {
@@ -34,6 +36,8 @@ MoveRoof RoofMover::mover() {
         QMetaObject::invokeMethod(
             this,
             [this, open, done = std::move(done)] {
+                if (!open)
+                    dropOpenings();
                 if (orders_.size() >= kMostOrders) {
                     done(u"The switch is asked for too often"_s);
                     return;
@@ -46,12 +50,31 @@ MoveRoof RoofMover::mover() {
     };
 }
 
+// Whoever closes does not wait for those that would open.
+void RoofMover::dropOpenings() {
+    for (qsizetype i = orders_.size() - 1; i > 0; --i) {
+        if (orders_[i].open)
+            orders_.takeAt(i).done(u"The roof is closed at the same time"_s);
+    }
+}
+
+// The reason why the first order is not carried out; empty while it can be.
+QString RoofMover::refusal() const {
+    if (!orders_.constFirst().open)
+        return {};
+    if (!board_.look(bootMs()).safe())
+        return u"The roof is not opened while it is not safe"_s;
+    if (std::any_of(orders_.begin() + 1, orders_.end(), [](const Order& o) { return !o.open; }))
+        return u"The roof is closed at the same time"_s;
+    return {};
+}
+
 // What was safe when the request came need not be safe when its turn has come.
 void RoofMover::next() {
     if (orders_.isEmpty())
         return;
-    if (orders_.constFirst().open && !board_.look(bootMs()).safe())
-        end({}, u"The roof is not opened while it is not safe"_s);
+    if (const QString reason = refusal(); !reason.isEmpty())
+        end({}, reason);
     else
         create();
 }
@@ -84,11 +107,11 @@ void RoofMover::checkRole(const QString& instance) {
             end(instance, u"Kiv_Nubilo does not let the roof's switch be moved"_s);
             return;
         }
-        const bool open = orders_.constFirst().open;
-        if (open && !board_.look(bootMs()).safe()) {
-            end(instance, u"The roof is not opened while it is not safe"_s);
+        if (const QString reason = refusal(); !reason.isEmpty()) {
+            end(instance, reason);
             return;
         }
+        const bool open = orders_.constFirst().open;
         invoke(instance, u"Kiv_SetSwitch"_s, kMethod, {open ? kOpen : kClosed},
                [this, instance](const QDBusMessage& moved) {
                    end(instance, answers(moved)

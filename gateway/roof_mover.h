@@ -17,6 +17,8 @@ class RoofMover : public QObject {
         bool open = false;
         std::function<void(const QString&)> done;
     };
+    void dropOpenings();
+    QString refusal() const;
     void next();
     void create();
     void invoke(const QString& instance, const QString& member, unsigned use,

@@ -106,9 +106,9 @@ Answer notAllowed(const char* methods) {
     return answer;
 }
 
-QByteArray siteName(const View& view) {
+QString siteName(const View& view) {
     const QString name = view.document()[u"monitor"_s][u"site"_s].toString();
-    return jsonText(name.isEmpty() ? u"Kiv_Skyhold"_s : name);
+    return name.isEmpty() ? u"Kiv_Skyhold"_s : name;
 }
 
 } // namespace
@@ -119,27 +119,25 @@ Handling route(const Request& request, Site& site) {
     if (request.method != "GET" && !site.hosts.allowsOrigin(request.origin, request.host))
         return textAnswer(403, "A page from elsewhere cannot write here");
     const View view = site.board.look(site.nowMs());
-    if (request.path.startsWith("/api/v1/")) {
-        if (request.method == "GET" || request.method == "PUT")
-            return alpacaRequest(request, site.alpaca, view);
-        return notAllowed("GET, HEAD, PUT");
-    }
+    if (request.path.startsWith("/api/v1/"))
+        return alpacaRequest(request, site.alpaca, view);
     if (request.path.startsWith("/management/"))
         return managementRequest(request, site.alpaca, siteName(view));
     if (request.method == "GET") {
         if (std::optional<Answer> page = pageAnswer(request.path, request.known, view))
             return std::move(*page);
-        if (std::optional<Answer> setup = setupAnswer(request.path, site.alpaca))
+        if (std::optional<Answer> setup = setupAnswer(request.path, site.alpaca, siteName(view)))
             return std::move(*setup);
     }
     for (const Route& row : kRoutes) {
         if (request.path != row.path)
             continue;
-        if (request.method != "GET") {
+        if (request.method != "GET")
             return notAllowed("GET, HEAD");
-        }
         return row.handle(request, view, site);
     }
+    if (request.path.startsWith("/api/"))
+        return textAnswer(400, "There is no such path; Alpaca's devices are under /api/v1/");
     return textAnswer(404, "There is no such page");
 }
 

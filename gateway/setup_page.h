@@ -6,7 +6,8 @@
 
 namespace skyhold {
 
-// Of "/setup" and "/setup/v1/TYPE/0/setup"; nothing for any other path.
-std::optional<Answer> setupAnswer(const QByteArray& path, const AlpacaServer& server);
+// Of "/setup" and "/setup/v1/TYPE/0/setup", 403 for another below it; nothing for any other path.
+std::optional<Answer> setupAnswer(const QByteArray& path, const AlpacaServer& server,
+                                  const QString& site);
 
 } // namespace skyhold

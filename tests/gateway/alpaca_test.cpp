@@ -44,6 +44,8 @@ TEST(Alpaca, ReadsRequestsAsTheApiHasThem) {
         {"GET", "safetymonitor/0/issafe?ClientTransactionID=x", "", 400, "ClientTransactionID"},
         {"GET", "safetymonitor/0/issafe?ClientTransactionID=4294967296", "", 400, "4294967295"},
         {"GET", "safetymonitor/0/issafe?ClientTransactionID=4294967295", "", 200, "4294967295"},
+        {"GET", "safetymonitor/0/issafe?ClientID=%20", "", 400, "ClientID"},
+        {"POST", "safetymonitor/0/issafe", "", 400, "verbs are GET and PUT"},
         {"GET", "safetymonitor/1/issafe", "", 400, "device number"},
         {"GET", "safetymonitor/-1/issafe", "", 400, "device number"},
         {"GET", "safetymonitor/0/ISSAFE", "", 400, "no such command"},
@@ -67,9 +69,10 @@ TEST(Alpaca, ReadsRequestsAsTheApiHasThem) {
         {"PUT", "safetymonitor/0/action", "Action=safetyevents&Parameters=", 200,
          R"("Value":"[]")"},
         {"PUT", "safetymonitor/0/action", "Action=Open+it&Parameters=", 200,
-         R"("Value":"","ClientTransactionID":0,"ServerTransactionID":11,"ErrorNumber":1036,"ErrorMessage":"There is no action Open it; there is SafetyEvents")"},
+         R"("Value":"","ClientTransactionID":0,"ServerTransactionID":11,"ErrorNumber":1036,"ErrorMessage":"action: Action \"Open it\" is unknown; known: SafetyEvents")"},
         {"PUT", "safetymonitor/0/commandbool", "Command=x&Raw=true", 200, R"("Value":false)"},
-        {"PUT", "safetymonitor/0/commandblind", "Command=x&Raw=maybe", 400, "Raw cannot be read"},
+        {"PUT", "safetymonitor/0/commandblind", "Command=x&Raw=maybe", 400,
+         R"(Raw "maybe" cannot be read; it takes true or false)"},
         {"GET", "safetymonitor/0/interfaceversion", "", 200, R"("Value":3,)"},
         {"GET", "observingconditions/0/interfaceversion", "", 200, R"("Value":2,)"},
         {"GET", "safetymonitor/0/devicestate", "", 200,
@@ -222,8 +225,9 @@ TEST(Alpaca, MovesTheRoofOnlyWhereItMay) {
         {"GET", "switch/0/getswitch?Id=0", "", 200, R"("Value":false,)"},
         {"GET", "switch/0/getswitch?id=1", "", 200, R"("Value":true,)"},
         {"GET", "switch/0/getswitchvalue?Id=2", "", 200, R"("Value":1,)"},
-        {"GET", "switch/0/getswitch?Id=3", "", 200, "Id 3: switches are 0 to 2"},
-        {"GET", "switch/0/getswitch?Id=x", "", 400, "Id cannot be read"},
+        {"GET", "switch/0/getswitch?Id=3", "", 200, "getswitch: Id 3 is not from 0 to 2"},
+        {"GET", "switch/0/getswitch?Id=x", "", 400,
+         R"(Id "x" cannot be read; it takes a whole number)"},
         {"GET", "switch/0/getswitch", "", 400, "Id is missing"},
         {"GET", "switch/0/canwrite?Id=0", "", 200, R"("Value":false,)"},
         {"GET", "switch/0/canasync?Id=0", "", 200, R"("Value":false,)"},
@@ -236,7 +240,8 @@ TEST(Alpaca, MovesTheRoofOnlyWhereItMay) {
     const Case allowed[] = {
         {"GET", "switch/0/canwrite?Id=0", "", 200, R"("Value":true,)"},
         {"GET", "switch/0/canwrite?Id=1", "", 200, R"("Value":false,)"},
-        {"PUT", "switch/0/setswitchvalue", "Id=0&Value=0.5", 200, "Value 0.5 of switch 0: 0 or 1"},
+        {"PUT", "switch/0/setswitchvalue", "Id=0&Value=0.5", 200,
+         "Value 0.5 of switch 0 is neither 0 nor 1"},
     };
     check(heard, allowed);
     heard.nowMs += 60'000;
@@ -257,7 +262,29 @@ TEST(Alpaca, DescribesItself) {
             .toArray();
     ASSERT_EQ(devices.size(), 3);
     EXPECT_NE(devices[0][u"UniqueID"].toString(), devices[1][u"UniqueID"].toString());
-    EXPECT_EQ(heard.answer("GET", "/management/v2/description").status, 404);
+    const std::pair<const char*, int> asked[] = {
+        {"/management/v2/description", 400},
+        {"/management/apiversions?ClientID=-1", 400},
+        {"/management/apiversions?clienttransactionid=x", 400},
+        {"/api/v2/safetymonitor/0/issafe", 400},
+        {"/api/V1/safetymonitor/0/issafe", 400},
+        {"/setup", 200},
+        {"/setup/v1/safetymonitor/0/setup", 200},
+        {"/setup/v1/observingconditions/0/setup", 200},
+        {"/setup/v1/switch/0/setup", 200},
+        {"/setup/v1/switch/1/setup", 403},
+        {"/setup/v1/dome/0/setup", 403},
+        {"/setup/", 403},
+    };
+    for (const auto& [path, status] : asked)
+        EXPECT_EQ(heard.answer("GET", path).status, status) << path;
+    EXPECT_TRUE(heard.answer("GET", "/setup").body.contains("Hill &quot;1&quot;"));
+    for (const QJsonValue& device : devices) {
+        const QByteArray page =
+            "/setup/v1/" + device[u"DeviceType"].toString().toLower().toLatin1();
+        EXPECT_TRUE(heard.answer("GET", page + "/0/setup")
+                        .body.contains(device[u"UniqueID"].toString().toLatin1()));
+    }
 }
 
 } // namespace skyhold

@@ -57,7 +57,7 @@ TEST(Site, IsWrittenToOnlyByItsOwnPages) {
     EXPECT_EQ(status("PUT", "http://evil.example"), 403);
     EXPECT_EQ(status("PUT", "null"), 403);
     EXPECT_EQ(status("GET", "http://evil.example"), 200); // which it cannot read
-    EXPECT_EQ(status("POST", ""), 405);
+    EXPECT_EQ(status("POST", ""), 400);
     EXPECT_EQ(heard.answer("PUT", "/api/status").status, 405);
     EXPECT_EQ(heard.answer("GET", "/../etc/passwd").status, 404);
 }
