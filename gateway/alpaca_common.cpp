@@ -87,7 +87,8 @@ AlpacaOutcome supportedActions(const AlpacaCall& call) {
 using enum AlpacaType;
 
 constexpr AlpacaMember kCommon[] = {
-    {"action", true, Text, action, {{"Action"}, {"Parameters"}}},
+    // Its Parameters are not asked for: clients leave them out where they have none.
+    {"action", true, Text, action, {{"Action"}}},
     {"commandblind", true, None, refusedCommand, {{"Command"}, {"Raw", Bool}}},
     {"commandbool", true, Bool, refusedCommand, {{"Command"}, {"Raw", Bool}}},
     {"commandstring", true, Text, refusedCommand, {{"Command"}, {"Raw", Bool}}},
