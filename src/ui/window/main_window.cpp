@@ -79,7 +79,7 @@ void KivSHMainform::followRecords() {
     follow(this, window.State, [this](WindowState state) { showState(state); });
     follow(this, window.Visible, [this](bool visible) {
         if (placed_ && isVisible() != visible)
-            setVisible(visible);
+            KivSHMainform::setVisible(visible);
     });
     follow(this, window.Left, [this](int left) {
         if (placed_ && x() != left)
