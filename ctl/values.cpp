@@ -160,15 +160,4 @@ QJsonArray jsonArray(const QVariantList& values) {
     return array;
 }
 
-QString plainLine(const QString& text) {
-    QString plain = text;
-    for (QChar& character : plain) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph)
-            character = u' ';
-    }
-    return plain;
-}
-
 } // namespace skyhold

@@ -1,6 +1,8 @@
 // Values of the automation interface as text on the command line and as JSON.
 #pragma once
 
+#include "platform/plain_line.h"
+
 #include "bus/automation_value.h"
 
 #include <QJsonArray>
@@ -26,8 +28,5 @@ QString valueText(const QVariant& value);
 // ISO form.
 QJsonValue valueJson(const QVariant& value);
 QJsonArray jsonArray(const QVariantList& values);
-
-// The text on one line and without control characters, which would drive a terminal.
-QString plainLine(const QString& text);
 
 } // namespace skyhold

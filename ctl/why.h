@@ -3,13 +3,8 @@
 
 #include "ctl/command_line.h"
 
-#include <QJsonObject>
-
 namespace skyhold {
 
 int runWhy(const Command& command);
-
-// A state document in words.
-QString whyText(const QJsonObject& document);
 
 } // namespace skyhold

@@ -1,7 +1,7 @@
 // What `skyholdctl history` and `why` show, and the times that they are asked for.
 #include "ctl/history.h"
 #include "ctl/times.h"
-#include "ctl/why.h"
+#include "history/why_text.h"
 
 #include <QJsonArray>
 

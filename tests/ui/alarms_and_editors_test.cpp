@@ -107,6 +107,7 @@ TEST_F(AlarmsPage, AnAlarmThatIsNotHeardSaysSo) {
 // A master sensor program sounds its own alarm.
 TEST_F(AlarmsPage, SensorAlarmIsHiddenBesideAMaster) {
     click(*window_, "ButtStart");
+    openPage(Page::Limits);
     for (const char* name : {"AlarmNB", "SoundAlarmNB", "NBDataOldUnsafe"})
         EXPECT_FALSE(visible(name)) << name;
     EXPECT_EQ(shown("LblMaster"), u"Master: its failure is unsafe"_s); // the row is not empty
@@ -114,6 +115,7 @@ TEST_F(AlarmsPage, SensorAlarmIsHiddenBesideAMaster) {
     click(*window_, "ButtStop");
     sensor_.values[u"Kiv_DeviceRole"_s] = u"SLAVE"_s;
     click(*window_, "ButtStart");
+    openPage(Page::Limits);
     for (const char* name : {"AlarmNB", "SoundAlarmNB", "NBDataOldUnsafe"})
         EXPECT_TRUE(visible(name)) << name;
     EXPECT_FALSE(visible("LblMaster"));

@@ -13,8 +13,9 @@ namespace skyhold {
 
 namespace {
 
-constexpr Page kAllPages[]{Page::Sources, Page::Limits, Page::Caution, Page::Graphs, Page::DataFile,
-                           Page::Ccdap,   Page::Images, Page::Upload,  Page::Network};
+constexpr Page kAllPages[]{Page::Tonight, Page::Sources,  Page::Limits, Page::Caution,
+                           Page::Graphs,  Page::DataFile, Page::Ccdap,  Page::Images,
+                           Page::Upload,  Page::Network};
 
 using Help = WindowFixture;
 

@@ -149,17 +149,25 @@ class Album {
     int failures_ = 0;
 };
 
+// A thread writes the history, and another one reads it.
+void awaitNight(const KivSHMainform& window) {
+    window.findChild<SettingsPages*>()->open(Page::Tonight);
+    const QDeadlineTimer deadline(1'500);
+    while (!deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
 void takePages(Album& album, KivSHMainform& window) {
     auto* pages = window.findChild<SettingsPages*>();
-    constexpr std::array names{"sources", "limits", "caution", "graphs", "data-file",
-                               "ccdap",   "images", "upload",  "network"};
+    constexpr std::array names{"tonight",   "sources", "limits", "caution", "graphs",
+                               "data-file", "ccdap",   "images", "upload",  "network"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         pages->open(static_cast<Page>(i));
         if (auto* check = window.findChild<QPushButton*>(u"ButtCheckStation"_s))
             check->click();
         album.take(window, QString::fromLatin1(names[i]));
     }
-    pages->open(Page::Sources);
+    pages->open(Page::Tonight);
 }
 
 // At every moment: what the table marks differs.
@@ -172,7 +180,7 @@ void takeLimits(Album& album, KivSHMainform& window, const QString& moment) {
     while (tonight->text().isEmpty() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     album.take(window, u"limits-"_s + moment);
-    pages->open(Page::Sources);
+    pages->open(Page::Tonight);
 }
 
 // What the list of changes is about.
@@ -358,6 +366,7 @@ int main(int argc, char** argv) {
     wall.resize(kWallSize);
     const auto takeNow = [&](const char* name) {
         const QString moment = QString::fromLatin1(name);
+        awaitNight(window);
         for (std::size_t look = 0; look < kLooks.size(); ++look) {
             album.choose(look, monitor.records().window);
             for (const QSize& size : sizes) {

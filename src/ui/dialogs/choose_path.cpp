@@ -59,6 +59,15 @@ QString chooseSettingsFile(QWidget* parent, bool write) {
     return ask(dialog).value(0);
 }
 
+QString chooseLogFile(QWidget* parent, const QString& suggested) {
+    QFileDialog dialog(parent, u"Export the log"_s, {}, u"CSV files(*.csv) (*.csv)"_s);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(u"csv"_s);
+    dialog.selectFile(suggested);
+    return ask(dialog).value(0);
+}
+
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current) {
     QFileDialog dialog(parent, title, current);
     dialog.setFileMode(QFileDialog::Directory);

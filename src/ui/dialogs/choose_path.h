@@ -12,6 +12,8 @@ QString chooseStationFile(QWidget* parent, const QString& current);
 QStringList chooseUploadFiles(QWidget* parent);
 // A file of settings, to be written or to be read.
 QString chooseSettingsFile(QWidget* parent, bool write);
+// A CSV file to write.
+QString chooseLogFile(QWidget* parent, const QString& suggested);
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current);
 
 } // namespace skyhold

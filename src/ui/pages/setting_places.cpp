@@ -162,6 +162,8 @@ std::vector<SettingPlace> findPlaces(const std::vector<SettingPlace>& places, co
 
 QString pageTitle(Page page) {
     switch (page) {
+    case Page::Tonight:
+        return u"Tonight"_s;
     case Page::Sources:
         return u"Sources"_s;
     case Page::Limits:

@@ -10,10 +10,12 @@
 #include "ui/pages/network_page.h"
 #include "ui/pages/settings_changes.h"
 #include "ui/pages/sources_page.h"
+#include "ui/pages/tonight_page.h"
 #include "ui/pages/upload_page.h"
 #include "ui/widgets/bind.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
@@ -61,7 +63,7 @@ constexpr std::array kGuide{
     GuideRow{Page::Caution, u"caution.html"},    GuideRow{Page::Graphs, u"graphs.html"},
     GuideRow{Page::DataFile, u"data-file.html"}, GuideRow{Page::Ccdap, u"ccdautopilot.html"},
     GuideRow{Page::Images, u"images.html"},      GuideRow{Page::Upload, u"upload.html"},
-    GuideRow{Page::Network, u"network.html"}};
+    GuideRow{Page::Network, u"network.html"},    GuideRow{Page::Tonight, u"tonight.html"}};
 
 } // namespace
 
@@ -76,8 +78,8 @@ SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
     , changes_(new SettingsChanges(core, this)) {
     setObjectName(u"SSTab1"_s);
     setDocumentMode(true);
-    addPages();
     addHelpButton();
+    addPages();
     const auto pane = [this](int index, const QString& name) {
         auto* area = static_cast<QScrollArea*>(widget(index));
         area->setObjectName(name);
@@ -89,11 +91,11 @@ SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
         followScroll(bar, position);
     };
     WindowControls& window = core_.records.window;
-    rememberScroll(pane(0, u"PicFrame0"_s)->verticalScrollBar(), u"VScrol0"_s, window.VScrollPos0);
-    rememberScroll(pane(1, u"PicFrame1"_s)->verticalScrollBar(), u"VScrol1"_s, window.VScrollPos1);
-    rememberScroll(pane(2, u"PicFrame2"_s)->horizontalScrollBar(), u"HScrol2"_s,
+    rememberScroll(pane(1, u"PicFrame0"_s)->verticalScrollBar(), u"VScrol0"_s, window.VScrollPos0);
+    rememberScroll(pane(2, u"PicFrame1"_s)->verticalScrollBar(), u"VScrol1"_s, window.VScrollPos1);
+    rememberScroll(pane(3, u"PicFrame2"_s)->horizontalScrollBar(), u"HScrol2"_s,
                    window.HScrollPos2);
-    rememberScroll(pane(3, u"Picture3"_s)->verticalScrollBar(), u"VScrol3"_s, window.VScrollPos3);
+    rememberScroll(pane(4, u"Picture3"_s)->verticalScrollBar(), u"VScrol3"_s, window.VScrollPos3);
     connect(new QShortcut(QKeySequence::NextChild, this), &QShortcut::activated, this,
             [this] { step(1); });
     connect(new QShortcut(QKeySequence::PreviousChild, this), &QShortcut::activated, this,
@@ -104,6 +106,7 @@ SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
 void SettingsPages::addPages() {
     Records& records = core_.records;
     WindowControls& window = records.window;
+    addTonight();
     addSheet(this, u"S&ources"_s,
              [this](QWidget* parent) { return makeSourcesPage(core_, parent); });
 
@@ -131,9 +134,30 @@ void SettingsPages::addPages() {
     addSheet(this, u"Networ&k"_s,
              [&records](QWidget* parent) { return makeNetworkPage(records.network, parent); });
 
-    followStrip(this, window.SSTab1);
+    // Tonight stands before the pages that are kept.
+    followStrip(this, window.SSTab1, -1);
     followStrip(conditions, window.SSTab2, 1);
     followStrip(files, window.SSTab3);
+}
+
+// Shown when a session starts. Its buttons stand beside the tabs while it is shown.
+void SettingsPages::addTonight() {
+    addSheet(this, u"Tonight"_s, [this](QWidget* parent) {
+        auto* page = new TonightPage(core_, parent);
+        QWidget* bar = page->spanBar();
+        static_cast<QHBoxLayout*>(corner_->layout())->insertWidget(0, bar);
+        const auto showBar = [this, bar] {
+            bar->setVisible(currentIndex() == 0);
+        };
+        connect(this, &QTabWidget::currentChanged, bar, showBar);
+        showBar();
+        return page;
+    });
+    follow(this, core_.records.session.State, [this](SessionState now) {
+        if (now != SessionState::Idle && session_ == SessionState::Idle)
+            open(Page::Tonight);
+        session_ = now;
+    });
 }
 
 // For the mouse: the keyboard has F1.
@@ -150,7 +174,12 @@ void SettingsPages::addHelpButton() {
     button->setFixedSize(36, 28);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
-    setCornerWidget(button);
+    corner_ = new QWidget(this);
+    auto* row = new QHBoxLayout(corner_);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(button);
+    setCornerWidget(corner_);
     connect(button, &QToolButton::clicked, this, [this] {
         if (onHelp)
             onHelp();
@@ -193,7 +222,8 @@ void SettingsPages::followStrip(QTabWidget* strip, QProperty<int>& index, int fi
             strip->setCurrentIndex(page);
     });
     connect(strip, &QTabWidget::currentChanged, this, [this, &index, first](int chosen) {
-        index = chosen + first;
+        if (chosen + first >= 0)
+            index = chosen + first;
         makeShownSheet();
     });
 }

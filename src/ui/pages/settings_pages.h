@@ -1,8 +1,8 @@
-// The pages of settings, on three tab strips: one for the window, one for the conditions, one for
-// the files.
+// The page of the night and those of settings, on three tab strips: one for the window, one for the
+// conditions, one for the files.
 //
-// The page of each strip and the scroll position of each of the window's four panes are kept in
-// the window's records.
+// The page of settings of each strip and the scroll position of each of the window's four panes are
+// kept in the window's records.
 #pragma once
 
 #include "core/monitoring_core.h"
@@ -12,7 +12,18 @@
 namespace skyhold {
 
 // In the order in which Ctrl+Tab goes through them.
-enum class Page { Sources, Limits, Caution, Graphs, DataFile, Ccdap, Images, Upload, Network };
+enum class Page {
+    Tonight,
+    Sources,
+    Limits,
+    Caution,
+    Graphs,
+    DataFile,
+    Ccdap,
+    Images,
+    Upload,
+    Network
+};
 
 // The page of the user guide that explains it.
 QString guidePage(Page page);
@@ -41,11 +52,13 @@ class SettingsPages : public QTabWidget {
     };
 
     void addPages();
+    void addTonight();
     void addHelpButton();
     void addSheet(QTabWidget* strip, const QString& title, MakePage make);
     QTabWidget* addStrip(const QString& name, const QString& title);
     void addPane(QWidget* content, const QString& title);
-    // `first`: the number under which its first page is kept; lower ones stand for that page, too.
+    // `first`: the number under which its first page is kept. Lower kept ones stand for that page,
+    // too; a page whose number would be negative is not kept.
     void followStrip(QTabWidget* strip, QProperty<int>& index, int first = 0);
     void openSheet(std::size_t index);
     void step(int by);
@@ -54,7 +67,9 @@ class SettingsPages : public QTabWidget {
 
     MonitoringCore& core_;
     SettingsChanges* changes_;
-    std::vector<Sheet> sheets_; // in the order of Page
+    QWidget* corner_ = nullptr; // at the right end of the strip
+    SessionState session_ = SessionState::Idle; // as it was last seen
+    std::vector<Sheet> sheets_;                 // in the order of Page
 };
 
 } // namespace skyhold
