@@ -4,7 +4,10 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <array>
+#include <charconv>
 #include <cmath>
+#include <optional>
 
 namespace skyhold {
 
@@ -68,7 +71,29 @@ bool reads(const QByteArray& text, AlpacaType type) {
     }
 }
 
-const AlpacaMember* memberOf(const AlpacaDevice& device, const QByteArray& name, bool put,
+struct Path {
+    QByteArrayView type, number, name;
+};
+
+// Of "/api/v1/type/number/name"; nothing where it has more parts or fewer.
+std::optional<Path> pathOf(const QByteArray& path) {
+    std::array<QByteArrayView, 6> parts; // "", "api", "v1", type, number, name
+    std::size_t count = 0;
+    for (QByteArrayView rest = path;; ++count) {
+        if (count == parts.size())
+            return std::nullopt;
+        const qsizetype slash = rest.indexOf('/');
+        parts[count] = slash < 0 ? rest : rest.first(slash);
+        if (slash < 0)
+            break;
+        rest = rest.sliced(slash + 1);
+    }
+    if (count + 1 != parts.size())
+        return std::nullopt;
+    return Path{parts[3], parts[4], parts[5]};
+}
+
+const AlpacaMember* memberOf(const AlpacaDevice& device, QByteArrayView name, bool put,
                              bool& exists) {
     exists = false;
     for (const auto members : {device.members, commonMembers()}) {
@@ -86,19 +111,29 @@ const AlpacaMember* memberOf(const AlpacaDevice& device, const QByteArray& name,
 // The member's result as the API has it.
 Answer answerOf(const AlpacaResult& result, const AlpacaMember& member, std::uint32_t client,
                 std::uint32_t transaction) {
-    QByteArray body = "{";
+    constexpr qsizetype kUsualLength = 256;
+    QByteArray body;
+    body.reserve(kUsualLength);
+    body += '{';
     if (member.type != AlpacaType::None) {
-        const bool failed = result.error != AlpacaError::None;
-        body += "\"Value\":" + (failed ? defaultValue(member.type) : result.value) + ',';
+        body += "\"Value\":";
+        body += result.error == AlpacaError::None ? result.value : defaultValue(member.type);
+        body += ',';
     }
-    body += "\"ClientTransactionID\":" + QByteArray::number(client) +
-            ",\"ServerTransactionID\":" + QByteArray::number(transaction) +
-            ",\"ErrorNumber\":" + QByteArray::number(static_cast<int>(result.error)) +
-            ",\"ErrorMessage\":" +
-            (result.message.isEmpty()
-                 ? QByteArray("\"\"")
-                 : jsonText(QLatin1String(member.name) + u": "_s + result.message)) +
-            '}';
+    const auto add = [&body](const char* name, std::int64_t number) {
+        char digits[24];
+        const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+        body.append(name).append(digits, end - digits);
+    };
+    add("\"ClientTransactionID\":", client);
+    add(",\"ServerTransactionID\":", transaction);
+    add(",\"ErrorNumber\":", static_cast<int>(result.error));
+    body += ",\"ErrorMessage\":";
+    if (result.message.isEmpty())
+        body += "\"\"";
+    else
+        body += jsonText(QLatin1String(member.name) + u": "_s + result.message);
+    body += '}';
     return jsonAnswer(body);
 }
 
@@ -122,7 +157,7 @@ Answer refusedRequest(const char* member, const QByteArray& fault) {
     return textAnswer(400, QByteArray(member) + ": " + fault);
 }
 
-Handling call(const AlpacaMember& member, AlpacaCall call, const Request& request) {
+Handling call(const AlpacaMember& member, AlpacaCall call) {
     QByteArray fault;
     const auto ids = readAlpacaIds(call.parameters, !member.put, fault);
     if (!ids)
@@ -130,7 +165,7 @@ Handling call(const AlpacaMember& member, AlpacaCall call, const Request& reques
     fault = parameterFault(member, call.parameters);
     if (!fault.isEmpty())
         return refusedRequest(member.name, fault);
-    call.client = call.device.type + (' ' + request.client) + ' ' + QByteArray::number(ids->client);
+    call.clientId = ids->client;
     const std::uint32_t client = ids->transaction;
     const std::uint32_t transaction = ++call.server.transactions;
     AlpacaOutcome outcome = member.call(call);
@@ -195,8 +230,12 @@ void AlpacaClients::set(const QByteArray& client, bool connected) {
         clients_.removeFirst();
 }
 
+QByteArray AlpacaCall::client() const {
+    return device.type + (' ' + request.client) + ' ' + QByteArray::number(clientId);
+}
+
 QByteArray AlpacaCall::text(const char* name) const {
-    return parameter(parameters, name, !put).value_or(QByteArray());
+    return parameter(parameters, name, !put()).value_or(QByteArray());
 }
 
 int AlpacaCall::integer(const char* name) const {
@@ -216,21 +255,22 @@ QByteArray causesJson(const View& view) {
 }
 
 Handling alpacaRequest(const Request& request, AlpacaServer& server, const View& view) {
-    const QList<QByteArray> parts = request.path.split('/'); // "", "api", "v1", type, number, name
-    const AlpacaDevice* device = parts.size() == 6 ? alpacaDevice(parts[3]) : nullptr;
+    const std::optional<Path> path = pathOf(request.path);
+    const AlpacaDevice* device = path ? alpacaDevice(path->type) : nullptr;
     if (!device)
         return textAnswer(400, "There is no such device; they are safetymonitor, "
                                "observingconditions and switch");
-    if (parts[4] != "0")
+    if (path->number != "0")
         return textAnswer(400, "There is only the device number 0");
     const bool put = request.method == "PUT";
     if (!put && request.method != "GET")
         return textAnswer(400, "The verbs are GET and PUT");
     bool exists = false;
-    const AlpacaMember* member = memberOf(*device, parts[5], put, exists);
+    const AlpacaMember* member = memberOf(*device, path->name, put, exists);
     if (!member) {
         if (exists)
-            return textAnswer(400, parts[5] + (put ? " cannot be written" : " cannot be read"));
+            return textAnswer(400, path->name.toByteArray() +
+                                       (put ? " cannot be written" : " cannot be read"));
         return textAnswer(400, QByteArray("There is no such command of ") + device->type);
     }
     if (put && !request.contentType.isEmpty() &&
@@ -240,14 +280,11 @@ Handling alpacaRequest(const Request& request, AlpacaServer& server, const View&
         put ? parseForm(request.body) : std::optional(request.query);
     if (!parameters)
         return textAnswer(400, "The parameters cannot be read");
-    return call(*member,
-                {.server = server,
-                 .device = *device,
-                 .view = view,
-                 .parameters = *parameters,
-                 .put = put,
-                 .client = {}},
-                request);
+    return call(*member, {.server = server,
+                          .device = *device,
+                          .view = view,
+                          .parameters = *parameters,
+                          .request = request});
 }
 
 } // namespace skyhold

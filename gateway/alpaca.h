@@ -64,8 +64,11 @@ struct AlpacaCall {
     const AlpacaDevice& device;
     const View& view;
     Parameters parameters;
-    bool put = false;
-    QByteArray client; // the address and the number that the client gives itself
+    const Request& request;
+    std::uint32_t clientId = 0;
+
+    bool put() const { return request.method == "PUT"; }
+    QByteArray client() const; // the address, and the number that the client gives itself
 
     QByteArray text(const char* name) const;
     int integer(const char* name) const;   // the three are read already
@@ -99,8 +102,8 @@ struct AlpacaDevice {
     QList<std::pair<const char*, QByteArray>> (*state)(const AlpacaCall& call);
 };
 
-std::span<const AlpacaDevice> alpacaDevices();            // each has the number 0
-const AlpacaDevice* alpacaDevice(const QByteArray& type); // in lower case; null: there is none
+std::span<const AlpacaDevice> alpacaDevices();         // each has the number 0
+const AlpacaDevice* alpacaDevice(QByteArrayView type); // in lower case; null: there is none
 std::span<const AlpacaMember> commonMembers();
 
 // How a client counts its requests. Both numbers are 0 where it does not send them.

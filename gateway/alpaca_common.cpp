@@ -2,6 +2,8 @@
 #include "gateway/alpaca.h"
 #include "gateway/alpaca_members.h"
 
+#include <algorithm>
+
 namespace skyhold {
 
 namespace {
@@ -24,22 +26,22 @@ AlpacaOutcome action(const AlpacaCall& call) {
 }
 
 AlpacaOutcome connect(const AlpacaCall& call) {
-    call.server.clients.set(call.client, true);
+    call.server.clients.set(call.client(), true);
     return AlpacaResult();
 }
 
 AlpacaOutcome disconnect(const AlpacaCall& call) {
-    call.server.clients.set(call.client, false);
+    call.server.clients.set(call.client(), false);
     return AlpacaResult();
 }
 
 AlpacaOutcome setConnected(const AlpacaCall& call) {
-    call.server.clients.set(call.client, call.boolean("Connected"));
+    call.server.clients.set(call.client(), call.boolean("Connected"));
     return AlpacaResult();
 }
 
 AlpacaOutcome connected(const AlpacaCall& call) {
-    return alpacaBool(call.server.clients.has(call.client));
+    return alpacaBool(call.server.clients.has(call.client()));
 }
 
 AlpacaOutcome connecting(const AlpacaCall&) {
@@ -125,10 +127,13 @@ std::span<const AlpacaDevice> alpacaDevices() {
     return kDevices;
 }
 
-const AlpacaDevice* alpacaDevice(const QByteArray& type) {
+const AlpacaDevice* alpacaDevice(QByteArrayView type) {
+    const auto isLower = [](char letter) {
+        return letter >= 'a' && letter <= 'z';
+    };
     for (const AlpacaDevice& device : kDevices) {
-        if (type == QByteArray(device.type).toLower())
-            return &device;
+        if (type.compare(device.type, Qt::CaseInsensitive) == 0)
+            return std::ranges::all_of(type, isLower) ? &device : nullptr;
     }
     return nullptr;
 }

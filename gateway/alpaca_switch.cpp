@@ -96,7 +96,7 @@ AlpacaOutcome one(const AlpacaCall&, int) {
 AlpacaOutcome notAsynchronous(const AlpacaCall& call, int id) {
     return alpacaError(AlpacaError::NotImplemented,
                        u"Switch %1 is not asynchronous"_s.arg(id) +
-                           (call.put ? u"; use SetSwitch"_s : QString()));
+                           (call.put() ? u"; use SetSwitch"_s : QString()));
 }
 
 AlpacaOutcome setName(const AlpacaCall&, int id) {

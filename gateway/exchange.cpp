@@ -91,7 +91,7 @@ MHD_Result queueAnswer(MHD_Connection* connection, const Answer& answer) {
         MHD_RESPMEM_MUST_COPY);
     if (!response)
         return MHD_NO;
-    addHeaders(response, answer.type.constData(), answer.tag);
+    addHeaders(response, answer.type, answer.tag);
     if (!answer.allow.isEmpty())
         MHD_add_response_header(response, "Allow", answer.allow.constData());
     return queue(connection, response, answer.status);

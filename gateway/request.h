@@ -29,7 +29,7 @@ struct Request {
 
 struct Answer {
     int status = 200;
-    QByteArray type = "application/json";
+    const char* type = "application/json"; // of static storage
     QByteArray body = {};
     QByteArray allow = {}; // the methods, of an answer 405
     QByteArray tag = {};   // a client may keep it, and asks each time whether it is still this
