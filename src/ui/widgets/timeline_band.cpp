@@ -35,8 +35,11 @@ void hatch(QPainter& painter, const QRectF& where, const QColor& ink, double wid
     painter.setClipRect(where, Qt::IntersectClip);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(ink, width));
-    for (double x = where.left() - where.height(); x < where.right() + step; x += step)
+    const int count = static_cast<int>((where.width() + where.height()) / step) + 2;
+    for (int i = 0; i < count; ++i) {
+        const double x = where.left() - where.height() + i * step;
         painter.drawLine(QPointF(x, where.bottom()), QPointF(x + where.height(), where.top()));
+    }
     painter.restore();
 }
 

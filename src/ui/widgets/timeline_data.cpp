@@ -83,6 +83,7 @@ std::vector<BandSegment> segmentsOf(const VerdictPeriod& period, std::int64_t en
         parts.back().add(causes);
     }
     std::vector<BandSegment> segments;
+    segments.reserve(parts.size());
     for (Gathered& part : parts)
         segments.push_back(std::move(part.segment));
     if (!segments.empty())

@@ -165,7 +165,8 @@ std::vector<AxisMark> axisMarks(const TimeRange& shown, double pixels, double le
     while (day.startOfDay().toMSecsSinceEpoch() < shown.toMs) {
         const std::int64_t midnight = day.startOfDay().toMSecsSinceEpoch();
         const QDate next = day.addDays(stepDays);
-        const std::int64_t end = std::min<std::int64_t>(next.startOfDay().toMSecsSinceEpoch(), shown.toMs);
+        const std::int64_t end =
+            std::min<std::int64_t>(next.startOfDay().toMSecsSinceEpoch(), shown.toMs);
         for (std::int64_t at = midnight; at < end; at += step) {
             if (at < shown.fromMs)
                 continue;
