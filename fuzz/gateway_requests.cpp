@@ -64,7 +64,8 @@ void gatewayRequests(QByteArrayView bytes) {
     else if (const auto* now = std::get_if<Answer>(&handling))
         answer = *now;
     require(isKnown(answer.status), "an answer has a status of ours");
-    if (answer.type == "application/json" && answer.status == 200 && !answer.body.isEmpty())
+    if (QByteArrayView(answer.type) == "application/json" && answer.status == 200 &&
+        !answer.body.isEmpty())
         require(!QJsonDocument::fromJson(answer.body).isNull(), "what is called JSON is JSON");
     if (!safe && request.path.endsWith("/issafe"))
         require(!answer.body.contains("\"Value\":true"), "what is unsafe is never safe");
