@@ -104,17 +104,26 @@ void Follower::readState() {
 
 // The monitor's own thread answers, so that one that hangs is seen between two cycles.
 void Follower::probe() {
-    if (probing_ || !bus_.connection().isConnected())
+    if (probing_)
         return;
+    if (!bus_.connection().isConnected()) {
+        endRound();
+        return;
+    }
     probing_ = true;
     ask(bus_.connection(), get(u"Version"_s), this, kPatienceMs, [this](const QDBusMessage& reply) {
         probing_ = false;
-        if (!answers(reply))
-            return;
-        board_.answered(bootMs());
-        if (!present_)
-            readState();
+        if (answers(reply)) {
+            board_.answered(bootMs());
+            if (!present_)
+                readState();
+        }
+        endRound();
     });
+}
+
+void Follower::endRound() {
+    roundDone(present_ ? u"Follows the monitor"_s : u"Does not hear the monitor: says unsafe"_s);
 }
 
 } // namespace skyhold

@@ -19,6 +19,10 @@ class Follower : public QObject {
     // `changed` is called after every document and every loss.
     Follower(StateBoard& board, std::function<void()> changed);
 
+    // After each round of asking the monitor, whatever came of it; `state` is a line for people.
+    std::function<void(const QString& state)> roundDone = [](const QString&) {
+    };
+
     const QDBusConnection& bus() const { return bus_.connection(); }
 
   private Q_SLOTS:
@@ -31,6 +35,7 @@ class Follower : public QObject {
     void take(const QByteArray& text);
     void readState();
     void probe();
+    void endRound();
 
     StateBoard& board_;
     std::function<void()> changed_;

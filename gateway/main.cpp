@@ -8,6 +8,7 @@
 #include "gateway/routes.h"
 #include "history/reader.h"
 #include "platform/quit_signals.h"
+#include "platform/service_manager.h"
 
 #include <QCoreApplication>
 
@@ -33,6 +34,7 @@ void print(const QByteArray& line) {
 }
 
 int serve(GatewayOptions options) {
+    const ServiceManager manager; // before any hook is started
     StateBoard board;
     HistoryWorker history(historyPath());
     Site site{.board = board, .hosts = HostCheck(options.names), .alpaca = {}, .history = history};
@@ -44,7 +46,7 @@ int serve(GatewayOptions options) {
     };
     EventFeed events(board, server);
     Outlets outlets(options.outlets, board);
-    const Follower follower(board, [&events, &outlets] {
+    Follower follower(board, [&events, &outlets] {
         outlets.look();
         events.stateChanged();
     });
@@ -61,6 +63,11 @@ int serve(GatewayOptions options) {
     sweep.start(kSweepMs);
     onQuitSignal([] { QCoreApplication::quit(); });
     print("Listening on http://" + shownAddress(options.http));
+    follower.roundDone = [&manager](const QString& state) {
+        manager.roundDone(state);
+    };
+    manager.ready();
+    manager.expectRounds(true);
     return QCoreApplication::exec();
 }
 

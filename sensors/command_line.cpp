@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/quit_signals.h"
+#include "platform/service_manager.h"
 #include "sensorhost/sensor_members.h"
 #include "sensors/discovery.h"
 #include "sensors/sensor_log.h"
@@ -97,6 +98,7 @@ int preview(SensorProgram& program) {
 
 // Serves the bus, writes the station's file, or both.
 int serve(SensorProgram& program, const SensorSettings& settings, const QString& stationFile) {
+    const ServiceManager manager; // before any command is started
     for (const QString& remark : settingsRemarks(settings))
         qCWarning(sensorLog).noquote() << remark;
     SensorHost host{.source = program.sensor(), .limitsAreFixed = true};
@@ -116,7 +118,14 @@ int serve(SensorProgram& program, const SensorSettings& settings, const QString&
     QDBusConnection::sessionBus().connect({}, u"/org/freedesktop/DBus/Local"_s,
                                           u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s,
                                           QCoreApplication::instance(), SLOT(quit()));
+    program.cycleDone = [&manager, &program] {
+        manager.roundDone(program.sensor().dataReady() ? u"All is measured"_s
+                                                       : u"Not all is measured: unsafe"_s);
+    };
+    manager.ready();
+    manager.expectRounds(true);
     const int status = QCoreApplication::exec();
+    manager.stopping();
     program.end();
     return status;
 }

@@ -78,7 +78,10 @@ SensorProgram::SensorProgram(const SensorSettings& settings)
         if (roof_)
             roof_->tick();
     });
-    QObject::connect(&keep_, &QTimer::timeout, &keep_, [this] { sensor_.keepHistory(); });
+    QObject::connect(&keep_, &QTimer::timeout, &keep_, [this] {
+        sensor_.keepHistory();
+        cycleDone();
+    });
 }
 
 SensorProgram::~SensorProgram() = default;

@@ -17,6 +17,10 @@ class SensorProgram {
     // A roof that was opened for the monitor is closed; serves events until that is sent.
     void end();
 
+    // After each read cycle.
+    std::function<void()> cycleDone = [] {
+    };
+
     SensorSource& sensor() { return sensor_; }
     const Measurements& measurements() const { return measurements_; }
     // A line for each source: what is wrong with it, or that it works.

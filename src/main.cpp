@@ -15,6 +15,7 @@
 #include "platform/log.h"
 #include "platform/media_control.h"
 #include "platform/quit_signals.h"
+#include "platform/service_manager.h"
 #include "platform/sudden_exit.h"
 #include "terminal.h"
 #include "ui/dialogs/kiv_error.h"
@@ -212,6 +213,32 @@ void end(MonitoringCore& core) {
     });
 }
 
+// The service manager waits for cycles while there is a session, and for none without one.
+class ServiceReport {
+  public:
+    ServiceReport(const ServiceManager& manager, MonitoringCore& core)
+        : manager_(manager)
+        , session_(core.records.session)
+        , state_(session_.State.addNotifier([this] { expect(); }))
+        , cycles_(session_.CyclesDone.addNotifier([this, &core] {
+            const Label& cause = core.records.display.LblCause;
+            manager_.roundDone(core.records.conditions.LblStatus.Caption.value() +
+                               QStringLiteral(": ") + cause.Caption.value());
+        })) {}
+
+    void ready() {
+        manager_.ready();
+        expect();
+    }
+
+  private:
+    void expect() { manager_.expectRounds(session_.State.value() == SessionState::Running); }
+
+    const ServiceManager& manager_;
+    SessionControls& session_;
+    QPropertyNotifier state_, cycles_;
+};
+
 void beginRecording(MonitoringCore& core, const Options& options) {
     if (std::exchange(core.recordAtStart, false))
         startRecording(core, true);
@@ -230,6 +257,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(kVersion.text());
     QApplication::setQuitOnLastWindowClosed(false);
     const Options options = parseOptions(application, headless);
+    const ServiceManager manager; // before any other program is started
     applyLook(application);
     if (qEnvironmentVariableIsSet("JOURNAL_STREAM")) // where somebody looks them up
         QLoggingCategory::setFilterRules(QStringLiteral("skyhold.verdict.info=true"));
@@ -312,6 +340,7 @@ int main(int argc, char** argv) {
         end(core);
     });
     const QPropertyNotifier following = followCycles(core, options);
+    ServiceReport service(manager, core);
     core.recordAtStart = options.record; // once the session has made the file's folder
     if (options.start)
         QTimer::singleShot(0, &application, [&core, &options] {
@@ -330,7 +359,9 @@ int main(int argc, char** argv) {
         automation.end();
         Unload(core);
     });
+    service.ready();
     const int status = QApplication::exec();
+    manager.stopping();
     onSuddenExit(nullptr);
 
     if (!options.screenshot.isEmpty()) {

@@ -1,6 +1,7 @@
 """A session of the whole program: verdicts, faults of both sources, clients, and the end."""
 
 import signal
+import socket
 import subprocess
 import time
 import unittest
@@ -83,6 +84,37 @@ class SessionTest(unittest.TestCase):
                     self.assertIn("Station data", seen.cause)
                     monitored.break_station("none")
                     monitored.next_cycle("the station's return", lambda c: c.verdict == "SAFE")
+
+    def test_service_manager_hears_of_finished_cycles_and_of_nothing_else(self):
+        monitored = Monitored()
+        address = monitored.folder / "notify"
+        with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
+            manager.bind(str(address))
+            manager.settimeout(20)
+            monitored.prefix = ["env", f"NOTIFY_SOCKET={address}", "WATCHDOG_USEC=300000000"]
+
+            def next_message():
+                return manager.recv(4096).decode()
+
+            with monitored:
+                self.assertEqual([next_message() for _ in range(2)],
+                                 ["READY=1", "WATCHDOG_USEC=0"])
+                client = Client(monitored)
+                client.invoke("Device_Start", METHOD)
+                heard = [next_message() for _ in range(4)]
+                # An idle monitor finishes no cycle, and nobody waits for one.
+                client.invoke("Device_Stop", METHOD)
+                while heard[-1] != "WATCHDOG_USEC=0":
+                    heard.append(next_message())
+                rounds = [message for message in heard if message.startswith("WATCHDOG=1\n")]
+                self.assertEqual([message for message in heard if message not in rounds],
+                                 ["WATCHDOG_USEC=0", "WATCHDOG_USEC=300000000", "WATCHDOG_USEC=0"])
+                for message in rounds:
+                    self.assertRegex(message, "\nSTATUS=(Safe|Unsafe)[^:]*: ")
+                monitored.wait_until("all cycles", lambda: len(monitored.cycles) >= len(rounds))
+                self.assertEqual(len(rounds), len(monitored.cycles))
+                monitored.monitor.send_signal(signal.SIGTERM)
+                self.assertEqual(next_message(), "STOPPING=1")
 
     def test_hung_sensor_holds_no_cycle_for_long(self):
         with Monitored(["--start"]) as monitored:
