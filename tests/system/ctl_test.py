@@ -19,7 +19,7 @@ import run
 CTL = run.PROGRAMS / "skyholdctl"
 SOURCES = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLE = SOURCES / "docs/examples/roof_watch.py"
-COMPLETION = SOURCES / "ctl/skyholdctl.bash"
+COMPLETION = SOURCES / "packaging/completions/skyholdctl.bash"
 NAME = "Kiv_Skyhold.Nubilo"
 SAFE, UNSAFE, UNKNOWN = 0, 1, 2
 TIME = r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d "

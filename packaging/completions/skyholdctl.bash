@@ -22,7 +22,7 @@ _skyholdctl() {
     esac
 
     case $command in
-    '') words='status watch why history replay check-station fleet get set call list start stop help version' ;;
+    '') words='status roof-status watch why history replay check-station fleet get set call list start stop help version' ;;
     watch) options='--json --every' ;;
     why) options='--json --database' ;;
     history) options='--since --until --events --readings --json --csv --database' ;;
