@@ -40,18 +40,17 @@ TEST_F(Help, ExplainsTheShownPageAndReportsWhatIsNotInstalled) {
     };
     EXPECT_EQ(helpOn(Page::Sources), QString());
     ASSERT_EQ(messages_.size(), 1);
-    EXPECT_TRUE(messages_[0].contains(u"docs/guide/sources.html in /nowhere"_s));
+    EXPECT_TRUE(messages_[0].contains(u"doc/kiv-skyhold/guide/sources.html in /nowhere"_s));
 
     write(u"README.md"_s, "# Roof watching\n\nSee [more](more.md).\n");
     EXPECT_EQ(helpOn(Page::Sources).section(u'\n', 0, 0),
               u"The user guide is not installed. This is the program's README.|Roof watching"_s);
-    write(u"docs/guide/index.html"_s, "<h1>Guide</h1>");
+    write(u"guide/index.html"_s, "<h1>Guide</h1>");
     EXPECT_EQ(helpOn(Page::Sources), u"The guide has no page of its own for this (sources.html is "
                                      u"not installed).|Guide"_s);
     // In the colours of the look in force, whatever its own.
-    write(u"docs/guide/sources.html"_s,
-          "<html><head><style>body { background: #123456 }</style>"
-          "</head><body bgcolor='#123456'><h1>Two</h1></body></html>");
+    write(u"guide/sources.html"_s, "<html><head><style>body { background: #123456 }</style>"
+                                   "</head><body bgcolor='#123456'><h1>Two</h1></body></html>");
     EXPECT_EQ(helpOn(Page::Sources), u"|Two"_s);
     auto* text = window_->findChild<QTextEdit*>(u"TxtHelp"_s);
     const QImage shot = text->viewport()->grab().toImage();
@@ -66,13 +65,16 @@ TEST_F(Help, ExplainsTheShownPageAndReportsWhatIsNotInstalled) {
     }
     EXPECT_EQ(files.size(), std::size(kAllPages));
 
-    // By the key and the button: what the build lays beside the programs.
+    // What the build lays beside the programs has each page.
+    for (const Page page : kAllPages)
+        EXPECT_NE(findGuidePage(helpFolders(), guidePage(page)), QString())
+            << qPrintable(guidePage(page));
     for (const auto& ask :
          {std::function<void()>([this] { click(*window_, "ButtHelp"); }),
           std::function<void()>([this] { QTest::keyClick(window_.get(), Qt::Key_F1); })}) {
         delete window_->findChild<HelpWindow*>();
         ask();
-        EXPECT_NE(shownHelp(), QString());
+        EXPECT_EQ(shownHelp().section(u'\n', 0, 0), u"|Sources"_s);
     }
 }
 

@@ -39,7 +39,7 @@ HelpWindow* helpWindowOver(QWidget* parent) {
 } // namespace
 
 QString findGuidePage(const QStringList& dataFolders, const QString& name) {
-    return findInHelp(dataFolders, u"docs/guide/"_s + name);
+    return findInHelp(dataFolders, u"guide/"_s + name);
 }
 
 QStringList helpFolders() {
@@ -66,7 +66,7 @@ void showHelp(MonitoringCore& core, QWidget* parent, const QStringList& dataFold
     else
         core.showMessage({file.isEmpty()
                               ? u"No help is installed: there is no Kiv_Skyhold.chm beside the "
-                                u"program and no doc/kiv-skyhold/docs/guide/%1 in "_s.arg(page) +
+                                u"program and no doc/kiv-skyhold/guide/%1 in "_s.arg(page) +
                                     dataFolders.join(u", "_s)
                               : u"There is no program that opens "_s + file,
                           MessageStyle::Ok, u"Help"_s});

@@ -13,7 +13,7 @@ namespace skyhold {
 // The guide's first page; every other one leads there.
 inline const QString kGuideStart = QStringLiteral("index.html");
 
-// A page of the user guide, "doc/kiv-skyhold/docs/guide/NAME" in the first of the data folders that
+// A page of the user guide, "doc/kiv-skyhold/guide/NAME" in the first of the data folders that
 // has it; empty when none has.
 QString findGuidePage(const QStringList& dataFolders, const QString& name);
 // Where it is looked for: beside the programs' folder, then where the desktop keeps such files.

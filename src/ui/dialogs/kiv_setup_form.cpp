@@ -186,9 +186,10 @@ void KivSetupForm::addUnitsStep() {
     step->addSpacing(look::kGap);
     step->addWidget(beyondLimit_);
     addExplanation(
-        step, u"Each quantity has three levels, each up to its limit; you say which are "
-              u"unsafe. A storm above the third limit has no level: unless you tick this, it is "
-              u"reported but not judged. It can be changed later, on the page Unsafe."_s);
+        step,
+        u"Each quantity has three levels, each up to its limit; you say which are "
+        u"unsafe. A storm above the third limit has no level: unless you tick this, it is "
+        u"reported but not judged. It can be changed later, on the page Limits and alarms."_s);
     caution_ =
         new QCheckBox(u"&React quickly to bad weather, and slowly to good"_s, step->parentWidget());
     caution_->setObjectName(u"Caution"_s);
