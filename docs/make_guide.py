@@ -32,9 +32,7 @@ PAGE = """<!DOCTYPE html>
 <nav>
 <hr>
 <p><b><a href="{up}index.html">{name}: the guide</a></b></p>
-<ul>
 {entries}
-</ul>
 </nav>
 </body>
 </html>
@@ -78,17 +76,33 @@ class Guide:
         self.sources = sources
         self.folder = folder
         self.pages = pages_of(sources)
-        self.order = self.navigation()
+        self.sections = self.navigation()
 
     def navigation(self):
-        """The pages in the order in which the guide's first page names them."""
+        """The sections of the guide's first page, each a title and the pages that its list names."""
         index = pathlib.Path("docs/guide/index.md")
-        links = re.findall(r"\]\(([\w\-]+\.md)\)", (self.sources / index).read_text())
-        order = [index.parent / link for link in dict.fromkeys(links)]
-        left_out = {page for page in self.pages if page.parent == index.parent} - {index, *order}
+        sections = []
+        for line in (self.sources / index).read_text().splitlines():
+            if line.startswith("## "):
+                sections.append((line[3:], []))
+            found = re.match(r"- \[[^]]*\]\(([\w\-]+\.md)\)", line)
+            if found:
+                sections[-1][1].append(index.parent / found.group(1))
+        named = {page for _, pages in sections for page in pages}
+        left_out = {page for page in self.pages if page.parent == index.parent} - {index, *named}
         if left_out:
             sys.exit(f"{index} does not name {', '.join(sorted(map(str, left_out)))}")
-        return order
+        return [(title, pages) for title, pages in sections if pages]
+
+    def entries(self, titles, page):
+        """The navigation of a page."""
+        lines = []
+        for section, pages in self.sections:
+            lines.append(f"<h4>{html.escape(section)}</h4>\n<ul>")
+            lines += [f'<li><a href="{up_from(page)}{self.pages[entry]}">'
+                      f"{html.escape(titles[entry])}</a></li>" for entry in pages]
+            lines.append("</ul>")
+        return "\n".join(lines)
 
     def make(self):
         if (self.folder / "guide.css").exists():  # a guide, with pages that may be no more
@@ -98,12 +112,9 @@ class Guide:
         for source, page in self.pages.items():
             target = self.folder / page
             target.parent.mkdir(exist_ok=True)
-            entries = "\n".join(
-                f'<li><a href="{up_from(page)}{self.pages[entry]}">{html.escape(titles[entry])}</a></li>'
-                for entry in self.order)
             target.write_text(PAGE.format(title=html.escape(titles[source]), name=NAME,
                                           up=up_from(page), text=self.text_of(source, page),
-                                          entries=entries))
+                                          entries=self.entries(titles, page)))
         shutil.copy(self.sources / "docs/guide/guide.css", self.folder)
 
     def text_of(self, source, page):

@@ -232,7 +232,7 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     update.Label1.Caption = monitor.core().version.text();
     take(UpdateWindow(update, monitor.core(), QDir::tempPath(), &window), "update");
     HelpWindow help(&window);
-    help.open(QString::fromLocal8Bit(SKYHOLD_SOURCES) + u"/README.md"_s);
+    help.open(findGuidePage(helpFolders(), guidePage(Page::Sources)));
     take(std::move(help), "help");
 
     KivSetupForm setup(monitor.settings(), Simulators::of(&window), window.windowTitle());
