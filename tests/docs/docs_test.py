@@ -4,8 +4,8 @@
     docs_test.py SOURCES GUIDE PROGRAMS
 
 Every relative link and its anchor leads somewhere, in the Markdown and in the guide's HTML; every
-command and option that is shown exists; every status code has its row in the guide; the pages that
-are made from tables are up to date.
+command and option that is shown exists; every status code has its row in the guide; what is
+made from tables is up to date; all that names the version agrees.
 """
 
 import html.parser
@@ -16,8 +16,9 @@ import sys
 import unittest
 
 SOURCES, GUIDE, PROGRAMS = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
-sys.path.insert(0, str(SOURCES / "docs"))
+sys.path[:0] = [str(SOURCES / "docs"), str(SOURCES / "scripts")]
 from make_guide import anchor  # noqa: E402
+import release  # noqa: E402
 
 # Of other programs, or of what a reader has to put in.
 OPTIONS_OF_OTHERS = {"--user", "--now", "--prefix", "--prune", "--install", "--preset", "--build"}
@@ -136,6 +137,10 @@ class Tables(unittest.TestCase):
         trouble = (SOURCES / "docs/guide/trouble.md").read_text()
         self.assertEqual(codes and sorted(codes),
                          sorted(re.findall(r"^\| ([a-z]\d\d) \| ([^|]+) \|", trouble, re.MULTILINE)))
+
+    def test_version(self):
+        self.assertRegex(release.version(), r"^\d+\.\d+\.\d+$")
+        self.assertEqual(release.disagreements(), [])
 
     def test_metrics(self):
         made = subprocess.run([SOURCES / "docs/metrics_reference.py", SOURCES], capture_output=True,
