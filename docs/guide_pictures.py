@@ -3,7 +3,7 @@
 
     guide_pictures.py SCREENSHOTS FOLDER
 
-SCREENSHOTS is a folder of pictures of the window at 1280x800. A palette of 128 colours keeps them
+SCREENSHOTS is a folder of pictures of the window at 1280x800. A palette of 256 colours keeps them
 small. A picture that no page shows is removed, and one that a page shows must be in the table.
 """
 
@@ -13,7 +13,7 @@ import sys
 
 from PIL import Image
 
-COLOURS = 128
+COLOURS = 256
 WIDEST = 1280
 # What the guide calls it, what `screenshots` calls it.
 PICTURES = {
@@ -22,6 +22,7 @@ PICTURES = {
     "night": "night-now-safe-1280x800",
     "wall": "panel-wall-waiting-1920x1080",
     "setup": "panel-dialog-setup-1",
+    "tonight": "panel-now-waiting-1280x800",
     "sources": "panel-sources-1280x800",
     "limits": "panel-limits-rain-1280x800",
     "sector": "panel-dialog-sector",
@@ -55,7 +56,7 @@ def main(taken, guide):
         if picture.width > WIDEST:
             picture = picture.resize((WIDEST, picture.height * WIDEST // picture.width), Image.LANCZOS)
         target = guide / (name + ".png")
-        picture.quantize(COLOURS, method=Image.MEDIANCUT, dither=Image.Dither.NONE).save(
+        picture.quantize(COLOURS, method=Image.MAXCOVERAGE, dither=Image.Dither.NONE).save(
             target, optimize=True)
         size += target.stat().st_size
     print(f"{len(wanted)} pictures, {size // 1024} KB")
