@@ -179,6 +179,7 @@ const QString kMembersPreface =
     u"\n## Members\n"
     "\n"
     "%1 members in interface order; a property's get and let count as two.\n"
+    "[Types](guide/words.md#types-of-members) explains I4, R8, BSTR and the others.\n"
     "\n"
     "*From* `Kiv_Nubilo`: the call is passed on to the sensor program. While that is not "
     "connected,\n"

@@ -4,7 +4,8 @@
     docs_test.py SOURCES GUIDE PROGRAMS
 
 Every relative link and its anchor leads somewhere, in the Markdown and in the guide's HTML; every
-command and option that is shown exists; every status code has its row in the guide; what is
+command and option that is shown exists; every status code has its row in the guide, and boxes
+and buttons their names on screen; what is
 made from tables is up to date; all that names the version agrees.
 """
 
@@ -141,6 +142,22 @@ class Tables(unittest.TestCase):
     def test_version(self):
         self.assertRegex(release.version(), r"^\d+\.\d+\.\d+$")
         self.assertEqual(release.disagreements(), [])
+
+    def test_names_on_screen(self):
+        """What begins an entry of a page's settings is the text of a box or button, as it is shown."""
+        texts = set()
+        for path in (SOURCES / "src").rglob("*.cpp"):
+            source = re.sub(r'"(_s)?\s*\n\s*u?"', "", path.read_text())
+            texts.update(text.replace("&&", "\0").replace("&", "").replace("\0", "&").rstrip(":")
+                         for text in re.findall(r'"((?:[^"\\\n]|\\.)*)"', source))
+        pages = (SOURCES / "src/ui/pages/settings_pages.cpp").read_text()
+        names = re.findall(r'u"([\w\-]+)\.html"', pages)
+        self.assertGreater(len(names), 9)
+        for name in names:
+            page = (SOURCES / f"docs/guide/{name}.md").read_text()
+            for shown in re.findall(r"^- \*\*([^*]+)\*\*", page, re.MULTILINE):
+                with self.subTest(page=name, text=shown):
+                    self.assertIn(" ".join(shown.split()), texts)
 
     def test_metrics(self):
         made = subprocess.run([SOURCES / "docs/metrics_reference.py", SOURCES], capture_output=True,
