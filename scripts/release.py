@@ -1,9 +1,8 @@
 """Checks that everything that names the version agrees: ./dev release.
 
-CMakeLists.txt is where the version stands. What else names it: the latest entry of CHANGELOG.md, with
-the day of the release behind it; the latest release in the metadata of the desktop's software
-centres; the latest entry of a changelog of the packages. Nothing that is not committed is released,
-and no version twice.
+CMakeLists.txt is where the version stands; programs, packages and the metadata of the desktop's
+software centres take it from there. The latest entry of CHANGELOG.md has to name it, with the day of
+the release behind it. Nothing that is not committed is released, and no version twice.
 """
 
 import pathlib
@@ -27,10 +26,6 @@ def version():
 def disagreements():
     """What names another version, or none, in words."""
     places = [(SOURCES / "CHANGELOG.md", r"^## ([\d.]+)")]
-    places += [(path, r'<release\b[^>]*\bversion="([^"]+)"')
-               for path in sorted((SOURCES / "packaging").rglob("*.metainfo.xml*"))]
-    places += [(path, r"^[\w-]+ \(([\d.]+)") for path in [SOURCES / "packaging/debian/changelog"]
-               if path.exists()]
     wanted = version()
     return [f"{path.relative_to(SOURCES)} names {named or 'no version'}, not {wanted}"
             for path, pattern in places if (named := first(pattern, path)) != wanted]
