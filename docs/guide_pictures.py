@@ -56,7 +56,7 @@ def main(taken, guide):
         if picture.width > WIDEST:
             picture = picture.resize((WIDEST, picture.height * WIDEST // picture.width), Image.LANCZOS)
         target = guide / (name + ".png")
-        picture.quantize(COLOURS, method=Image.MAXCOVERAGE, dither=Image.Dither.NONE).save(
+        picture.quantize(COLOURS, method=Image.MAXCOVERAGE, kmeans=3, dither=Image.Dither.NONE).save(
             target, optimize=True)
         size += target.stat().st_size
     print(f"{len(wanted)} pictures, {size // 1024} KB")
