@@ -27,8 +27,9 @@ def disagreements():
     """What names another version, or none, in words."""
     places = [(SOURCES / "CHANGELOG.md", r"^## ([\d.]+)")]
     wanted = version()
+    filled_in = "@PROJECT_VERSION@"  # by CMake
     return [f"{path.relative_to(SOURCES)} names {named or 'no version'}, not {wanted}"
-            for path, pattern in places if (named := first(pattern, path)) != wanted]
+            for path, pattern in places if (named := first(pattern, path)) not in (wanted, filled_in)]
 
 
 def git(*arguments):
