@@ -1,4 +1,5 @@
 #include "ui/pages/settings_menu.h"
+#include "ui/dialogs/dialog_parts.h"
 
 #include "core/monitoring_core.h"
 #include "datafiles/upload_list.h"
@@ -34,7 +35,7 @@ void goTo(SettingsPages& pages, const SettingPlace& place) {
 
 void find(SettingsPages& pages, MonitoringCore& core) {
     FindSetting dialog(settingPlaces(core.records), &pages);
-    if (dialog.exec() == QDialog::Accepted)
+    if (execOver(dialog) == QDialog::Accepted)
         goTo(pages, dialog.chosen());
 }
 

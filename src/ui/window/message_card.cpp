@@ -22,12 +22,19 @@ namespace {
 constexpr int kStopAlarmWidth = 118;
 constexpr int kOneCauseLine = 34;
 constexpr int kTwoCauseLines = 62;
+constexpr int kCauseAlone = 26; // size of the letters
+constexpr int kCauseInList = 19;
+
+// Several causes stand below each other.
+QString oneALine(const QString& causes) {
+    return QString(causes).replace(u"; "_s, u"\n"_s);
+}
 
 // Why the verdict is what it is, and what is left of the delay.
 QWidget* makeCause(Records& records, QWidget* card) {
     auto* automatic = new QWidget(card);
     automatic->setObjectName(u"Frame3"_s);
-    Readout* cause = makeReadout(automatic, u"LblCause"_s, 26);
+    Readout* cause = makeReadout(automatic, u"LblCause"_s, kCauseAlone);
     cause->setWrap(true);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     allowMouseSelection(cause);
@@ -48,7 +55,8 @@ QWidget* makeCause(Records& records, QWidget* card) {
         if (idle && !failed)
             cause->setText(u"Start begins a monitoring session."_s);
         else
-            cause->setText(none ? u"No condition counts as unsafe."_s : words);
+            cause->setText(none ? u"No condition counts as unsafe."_s : oneALine(words));
+        cause->setPixelSize(cause->text().contains(u'\n') ? kCauseInList : kCauseAlone);
         last->setText(verdict.isEmpty() ? QString()
                                         : u"Last verdict: %1. %2"_s.arg(verdict, words));
         last->setHidden(!idle);

@@ -1,4 +1,5 @@
 #include "ui/window/monitor_panel.h"
+#include "ui/window/health_marks.h"
 
 #include "core/clients.h"
 #include "core/session.h"
@@ -292,7 +293,9 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     next->setTone(Tone::Dim);
     next->reserve(u"next in 00 s"_s);
     layout->insertWidget(3, next);
-    countAges_ = [&core, sensorAge, stationAge, next] {
+    auto* marks = new HealthMarks(row);
+    countAges_ = [&core, sensorAge, stationAge, next, marks] {
+        marks->show(healthFacts(core));
         const CycleResult& result = core.result;
         const CurrentReadings& readings = core.records.readings;
         const SessionControls& session = core.records.session;
@@ -318,6 +321,7 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     follow(row, session.CyclesDone, [this](std::int64_t) { countAges_(); });
     follow(row, session.State, [this](SessionState) { countAges_(); });
 
+    layout->addWidget(marks);
     auto* activity = new QWidget(row);
     activity->setObjectName(u"FrameCOM"_s);
     auto* activityLayout = new QHBoxLayout(activity);

@@ -1,0 +1,198 @@
+#include "ui/window/health_marks.h"
+
+#include "ui/look/look.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <cmath>
+#include <numbers>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace skyhold {
+
+namespace {
+
+constexpr int kMark = 12;
+constexpr int kSpace = 6;  // between a mark and its word
+constexpr int kApart = 14; // between two of them
+constexpr int kRoomForWords = 1240;
+
+HealthFact recording(const MonitoringCore& core) {
+    const DataFileControls& file = core.records.dataFile;
+    const HistoryState history = core.history.state();
+    const Colour lamp = file.LEDRecord.FillColor;
+    if (!history.fault.isEmpty())
+        return {Health::Failed, u"The history is not written: %1"_s.arg(history.fault)};
+    if (lamp == kRed)
+        return {Health::Failed, u"Lines of the data file are lost"_s};
+    if (lamp == kGreen)
+        return {Health::Working, file.LblRecorded.Caption};
+    return history.on ? HealthFact{Health::Working, u"The history is written; no data file is"_s}
+                      : HealthFact{Health::Off, u"Nothing is recorded"_s};
+}
+
+HealthFact upload(const Records& records) {
+    // Both texts begin with their times, as "2026-11-16 20:38:05".
+    const QString& success = records.upload.LastSuccess.Caption.value();
+    const QString& error = records.upload.LastError.Caption.value();
+    if (records.session.flgUpload.Value != 1)
+        return {Health::Off, u"Nothing is uploaded"_s};
+    if (!error.isEmpty() && error > success)
+        return {Health::Failed, u"The last upload failed: "_s + error};
+    return {Health::Working,
+            success.isEmpty() ? u"Nothing was uploaded yet"_s : u"Last upload: "_s + success};
+}
+
+HealthFact network(const NetworkControls& network) {
+    const QString& text = network.StateText.Caption.value();
+    switch (network.State.value()) {
+    case GatewayState::Off:
+        break;
+    case GatewayState::Starting:
+        return {Health::Off, text.isEmpty() ? u"The gateway starts"_s : text};
+    case GatewayState::Serving:
+        return {Health::Working, text};
+    case GatewayState::Failed:
+        return {Health::Failed, text};
+    }
+    return {Health::Off, u"Nothing is served to the network"_s};
+}
+
+HealthFact alarms(const Records& records) {
+    const AlarmControls& alarms = records.alarms;
+    if (const QString& fault = alarms.SoundFault.Caption.value(); !fault.isEmpty())
+        return {Health::Failed, fault};
+    if (!records.readings.AlarmSoundId.isEmpty())
+        return {Health::Sounding, u"An alarm sounds"_s};
+    if (alarms.SuspendSoundAlarm.Value == 1)
+        return {Health::Off, u"Alarms are silenced"_s};
+    bool armed =
+        alarms.AlarmWS.Value == 1 || alarms.AlarmNB.Value == 1 || alarms.AlarmRoof.Value == 1;
+    for (const ThreeChecks& quantity : alarms.Alarm) {
+        for (const CheckBox& level : quantity)
+            armed = armed || level.Value == 1;
+    }
+    return armed ? HealthFact{Health::Working, u"Alarms are on"_s}
+                 : HealthFact{Health::Off, u"No alarm is on"_s};
+}
+
+QPolygonF octagon(const QRectF& box) {
+    QPolygonF shape;
+    for (int i = 0; i < 8; ++i) {
+        const double angle = (i + 0.5) * std::numbers::pi / 4;
+        shape << box.center() + QPointF(std::cos(angle), std::sin(angle)) * (box.width() / 2 + 0.5);
+    }
+    return shape;
+}
+
+void drawMark(QPainter& painter, const QRectF& box, Health health) {
+    const auto ink = [](QRgb stated) {
+        return look::ink(QColor(stated), look::kWindow);
+    };
+    painter.setPen(Qt::NoPen);
+    switch (health) {
+    case Health::Off:
+        painter.setPen(QPen(look::kDimText, 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(box.adjusted(1, 1, -1, -1));
+        return;
+    case Health::Working:
+        painter.setBrush(ink(0x3fd07a));
+        painter.drawEllipse(box);
+        return;
+    case Health::Failed:
+        painter.setBrush(ink(0xffb000));
+        painter.drawPolygon(
+            QPolygonF{{box.center().x(), box.top()}, box.bottomRight(), box.bottomLeft()});
+        return;
+    case Health::Sounding:
+        painter.setBrush(ink(0xff4040));
+        painter.drawPolygon(octagon(box));
+        return;
+    }
+}
+
+} // namespace
+
+std::array<HealthFact, kHealthNames.size()> healthFacts(const MonitoringCore& core) {
+    return {recording(core), upload(core.records), network(core.records.network),
+            alarms(core.records)};
+}
+
+HealthMarks::HealthMarks(QWidget* parent)
+    : QWidget(parent) {
+    setObjectName(u"HealthMarks"_s);
+    QFont words = font();
+    words.setPixelSize(13);
+    setFont(words);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    followLook(this, [this] { update(); });
+}
+
+void HealthMarks::show(const std::array<HealthFact, kHealthNames.size()>& facts) {
+    facts_ = facts;
+    QStringList all;
+    for (std::size_t i = 0; i < facts_.size(); ++i)
+        all += QString::fromUtf16(kHealthNames[i]) + u": "_s + facts_[i].detail;
+    setAccessibleName(all.join(u"; "_s));
+    updateGeometry();
+    update();
+}
+
+bool HealthMarks::compact() const {
+    return window()->width() < kRoomForWords;
+}
+
+int HealthMarks::widthOf(std::size_t index) const {
+    // In a small window what is all right has no word.
+    const bool worded = !compact() || facts_[index].health >= Health::Failed;
+    return kMark + kApart +
+           (worded
+                ? kSpace + fontMetrics().horizontalAdvance(QString::fromUtf16(kHealthNames[index]))
+                : 0);
+}
+
+QSize HealthMarks::sizeHint() const {
+    int width = 0;
+    for (std::size_t i = 0; i < facts_.size(); ++i)
+        width += widthOf(i);
+    return {width, kMark + 4};
+}
+
+bool HealthMarks::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    int left = 0;
+    for (std::size_t i = 0; i < facts_.size(); ++i) {
+        const int width = widthOf(i);
+        if (help->x() >= left && help->x() < left + width)
+            QToolTip::showText(help->globalPos(),
+                               QString::fromUtf16(kHealthNames[i]) + u": "_s + facts_[i].detail,
+                               this);
+        left += width;
+    }
+    return true;
+}
+
+void HealthMarks::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    int left = 0;
+    for (std::size_t i = 0; i < facts_.size(); ++i) {
+        const int width = widthOf(i);
+        drawMark(painter, QRectF(left, (height() - kMark) / 2.0, kMark, kMark), facts_[i].health);
+        if (width > kMark + kApart) {
+            const bool loud = facts_[i].health >= Health::Failed;
+            painter.setPen(loud ? look::kText : look::kDimText);
+            painter.drawText(QRect(left + kMark + kSpace, 0, width, height()),
+                             Qt::AlignLeft | Qt::AlignVCenter, QString::fromUtf16(kHealthNames[i]));
+        }
+        left += width;
+    }
+}
+
+} // namespace skyhold
