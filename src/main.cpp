@@ -232,7 +232,14 @@ class ServiceReport {
     }
 
   private:
-    void expect() { manager_.expectRounds(session_.State.value() == SessionState::Running); }
+    void expect() {
+        const SessionState state = session_.State.value();
+        manager_.expectRounds(state == SessionState::Running);
+        if (state != SessionState::Running)
+            manager_.report(state == SessionState::Idle
+                                ? QStringLiteral("No session: no verdict")
+                                : QStringLiteral("Waits for the sensor program's first data"));
+    }
 
     const ServiceManager& manager_;
     SessionControls& session_;

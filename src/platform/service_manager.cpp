@@ -31,9 +31,14 @@ void ServiceManager::ready() const {
 }
 
 void ServiceManager::roundDone(const QString& status) const {
+    if (limit_ > 0)
+        send("WATCHDOG=1");
+    report(status);
+}
+
+void ServiceManager::report(const QString& status) const {
     // A line of the message is a field of its own.
-    const QByteArray line = QString(status).simplified().toUtf8();
-    send(QByteArray(limit_ > 0 ? "WATCHDOG=1\n" : "") + "STATUS=" + line);
+    send("STATUS=" + QString(status).simplified().toUtf8());
 }
 
 void ServiceManager::expectRounds(bool expected) const {

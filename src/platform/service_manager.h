@@ -17,7 +17,9 @@ class ServiceManager {
 
     // To be followed by `expectRounds`: until then they are due.
     void ready() const;
-    // A round of work is done; `status` is one line for people.
+    // `status` is one line for people.
+    void report(const QString& status) const;
+    // A round of work is done.
     void roundDone(const QString& status) const;
     // From now on rounds are due, or none are: without any, nobody waits for the next one.
     void expectRounds(bool expected) const;

@@ -51,7 +51,7 @@ TEST(ServiceManager, hearsWhatItWaitsForAndNothingElse) {
     const TestFolder folder;
     const QByteArray own = QByteArray::number(::getpid());
     const QByteArray rounds = "READY=1\nWATCHDOG_USEC=300000000\n"
-                              "WATCHDOG=1 STATUS=Unsafe: Rain WATCHDOG=0\nWATCHDOG_USEC=0\n"
+                              "WATCHDOG=1\nSTATUS=Unsafe: Rain WATCHDOG=0\nWATCHDOG_USEC=0\n"
                               "STOPPING=1\n";
     const QByteArray plain = "READY=1\nSTATUS=Unsafe: Rain WATCHDOG=0\nSTOPPING=1\n";
     const struct {
