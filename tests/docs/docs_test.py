@@ -159,6 +159,15 @@ class Tables(unittest.TestCase):
                 with self.subTest(page=name, text=shown):
                     self.assertIn(" ".join(shown.split()), texts)
 
+    def test_state_document(self):
+        """Each name in it is explained."""
+        source = (SOURCES / "src/core/state_document.cpp").read_text()
+        names = set(re.findall(r'u"(\w+)"_s\s*[,\]]', source)) - {"control", "delay"}  # kinds of causes
+        names |= set(re.findall(r'\.key = "(\w+)"', (SOURCES / "src/model/quantity.cpp").read_text()))
+        self.assertGreater(len(names), 60)
+        explained = set(re.findall(r"`(\w+)`", (SOURCES / "docs/state.md").read_text()))
+        self.assertEqual(names - explained, set())
+
     def test_metrics(self):
         made = subprocess.run([SOURCES / "docs/metrics_reference.py", SOURCES], capture_output=True,
                               text=True, check=True).stdout
