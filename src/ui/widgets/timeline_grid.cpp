@@ -133,7 +133,7 @@ TimelineGrid timelineGrid(const QSizeF& size, double unit, std::size_t rows) {
     grid.text = static_cast<int>(std::lround(12 * large));
     grid.small = static_cast<int>(std::lround(11 * large));
     const double margin = 8 * unit;
-    const double left = 134 * std::max(unit, 0.86);
+    const double left = 134 * std::max(unit, 0.95);
     const double values = 66 * std::max(unit, 0.86);
     grid.labelEnd = left;
     grid.valueEnd = size.width() - margin;
