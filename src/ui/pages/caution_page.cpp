@@ -40,7 +40,7 @@ QWidget* makeLater(ConditionControls& conditions, QWidget* page) {
 
 QWidget* makeRoof(ConditionControls& conditions, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"The roof, where this monitor drives it"_s);
-    addNumberRow(column, u"&Report a roof that has not moved after"_s, u"RoofCheck"_s,
+    addNumberRow(column, u"&Report if not moved after"_s, u"RoofCheck"_s,
                  conditions.RoofCheck, u"seconds"_s);
     addHint(column, u"0: it is not checked. The command is sent again in every cycle."_s);
     addHint(column, u"When monitoring ends and the roof is open:"_s);

@@ -18,7 +18,6 @@ namespace {
 constexpr int kMark = 12;
 constexpr int kSpace = 6;  // between a mark and its word
 constexpr int kApart = 14; // between two of them
-constexpr int kRoomForWords = 1240;
 
 HealthFact recording(const MonitoringCore& core) {
     const DataFileControls& file = core.records.dataFile;
@@ -128,7 +127,7 @@ HealthMarks::HealthMarks(QWidget* parent)
     QFont words = font();
     words.setPixelSize(13);
     setFont(words);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     followLook(this, [this] { update(); });
 }
 
@@ -142,33 +141,35 @@ void HealthMarks::show(const std::array<HealthFact, kHealthNames.size()>& facts)
     update();
 }
 
-bool HealthMarks::compact() const {
-    return window()->width() < kRoomForWords;
+int HealthMarks::widthOf(std::size_t index, bool compact) const {
+    const bool worded = !compact || facts_[index].health >= Health::Failed;
+    const QString name = QString::fromUtf16(kHealthNames[index]);
+    return kMark + kApart + (worded ? kSpace + fontMetrics().horizontalAdvance(name) : 0);
 }
 
-int HealthMarks::widthOf(std::size_t index) const {
-    // In a small window what is all right has no word.
-    const bool worded = !compact() || facts_[index].health >= Health::Failed;
-    return kMark + kApart +
-           (worded
-                ? kSpace + fontMetrics().horizontalAdvance(QString::fromUtf16(kHealthNames[index]))
-                : 0);
+QSize HealthMarks::sizeWith(bool compact) const {
+    int width = 0;
+    for (std::size_t i = 0; i < facts_.size(); ++i)
+        width += widthOf(i, compact);
+    return {width, kMark + 4};
 }
 
 QSize HealthMarks::sizeHint() const {
-    int width = 0;
-    for (std::size_t i = 0; i < facts_.size(); ++i)
-        width += widthOf(i);
-    return {width, kMark + 4};
+    return sizeWith(false);
+}
+
+QSize HealthMarks::minimumSizeHint() const {
+    return sizeWith(true);
 }
 
 bool HealthMarks::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip)
         return QWidget::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
+    const bool small = compact();
     int left = 0;
     for (std::size_t i = 0; i < facts_.size(); ++i) {
-        const int width = widthOf(i);
+        const int width = widthOf(i, small);
         if (help->x() >= left && help->x() < left + width)
             QToolTip::showText(help->globalPos(),
                                QString::fromUtf16(kHealthNames[i]) + u": "_s + facts_[i].detail,
@@ -181,9 +182,10 @@ bool HealthMarks::event(QEvent* event) {
 void HealthMarks::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    const bool small = compact();
     int left = 0;
     for (std::size_t i = 0; i < facts_.size(); ++i) {
-        const int width = widthOf(i);
+        const int width = widthOf(i, small);
         drawMark(painter, QRectF(left, (height() - kMark) / 2.0, kMark, kMark), facts_[i].health);
         if (width > kMark + kApart) {
             const bool loud = facts_[i].health >= Health::Failed;

@@ -31,14 +31,17 @@ class HealthMarks : public QWidget {
     void show(const std::array<HealthFact, kHealthNames.size()>& facts);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
   protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    bool compact() const; // no room for words
-    int widthOf(std::size_t index) const;
+    // In a small window what is all right has no word.
+    int widthOf(std::size_t index, bool compact) const;
+    QSize sizeWith(bool compact) const;
+    bool compact() const { return width() < sizeWith(false).width(); }
 
     std::array<HealthFact, kHealthNames.size()> facts_;
 };

@@ -55,7 +55,9 @@ QWidget* makeCause(Records& records, QWidget* card) {
         if (idle && !failed)
             cause->setText(u"Start begins a monitoring session."_s);
         else
-            cause->setText(none ? u"No condition counts as unsafe."_s : oneALine(words));
+            cause->setText(none ? u"No condition counts as unsafe."_s
+                           : records.session.verdict == Verdict::Safe ? words
+                                                                      : oneALine(words));
         cause->setPixelSize(cause->text().contains(u'\n') ? kCauseInList : kCauseAlone);
         last->setText(verdict.isEmpty() ? QString()
                                         : u"Last verdict: %1. %2"_s.arg(verdict, words));
