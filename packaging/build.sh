@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # Debian packages of what is built in build/release, in build/packages, and what the checkers of packages
-# say of them. `build.sh [SUFFIX]`: of a version with that suffix.
+# say of them. `build.sh FOLDER SUFFIX`: in another folder, of a version with that suffix.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-suffix=${1-}
+output=${1-build/packages}
+suffix=${2-}
 version=$(sed -n 's/^project(Kiv_Skyhold VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)$suffix
-output=build/packages
 tree=$output/tree
 
-rm -rf "$tree" "$output"/*"_${version}_"*
+rm -rf "$tree" "$output"/*.{deb,changes,buildinfo}
 mkdir -p "$tree"
 cp -r packaging/debian "$tree/debian"
 cp packaging/copyright "$tree/debian/copyright"
@@ -19,10 +19,11 @@ kiv-skyhold ($version) unstable; urgency=medium
 
  -- $(sed -n 's/^Maintainer: //p' packaging/debian/control)  $(date -R)
 END
+build=$PWD/build/release
 log=$output/build.log
-(cd "$tree" && SKYHOLD_BUILD=$PWD/../../release dpkg-buildpackage -b -us -uc -d --no-pre-clean) \
+(cd "$tree" && SKYHOLD_BUILD=$build dpkg-buildpackage -b -us -uc -d --no-pre-clean) \
     >"$log" 2>&1 || { tail -n 30 "$log" >&2 && exit 1; }
-ls "$output"/*"_${version}_"*.deb
+ls "$output"/*.deb
 
 status=0
 desktop-file-validate packaging/kiv-skyhold.desktop || status=1
@@ -32,6 +33,6 @@ findings=$(appstreamcli validate --no-net build/release/share/metainfo/*.xml |
     grep -E '^(E|W):' | grep -v 'web-url-expected file:///usr/share/doc/kiv-skyhold/') || true
 [[ -z $findings ]] || { echo "$findings" && status=1; }
 lintian --fail-on error,warning --suppress-tags-from-file packaging/lintian-accepted \
-    "$output"/*"_${version}_"*.changes || status=1
+    "$output"/*.changes || status=1
 ((status == 0)) && echo "The checkers have found nothing that is not accepted with a reason."
 exit "$status"

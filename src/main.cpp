@@ -262,6 +262,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kiv_Skyhold"));
     QApplication::setApplicationVersion(kVersion.text());
+    QGuiApplication::setDesktopFileName(
+        QStringLiteral("kiv-skyhold")); // name and icon of its windows
     QApplication::setQuitOnLastWindowClosed(false);
     const Options options = parseOptions(application, headless);
     const ServiceManager manager; // before any other program is started

@@ -2,6 +2,8 @@
 
 #include "platform/log.h"
 
+#include <QFileInfo>
+
 #include <sys/prctl.h>
 
 #include <algorithm>
@@ -84,7 +86,8 @@ GatewayKeeper::GatewayKeeper(NetworkControls& network, const QString& program)
                      [this](QProcess::ProcessError error) {
                          if (error != QProcess::FailedToStart)
                              return;
-                         lastError_ = u"it cannot be started"_s;
+                         lastError_ = QFileInfo::exists(program_) ? u"it cannot be started"_s
+                                                                  : u"it is not installed"_s;
                          ended();
                      });
     followSettings();
