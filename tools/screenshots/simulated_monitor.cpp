@@ -7,6 +7,7 @@
 #include "graphs/history.h"
 #include "simulators/station_text.h"
 
+#include <QDir>
 #include <QFile>
 
 using namespace Qt::Literals::StringLiterals;
@@ -17,13 +18,24 @@ namespace {
 
 constexpr int kReadSeconds = 10;
 
-SettingsStore settingsIn(const QTemporaryDir& folder) {
+SettingsStore settingsIn(const ShownFolder& folder) {
     for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
         qputenv(name, folder.path().toLocal8Bit());
     return SettingsStore(u"Kiv_Skyhold"_s);
 }
 
 } // namespace
+
+ShownFolder::ShownFolder()
+    : path_(QDir::temp().filePath(u"observatory"_s)) {
+    if (!QDir().mkdir(path_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+        path_ = other_.emplace().path();
+}
+
+ShownFolder::~ShownFolder() {
+    if (!other_)
+        QDir(path_).removeRecursively();
+}
 
 SimulatedMonitor::SimulatedMonitor(const QDateTime& start)
     : clock_(start)

@@ -12,6 +12,23 @@
 
 namespace skyhold {
 
+// Its name is the same in every run, so that pictures that show it do not change; while another run
+// has it, some other name.
+class ShownFolder {
+  public:
+    ShownFolder();
+    ~ShownFolder();
+    ShownFolder(const ShownFolder&) = delete;
+    ShownFolder& operator=(const ShownFolder&) = delete;
+
+    QString path() const { return path_; }
+    QString filePath(const QString& name) const { return path_ + u'/' + name; }
+
+  private:
+    QString path_;
+    std::optional<QTemporaryDir> other_;
+};
+
 class SimulatedMonitor {
   public:
     // Set up for an observatory; no session runs yet.
@@ -35,7 +52,7 @@ class SimulatedMonitor {
     void showWeather();
     void writeStation(const Weather& weather);
 
-    QTemporaryDir folder_;
+    ShownFolder folder_;
     ManualClock clock_;
     QDateTime start_;
     ScriptedSensor sensor_;
