@@ -115,7 +115,8 @@ std::optional<Options> parseOptions(const QStringList& arguments, QString& fault
         const OptionRow* row = optionOf(name);
         const bool takes = row && *row->takes != u'\0';
         if (!row || (!takes && equals >= 0)) {
-            fault = u"there is no option "_s + plainLine(argument);
+            fault =
+                u"there is no option "_s + plainLine(argument) + u"; skyholdctl help lists them"_s;
             return std::nullopt;
         }
         if (takes && equals < 0 && i + 1 == arguments.size()) {
