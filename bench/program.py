@@ -7,6 +7,7 @@ import pathlib
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 
 HERE = pathlib.Path(__file__).resolve()
@@ -59,8 +60,9 @@ def until_painted(command, variables):
 
 
 def start():
-    with Monitored(window=True) as monitored:
-        variables = monitored.run.variables
+    # As on a desktop, the folder of what only lasts as long as the login lies in memory.
+    with Monitored(window=True) as monitored, tempfile.TemporaryDirectory(dir="/dev/shm") as memory:
+        variables = monitored.run.variables | {"XDG_RUNTIME_DIR": memory}
         monitored.monitor.terminate()  # one instance only
         monitored.monitor.wait()
         ours, theirs = [], []
@@ -71,7 +73,7 @@ def start():
         print(f"start to first paint: {statistics.median(ours):.0f} ms "
               f"({min(ours):.0f} to {max(ours):.0f}), bare window "
               f"{statistics.median(theirs):.0f} ms ({min(theirs):.0f} to {max(theirs):.0f}), "
-              f"ratio {ratio:.2f} (at most 2)")
+              f"ratio {ratio:.2f} (at most 1.5)")
 
 
 def busy():
