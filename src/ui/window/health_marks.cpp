@@ -132,6 +132,8 @@ HealthMarks::HealthMarks(QWidget* parent)
 }
 
 void HealthMarks::show(const std::array<HealthFact, kHealthNames.size()>& facts) {
+    if (facts == facts_)
+        return;
     facts_ = facts;
     QStringList all;
     for (std::size_t i = 0; i < facts_.size(); ++i)

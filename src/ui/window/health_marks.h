@@ -15,6 +15,7 @@ enum class Health : std::uint8_t { Off, Working, Failed, Sounding };
 struct HealthFact {
     Health health = Health::Off;
     QString detail; // one sentence, for a tip
+    bool operator==(const HealthFact&) const = default;
 };
 
 // In this order.

@@ -87,8 +87,12 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
             showLive(core.records, false);
         showFacts(core);
     });
+    // Without a session nothing counts; what is left to follow may be shown a little later.
     const double scale = std::max(core.clock.scale(), 1.0);
-    second_.setInterval(std::max(static_cast<int>(1000 / scale), 50));
+    const int secondMs = std::max(static_cast<int>(1000 / scale), 50);
+    follow(this, session.State, [this, secondMs](SessionState state) {
+        second_.setInterval(state == SessionState::Idle ? 5 * secondMs : secondMs);
+    });
     connect(&second_, &QTimer::timeout, this, [this] {
         countVerdict_();
         countAges_();
