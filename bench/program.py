@@ -4,6 +4,7 @@ Run by `./dev bench` against the programs of build/release, without a display.
 """
 
 import pathlib
+import select
 import statistics
 import subprocess
 import sys
@@ -17,6 +18,8 @@ from monitored import Client, Monitored, run  # noqa: E402
 BARE = HERE.parents[1] / "build" / "bench" / "bin" / "bare_window"
 CYCLES = 60
 IDLE_SECONDS = 20
+PAINT_SECONDS = 20
+END_SECONDS = 20
 
 
 def cpu_ms(pid):
@@ -45,26 +48,41 @@ def cpu_over(pid, seconds):
     return (cpu_ms(pid) - begin) / seconds
 
 
+def end(program):
+    program.terminate()
+    try:
+        program.wait(END_SECONDS)
+    except subprocess.TimeoutExpired:
+        program.kill()
+        program.wait()
+        raise RuntimeError(f"{program.args[0]} did not end") from None
+
+
 def until_painted(command, variables):
     begin = time.monotonic()
-    program = subprocess.Popen([str(part) for part in command], env=variables, text=True,
+    program = subprocess.Popen([str(part) for part in command], env=variables, bufsize=0,
                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    for line in program.stdout:
-        if "painted" in line:
-            break
-    took = time.monotonic() - begin
-    program.terminate()
-    program.wait()
-    program.stdout.close()
-    return took * 1000
+    try:
+        said = b""
+        while b"painted" not in said:
+            left = begin + PAINT_SECONDS - time.monotonic()
+            if not select.select([program.stdout], [], [], max(left, 0))[0]:
+                raise RuntimeError(f"{command[0]} painted nothing in {PAINT_SECONDS} s: {said}")
+            part = program.stdout.read(4096)
+            if not part:
+                raise RuntimeError(f"{command[0]} ended before it painted: {said}")
+            said += part
+        return (time.monotonic() - begin) * 1000
+    finally:
+        end(program)
+        program.stdout.close()
 
 
 def start():
     # As on a desktop, the folder of what only lasts as long as the login lies in memory.
     with Monitored(window=True) as monitored, tempfile.TemporaryDirectory(dir="/dev/shm") as memory:
         variables = monitored.run.variables | {"XDG_RUNTIME_DIR": memory}
-        monitored.monitor.terminate()  # one instance only
-        monitored.monitor.wait()
+        end(monitored.monitor)  # one instance only
         ours, theirs = [], []
         for _ in range(15):
             theirs.append(until_painted([BARE], variables))
