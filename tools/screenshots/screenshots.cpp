@@ -6,11 +6,12 @@
 // in every moment, and beside it what an eye sees of it from three metres.
 //
 // QT_SCALE_FACTOR=2 makes them for a screen of twice the resolution. Fails when a picture could not
-// be written or would show a password.
+// be written or would show a password. "keyboard-walk.txt" lists where Tab leads.
 #include "conditions/alarms.h"
 #include "core/clients.h"
 #include "core/session.h"
 #include "platform/files.h"
+#include "screenshots/keyboard_walk.h"
 #include "screenshots/simulated_monitor.h"
 #include "ui/dialogs/help_window.h"
 #include "ui/dialogs/kiv_cardinal_points.h"
@@ -37,6 +38,7 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -45,6 +47,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPushButton>
+#include <QTabBar>
 
 #include <cstdio>
 #include <map>
@@ -157,15 +160,28 @@ void awaitNight(const KivSHMainform& window) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
+constexpr std::array kPageNames{"tonight",   "sources", "limits", "caution", "graphs",
+                                "data-file", "ccdap",   "images", "upload",  "network"};
+
+// "FOLDER/keyboard-walk.txt": where Tab leads on each page, from the strip of pages on.
+bool writeKeyboardWalk(const QString& folder, KivSHMainform& window) {
+    auto* pages = window.findChild<SettingsPages*>();
+    QString walk;
+    for (std::size_t i = 0; i < kPageNames.size(); ++i) {
+        pages->open(static_cast<Page>(i));
+        walk += u"== %1\n"_s.arg(QLatin1String(kPageNames[i])) + keyboardWalk(pages->tabBar());
+    }
+    QFile file(joinPath(folder, u"keyboard-walk.txt"_s));
+    return file.open(QIODevice::WriteOnly) && file.write(walk.toUtf8()) > 0;
+}
+
 void takePages(Album& album, KivSHMainform& window) {
     auto* pages = window.findChild<SettingsPages*>();
-    constexpr std::array names{"tonight",   "sources", "limits", "caution", "graphs",
-                               "data-file", "ccdap",   "images", "upload",  "network"};
-    for (std::size_t i = 0; i < names.size(); ++i) {
+    for (std::size_t i = 0; i < kPageNames.size(); ++i) {
         pages->open(static_cast<Page>(i));
         if (auto* check = window.findChild<QPushButton*>(u"ButtCheckStation"_s))
             check->click();
-        album.take(window, QString::fromLatin1(names[i]));
+        album.take(window, QString::fromLatin1(kPageNames[i]));
     }
     pages->open(Page::Tonight);
 }
@@ -396,7 +412,8 @@ int main(int argc, char** argv) {
                 takeDialogs(album, monitor, window);
         }
     }
+    const bool walked = writeKeyboardWalk(arguments[1], window);
     monitor.start([&takeNow] { takeNow(kStartingMoment.data()); });
     album.saveSheets();
-    return album.failures() == 0 ? 0 : 1;
+    return album.failures() == 0 && walked ? 0 : 1;
 }
