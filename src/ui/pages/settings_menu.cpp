@@ -104,7 +104,10 @@ void addSettingsMenu(QMainWindow& window, SettingsPages& pages, MonitoringCore& 
     QAction* redo = add("mnuRedo", u"&Redo"_s, QKeySequence::Redo, [&changes] { changes.redo(); });
     redo->setShortcuts({u"Ctrl+Shift+Z"_s, u"Ctrl+Y"_s}); // desktops differ
     menu->addSeparator();
-    add("mnuFind", u"&Find…"_s, QKeySequence::Find, [&pages, &core] { find(pages, core); });
+    pages.onFind = [&pages, &core] {
+        find(pages, core);
+    };
+    add("mnuFind", u"&Find…"_s, QKeySequence::Find, pages.onFind);
     menu->addSeparator();
     add("mnuExport", u"&Export…"_s, {}, [&window, &core] { exportAll(window, core); });
     QAction* import = add("mnuImport", u"&Import…"_s, {}, [&window, &pages, &core] {

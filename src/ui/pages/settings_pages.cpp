@@ -78,7 +78,7 @@ SettingsPages::SettingsPages(MonitoringCore& core, QWidget* parent)
     , changes_(new SettingsChanges(core, this)) {
     setObjectName(u"SSTab1"_s);
     setDocumentMode(true);
-    addHelpButton();
+    addCorner();
     addPages();
     const auto pane = [this](int index, const QString& name) {
         auto* area = static_cast<QScrollArea*>(widget(index));
@@ -160,8 +160,21 @@ void SettingsPages::addTonight() {
     });
 }
 
-// For the mouse: the keyboard has F1.
-void SettingsPages::addHelpButton() {
+// For the mouse: the keyboard has Ctrl+F and F1.
+void SettingsPages::addCorner() {
+    auto* find = new QToolButton(this);
+    find->setObjectName(u"ButtFind"_s);
+    find->setText(u"Find a setting…   Ctrl+F"_s);
+    find->setAccessibleName(u"Find a setting"_s);
+    find->setFocusPolicy(Qt::NoFocus);
+    connect(find, &QToolButton::clicked, this, [this] {
+        if (onFind)
+            onFind();
+    });
+    // On the page Tonight its buttons stand there.
+    find->setVisible(currentIndex() > 0);
+    connect(this, &QTabWidget::currentChanged, find,
+            [find](int index) { find->setVisible(index > 0); });
     auto* button = new QToolButton(this);
     button->setObjectName(u"ButtHelp"_s);
     button->setText(u"?"_s);
@@ -178,6 +191,7 @@ void SettingsPages::addHelpButton() {
     auto* row = new QHBoxLayout(corner_);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
+    row->addWidget(find);
     row->addWidget(button);
     setCornerWidget(corner_);
     connect(button, &QToolButton::clicked, this, [this] {

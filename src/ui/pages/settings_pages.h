@@ -42,6 +42,7 @@ class SettingsPages : public QTabWidget {
     Page shownPage() const { return static_cast<Page>(shownSheet()); }
 
     std::function<void()> onHelp; // the "?" beside the pages was pressed
+    std::function<void()> onFind; // a setting, wanted from the strip
 
   private:
     using MakePage = std::function<QWidget*(QWidget* parent)>;
@@ -53,7 +54,7 @@ class SettingsPages : public QTabWidget {
 
     void addPages();
     void addTonight();
-    void addHelpButton();
+    void addCorner();
     void addSheet(QTabWidget* strip, const QString& title, MakePage make);
     QTabWidget* addStrip(const QString& name, const QString& title);
     void addPane(QWidget* content, const QString& title);
@@ -67,7 +68,7 @@ class SettingsPages : public QTabWidget {
 
     MonitoringCore& core_;
     SettingsChanges* changes_;
-    QWidget* corner_ = nullptr; // at the right end of the strip
+    QWidget* corner_ = nullptr;                 // at the right end of the strip
     SessionState session_ = SessionState::Idle; // as it was last seen
     std::vector<Sheet> sheets_;                 // in the order of Page
 };
