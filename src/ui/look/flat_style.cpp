@@ -348,7 +348,7 @@ QSize FlatStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
 QPixmap FlatStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
                                        const QStyleOption* option) const {
     const QPixmap made = QProxyStyle::generatedIconPixmap(mode, pixmap, option);
-    return lookInForce() == Look::Night ? QPixmap::fromImage(look::picture(made.toImage())) : made;
+    return lookInForce() == Look::Night ? QPixmap::fromImage(look::icon(made.toImage())) : made;
 }
 
 QIcon FlatStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
@@ -358,7 +358,7 @@ QIcon FlatStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
         return icon;
     QIcon shown;
     for (const QSize& size : icon.availableSizes())
-        shown.addPixmap(QPixmap::fromImage(look::picture(icon.pixmap(size).toImage())));
+        shown.addPixmap(QPixmap::fromImage(look::icon(icon.pixmap(size).toImage())));
     return shown;
 }
 

@@ -156,8 +156,20 @@ QColor inkOn(const QColor& ground) {
     return qGray(ground.rgb()) < kMiddleGrey ? Qt::white : Qt::black;
 }
 
-QImage picture(const QImage& graph) {
-    return inForce == Look::Night ? nightPicture(graph) : graph;
+QImage graph(const QImage& graph) {
+    switch (inForce) {
+    case Look::Panel:
+        return darkPicture(graph);
+    case Look::Night:
+        return nightPicture(graph);
+    case Look::Desktop:
+        break;
+    }
+    return graph;
+}
+
+QImage icon(const QImage& icon) {
+    return inForce == Look::Night ? nightPicture(icon) : icon;
 }
 
 QImage photo(const QImage& picture) {

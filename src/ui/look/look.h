@@ -71,7 +71,8 @@ QColor ink(const QColor& stated, const QColor& ground); // of letters and lines
 QColor light(const QColor& stated);                     // of a lamp
 QColor ground(const QColor& stated);                    // of a field with letters on it
 QColor inkOn(const QColor& ground);                     // of such letters
-QImage picture(const QImage& graph);
+QImage graph(const QImage& graph);
+QImage icon(const QImage& icon);
 QImage photo(const QImage& picture); // of anything else
 
 constexpr int kMargin = 12; // around a window's contents

@@ -56,6 +56,19 @@ QRgb nightPixel(QRgb pixel) {
                  qAlpha(pixel));
 }
 
+// Light grounds become dark and dark letters bright; a colour keeps its hue.
+QRgb darkPixel(QRgb pixel) {
+    constexpr float kDarkest = 0.10F; // of white paper
+    constexpr float kBrightest = 0.92F;
+    constexpr float kMostSaturated = 0.6F; // of what was a pastel
+    float hue = 0, saturation = 0, lightness = 0;
+    QColor(pixel).getHslF(&hue, &saturation, &lightness);
+    return QColor::fromHslF(std::max(hue, 0.0F), std::min(saturation, kMostSaturated),
+                            kBrightest - lightness * (kBrightest - kDarkest),
+                            static_cast<float>(qAlpha(pixel)) / 255)
+        .rgba();
+}
+
 QImage recoloured(const QImage& picture, QRgb (*shade)(QRgb)) {
     QImage shown = picture.convertToFormat(picture.hasAlphaChannel() ? QImage::Format_ARGB32
                                                                      : QImage::Format_RGB32);
@@ -109,6 +122,10 @@ QColor nightGround(const QColor& colour) {
 
 QImage nightPicture(const QImage& picture) {
     return recoloured(picture, nightPixel);
+}
+
+QImage darkPicture(const QImage& picture) {
+    return recoloured(picture, darkPixel);
 }
 
 QImage nightPhoto(const QImage& picture) {

@@ -20,6 +20,8 @@ QColor nightLight(const QColor& colour);  // a lamp
 QColor nightGround(const QColor& colour); // a field with letters on it
 // A graph: bright line and letters over dark bands, the warmer bands less dark.
 QImage nightPicture(const QImage& picture);
+// A graph in the dark panel: grounds dark in their own hues, line and letters bright.
+QImage darkPicture(const QImage& picture);
 // Any other picture: its brightness in dim red.
 QImage nightPhoto(const QImage& picture);
 

@@ -44,7 +44,7 @@ void GraphView::paintEvent(QPaintEvent*) {
         return;
     }
     painter.setRenderHint(QPainter::SmoothPixmapTransform, !picture_.fits());
-    painter.drawImage(rect(), look::picture(picture_.Image));
+    painter.drawImage(rect(), look::graph(picture_.Image));
 }
 
 } // namespace skyhold

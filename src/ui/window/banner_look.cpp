@@ -11,11 +11,9 @@ namespace {
 
 BannerLook nightLook(BannerKind kind) {
     const QColor bright(0xff, 0, 0);
-    const QColor plain(0xea, 0, 0);
     const QColor shape(0xb8, 0, 0);
     switch (kind) {
     case BannerKind::Safe:
-        return {.fill = Qt::black, .ink = plain, .mark = Qt::black, .edge = Qt::SolidLine};
     case BannerKind::Waiting:
         return {.fill = Qt::black, .ink = bright, .mark = Qt::black, .edge = Qt::SolidLine};
     case BannerKind::Unsafe:
@@ -28,7 +26,7 @@ BannerLook nightLook(BannerKind kind) {
                 .striped = true};
     case BannerKind::Starting:
     case BannerKind::NoVerdict:
-        return {.fill = Qt::black, .ink = plain, .mark = Qt::black, .edge = Qt::SolidLine};
+        return {.fill = Qt::black, .ink = bright, .mark = Qt::black, .edge = Qt::SolidLine};
     case BannerKind::Idle:
         break;
     }

@@ -35,6 +35,11 @@ QColor culpritEdge() {
     return atNight() ? QColor(0xff, 0, 0) : QColor(0xff, 0x5a, 0x5a);
 }
 
+// Of letters.
+QColor lostInk() {
+    return atNight() ? QColor(0xff, 0, 0) : look::ink({0xff, 0xb0, 0x00}, look::kField);
+}
+
 QColor lostEdge() {
     return atNight() ? QColor(0xb8, 0, 0) : QColor(0xff, 0xb0, 0x00);
 }
@@ -258,7 +263,7 @@ void ReadingTile::drawLost(QPainter& painter) const {
     painter.drawText(value_->geometry(), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("–"));
     letters = condition_->font();
     painter.setFont(letters);
-    painter.setPen(lostEdge());
+    painter.setPen(lostInk());
     painter.drawText(condition_->geometry(), Qt::AlignLeft | Qt::AlignVCenter,
                      QStringLiteral("no new data"));
 }
