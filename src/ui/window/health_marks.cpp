@@ -132,7 +132,7 @@ HealthMarks::HealthMarks(QWidget* parent)
 }
 
 void HealthMarks::show(const std::array<HealthFact, kHealthNames.size()>& facts) {
-    if (facts == facts_)
+    if (facts == facts_ && !accessibleName().isEmpty())
         return;
     facts_ = facts;
     QStringList all;
