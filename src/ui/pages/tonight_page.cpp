@@ -42,20 +42,6 @@ std::int64_t lengthOf(NightSpan span) {
     return span == NightSpan::Hour ? kHourMs : span == NightSpan::Day ? kDayMs : 7 * kDayMs;
 }
 
-std::int64_t lastNoon(std::int64_t nowMs) {
-    const QDateTime now = QDateTime::fromMSecsSinceEpoch(nowMs);
-    const QDateTime noon(now.date(), QTime(12, 0));
-    return (noon > now ? noon.addDays(-1) : noon).toMSecsSinceEpoch();
-}
-
-TimeRange tonight(const QString& path, std::int64_t nowMs) {
-    constexpr std::int64_t kLeastMs = kHourMs / 4;
-    HistoryReader reader(path);
-    const std::int64_t from =
-        beginOfNight(reader.readPeriods(nowMs - 2 * kDayMs, nowMs), lastNoon(nowMs), nowMs);
-    return {std::min(from, nowMs - kLeastMs), nowMs};
-}
-
 // A little more than is shown, so that a drag has something to show at once.
 TimeRange withMargins(TimeRange shown) {
     const std::int64_t margin = shown.lengthMs() / 2;
@@ -202,7 +188,7 @@ void TonightPage::read() {
             Answer answer;
             const QString path = historyPath();
             answer.shown = !span                         ? shown
-                           : *span == NightSpan::Tonight ? tonight(path, now)
+                           : *span == NightSpan::Tonight ? nightUntil(path, now)
                                                          : TimeRange{now - lengthOf(*span), now};
             const TimeRange range = span ? answer.shown : withMargins(answer.shown);
             NightRecord record = readNight(path, range, now, kMostPoints);

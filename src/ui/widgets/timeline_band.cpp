@@ -194,15 +194,20 @@ void paintHead(QPainter& painter, const TimelineGrid& grid, const TimelineView& 
 
 void paintBand(QPainter& painter, const TimelineGrid& grid, const Night& night,
                const TimelineView& view) {
-    const TimelineInk ink = timelineInk();
     painter.setFont(pixelFont(grid.text, true));
-    painter.setPen(ink.text);
+    painter.setPen(timelineInk().text);
     painter.drawText(QRectF(10 * grid.unit, grid.band.top(), grid.labelEnd, grid.band.height()),
                      Qt::AlignLeft | Qt::AlignVCenter, u"Verdict"_s);
+    paintVerdicts(painter, grid, night.band, view);
+}
+
+void paintVerdicts(QPainter& painter, const TimelineGrid& grid,
+                   const std::vector<BandSegment>& band, const TimelineView& view) {
+    const TimelineInk ink = timelineInk();
     // What is worse stands over what is better where both share a pixel.
     for (const BandState state : {BandState::NotMonitored, BandState::Safe, BandState::Waiting,
                                   BandState::Unsafe, BandState::SourceFailed}) {
-        for (const BandSegment& segment : night.band) {
+        for (const BandSegment& segment : band) {
             if (segment.state == state)
                 paintSegment(painter, grid, segment, view, ink);
         }

@@ -6,6 +6,10 @@
 namespace skyhold {
 
 void paintHead(QPainter& painter, const TimelineGrid& grid, const TimelineView& view);
+// The verdicts alone, within `grid.band`.
+void paintVerdicts(QPainter& painter, const TimelineGrid& grid,
+                   const std::vector<BandSegment>& band, const TimelineView& view);
+// With their name before them.
 void paintBand(QPainter& painter, const TimelineGrid& grid, const Night& night,
                const TimelineView& view);
 // Over the rows, where nothing can be known: a failed source, no session.

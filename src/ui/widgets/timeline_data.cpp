@@ -176,6 +176,18 @@ std::int64_t beginOfNight(const std::vector<VerdictPeriod>& periods, std::int64_
                                   : std::max(first->fromMs, nowMs - kDayMs);
 }
 
+TimeRange nightUntil(const QString& path, std::int64_t nowMs) {
+    constexpr std::int64_t kLeastMs = 900'000;
+    constexpr std::int64_t kTwoDaysMs = 172'800'000;
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(nowMs);
+    const QDateTime noon(now.date(), QTime(12, 0));
+    const std::int64_t lastNoonMs = (noon > now ? noon.addDays(-1) : noon).toMSecsSinceEpoch();
+    HistoryReader reader(path);
+    const std::int64_t from =
+        beginOfNight(reader.readPeriods(nowMs - kTwoDaysMs, nowMs), lastNoonMs, nowMs);
+    return {std::min(from, nowMs - kLeastMs), nowMs};
+}
+
 std::vector<BandSegment> bandOf(const NightRecord& record) {
     std::vector<BandSegment> band;
     std::int64_t reached = record.range.fromMs;

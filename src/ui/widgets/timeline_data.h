@@ -36,6 +36,8 @@ NightRecord readNight(const QString& path, TimeRange range, std::int64_t nowMs, 
 // session ran. `noonMs` is the last one. An hour ago when nothing is known of two days.
 std::int64_t beginOfNight(const std::vector<VerdictPeriod>& periods, std::int64_t noonMs,
                           std::int64_t nowMs);
+// From there to `nowMs`, a quarter of an hour at the least.
+TimeRange nightUntil(const QString& path, std::int64_t nowMs);
 
 // ---- The band ----
 

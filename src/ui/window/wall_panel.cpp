@@ -3,6 +3,7 @@
 #include "platform/text_forms.h"
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
+#include "ui/widgets/timeline_band.h"
 #include "ui/window/age_text.h"
 #include "ui/window/banner_look.h"
 #include "ui/window/reading_tile.h"
@@ -20,6 +21,9 @@ namespace {
 constexpr qreal kMargin = 24;
 constexpr qreal kGap = 16;
 constexpr qreal kHealthHeight = 86;
+constexpr qreal kBandHeight = 180;
+constexpr int kBandEveryMs = 60'000;
+constexpr int kWrittenMs = 400; // until the history surely has a verdict
 constexpr QSizeF kDesign(1920, 1080);
 
 struct WallTile {
@@ -104,11 +108,11 @@ void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
         return QRectF(inside.left(), inside.top() + from * row, inside.width(), rows * row);
     };
     painter.setPen(words.headerInk);
-    drawFitted(painter, part(0.5, 2.4), words.header, 38, false);
+    drawFitted(painter, part(0.2, 2.4), words.header, 38, false);
     painter.setPen(words.valueInk);
-    drawFitted(painter, part(2.7, 4.4), words.value, 86, true);
+    drawFitted(painter, part(2.2, 5), words.value, 86, true);
     painter.setPen(words.levelInk);
-    drawFitted(painter, part(7, 2.4), words.level, 42, true);
+    drawFitted(painter, part(7, 2.6), words.level, 42, true);
     if (words.gauge && !words.culprit)
         drawGauge(painter, *words.gauge, part(10.4, 0.6));
     if (words.foot.isEmpty())
@@ -120,7 +124,7 @@ void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
         drawFitted(painter, foot.adjusted(8, 0, -8, 0), words.foot, 40, true, Qt::AlignCenter);
     } else { // beside the level
         painter.setPen(look::kDimText);
-        drawFitted(painter, part(7, 2.4), words.foot, 36, false, Qt::AlignRight | Qt::AlignVCenter);
+        drawFitted(painter, part(7, 2.6), words.foot, 36, false, Qt::AlignRight | Qt::AlignVCenter);
     }
 }
 
@@ -134,7 +138,14 @@ WallPanel::WallPanel(MonitoringCore& core, QWidget* parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     SessionControls& session = core.records.session;
     follow(this, session.CyclesDone, [this](std::int64_t) { update(); });
-    follow(this, session.verdict, [this](Verdict) { update(); });
+    pool_.setMaxThreadCount(1);
+    bandDue_.setSingleShot(true);
+    connect(&bandDue_, &QTimer::timeout, this, &WallPanel::readBand);
+    follow(this, session.verdict, [this](Verdict) {
+        update();
+        if (isVisible())
+            bandDue_.start(kWrittenMs);
+    });
     follow(this, core.records.display.LblCause.Caption, [this](const QString&) { update(); });
     follow(this, session.State, [this](SessionState state) {
         if (state == SessionState::Starting)
@@ -145,14 +156,43 @@ WallPanel::WallPanel(MonitoringCore& core, QWidget* parent)
     connect(&second_, &QTimer::timeout, this, [this] { update(); });
 }
 
+WallPanel::~WallPanel() {
+    pool_.waitForDone();
+}
+
 void WallPanel::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     second_.start();
+    readBand();
 }
 
 void WallPanel::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     second_.stop();
+    bandDue_.stop();
+}
+
+void WallPanel::readBand() {
+    if (reading_ || !core_.history.state().on)
+        return;
+    reading_ = true;
+    const std::int64_t now = core_.clock.now().toMSecsSinceEpoch();
+    pool_.start([this, now, running = core_.records.session.running()] {
+        constexpr int kPoints = 1; // the band is made of the verdicts alone
+        const QString path = historyPath();
+        NightRecord record = readNight(path, nightUntil(path, now), now, kPoints);
+        record.running = running;
+        const TimeRange night = record.range;
+        const auto band = record.fault.isEmpty() ? bandOf(record) : std::vector<BandSegment>();
+        QMetaObject::invokeMethod(this, [this, night, band] {
+            reading_ = false;
+            night_ = night;
+            band_ = band;
+            update();
+            if (isVisible())
+                bandDue_.start(kBandEveryMs);
+        });
+    });
 }
 
 void WallPanel::keyPressEvent(QKeyEvent* event) {
@@ -174,13 +214,18 @@ void WallPanel::paintEvent(QPaintEvent*) {
     painter.scale(scale, scale);
     const QRectF inside = QRectF(0, 0, width() / scale, height() / scale)
                               .adjusted(kMargin, kMargin, -kMargin, -kMargin);
-    const qreal below = inside.bottom() - kHealthHeight - kGap;
+    const bool hasBand = !band_.empty();
+    const qreal healthBottom = inside.bottom() - (hasBand ? kBandHeight + kGap : 0);
+    const qreal below = healthBottom - kHealthHeight - kGap;
     const qreal across = inside.left() + 0.47 * inside.width();
     const qreal middle = inside.top() + 0.46 * (below - inside.top());
     drawVerdict(painter, {inside.topLeft(), QPointF(across, middle)});
     drawWhy(painter, {QPointF(inside.left(), middle + kGap), QPointF(across, below)});
     drawTiles(painter, {QPointF(across + kGap, inside.top()), QPointF(inside.right(), below)});
-    drawHealth(painter, {QPointF(inside.left(), below + kGap), inside.bottomRight()});
+    drawHealth(painter,
+               {QPointF(inside.left(), below + kGap), QPointF(inside.right(), healthBottom)});
+    if (hasBand)
+        drawBand(painter, {QPointF(inside.left(), healthBottom + kGap), inside.bottomRight()});
 }
 
 void WallPanel::drawVerdict(QPainter& painter, const QRectF& area) const {
@@ -222,7 +267,7 @@ void WallPanel::drawWhy(QPainter& painter, const QRectF& area) const {
     drawCard(painter, area, look::kCard, QPen(Qt::NoPen));
     const bool idle = !core_.records.session.begun();
     painter.setPen(idle ? look::kDimText : look::kText);
-    const QString words = core_.records.display.LblCause.Caption;
+    const QString words = QString(core_.records.display.LblCause.Caption).replace(u"; "_s, u"\n"_s);
     drawFitted(painter, area.adjusted(36, 20, -36, -20),
                idle && !words.isEmpty() ? u"Last: "_s + words : words, 52, !idle,
                Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap);
@@ -328,6 +373,35 @@ void WallPanel::drawHealth(QPainter& painter, const QRectF& area) const {
         painter.setPen(cell.loud ? amber() : look::kText);
         drawFitted(painter, place.adjusted(wide, 0, 0, 0), cell.word, 38, true);
     }
+}
+
+void WallPanel::drawBand(QPainter& painter, const QRectF& area) const {
+    constexpr qreal kAxis = 50;
+    constexpr int kLetters = 36;
+    constexpr qreal kLeastBetween = 230; // from one time to the next
+    drawCard(painter, area, look::kCard, QPen(Qt::NoPen));
+    TimelineGrid grid;
+    grid.unit = 3;
+    grid.small = kLetters;
+    grid.band = area.adjusted(24, 14, -24, -kAxis);
+    grid.plot = grid.band;
+    TimelineView view;
+    view.shown = night_;
+    paintVerdicts(painter, grid, band_, view);
+    painter.setFont(pixelFont(kLetters));
+    painter.setPen(look::kDimText);
+    const qreal now = grid.band.right();
+    for (const AxisMark& mark : axisMarks(night_, grid.band.width(), kLeastBetween)) {
+        const qreal x = grid.xOf(mark.atMs, night_);
+        if (x > now - kLeastBetween)
+            continue;
+        painter.fillRect(QRectF(x - 1, grid.band.bottom(), 2, 8), look::kDimText);
+        painter.drawText(QRectF(x - 100, grid.band.bottom() + 6, 200, kAxis - 8), Qt::AlignCenter,
+                         mark.text);
+    }
+    painter.setPen(look::kText);
+    painter.drawText(QRectF(now - 200, grid.band.bottom() + 6, 200, kAxis - 8),
+                     Qt::AlignRight | Qt::AlignVCenter, u"now"_s);
 }
 
 } // namespace skyhold
