@@ -380,6 +380,7 @@ int main(int argc, char** argv) {
     Album album(arguments[1]);
     WallPanel wall(monitor.core(), nullptr);
     wall.resize(kWallSize);
+    wall.show(); // what is not seen reads no history
     const auto takeNow = [&](const char* name) {
         const QString moment = QString::fromLatin1(name);
         awaitNight(window);
