@@ -119,7 +119,8 @@ class Monitored:
         found = []
 
         def look():
-            found[:] = [cycle for cycle in map(Cycle, self.cycles[begin:]) if matches(cycle)]
+            lines = [line for line in self.cycles[begin:] if "|" in line]  # not "Window painted"
+            found[:] = [cycle for cycle in map(Cycle, lines) if matches(cycle)]
             return found
 
         self.wait_until(what, look, seconds)
