@@ -12,7 +12,12 @@ if [[ -z ${SKYHOLD_CHECK-} ]]; then
     SKYHOLD_CHECK=1 exec unshare --mount --pid --fork --kill-child "$0"
 fi
 root=$(mktemp -d)
-trap 'umount -R "$root"/dev "$root"/proc 2>/dev/null; rm -rf --one-file-system "$root"' EXIT
+clean() {
+    local mounted
+    for mounted in sys/fs/cgroup dev proc; do umount -R "$root/$mounted" 2>/dev/null || true; done
+    rm -rf --one-file-system "$root"
+}
+trap clean EXIT
 
 step() {
     printf '\n== %s (%s s)\n' "$1" "$SECONDS"
@@ -79,6 +84,15 @@ echo "root: upgraded from $first to $second"
 touch "$root/home/astronomer/upgraded"
 wait "$session" || fail "the session"
 
+step "the units under a service manager"
+units=0
+packaging/check_units.sh "$root" || units=$?
+case $units in
+0) ;;
+3) echo "Not run: no control groups can be made here." ;;
+*) fail "the units" ;;
+esac
+
 own() {
     in_root find /home/astronomer -type f -not -name '.bash*' -not -name .profile | sort
 }
@@ -97,7 +111,7 @@ step "what is left"
 stayed=$(comm -13 <(echo "$packages_before") <(names))
 echo "Debian's packages that are still wanted by others: ${stayed:-none}"
 left=$(comm -13 <(echo "$before") <(everything) | comm -23 - <(in_root dpkg-query -L $stayed dpkg | sort -u) |
-    grep -vE '^/(home/astronomer|etc/ssl/certs|var/(cache|log|lib/(apt|dpkg|systemd))|tmp|run)(/|$)') || true
+    grep -vE '^/(home/astronomer|etc/ssl/certs|sys|var/(cache|log|lib/(apt|dpkg|systemd))|tmp|run)(/|$)') || true
 echo "${left:-nothing}"
 ! grep -qiE 'kiv|skyhold' <<<"$left" || fail "something of the program is left"
 step "All steps passed"

@@ -11,7 +11,7 @@ namespace skyhold {
 namespace {
 
 QByteArray taken(const char* variable) {
-    const QByteArray value = qgetenv(variable);
+    QByteArray value = qgetenv(variable);
     qunsetenv(variable);
     return value;
 }
