@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Calls of the program's automation members, by one client and by eight at once, beside a bare
 // server that only looks the name up among as many; then the memory that many calls leave behind.
 // One client is measured on one processor as well: where the scheduler wakes the next in line

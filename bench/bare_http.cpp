@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The peer of what bench/gateway.py measures: the same HTTP library with a fixed answer as long as
 // that of `issafe`. Prints its port.
 #include <microhttpd.h>

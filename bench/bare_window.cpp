@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window with labels that does nothing: what a program of its kind costs anyway. Says when it has
 // first been painted.
 #include <QApplication>

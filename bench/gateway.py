@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the gateway costs: requests a second beside the bare library, listeners, memory, CPU while
 idle with one listener.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The six graphs of a read cycle, drawn and saved after a new point of the history: beside the
 // same strokes and the same encoding without anything around them, and beside rrdtool.
 #include "graphs/history.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The history of ten years, made up: how large it is and how fast it is read, beside a plain table
 // with an index over its times that holds the same minutes; and a year of cycles played again.
 //

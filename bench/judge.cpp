@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How many cycles the judge does, over observations that are made before.
 #include "judge/judge.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the time of every parser grows as its input does: time per byte from 4 to 64 MB, for
 // usual inputs and for those on which a parser that looks ahead, or moves text more than once,
 // would take hours; with the name of a parser that one alone. A file over 16 MB is refused at

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the running program costs: its start, CPU of a read cycle with its display, memory, CPU while idle.
 
 Run by `./dev bench` against the programs of build/release, without a display.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the benchmarks of a program, interleaved and repeated, and prints how they compare.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A line of the user data file and a record of the CCDAutopilot file, beside bare writes of the
 // same bytes.
 #include "datafiles/ccdap_file.h"

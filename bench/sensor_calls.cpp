@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The calls of a read cycle to the sensor program, beside as many bare blocking calls that carry
 // the same bytes. Starts the simulated sensor program, which lies beside this one.
 #include "bus/automation_client.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Parsing a station's page, beside libxml2's HTML parser on the same bytes.
 #include "datafiles/station_table.h"
 #include "platform/text_encoding.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ctl/bus.h"
 
 #include "bus/automation_value.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A connection to the session bus that nothing can hold for long, and what its faults mean.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What each command does. A command writes its answer, reports what went wrong on standard error,
 // and returns the exit status; a failed write is reported when standard output is closed.
 #pragma once

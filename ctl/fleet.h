@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Several monitors, by what their gateways publish at one MQTT broker.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command "history": verdicts, events and readings that the monitor has kept.
 #pragma once
 

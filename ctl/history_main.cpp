@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // skyholdctl-history: the commands of skyholdctl that need the database, the rules or a broker. A
 // program of its own, because loading these takes longer than a question to the monitor, which may
 // be asked every second.

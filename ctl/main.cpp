@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // skyholdctl: queries and controls the monitor from the command line.
 #include "ctl/commands.h"
 #include "ctl/program.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The members of the automation interface, as an instance's introspection data describes them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An instance of the monitor's automation object, and the bus connection that it belongs to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Standard output whose every failure is noticed, and messages on standard error.
 #pragma once
 

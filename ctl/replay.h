@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command "replay": the recorded weather by the limits in force, and by others.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The state document in words: the verdict, why, and every reading.
 #pragma once
 

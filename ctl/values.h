@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Values of the automation interface as text on the command line and as JSON.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rule that opens a roof: what must be known of the monitor before "safe" is said.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Follows the monitor for as long as anybody reads.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command "why": the state document in words, of now or of a moment of the past.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints docs/automation.md, or with --xml docs/Kiv_Skyhold.Nubilo.xml.
 #include "automation/description.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Draws docs/graphs.png and docs/graphs@2x.png: the six graphs of a simulated night on one sheet.
 //
 // usage: graphs_sheet FILE [PIXEL_RATIO]

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes the pictures of the user guide, docs/guide/*.png, from those of `screenshots`.
 
     guide_pictures.py SCREENSHOTS FOLDER

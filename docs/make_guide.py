@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes the HTML of the user guide (docs/guide) and of the reference pages beside it (docs).
 
     make_guide.py SOURCES FOLDER

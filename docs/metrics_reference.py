@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Prints docs/metrics.md from the families of gateway/metrics.cpp: metrics_reference.py SOURCES"""
 
 import pathlib

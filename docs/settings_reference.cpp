@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints docs/settings.md.
 #include "settings/reference_page.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every public member with any arguments, with and without the sensor program.
 #include "target.h"
 #include "variants.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Calls over the bus to an object with a member for every type, with any arguments. They take the
 // whole way of a client's call: marshalled, taken apart, converted, answered and marshalled again.
 #include "target.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A fuzzer of the target SKYHOLD_FUZZ_TARGET.
 #include "target.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the network asks of the gateway.
 #include "target.h"
 

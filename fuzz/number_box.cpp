@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A number box: what is typed, pasted into and shown by it.
 #include "target.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Runs the fuzzers of build/fuzz, two at a time, and prints what each came to.
 
 New inputs collect in build/fuzz/corpus/TARGET, beside those of fuzz/corpus/TARGET that every run

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Texts of wind-direction sectors, from the settings or from a client.
 #include "target.h"
 

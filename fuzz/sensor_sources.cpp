@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What real sensors say, and the settings that name them.
 #include "target.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a station writes in its cells, and its file as a whole.
 #include "target.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two forms of a station's file, as tables.
 #include "target.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Targets of bad input in bulk: each takes any bytes to one of the program's parsers and checks
 // what must hold of the answer, beyond that there is one.
 //

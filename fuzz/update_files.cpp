@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The three files of the update server: whatever it sends.
 #include "target.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any values that a client can send, made of the bytes of an input.
 #pragma once
 

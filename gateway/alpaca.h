@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Alpaca device API, version 1: devices and members are rows of tables.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What every Alpaca device has, and the devices themselves.
 #include "gateway/alpaca.h"
 #include "gateway/alpaca_members.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alpaca's ObservingConditions: what is measured.
 #include "gateway/alpaca_members.h"
 #include "gateway/readings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What Alpaca says of the gateway as a whole: itself and its devices.
 #include "gateway/alpaca.h"
 

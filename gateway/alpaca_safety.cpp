@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alpaca's SafetyMonitor: the verdict. It is never an error, and asks for no connection.
 #include "gateway/alpaca_members.h"
 

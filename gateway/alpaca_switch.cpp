@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alpaca's Switch: the roof's switch, and the verdict for clients that know switches only.
 #include "gateway/alpaca_members.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alpaca's discovery: whoever asks for devices on UDP is answered with the port.
 #pragma once
 

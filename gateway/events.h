@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The events that a page follows: every state document, every loss, and a beat that shows that the
 // connection is alive.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Between libmicrohttpd and plain values: one request, one answer, one listener.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Follows the monitor on the session bus and publishes what it says.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "gateway/history_worker.h"
 
 #include "history/json.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the monitor's history in a thread of its own, so that nothing waits for a disk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What happens at the monitor, as the words that a hook is started with.
 #pragma once
 

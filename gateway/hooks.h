@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A command of the user's that is run at every event.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which names the gateway goes by. A web page of somebody else's can have its own name lead to this
 // computer and so read what is for this computer alone; what is asked for under a foreign name is
 // refused. An address is no such name.

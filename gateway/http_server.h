@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // HTTP/1.1 over libmicrohttpd, with bounds: the number of connections, of all and of one address,
 // how long one may take to ask, how much it may send, and how often an address may ask.
 #pragma once

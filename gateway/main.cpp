@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // skyhold-gateway: what the monitor says, for the network.
 #include "gateway/discovery.h"
 #include "gateway/events.h"

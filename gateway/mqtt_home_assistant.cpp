@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Home Assistant: a message for each of its entities, at DISCOVERY/KIND/SITE/NAME/config.
 #include "gateway/mqtt_messages.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The state as messages: what is published, and for how long it may be believed.
 #pragma once
 

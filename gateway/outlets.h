@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the gateway sends by itself: messages to an MQTT broker, events to hooks.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The live page: its files, which are built into the program, and its first state, so that it can
 // be read without scripts.
 #pragma once

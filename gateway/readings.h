@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The document's readings in the units that the network's clients expect.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Has the monitor move the roof's switch, as any client of its automation object can.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alpaca's set-up pages, which clients open in a browser: what is set, and where to change it.
 #pragma once
 

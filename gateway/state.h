@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the gateway knows of the monitor: the last state document, for how long it counts, and
 // whether the monitor answers. The thread of the bus writes it, that of the network reads it.
 #pragma once

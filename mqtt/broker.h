@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which broker, as whom, and what is sent to it.
 #pragma once
 

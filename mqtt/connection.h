@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A connection to an MQTT broker that comes back by itself.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is on its way to the broker. Bounded: a message that still waits gives way to a newer one of
 // its topic, so that a slow broker gets the latest and never the history.
 #pragma once

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Debian packages of what is built in build/release, in build/packages, and what the checkers of packages
 # say of them. `build.sh FOLDER SUFFIX`: in another folder, of a version with that suffix.
 set -euo pipefail

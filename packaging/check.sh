@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the packages in a clean root, runs them there as an ordinary user, upgrades them under the
 # running monitor, and removes them. Everything is in build/packages/check.log, too.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # A user's session with the installed programs; `check.sh` runs it in a clean root. Upgrades come from
 # outside: the session makes ~/ready and waits for ~/upgraded.
 set -euo pipefail

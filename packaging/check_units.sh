@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The user units under a real service manager in the clean root of `check.sh`: a session's cycles feed the
 # watchdog, an idle monitor is left alone, one that hangs is started again.
 #

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Plays one sound file, once or in a loop, and ends with the sound.
 //
 //     Kiv_SoundPlayer [--repeat] FILE

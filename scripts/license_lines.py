@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Gives each source file the line that names its licence; --check only lists those without one."""
 
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Checks that everything that names the version agrees: ./dev release.
 
 CMakeLists.txt is where the version stands; programs, packages and the metadata of the desktop's

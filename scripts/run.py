@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Runs the monitor against a simulated sensor program and a simulated weather station.
 
 Everything lives in a folder of its own, which is named first: settings, station file and whatever

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensorhost/sensor_members.h"
 
 #include "platform/clock.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sensor program's public members and objects, over whatever measures.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What stands behind the sensor program's members: a device, or what plays one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Calls of an Alpaca device: ASCOM's interfaces over HTTP, with answers in JSON.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sensor program's options, and what each of them does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensors/indi_connection.h"
 
 #include "sensors/source_readings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A connection to an INDI server that is made again whenever it is lost.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The messages of an INDI server, from the bytes of its connection.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Values of the devices of an INDI server.
 //
 // Only an update is news: a definition comes again whenever any client asks for it, with the values

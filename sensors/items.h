@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the sensor program can measure: the values of the cloud and rain sensor, and those of a
 // weather station.
 #pragma once

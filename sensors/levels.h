@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A level from a number, by limits with hysteresis, or from a source's own verdict.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // skyhold-sensor: the sensor program for real devices.
 #include "sensors/command_line.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sensor's values and levels, from the texts of the sources by the settings.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensors/mqtt_source.h"
 
 #include "sensors/payload.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Values that devices publish at an MQTT broker.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Values in the text of a file, a command's output or a message: JSON, lines of "key=value", or a
 // single value.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The roof's switch: when it is moved, and by what.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sensor program's device: what the sources measure, as the monitor reads it.
 #pragma once
 

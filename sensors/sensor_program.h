@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All that runs together in the sensor program, by its settings.
 #pragma once
 

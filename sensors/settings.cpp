@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensors/settings.h"
 
 #include "sensors/settings_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sensor program's settings as text: "[section name]" lines, "key = value" lines below them,
 // and comments behind "#".
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensors/setup.h"
 
 #include "platform/files.h"

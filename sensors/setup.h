@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The first settings, from the answers to five questions.
 #pragma once
 

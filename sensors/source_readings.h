@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a source has found: the latest text at each address, and when it came.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The weather station's file, written from the sources of the sensor program.
 #pragma once
 

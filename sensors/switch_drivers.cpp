@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensors/alpaca.h"
 #include "sensors/indi_source.h"
 #include "sensors/roof_switch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sources that are a text: a file that is rewritten, a command that is run.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Faults that a simulator can show, written "NAME" or "NAME=VALUE".
 #pragma once
 

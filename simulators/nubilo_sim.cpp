@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A sensor program to run the monitor against, without its hardware.
 #include "platform/clock_options.h"
 #include "platform/quit_signals.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A log of weather observations that a simulated station plays again.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The simulated weather: a pure function of the simulated time, so that a sensor program and a
 // weather station that share a clock show the same sky.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The simulated cloud sensor: what it measures, what state it is in, and what has been sent to it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulators/sensor_server.h"
 
 #include "sensorhost/sensor_members.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sensor program on the bus, with the ways in which a program can fail to answer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A weather station's program that keeps the station file up to date, from the simulated weather
 // or from a log.
 #include "platform/clock_options.h"

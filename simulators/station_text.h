@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The file that a weather-station program keeps up to date: one row of name, unit and value for
 // each quantity, as a page with a table or as comma-separated text.
 #pragma once

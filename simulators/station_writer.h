@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Puts the station file on disk, properly or with a fault.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes the sounds that come with the program: short, pleasant, and easy to tell apart.
 
 usage: make_sounds.py FOLDER

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program: options, one instance, first start, updater, window or terminal, and the end.
 #include "automation/automation_object.h"
 #include "bus/desktop_notifier.h"

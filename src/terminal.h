@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's face on a terminal: messages instead of dialogs, and a line for every read cycle.
 #pragma once
 

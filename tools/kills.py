@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Kills the monitor at random moments of a busy run, starts it again and looks at its files.
 
     kills.py [KILLS] [--seed N]

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A long run of the real program with both simulators: does it still hold what it held at first?
 
 Files and images are written, recording is on, a sound server plays the alarms that come and go

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Two processes, so that the end of one is never unseen: the guard, which the monitor has started
 // and knows, and the worker, which alone reads the hand-off area with its password.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kiv_Uploader.exe: transfers the files that the monitor has handed off, and says in the hand-off
 // area whether it is at work.
 #include "platform/log.h"

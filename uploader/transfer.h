@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The transfer of files to one server, over one connection as long as it holds.
 #pragma once
 

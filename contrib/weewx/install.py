@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Installer of the extension: weectl extension install FOLDER"""
 
 from io import StringIO

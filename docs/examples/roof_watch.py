@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Says when the roof may be open and when it must be closed. Every failure reads as unsafe."""
 import time
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A curve for each quantity, all over the same time. One that is unsafe is thick and of another
 // colour; a gap in the readings is a gap.
 'use strict';

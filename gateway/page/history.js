@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The verdicts of the chosen time as a band and as a log.
 'use strict';
 const RANGES = [['1 h', 1], ['6 h', 6], ['12 h', 12], ['24 h', 24], ['7 d', 168]];

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Before the first picture is drawn, so that a page for the night never begins bright.
 'use strict';
 function applyLook(look) {

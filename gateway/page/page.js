@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Follows the gateway's events and shows the state. What was heard counts only for as long as the
 // gateway keeps talking and the document says; then the verdict is unknown, whatever it was.
 'use strict';

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Elements, number forms, gauges and the readings.
 'use strict';
 const SVG = 'http://www.w3.org/2000/svg';

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Completion of skyholdctl for bash. Member names are asked from the running monitor, which this
 # never starts.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The public members of this program's automation class, each once: name, number, kind, types,
 // whether its call shows as activity, where its answer comes from, and what it does.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "automation/automation_object.h"
 
 #include "automation/all_members.h"

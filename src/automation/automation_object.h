@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // This program's automation object "Kiv_Skyhold.Nubilo" on the session bus.
 #pragma once
 

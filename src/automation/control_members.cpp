@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "automation/all_members.h"
 #include "automation/form_members.h"
 #include "automation/sensor_calls.h"

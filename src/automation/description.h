@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The interface for those who write clients: its identifiers, its condition enumerations, and all
 // members, as the installed description and as a page to read. Both come from the member table.
 #pragma once

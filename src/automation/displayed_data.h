@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the main window shows for one quantity, as text for pages and scripts.
 #pragma once
 

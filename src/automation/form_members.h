@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window as an object of its own, for clients that ask for "MForm".
 #pragma once
 

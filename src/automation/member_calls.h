@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The member table at work on one core: what the bus calls.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "automation/monitor_object.h"
 
 #include "core/state_document.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The state document on the bus: object /Kiv_Skyhold/Monitor, interface Kiv.Skyhold.Monitor1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether clients that ask first (scripting hosts) may use the instances: IObjectSafety.
 #pragma once
 

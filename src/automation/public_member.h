@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is known of one public member, and a list that numbers members in interface order.
 #pragma once
 

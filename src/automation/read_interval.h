@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The read interval as automation clients set it: whole seconds.
 #pragma once
 

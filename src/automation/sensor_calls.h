@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Calls that are passed on to the sensor program for a client. Every failure, a missing object and
 // an answer of the wrong type among them, becomes the automation error Exception, so that no client
 // takes a default for a reading.

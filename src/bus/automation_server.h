@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The server side: objects of this program that other programs create and call.
 #pragma once
 

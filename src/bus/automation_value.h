@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Values of the automation interfaces and their form on the bus.
 //
 // A value is a QVariant holding one of: nothing (empty), int, double, bool, QString,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "bus/desktop_notifier.h"
 
 #include <QDBusPendingCallWatcher>

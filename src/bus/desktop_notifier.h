@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The desktop's notifications (org.freedesktop.Notifications). Nothing here waits: without a
 // server, or with one that hangs, nothing is shown and nothing happens.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The session bus, which may be missing at the start and may go and come back while the program
 // runs.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The members of a table as an ordinary D-Bus interface, for clients that know D-Bus and nothing of
 // automation: property gets and lets as properties, methods with typed arguments.
 #pragma once

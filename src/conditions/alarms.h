@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alarms: when a sound starts and stops, and who owns it. `AlarmSoundId` is the alarm that owns the
 // sound (its ids: judge/alarm_choice.h). It stays when the user stops the sound, so that the same
 // alarm does not begin again before it has ended or another one has won.

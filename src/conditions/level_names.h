@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The public names of what is chosen for each level, as other programs and the command line know
 // it. A family lists its names in the order of the interface; the index is that of the level.
 #pragma once

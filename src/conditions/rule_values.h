@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rules as named values, to be kept, compared, shown and changed one by one. The names are
 // those of the public members and of the settings: "ThreshGustWindy", "SafeGustWindy",
 // "SafeDelayVal".

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "conditions/rules_of.h"
 
 #include "conditions/sector_text.h"

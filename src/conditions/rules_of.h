@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings in force, taken from their controls as a value.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Wind-direction sectors as texts, and the rules of their editor.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sound chooser of an alarm box: what it opens with and what its buttons do.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The three limits of a quantity must increase, so that every value falls into exactly one band.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The core's alarms: what their rules need of it.
 #pragma once
 

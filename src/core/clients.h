@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Automation clients: how many are attached, what they do, and who has control.
 #pragma once
 

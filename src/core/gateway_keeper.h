@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the gateway beside the monitor while the settings ask for it: starts it, starts it again
 // when it ends or a setting changes, and ends it. The monitor itself opens no port.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one owner of all monitoring state: the records, the link to the sensor program, the timers.
 //
 // Its operations are free functions, each in the header of its subject: start_up.h, session.h,

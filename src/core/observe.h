@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Observe: what both sources say in a cycle. Nothing is judged and nothing is shown here.
 #pragma once
 

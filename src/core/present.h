@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Display: the one place where a cycle fills captions and colours. Nothing reads them back but the
 // members of the automation class that are defined by a shown text.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Publish: what becomes of a cycle, in order.
 #pragma once
 

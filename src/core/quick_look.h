@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Looks between two cycles. What they see can only turn the verdict unsafe, at once; the way back
 // to safe is the cycle's.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/read_cycle.h"
 
 #include "conditions/alarms.h"

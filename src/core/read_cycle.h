@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The heartbeat of a session: one cycle reads both sources, judges them and publishes the verdict.
 #pragma once
 

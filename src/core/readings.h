@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The readings of now, as files and other programs take them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Recording of the user data file as part of the monitor: a start that fails shows code d13.
 #pragma once
 

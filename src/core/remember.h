@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What goes into the history: each cycle, and what has changed.
 #pragma once
 

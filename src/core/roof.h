@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The roof, where this monitor drives its switch: whether it goes where it is told, and what
 // becomes of an open one when the monitoring ends.
 #pragma once

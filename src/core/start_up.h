@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Start-up, the end of the program, and what happens once after loading.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The state document: one JSON object that says what the monitor knows after a cycle: safe or not,
 // why, since when, how old the data is, and what works. Everything that shows a verdict outside the
 // window shows this one.

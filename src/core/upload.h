@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The upload of files in the course of a session: the uploader program is started when files are
 // due and none is running.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The verdict between two cycles: who decides, and when what was decided no longer counts.
 #pragma once
 

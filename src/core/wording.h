@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a cycle came to, in sentences that a person can read aloud. Each is composed here and
 // nowhere else.
 #pragma once

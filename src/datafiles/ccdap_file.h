@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The weather file for CCDAutopilot: one record of fixed layout, rewritten in every cycle.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The list of the structure editor: the columns of the user data file while they are being moved
 // and switched on or off.
 #pragma once

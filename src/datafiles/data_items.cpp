@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "datafiles/data_items.h"
 
 #include "platform/text_encoding.h"

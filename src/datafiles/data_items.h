@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the user data file can hold: 25 items of the current readings, as texts of a line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the weather station's file is there and its data fresh.
 #pragma once
 

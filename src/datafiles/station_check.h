@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the monitor's reader sees in a station's file.
 #pragma once
 

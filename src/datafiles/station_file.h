@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The weather station's data file: found, judged by its age, and read into an observation.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Numbers, dates and times of day as a station writes them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The table of a weather station's file: one record a row, of name, unit and value.
 #pragma once
 

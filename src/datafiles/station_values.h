@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the table of a station's file says of the quantities that conditions are judged by.
 #pragma once
 

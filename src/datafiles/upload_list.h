@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The list of files to publish, and its hand-off to the uploader program.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The recorder: while it is on, a line of current values goes to the user data file every n-th
 // read cycle.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The wind direction against time, as single dots on a scale from 0 to 360 degrees.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A picture that is being drawn: the plot area above, the strip of time labels below, and what
 // all graphs have in common.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The graph history: which readings become points, how many are kept, the time that they span.
 #pragma once
 

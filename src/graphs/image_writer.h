@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Saves pictures as image files on a thread of its own: encoding takes longer than a client should
 // have to wait for an answer.
 #pragma once

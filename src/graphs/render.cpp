@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "graphs/render.h"
 
 #include "graphs/graph_paper.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The graphs of a read cycle: drawn from the history, and saved as image files.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The horizontal scale of a graph: where a time lies, and which times are marked.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The course of one quantity over the last hour of the history, in small.
 #pragma once
 

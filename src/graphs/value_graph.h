@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A quantity against time over the three bands of its conditions.
 #pragma once
 

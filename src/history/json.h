@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The history as JSON, wherever it leaves the program. Times are UTC, ISO 8601.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the history keeps: read cycles, spans of time that many cycles were thinned to, and events.
 // Plain values; times are milliseconds since 1970, UTC.
 #pragma once

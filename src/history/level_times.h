@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How long each level of each quantity lasted.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the history, in any program, while the monitor writes it. Times are milliseconds since
 // 1970, UTC; a range holds its beginning and not its end. For one thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the history lies in its database: tables, their columns, and rows to and from values.
 #pragma once
 

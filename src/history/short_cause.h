@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A cause on a few columns: "gust 34.2 > 20 km/h", "rain Wet", "station data", "waiting".
 #pragma once
 

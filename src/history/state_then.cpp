@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the monitor said at a moment of the past, in the form of its state document.
 #include "history/json.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The database of the history, as its one writer sees it. For one thread; it may wait for the disk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The part of the store that takes cycles together and lets go of what is old.
 #include "history/rows.h"
 #include "history/store.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/why_text.h"
 
 #include "model/quantity.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Why the verdict is what it is, or was at a moment of the past, in several lines.
 #pragma once
 

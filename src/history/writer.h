@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the history on a thread of its own: whatever the disk does, adding never waits.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which condition's alarm sounds: a function of the judgement and of who owns the sound.
 //
 // The id of an alarm is text: "C0".."D2" a letter and the level's index for a condition, "10" old

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The judgement of a cycle: a function of values. It calls nobody, and what the rules must remember
 // is in `memory`.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What comes closest to making a safe sky unsafe.
 #pragma once
 

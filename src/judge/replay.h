@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What would have been: recorded cycles go through the judge once more, by rules of one's choice. A
 // cycle's verdict counts until the next cycle; where none came for too long, nothing is counted.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The steps of a verdict: levels, the cloud delay, the safe delay.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sector test: a wind or gust level only counts after the wind has blown from the level's
 // sector for the level's time.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Display colours, laid out 0x00BBGGRR (blue in the high byte).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The 16 points of the compass, clockwise from north, 22.5 degrees apart.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Condition levels. The numbers are public: other programs read them. Level 0 is unknown.
 #pragma once
 

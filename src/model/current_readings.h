@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The latest values of both sources, their times and what was derived from them. One read cycle
 // overwrites it; a half-finished one is never visible.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One read cycle as a value: what was observed, and how it was judged by which rules. It is stored
 // once; outlets, window and other programs follow it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a cycle's observation means by the rules: levels, causes and the verdict.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What both sources said in one cycle. Nothing is judged here, and nothing is made up: a value that
 // is missing or not a number stays missing.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The judged quantities as rows of one table: what each is called, where its value comes from, its
 // levels with their keys and defaults, and its places in the orders of decision, alarms and data
 // items. Code that handles quantities walks this table; state is PerQuantity.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The verdict as INDI's weather safety proxy reads it, from a page or from a script.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings by which a cycle is judged, as a value.
 #pragma once
 

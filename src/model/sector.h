@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A wind-direction sector and the time for which the wind must have blown from it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A session: the period in which the sources are read and the verdict is published.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Display units. A code is the letter by which settings, files and other programs know the unit.
 #pragma once
 

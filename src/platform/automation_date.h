@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A time in the form of the automation interfaces.
 #pragma once
 

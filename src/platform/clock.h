@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The time, handed to everything that asks for it.
 #pragma once
 

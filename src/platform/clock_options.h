@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The developers' options that run a program's clock from another time and faster: the same three
 // for every program, so that programs started with the same options share one time.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Notices that a file has changed: by the system's notification, and by a look at it when asked.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files and folders. Paths may use "/" or "\"; both are the platform's separator.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The functions of FreeImage that writing a picture needs, with the types of its own header.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The FreeImage library, loaded at run time so that a missing library is a reported state.
 #pragma once
 

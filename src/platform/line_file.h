@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file that whole lines are added to for as long as it is open.
 #pragma once
 

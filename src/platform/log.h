@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The categories of logged messages. Messages go to standard
 // error, or to the journal where Qt was built for it; QT_LOGGING_RULES chooses among them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sound, asked for with the command strings of a media control interface. One sound at a time, by
 // the name KivNubiloPlayer.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Texts of other programs and of users, made fit for a line of a terminal or a list.
 #pragma once
 

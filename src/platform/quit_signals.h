@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Signals that ask for the program's end as an event, and those that must not end it.
 #pragma once
 

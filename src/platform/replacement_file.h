@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file that takes the place of another one whole: a reader of that name finds the old contents
 // or the new ones, never a part of them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the service manager that started this program is to know (systemd, Type=notify): that the
 // program is ready, what it does, and that its work goes on.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The last whole copy of a settings file. A file is replaced in one step when it is saved; what
 // cuts it short is a damaged disk, a restored backup, an editor on a full disk. Half a file would
 // load as half of the user's limits and half defaults, and its last number may be a piece of one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The per-user settings store: one INI file per application under the user's configuration
 // folder, every value a text. Other programs (the uploader) read and write it too.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The text of a settings file: "[Section]" lines, "Key=text" lines below them, and a mark at the
 // end, by which a file that was cut short is known. Every value is a text; whatever a file says
 // of itself, nothing else is made of it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The end of the program by a library that calls exit() from deep inside, as the display's does
 // when its connection breaks.
 #pragma once

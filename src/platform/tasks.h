@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Programs that run beside this one: starting them, knowing them again, and the lock by which one
 // of them shows that it is alive.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bytes of text files. "ANSI" text is Windows-1252.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Numbers and dates as text, with the locale's separators.
 #pragma once
 

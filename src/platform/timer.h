@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A repeating timer of the user-interface thread. Interval 0 and not enabled mean stopped.
 #pragma once
 

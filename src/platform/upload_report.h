@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the uploader reports to the monitor in the hand-off area, section "Result".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Alarm boxes, their sounds and the controls around them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Thresholds, level descriptions and colours, unsafe levels, sectors and the verdict's controls.
 #pragma once
 

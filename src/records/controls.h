@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Controls as plain records. Their fields can be observed, so that a view follows them and writes
 // into them, while the core, the tests and the automation server need neither view nor display.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Controls of every file that is read, written or handed on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The history behind the six graphs: a ring of points, all in the display units of now.
 #pragma once
 

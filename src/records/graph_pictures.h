@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The six graph pictures, as the read cycle last drew them.
 #pragma once
 

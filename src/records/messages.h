@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The monitor's message dialog as a request and an answer; who shows it is set at start-up.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the gateway brings the state to the network, which the monitor starts as a program of its
 // own.
 #pragma once

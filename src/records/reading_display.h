@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The labels that show the readings, their conditions and their times.
 #pragma once
 

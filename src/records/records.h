@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All records of the monitor in one place, for those who own or persist them all. An operation
 // takes the records that it works on, not this.
 #pragma once

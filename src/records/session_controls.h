@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Session, status lines, automation activity, menus and the window's own state.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The status line and the status-code line, where every room reports.
 #pragma once
 

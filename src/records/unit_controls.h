@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Display units, the texts that name units in the station file, and the compass labels.
 #pragma once
 

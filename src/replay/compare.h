@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "What if": the recorded cycles by the rules in force and by others, side by side; and what the
 // records say of where limits should be. Functions of what they are given: they may run on any
 // thread, for as long as nobody stops them.

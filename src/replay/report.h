@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a comparison and a suggestion come to, as text.
 #pragma once
 

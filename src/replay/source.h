@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where recorded cycles come from, as observations that the judge takes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Recorded cycles from text files.
 #include "datafiles/data_items.h"
 #include "replay/source.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The client of the sensor program: the program with the cloud sensor, rain sensor and roof
 // switch, reached through its automation object "Kiv_Nubilo.Nubilo".
 #pragma once

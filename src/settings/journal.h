@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What was changed in the settings, when, and the way back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one table of every persisted key: where it is stored, what it holds, and the record field it
 // belongs to. Loading, saving, the reference page and the tests all walk it.
 #pragma once

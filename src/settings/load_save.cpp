@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "settings/load_save.h"
 
 #include "settings/key_table.h"

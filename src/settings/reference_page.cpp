@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "settings/reference_page.h"
 
 #include "settings/key_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Builds rows of the key table: one operation per kind of value, over any field that holds it.
 #pragma once
 

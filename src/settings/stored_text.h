@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The texts in which the settings store keeps values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All settings as a file, to keep or to take to another computer. It is laid out like the settings
 // file, and holds neither secrets nor the state of the window.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Wind speeds and temperatures from one display unit to another.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which unit a station file's unit text means.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The change of the display unit: limits and graph history are converted to the new one.
 #pragma once
 

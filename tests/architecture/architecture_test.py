@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Reads the include lines of the sources and fails on one that breaks the rule of the rooms.
 
 usage: architecture_test.py SOURCE_FOLDER QT_WIDGETS_INCLUDE_FOLDER

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Reads from the released programs whether they were built to resist a memory fault.
 
     hardening_test.py PROGRAM...

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every member once, without and with the sensor program: what it answers, what reaches the sensor
 // program, and what shows as activity, as the table says. docs/automation.md, which is compared
 // with the table, holds on to what the table says.

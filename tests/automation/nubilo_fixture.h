@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The member table at work on a monitor with a scripted sensor program.
 #pragma once
 

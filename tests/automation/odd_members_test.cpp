@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Members with rules of their own.
 #include "automation/form_members.h"
 #include "nubilo_fixture.h"

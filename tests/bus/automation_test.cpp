@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "bus/automation_server.h"
 #include "bus/automation_value.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "conditions/alarms.h"
 #include "conditions/rules_of.h"
 #include "judge/judge.h"

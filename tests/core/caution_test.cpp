@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What makes the monitor quicker to say unsafe and slower to leave an open roof.
 #include "core/clients.h"
 #include "core/roof.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the monitor puts into its history in the course of a session.
 #include "core/clients.h"
 #include "core/verdict.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/upload.h"
 #include "datafiles/upload_list.h"
 #include "records/status_lines.h"

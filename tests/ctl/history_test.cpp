@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What `skyholdctl history` and `why` show, and the times that they are asked for.
 #include "ctl/history.h"
 #include "ctl/times.h"

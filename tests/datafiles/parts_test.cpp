@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "datafiles/ccdap_file.h"
 #include "datafiles/column_list.h"
 #include "datafiles/data_items.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "datafiles/upload_list.h"
 #include "datafiles/user_data_file.h"
 #include "support/full_disk.h"

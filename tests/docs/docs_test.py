@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Checks what the documents say about files, commands and codes.
 
     docs_test.py SOURCES GUIDE PROGRAMS

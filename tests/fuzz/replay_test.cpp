@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every input of fuzz/corpus, those that once broke a rule among them, through its target.
 #include "target.h"
 

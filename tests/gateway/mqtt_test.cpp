@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "gateway/mqtt_messages.h"
 #include "gateway/options.h"
 #include "mqtt/outbox.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A monitor that has just said something, for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "graphs/direction_graph.h"
 #include "graphs/graph_paper.h"
 #include "graphs/time_axis.h"

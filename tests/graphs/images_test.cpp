@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "graphs/export.h"
 #include "graphs/graph_paper.h"
 #include "graphs/render.h"

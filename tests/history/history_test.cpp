@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The history as a user would find it: written by the worker, read by another connection.
 #include "history/level_times.h"
 #include "history/reader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Random cycles through the judge and through the plain model: both must give the same answers, and
 // the judge must keep the promise of the safe delay, whatever either of them computes.
 #include "judge/judge.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A second, deliberately plain model of the rules by which a cycle is judged. It is written clause
 // by clause, for a reader, and shares no code with the judge that it checks.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Weather, faults and settings that change at random, and stay as they are often and long enough
 // for delays and sector times to run out. One seed always gives the same cycles.
 #pragma once

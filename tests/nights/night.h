@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A night at the observatory as a table that a person can read and edit, played through the whole
 // monitor, and what came of it as text.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Recorded nights: whatever is made of the program inside, what it says, sounds and writes in the
 // course of a night stays the same.
 //

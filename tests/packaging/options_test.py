@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The options that a program lists with --help are those of its man page, and those that the shells
 complete."""
 

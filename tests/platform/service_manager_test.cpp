@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/service_manager.h"
 
 #include "support/test_folder.h"

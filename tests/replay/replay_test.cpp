@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "What if" over made-up weather, from a database and from text files.
 #include "history/writer.h"
 #include "replay/report.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sensors/station_output.h"
 
 #include "datafiles/station_file.h"

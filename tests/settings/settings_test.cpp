@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "settings/journal.h"
 #include "settings/key_table.h"
 #include "settings/load_save.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A monitor without window and bus: folders of its own, a clock that is moved, a scripted sensor
 // program, a station file that the test writes.
 #pragma once

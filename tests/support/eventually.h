@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Waits for what another process does; the deadline is far beyond what that takes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // While it lives, no file of this process grows beyond `bytes`: a disk that is full.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the tests of a room without display, with the "C" locale whatever the machine's.
 #include <QGuiApplication>
 #include <QLocale>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A media control that notes every command and plays nothing.
 #pragma once
 

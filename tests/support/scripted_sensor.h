@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A sensor program that answers from a table and notes every call as it sees it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A folder of the test's own, gone with it. Files in it are named by their path below it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A web server on the loopback address that answers as it is told, also badly.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The automation server of the whole program, as other programs see it."""
 
 import json

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """skyholdctl and the example program against the real monitor: what they say, and that nothing but
 a safe sky ever reads as safe."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Clients from elsewhere that read the gateway: INDI's weather safety proxy, a parser of Prometheus'
 text, and one of the description of its pages."""
 

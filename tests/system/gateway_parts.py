@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """skyhold-gateway beside a monitor on its private bus, and a client of it."""
 
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """skyhold-gateway with the real monitor: what the network hears of it, above all when it is gone,
 hangs or is silent."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """skyhold-gateway with the real monitor and a real MQTT broker: whatever dies, nothing at the broker
 goes on saying safe. Hooks and the fleet at the same broker."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The gateway that the monitor runs: it starts with it, comes back when it is killed, ends with it,
 and a port that is taken is reported."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The whole program with both simulators on a bus of their own, for tests.
 
 The clock of all three runs SPEED times as fast; a line that the monitor writes for every read cycle

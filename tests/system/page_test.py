@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The live page in a real browser: it follows the verdict, and says so when it hears nothing."""
 
 import contextlib

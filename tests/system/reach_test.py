@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """How far the program reaches: no password leaves the settings, nothing listens on a network,
 programs are started by their own paths alone, a station file stays data, no planted link is
 followed."""

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Real and scripted parts that skyhold-sensor reads, and the program itself on a bus of its own."""
 
 import http.server

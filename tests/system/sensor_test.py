@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """skyhold-sensor with an INDI server, a broker, a scripted Alpaca device, files and commands, each
 of which fails and comes back; and the whole chain with the monitor."""
 

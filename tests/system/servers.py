@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Servers that the uploader sends files to, each on a port of its own of this machine.
 
 All take the user USER with PASSWORD and keep what they get in `folder`.

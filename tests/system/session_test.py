@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A session of the whole program: verdicts, faults of both sources, clients, and the end."""
 
 import signal

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A sound server without a device, and an ear at what it would play, for tests."""
 
 import array

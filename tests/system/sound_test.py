@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Sounds are heard: alarms of the whole program at a sound server of their own."""
 
 import array

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The first start, the window and its tray icon on a real display, with a window manager and a
 panel, by real keys and clicks."""
 

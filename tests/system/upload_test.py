@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The uploader against servers good and bad, and the monitor that hands files to it."""
 
 import configparser

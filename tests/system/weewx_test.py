@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The extension of weewx: packets as drivers send them, and the file as the monitor's reader sees it.
 
 weewx itself is not needed: what the extension uses of it stands here.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/alarms.h"
 #include "ui/widgets/alarm_box.h"
 #include "window_fixture.h"

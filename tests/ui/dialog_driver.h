@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Plays the user in front of a dialog that is waited for.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialog_driver.h"
 #include "platform/files.h"
 #include "support/web_server.h"

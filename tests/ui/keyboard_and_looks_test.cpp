@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/dialogs/kiv_color.h"
 #include "ui/dialogs/kiv_error.h"
 #include "ui/dialogs/kiv_legend.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "window_fixture.h"
 
 #include "core/clients.h"

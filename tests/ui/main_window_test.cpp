@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "core/clients.h"
 #include "ui/dialogs/kiv_error.h"
 #include "ui/look/look.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/bind.h"
 #include "ui/widgets/kiv_get_number.h"
 #include "ui/widgets/number_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the page Tonight draws: a band, a curve or a log that says more than the history knows would
 // be believed at night.
 #include "ui/widgets/timeline_data.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A monitor with its window, on folders of its own.
 #pragma once
 

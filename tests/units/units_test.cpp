@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "units/cardinal.h"
 #include "units/conversion.h"
 #include "units/detection.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Breaks every edge of the program, one at a time, and reports what it shows.
 
     python3 -B tools/faults [--only TEXT] [--markdown [FILE]]

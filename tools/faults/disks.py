@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Disks that are full or read-only, for the monitor alone.
 
 The monitor gets a mount namespace of its own, in which the folders that it writes to are small

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Faults of the uploader and of the display, and ends that nobody asked for."""
 
 import os

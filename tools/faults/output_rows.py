@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Faults of what the monitor writes: data file, CCDAutopilot file, images, settings."""
 
 import os

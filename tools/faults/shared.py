@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A running program that several rows use."""
 
 from table import Monitored

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Rows of the fault table: what each does is in the modules that `__main__` lists.
 
 A row is a function `walk(seen)` that breaks something, tells `seen` what the program showed, and

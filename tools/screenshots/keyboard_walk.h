@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where Tab leads in a window, in words: what somebody without a mouse meets, in this order.
 #pragma once
 

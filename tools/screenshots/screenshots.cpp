@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Pictures of every page, dialog and look of the window, made without a person or a display.
 //
 // usage: screenshots [--panel] FOLDER [SIZE...]      a size of the window as "1280x800"

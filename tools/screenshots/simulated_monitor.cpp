@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "screenshots/simulated_monitor.h"
 
 #include "core/read_cycle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A whole monitor over simulated weather: its clock is moved, its sensor program and its weather
 // station show the same sky, and its files stay in a folder of their own.
 #pragma once

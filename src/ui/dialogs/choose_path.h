@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The platform's dialogs for a file and for a folder. An empty answer means cancelled.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What all dialogs share: their margins, dim texts, the row of OK and Cancel, where they open and
 // what they hold up.
 #pragma once

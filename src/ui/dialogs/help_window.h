@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The help: the user guide, shown in a window of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The editor of the compass labels that the station's file uses for wind directions.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The editor of a level's colour and description, or of a graph's colour alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/dialogs/kiv_file_struct_form.h"
 
 #include "ui/look/look.h"

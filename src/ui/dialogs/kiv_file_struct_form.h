@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The editor of the user data file's columns: their order, their headers, and which are written.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The first start: an assistant that asks where the station's file is, which sensor there is, where
 // files go, and for the units, one subject a step, and says of each what it is and what a wrong
 // answer does.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/dialogs/kiv_sound_form.h"
 
 #include "conditions/alarms.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/dialogs/kiv_unit_symbols.h"
 
 #include "ui/dialogs/dialog_parts.h"

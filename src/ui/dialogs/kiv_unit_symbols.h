@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The editor of the texts by which units are recognised in the station's file.
 #pragma once
 

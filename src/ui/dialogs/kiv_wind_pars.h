@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The editor of a wind level's sector and minimum time.
 #pragma once
 

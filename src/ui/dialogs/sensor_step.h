@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A step of the first start: which sensor there is. Its answer becomes the settings of
 // skyhold-sensor, the sensor program for real devices, which writes them itself.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/dialogs/update_window.h"
 
 #include "core/monitoring_core.h"

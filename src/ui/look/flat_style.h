@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Draws flat controls in the colours of the look in force (ui/look/look.h).
 #pragma once
 

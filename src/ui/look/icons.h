@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small pictures, drawn at whatever size and on whatever screen.
 #pragma once
 

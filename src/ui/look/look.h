@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The looks of all windows: a dark panel made for the stated reading colours (cyan, green, yellow,
 // orange, red), the same in deep red on black for eyes that are used to the dark, and the
 // desktop's own. Shades of stated colours come from ui/look/shades.h.

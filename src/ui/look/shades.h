@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How colours are shown that were stated: those of the conditions, the lamps and the swatches.
 // Rules of colours alone; what is stored is never changed.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The icon of the program in the tray and on its window: the verdict of now. The four differ
 // in shape as well as in colour.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/alarm_cells.h"
 
 #include "conditions/alarms.h"

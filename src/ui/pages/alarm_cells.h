@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The box of an alarm and the name of its sound, each of which opens the sound chooser.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/caution_page.h"
 
 #include "ui/look/look.h"
@@ -40,8 +41,8 @@ QWidget* makeLater(ConditionControls& conditions, QWidget* page) {
 
 QWidget* makeRoof(ConditionControls& conditions, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"The roof, where this monitor drives it"_s);
-    addNumberRow(column, u"&Report if not moved after"_s, u"RoofCheck"_s,
-                 conditions.RoofCheck, u"seconds"_s);
+    addNumberRow(column, u"&Report if not moved after"_s, u"RoofCheck"_s, conditions.RoofCheck,
+                 u"seconds"_s);
     addHint(column, u"0: it is not checked. The command is sent again in every cycle."_s);
     addHint(column, u"When monitoring ends and the roof is open:"_s);
     addOptions(column, "RoofAtStop", {u"Leave &it"_s, u"&Ask"_s, u"Clos&e it first"_s},

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The page "Caution": what makes the monitor quicker to say unsafe, and slower to say safe, and of
 // what it notifies the desktop.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/data_file_page.h"
 
 #include "datafiles/user_data_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Recording of the user data file: on or off, how often, where to, and which columns; and for how
 // long the history is kept.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/find_setting.h"
 
 #include "ui/dialogs/dialog_parts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/graphs_page.h"
 
 #include "ui/dialogs/kiv_color.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The six graphs, which of them are drawn, their colours and the time that they span.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which graphs are saved as image files, in what format and where.
 #pragma once
 

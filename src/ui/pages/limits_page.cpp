@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/limits_page.h"
 
 #include "ui/pages/limits_table.h"

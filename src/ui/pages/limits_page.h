@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // All that makes the sky unsafe: limits, levels, sectors and alarms of the quantities in one table,
 // and beside it what else counts.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One table of all quantities: each with its value now and, for each of its levels, the name and
 // colour, the upper limit, what it counts for, and how long it lasted tonight.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The page "Network": the gateway that brings the state to browsers and other programs.
 #pragma once
 

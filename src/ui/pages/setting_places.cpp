@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/setting_places.h"
 
 #include "conditions/alarms.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where each setting stands: its page, its control there, and what it is called.
 #pragma once
 

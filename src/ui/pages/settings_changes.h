@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Follows what is changed in the settings, by the user and by other programs, and takes it back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The menu Settings: undo, find, and all settings as a file.
 #pragma once
 

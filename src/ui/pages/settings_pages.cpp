@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/settings_pages.h"
 
 #include "ui/dialogs/help_window.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The page of the night and those of settings, on three tab strips: one for the window, one for the
 // conditions, one for the files.
 //

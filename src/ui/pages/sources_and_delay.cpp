@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/sources_and_delay.h"
 
 #include "ui/dialogs/dialog_parts.h"

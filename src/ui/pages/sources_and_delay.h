@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is unsafe apart from the levels: failures of the sources, values beyond the last limit; and
 // how long a return to safe is delayed.
 #pragma once

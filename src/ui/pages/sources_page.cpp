@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/sources_page.h"
 
 #include "ui/dialogs/choose_path.h"

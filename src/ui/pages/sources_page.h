@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the data comes from: the weather station's file with its units, and the sensor program.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/pages/tonight_page.h"
 
 #include "core/monitoring_core.h"

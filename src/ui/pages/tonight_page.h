@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The page Tonight: the timeline of the night and its log, from the history and from the cycles
 // that come while it is shown.
 #pragma once

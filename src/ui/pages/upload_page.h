@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The upload: its server, how often it is looked for changed files, and which files there are.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An alarm's widgets: its box, the name of its sound, and the mark that it is playing.
 #pragma once
 

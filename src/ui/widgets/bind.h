@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Ties one record to one widget. What the user does goes into the record through its `set` or
 // `choose`, so that its click rule runs once; what changes in the record shows in the widget
 // without running the rule again. The record outlives the widget.

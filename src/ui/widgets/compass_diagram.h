@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A compass with a shaded sector. Its edges are taken by the hand on the rim, or turned by keys:
 // the arrows by one degree, Page Up and Page Down by ten, the space bar goes to the other edge. A
 // drag up or down elsewhere turns its bounds, too. An arrow shows the wind.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Lets the user select and copy what a readout shows: with the mouse, or with the keyboard after
 // Tab has brought the focus to it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Shows a graph's picture, and has it drawn as large as the view is.
 #pragma once
 

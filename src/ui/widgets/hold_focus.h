@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // When the focus leaves a control, and a box that it does not leave before its text is accepted.
 #pragma once
 

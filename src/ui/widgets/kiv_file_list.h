@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The list of the files to upload, with its popup menu. Files can be dropped on it; the Del key
 // removes the selected one.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The numeric entry box: one line that takes a number with a limited count of digits, with the
 // locale's separators as they were when the box was made.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/night_log.h"
 
 #include "platform/text_forms.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The log of a night: each change of the verdict with its cause and how long it lasted, newest
 // first; filtered by words, copied, or written to a file as CSV.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rules of a number box over plain texts: how a text is read, which typed characters pass, what
 // a changed text is cut to, and how a number is shown.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How an item's own editor is opened: the right button released over it, or, with the item in
 // focus, the context-menu key, Shift+F10, the space bar or Return.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small widgets that only show something and are painted by hand: a new text or colour repaints
 // their own rectangle and never lays a window out again.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/readout_selection.h"
 
 #include "ui/look/look.h"

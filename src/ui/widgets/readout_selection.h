@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Lets the mouse select and copy the wrapped text of a readout, which stays no stop of Tab.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/side_by_side.h"
 
 #include "ui/look/look.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A wide part with cards beside it; where the window is too narrow for that, below it.
 #pragma once
 

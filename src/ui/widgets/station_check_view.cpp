@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/station_check_view.h"
 
 #include "ui/dialogs/dialog_parts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What came of a check of the station's file: a lamp and what the monitor would say, below it what
 // was read; every entry in a window of its own.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A night on one time axis: the verdict as a band, a row for each quantity. A moment can be pointed
 // at with the mouse or the keys; wheel, drag and keys change what is shown of it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The parts of the timeline around its rows: head line, band of the verdict, what is pointed at.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the timeline of a night shows, computed from what the history holds; nothing is painted
 // here. Times are milliseconds since 1970, UTC.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Inks of the looks, where everything of the timeline stands, and the marks of its axis.
 #include "ui/look/look.h"
 #include "ui/look/shades.h"

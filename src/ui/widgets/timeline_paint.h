@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the timeline of a night is painted: band, rows, axis, and what stands over them while a
 // moment is pointed at. Painted with a QPainter of its own: rows share one axis, have zones that
 // change with the limits and curves that change their ink within a zone.

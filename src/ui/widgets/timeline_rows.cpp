@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rows below the band: curves with their gaps, scales, limits and the area beyond them.
 #include "conditions/rule_values.h"
 #include "platform/text_forms.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads from the history how long each level has lasted since noon.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/widgets/what_if.h"
 
 #include "conditions/rules_of.h"

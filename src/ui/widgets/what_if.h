@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "What if": how the recorded week would have gone with the limits as they are set now.
 #pragma once
 

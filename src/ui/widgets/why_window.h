@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Why the verdict was what it was at a moment of the past, in the words of `skyholdctl why`.
 #pragma once
 

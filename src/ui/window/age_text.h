@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How old a source's data are, in words: "12 s ago", "4 min ago".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the banner of a verdict looks: its ground, its sign and its letters, in the look in force.
 // The states differ in shape first; at night a safe banner is the darkest of them, an unsafe one
 // the brightest area of the window.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small states of what goes on beside the readings: recording, uploads, the network, alarms. A dot
 // works, a ring is off, a triangle has failed, an octagon sounds; the word beside it says which.
 #pragma once

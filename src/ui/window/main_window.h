@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window: what is always in view, the pages of settings, and the menus.
 #pragma once
 

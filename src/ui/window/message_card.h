@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the panel says of the verdict: its cause and the delay, who decides when the rules do not,
 // the alarm messages, and Stop Alarm.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/monitor_panel.h"
 #include "ui/window/health_marks.h"
 

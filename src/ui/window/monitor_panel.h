@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is always in view: the verdict with its cause, delay and alarm messages, Stop Alarm while a
 // sound is started, the roof switch, Start and Stop, a tile for every quantity, and the state of
 // both sources and of the clients.

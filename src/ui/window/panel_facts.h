@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the panel shows, as plain values made from the last cycle; the widgets only paint them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One quantity: its header, value, unit and condition on a card, and how it went over the last
 // hour.
 #pragma once

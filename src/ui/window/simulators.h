@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two simulators that come with the program, to try it without any hardware. Their weather is
 // made up.
 #pragma once

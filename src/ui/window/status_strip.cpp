@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/status_strip.h"
 
 #include "ui/dialogs/kiv_legend.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/tray.h"
 
 #include "ui/widgets/bind.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tray icon: it shows the verdict, and lets the program live without its window.
 #pragma once
 

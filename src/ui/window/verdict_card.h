@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The verdict of now, large enough to be read from afar, or that there is none.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The panel alone, for a screen that is read from across the room: verdict, why, tiles, health and
 // the band of the night, in letters that grow with the screen.
 #pragma once

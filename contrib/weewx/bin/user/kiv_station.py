@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Writes the weather station's file of Kiv_Skyhold from every loop packet of weewx.
 
 The file is a promise: what stands in it was measured lately. So
