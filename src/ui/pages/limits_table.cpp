@@ -237,6 +237,7 @@ void LimitsTable::addName(const QuantityRow& shown, std::size_t i) {
     name->setPixelSize(12);
     name->shrinkToChip();
     bind(name, level);
+    name->setAccessibleName(u"Name and colour: %1, level %2"_s.arg(titleOf(shown)).arg(i + 1));
     makeEditable(name, u"Change the name and colour of this level"_s,
                  [name, &level, &unsafe] { KivColor(level, &unsafe, name).exec(); });
     name->setFixedHeight(kRow);
@@ -257,6 +258,7 @@ void LimitsTable::addLimit(const QuantityRow& shown, std::size_t i) {
     const Quantity quantity = shown.quantity;
     KivGetNumber* limit =
         makeNumber(this, indexed("Limit" + suffix, i), conditions.Limit[quantity][i]);
+    limit->setAccessibleName(u"Limit: %1, level %2"_s.arg(titleOf(shown)).arg(i + 1));
     limit->setToolTip(u"Upper limit of this level: a value up to and including it belongs to it"_s);
     limit->setFixedSize(54, kBox);
     holdFocusWhile(
@@ -293,6 +295,7 @@ void LimitsTable::addSector(const QuantityRow& shown, std::size_t i) {
         words->setText(sectorWords(text, core_.records.units.Cardinal));
     });
     followVisible(words, sector.Visible);
+    words->setAccessibleName(u"Wind sector: %1, level %2"_s.arg(titleOf(shown)).arg(i + 1));
     makeEditable(words, u"Change the sector and the time for which the wind must blow from it"_s,
                  [this, words, &sector] {
                      const CurrentReadings& readings = core_.records.readings;
