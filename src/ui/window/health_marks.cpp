@@ -16,6 +16,7 @@ namespace skyhold {
 
 namespace {
 
+constexpr int kLetters = 13;
 constexpr int kMark = 12;
 constexpr int kSpace = 6;  // between a mark and its word
 constexpr int kApart = 14; // between two of them
@@ -126,7 +127,7 @@ HealthMarks::HealthMarks(QWidget* parent)
     : QWidget(parent) {
     setObjectName(u"HealthMarks"_s);
     QFont words = font();
-    words.setPixelSize(13);
+    words.setPixelSize(kLetters);
     setFont(words);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Expanding);
     followLook(this, [this] { update(); });
@@ -144,17 +145,27 @@ void HealthMarks::show(const std::array<HealthFact, kHealthNames.size()>& facts)
     update();
 }
 
+void HealthMarks::grow(qreal unit) {
+    grown_ = unit;
+    QFont words = font();
+    words.setPixelSize(grown(kLetters));
+    setFont(words);
+    updateGeometry();
+    update();
+}
+
 int HealthMarks::widthOf(std::size_t index, bool compact) const {
     const bool worded = !compact || facts_[index].health >= Health::Failed;
     const QString name = QString::fromUtf16(kHealthNames[index]);
-    return kMark + kApart + (worded ? kSpace + fontMetrics().horizontalAdvance(name) : 0);
+    return grown(kMark + kApart) +
+           (worded ? grown(kSpace) + fontMetrics().horizontalAdvance(name) : 0);
 }
 
 QSize HealthMarks::sizeWith(bool compact) const {
     int width = 0;
     for (std::size_t i = 0; i < facts_.size(); ++i)
         width += widthOf(i, compact);
-    return {width, kMark + 4};
+    return {width, grown(kMark + 4)};
 }
 
 QSize HealthMarks::sizeHint() const {
@@ -189,11 +200,12 @@ void HealthMarks::paintEvent(QPaintEvent*) {
     int left = 0;
     for (std::size_t i = 0; i < facts_.size(); ++i) {
         const int width = widthOf(i, small);
-        drawMark(painter, QRectF(left, (height() - kMark) / 2.0, kMark, kMark), facts_[i].health);
-        if (width > kMark + kApart) {
+        const qreal mark = grown(kMark);
+        drawMark(painter, QRectF(left, (height() - mark) / 2, mark, mark), facts_[i].health);
+        if (width > grown(kMark + kApart)) {
             const bool loud = facts_[i].health >= Health::Failed;
             painter.setPen(loud ? look::kText : look::kDimText);
-            painter.drawText(QRect(left + kMark + kSpace, 0, width, height()),
+            painter.drawText(QRect(left + grown(kMark + kSpace), 0, width, height()),
                              Qt::AlignLeft | Qt::AlignVCenter, QString::fromUtf16(kHealthNames[i]));
         }
         left += width;

@@ -32,6 +32,9 @@ class HealthMarks : public QWidget {
 
     void show(const std::array<HealthFact, kHealthNames.size()>& facts);
 
+    // How many times as large as in a window of 1280 by 800.
+    void grow(qreal unit);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -45,7 +48,10 @@ class HealthMarks : public QWidget {
     QSize sizeWith(bool compact) const;
     bool compact() const { return width() < sizeWith(false).width(); }
 
+    int grown(int length) const { return qRound(length * grown_); }
+
     std::array<HealthFact, kHealthNames.size()> facts_;
+    qreal grown_ = 1;
 };
 
 } // namespace skyhold

@@ -21,6 +21,7 @@ namespace skyhold {
 namespace {
 
 constexpr int kStopAlarmWidth = 118;
+constexpr int kAlarmMessages = 3;
 constexpr int kOneCauseLine = 34;
 constexpr int kTwoCauseLines = 62;
 constexpr int kCauseAlone = 26; // size of the letters
@@ -31,8 +32,16 @@ QString oneALine(const QString& causes) {
     return QString(causes).replace(u"; "_s, u"\n"_s);
 }
 
+// How large the letters are, and what gives them their size.
+class Growth : public QObject {
+  public:
+    using QObject::QObject;
+    qreal unit = 1;
+    std::vector<std::function<void()>> apply;
+};
+
 // Why the verdict is what it is, and what is left of the delay.
-QWidget* makeCause(Records& records, QWidget* card) {
+QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
     auto* automatic = new QWidget(card);
     automatic->setObjectName(u"Frame3"_s);
     Readout* cause = makeReadout(automatic, u"LblCause"_s, kCauseAlone);
@@ -59,13 +68,18 @@ QWidget* makeCause(Records& records, QWidget* card) {
             cause->setText(none ? u"No condition counts as unsafe."_s
                            : records.session.verdict == Verdict::Safe ? words
                                                                       : oneALine(words));
-        cause->setPixelSize(cause->text().contains(u'\n') ? kCauseInList : kCauseAlone);
+        const bool list = cause->text().contains(u'\n');
+        cause->setPixelSize(qRound((list ? kCauseInList : kCauseAlone) * growth->unit));
         last->setText(verdict.isEmpty() ? QString()
                                         : u"Last verdict: %1. %2"_s.arg(verdict, words));
         last->setHidden(!idle);
-        cause->setFixedHeight(idle && !failed ? kOneCauseLine : kTwoCauseLines);
+        cause->setFixedHeight(
+            qRound((idle && !failed ? kOneCauseLine : kTwoCauseLines) * growth->unit));
         delay->setHidden(idle);
+        last->setPixelSize(qRound(15 * growth->unit));
+        delay->setPixelSize(qRound(21 * growth->unit), true);
     };
+    growth->apply.push_back(showCause);
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
     follow(cause, records.session.verdict, [=](Verdict) { showCause(); });
     follow(cause, records.session.State, [=](SessionState) { showCause(); });
@@ -169,27 +183,48 @@ QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card) {
 
 } // namespace
 
-QWidget* makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Readout*>& ofSession) {
+MessageView makeMessageCard(MonitoringCore& core, QWidget* parent,
+                            std::vector<Readout*>& ofSession) {
     Records& records = core.records;
     auto* card = new Card(parent);
+    auto* growth = new Growth(card);
     card->setFixedHeight(kVerdictHeight);
     auto* lines = new QVBoxLayout;
     lines->setSpacing(2);
-    lines->addWidget(makeCause(records, card));
+    lines->addWidget(makeCause(records, card, growth));
     addControl(core, card, lines);
     lines->addStretch();
     QLayout* alarmLine = makeAlarmLine(records.display, card, ofSession);
     lines->addLayout(alarmLine);
     auto* overlay = new QVBoxLayout;
     overlay->addStretch();
-    overlay->addWidget(makeSilence(records.alarms, card));
-    overlay->addWidget(makeStopAlarm(core, card));
+    Readout* silence = makeSilence(records.alarms, card);
+    QPushButton* stopAlarm = makeStopAlarm(core, card);
+    overlay->addWidget(silence);
+    overlay->addWidget(stopAlarm);
     overlay->addSpacing(ofSession.back()->sizeHint().height() + look::kGap);
     auto* layout = new QGridLayout(card);
     layout->setContentsMargins(16, 8, 16, 8);
     layout->addLayout(lines, 0, 0);
     layout->addLayout(overlay, 0, 0, Qt::AlignRight);
-    return card;
+    const std::vector<Readout*> alarms(ofSession.end() - kAlarmMessages, ofSession.end());
+    growth->apply.emplace_back([=] {
+        card->setFixedHeight(qRound(kVerdictHeight * growth->unit));
+        for (Readout* alarm : alarms)
+            alarm->setPixelSize(qRound(15 * growth->unit), true);
+        const int width = qRound(kStopAlarmWidth * growth->unit);
+        silence->setFixedSize(width, qRound(34 * growth->unit));
+        silence->setPixelSize(qRound(13 * growth->unit), true);
+        stopAlarm->setFixedSize(width, qRound(32 * growth->unit));
+        QFont font = stopAlarm->font();
+        font.setPixelSize(qRound(14 * growth->unit));
+        stopAlarm->setFont(font);
+    });
+    return {card, [growth](qreal unit) {
+                growth->unit = unit;
+                for (const auto& apply : growth->apply)
+                    apply();
+            }};
 }
 
 } // namespace skyhold

@@ -5,6 +5,7 @@
 
 #include "core/monitoring_core.h"
 
+#include <functional>
 #include <vector>
 
 class QWidget;
@@ -13,7 +14,12 @@ namespace skyhold {
 
 class Readout;
 
+struct MessageView {
+    QWidget* card;
+    std::function<void(qreal)> grow; // how many times as large as at 1280 by 800
+};
 // `ofSession` gets the readouts that have a colour only while a session runs.
-QWidget* makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Readout*>& ofSession);
+MessageView makeMessageCard(MonitoringCore& core, QWidget* parent,
+                            std::vector<Readout*>& ofSession);
 
 } // namespace skyhold

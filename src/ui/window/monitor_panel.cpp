@@ -66,7 +66,9 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
     const VerdictView verdict = makeVerdictCard(core, this);
     countVerdict_ = verdict.tick;
     top->addWidget(verdict.card);
-    top->addWidget(makeMessageCard(core, this, readouts_), 1);
+    const MessageView message = makeMessageCard(core, this, readouts_);
+    grow_ = {verdict.grow, message.grow};
+    top->addWidget(message.card, 1);
     top->addWidget(makeSwitchAndSession(core));
 
     auto* layout = new QVBoxLayout(this);
@@ -110,6 +112,24 @@ void MonitorPanel::showEvent(QShowEvent* event) {
 void MonitorPanel::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     second_.stop();
+}
+
+// After the layouts that are at work: they would not see a height that changes meanwhile.
+void MonitorPanel::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    QMetaObject::invokeMethod(
+        this, [this] { growWithWindow(); }, Qt::QueuedConnection);
+}
+
+// Never smaller than is made for a small window.
+void MonitorPanel::growWithWindow() {
+    const QSize size = window()->size();
+    const qreal unit = std::max(1.0, std::min(size.width() / 1280.0, size.height() / 800.0));
+    if (unit == unit_)
+        return;
+    unit_ = unit;
+    for (const auto& grow : grow_)
+        grow(unit);
 }
 
 void MonitorPanel::showFacts(const MonitoringCore& core) {
@@ -203,6 +223,20 @@ QWidget* MonitorPanel::makeSwitchAndSession(MonitoringCore& core) {
     buttons->addWidget(start);
     buttons->addWidget(stop);
     layout->addLayout(buttons);
+    grow_.emplace_back([card, caption, value, left, start, stop](qreal unit) {
+        card->setFixedSize(qRound(196 * unit), qRound(kVerdictHeight * unit));
+        caption->setPixelSize(qRound(13 * unit));
+        caption->reserve(caption->text());
+        value->setPixelSize(qRound(22 * unit), true);
+        left->setPixelSize(qRound(13 * unit), true);
+        left->reserve(left->text());
+        for (QPushButton* button : {start, stop}) {
+            button->setMinimumHeight(qRound(40 * unit));
+            QFont font = button->font();
+            font.setPixelSize(qRound(16 * unit));
+            button->setFont(font);
+        }
+    });
     return card;
 }
 
@@ -244,6 +278,11 @@ QWidget* MonitorPanel::makeTiles(Records& records) {
         if (quantity == Quantity::Gust)
             addDirection();
     }
+    grow_.emplace_back([this, row](qreal unit) {
+        for (const ShownTile& shown : tiles_)
+            shown.tile->grow(unit);
+        row->setFixedHeight(tiles_.front().tile->sizeHint().height());
+    });
     return row;
 }
 
@@ -257,6 +296,27 @@ void MonitorPanel::showTrends(const Records& records, const QDateTime& now) {
     const double step = history.SampleEvery * records.session.RefreshRead.chosenSeconds();
     for (const TileTrend& shown : trends_)
         shown.tile->showTrend(lastHour(history, shown.value, daySerial(now), step), shown.scale);
+}
+
+// Each of its texts and lamps from the size that it was made with.
+void MonitorPanel::growRow(QWidget* row, HealthMarks* marks) {
+    std::vector<std::pair<Readout*, int>> texts;
+    for (Readout* text : row->findChildren<Readout*>())
+        texts.emplace_back(text, text->font().pixelSize());
+    std::vector<std::pair<LampWidget*, int>> lamps;
+    for (LampWidget* lamp : row->findChildren<LampWidget*>())
+        lamps.emplace_back(lamp, lamp->width());
+    const int height = row->height();
+    grow_.emplace_back([=](qreal unit) {
+        for (const auto& [text, size] : texts)
+            text->setPixelSize(qRound(size * unit));
+        for (const auto& [lamp, size] : lamps) {
+            const int side = qRound(size * unit);
+            lamp->setFixedSize(side, side);
+        }
+        marks->grow(unit);
+        row->setFixedHeight(qRound(height * unit));
+    });
 }
 
 QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
@@ -351,6 +411,7 @@ QWidget* MonitorPanel::makeSources(MonitoringCore& core) {
     users->reserve(u"Attached Users: 000"_s);
     bind(users, session.LblUsers);
     layout->addWidget(users);
+    growRow(row, marks);
     return row;
 }
 

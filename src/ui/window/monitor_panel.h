@@ -16,6 +16,7 @@
 
 namespace skyhold {
 
+class HealthMarks;
 class ReadingTile;
 class Readout;
 
@@ -28,11 +29,14 @@ class MonitorPanel : public QWidget {
   protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     QWidget* makeSwitchAndSession(MonitoringCore& core);
     QWidget* makeTiles(Records& records);
     QWidget* makeSources(MonitoringCore& core);
+    void growWithWindow();
+    void growRow(QWidget* row, HealthMarks* marks);
     void showTrends(const Records& records, const QDateTime& now);
     void showLive(const Records& records, bool live);
     void showFacts(const MonitoringCore& core);
@@ -51,6 +55,8 @@ class MonitorPanel : public QWidget {
     std::vector<ShownTile> tiles_;
     std::vector<Readout*> readouts_; // in colours of the session
     std::function<void()> countVerdict_, countAges_;
+    std::vector<std::function<void(qreal)>> grow_; // what gets larger with the window
+    qreal unit_ = 1;
     QTimer second_;                                           // runs while the panel is visible
     std::pair<std::int32_t, std::int32_t> shownPoints_{0, 0}; // how many, and the newest
 };

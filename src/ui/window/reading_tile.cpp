@@ -110,6 +110,14 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
         if (!text.isEmpty())
             last_ = text;
     });
+    followLook(this, [this] { showGround(); });
+}
+
+// A look has a ground of its own for culprits.
+void ReadingTile::showGround() {
+    const QColor ground = facts_.culprit ? culpritGround() : QColor();
+    for (Readout* readout : {header_, value_, unit_, condition_, spread_})
+        readout->setGround(ground);
 }
 
 void ReadingTile::showCondition(Label& condition, const QString& name) {
@@ -135,9 +143,7 @@ void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
 void ReadingTile::showFacts(const TileFacts& facts) {
     facts_ = facts;
     const bool shown = facts.culprit && !facts.foot.isEmpty();
-    const QColor ground = facts.culprit ? culpritGround() : QColor();
-    for (Readout* readout : {header_, value_, unit_, condition_, spread_})
-        readout->setGround(ground);
+    showGround();
     setToolTip(shown ? facts.foot : QString());
     place();
     update();
@@ -161,16 +167,25 @@ void ReadingTile::setOld(bool old, const QString& at) {
     update();
 }
 
+void ReadingTile::grow(qreal unit) {
+    if (unit == grown_)
+        return;
+    grown_ = unit;
+    updateGeometry();
+    place();
+    update();
+}
+
 QSize ReadingTile::sizeHint() const {
-    return {128, kHeight};
+    return {128, grown(kHeight)};
 }
 
 QSize ReadingTile::minimumSizeHint() const {
-    return {96, kHeight};
+    return {96, grown(kHeight)};
 }
 
 QRect ReadingTile::strip() const {
-    return {8, kStripTop, width() - 16, kStripHeight};
+    return {grown(8), grown(kStripTop), width() - 2 * grown(8), grown(kStripHeight)};
 }
 
 void ReadingTile::paintEvent(QPaintEvent* event) {
@@ -204,7 +219,7 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
     if (at_->isVisible())
         return;
     if (facts_.gauge) {
-        const QRectF bar(10, kStripTop + 5, width() - 20, 6);
+        const QRectF bar(grown(10), grown(kStripTop + 5), width() - 2 * grown(10), grown(6));
         drawGauge(painter, *facts_.gauge, bar);
         drawLimitNumbers(painter, *facts_.gauge, bar);
         return;
@@ -220,13 +235,13 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
 
 // What is exceeded and since when, below a culprit.
 void ReadingTile::drawFoot(QPainter& painter) const {
-    const QRect foot(0, height() - kFootHeight, width(), kFootHeight);
+    const QRect foot(0, height() - grown(kFootHeight), width(), grown(kFootHeight));
     const bool night = atNight();
     painter.fillRect(foot, night ? QColor(0xff, 0, 0) : QColor(0xc4, 0x16, 0x1c));
     painter.setPen(night ? Qt::black : Qt::white);
     QFont letters = font();
     letters.setBold(true);
-    for (int size = 13; size >= 10; --size) {
+    for (int size = grown(13); size >= grown(10); --size) {
         letters.setPixelSize(size);
         if (QFontMetrics(letters).horizontalAdvance(facts_.foot) <= foot.width() - 6)
             break;
@@ -238,7 +253,7 @@ void ReadingTile::drawFoot(QPainter& painter) const {
 // Those that part safe from unsafe; one that would touch the last is left out.
 void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const {
     QFont letters = font();
-    letters.setPixelSize(11);
+    letters.setPixelSize(grown(11));
     letters.setBold(true);
     painter.setFont(letters);
     painter.setPen(look::ink({0xff, 0x8f, 0x8f}, look::kCard));
@@ -252,7 +267,8 @@ void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const 
         if (left < free)
             continue;
         free = left + wide + 4;
-        painter.drawText(QRectF(left, bar.bottom() + 2, wide + 1, 14), Qt::AlignCenter, limit.text);
+        painter.drawText(QRectF(left, bar.bottom() + grown(2), wide + 1, grown(14)),
+                         Qt::AlignCenter, limit.text);
     }
 }
 
@@ -276,29 +292,30 @@ void ReadingTile::resizeEvent(QResizeEvent*) {
 // The size of the letters follows the width, so that neighbours look alike.
 void ReadingTile::place() {
     constexpr int kNarrow = 120;
-    const bool narrow = width() < kNarrow;
-    const int inset = narrow ? 8 : 10;
-    header_->setPixelSize(narrow ? 12 : 14);
-    unit_->setPixelSize(narrow ? 11 : 13);
-    value_->setPixelSize(narrow ? 25 : 29, true);
-    condition_->setPixelSize(narrow ? 12 : 14, true);
-    at_->setPixelSize(12);
+    const bool narrow = width() < grown(kNarrow);
+    const int inset = grown(narrow ? 8 : 10);
+    header_->setPixelSize(grown(narrow ? 12 : 14));
+    unit_->setPixelSize(grown(narrow ? 11 : 13));
+    value_->setPixelSize(grown(narrow ? 25 : 29), true);
+    condition_->setPixelSize(grown(narrow ? 12 : 14), true);
+    at_->setPixelSize(grown(12));
 
     const int inner = width() - 2 * inset;
+    const int line = grown(20);
     const int unitWidth = unit_->fontMetrics().horizontalAdvance(unit_->text()) + 2;
-    header_->setGeometry(inset, 6, inner - unitWidth - 2, 20);
-    unit_->setGeometry(inset + inner - unitWidth, 6, unitWidth, 20);
-    value_->setGeometry(inset, 26, inner, 36);
-    spread_->setPixelSize(narrow ? 11 : 12);
+    header_->setGeometry(inset, grown(6), inner - unitWidth - 2, line);
+    unit_->setGeometry(inset + inner - unitWidth, grown(6), unitWidth, line);
+    value_->setGeometry(inset, grown(26), inner, grown(36));
+    spread_->setPixelSize(grown(narrow ? 11 : 12));
     spread_->setText(
         narrow ? QString(facts_.spread).replace(QStringLiteral("spread"), QStringLiteral("\u0394"))
                : facts_.spread);
     const int spreadWidth = spread_->text().isEmpty()
                                 ? 0
                                 : spread_->fontMetrics().horizontalAdvance(spread_->text()) + 2;
-    condition_->setGeometry(inset, 62, inner - spreadWidth, 20);
-    spread_->setGeometry(inset + inner - spreadWidth, 62, spreadWidth, 20);
-    at_->setGeometry(inset, kStripTop, inner, kStripHeight);
+    condition_->setGeometry(inset, grown(62), inner - spreadWidth, line);
+    spread_->setGeometry(inset + inner - spreadWidth, grown(62), spreadWidth, line);
+    at_->setGeometry(inset, grown(kStripTop), inner, grown(kStripHeight));
 }
 
 } // namespace skyhold

@@ -34,6 +34,8 @@ class ReadingTile : public Card {
     void setLost(bool lost, const QString& at);
     // A reading of the past is grey on a hollow card, and has the time `at` in the trend's place.
     void setOld(bool old, const QString& at);
+    // How many times as large as in a window of 1280 by 800.
+    void grow(qreal unit);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -44,7 +46,9 @@ class ReadingTile : public Card {
 
   private:
     void place();
+    void showGround();
     QRect strip() const;
+    int grown(qreal length) const { return qRound(length * grown_); }
     void drawFoot(QPainter& painter) const;
     void drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const;
     void drawLost(QPainter& painter) const;
@@ -59,6 +63,7 @@ class ReadingTile : public Card {
     TrendScale scale_;
     TileFacts facts_;
     bool lost_ = false;
+    qreal grown_ = 1;
     QString last_; // value that was known
 };
 

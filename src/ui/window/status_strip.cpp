@@ -61,6 +61,8 @@ StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
         allowCopying(line);
     }
     codes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    status->setAccessibleName(u"Status"_s);
+    codes->setAccessibleName(u"Status codes"_s);
     codes->setToolTip(u"Status codes; click for their meanings"_s);
     bind(status, session.Statusbar1);
     bind(codes, session.Statusbar2);
@@ -86,6 +88,20 @@ StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     };
     openEditorOn(codes, explain);
     onClick(codes, explain);
+}
+
+void StatusStrip::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    QMetaObject::invokeMethod(
+        this, [this] { growWithWindow(); }, Qt::QueuedConnection);
+}
+
+void StatusStrip::growWithWindow() {
+    const QSize size = window()->size();
+    const qreal unit = std::max(1.0, std::min(size.width() / 1280.0, size.height() / 800.0));
+    setFixedHeight(qRound(30 * unit));
+    for (Readout* line : findChildren<Readout*>(Qt::FindDirectChildrenOnly))
+        line->setPixelSize(qRound(15 * unit), line->font().bold());
 }
 
 void StatusStrip::paintEvent(QPaintEvent* event) {

@@ -17,6 +17,10 @@ class StatusStrip : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void growWithWindow();
 };
 
 } // namespace skyhold

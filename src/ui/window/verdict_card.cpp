@@ -35,6 +35,7 @@ class VerdictBanner : public QWidget {
 
     void show(SessionState state);
     void showMoment();
+    void grow(qreal unit);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -49,6 +50,7 @@ class VerdictBanner : public QWidget {
     bool ran_ = false;
     QString stopped_; // when the last session was
     std::int64_t startedMs_ = 0;
+    qreal grown_ = 1;
 };
 
 constexpr int kSignSide = 76;
@@ -59,24 +61,32 @@ VerdictBanner::VerdictBanner(MonitoringCore& core, QWidget* parent)
     , core_(core)
     , verdict_(new BannerText(this))
     , note_(new BannerText(this)) {
-    setFixedSize(372, kVerdictHeight);
     setObjectName(u"VerdictBanner"_s);
     verdict_->setObjectName(u"LblStatus"_s);
     note_->setObjectName(u"LblVerdictNote"_s);
-    note_->setFixedHeight(24);
     auto* words = new QVBoxLayout(this);
-    words->setContentsMargins(kSignLeft + kSignSide + 14, 12, 12, 12);
     words->setSpacing(0);
     words->addStretch();
     words->addWidget(verdict_);
     words->addWidget(note_);
     words->addStretch();
+    grow(1);
 
     SessionControls& session = core.records.session;
     follow(this, session.State, [this](SessionState state) { show(state); });
     follow(this, session.verdict, [this](Verdict) { showMoment(); });
     follow(this, session.CyclesDone, [this](std::int64_t) { showMoment(); });
     follow(this, core.records.display.LblCause.Caption, [this](const QString&) { showMoment(); });
+}
+
+void VerdictBanner::grow(qreal unit) {
+    grown_ = unit;
+    const int margin = qRound(12 * unit);
+    setFixedSize(qRound(372 * unit), qRound(kVerdictHeight * unit));
+    layout()->setContentsMargins(qRound((kSignLeft + kSignSide + 14) * unit), margin, margin,
+                                 margin);
+    note_->setFixedHeight(qRound(24 * unit));
+    showMoment();
 }
 
 void VerdictBanner::show(SessionState state) {
@@ -108,12 +118,12 @@ void VerdictBanner::showFacts(const BannerFacts& facts) {
     const bool starting = kind_ == BannerKind::Starting;
     const bool judged = !idle && !starting && kind_ != BannerKind::NoVerdict;
     // A verdict without a session would look like a judgement of now.
-    const int size = judged ? 62 : starting ? 40 : 30;
+    const int size = qRound((judged ? 62 : starting ? 40 : 30) * grown_);
     verdict_->setPixelSize(size, true);
     verdict_->setFixedHeight(size * 5 / 4);
     verdict_->setText(idle ? u"Not monitoring"_s : starting ? u"Starting"_s : words);
     verdict_->setHidden(verdict_->text().isEmpty());
-    note_->setPixelSize(judged ? 17 : 15, judged);
+    note_->setPixelSize(qRound((judged ? 17 : 15) * grown_), judged);
     note_->setText(idle ? stopped_ : facts.line);
     note_->setHidden(note_->text().isEmpty());
     update();
@@ -123,16 +133,17 @@ void VerdictBanner::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const BannerLook look = bannerLook(kind_);
     drawBanner(painter, rect(), look);
-    drawSign(painter, QRectF(kSignLeft, (height() - kSignSide) / 2.0, kSignSide, kSignSide), kind_,
-             look);
+    const qreal side = kSignSide * grown_;
+    drawSign(painter, QRectF(kSignLeft * grown_, (height() - side) / 2, side, side), kind_, look);
 }
 
 } // namespace
 
 VerdictView makeVerdictCard(MonitoringCore& core, QWidget* parent) {
     auto* banner = new VerdictBanner(core, parent);
-    return {banner, [banner] {
-                banner->showMoment();
+    return {banner, [banner] { banner->showMoment(); },
+            [banner](qreal unit) {
+                banner->grow(unit);
             }};
 }
 

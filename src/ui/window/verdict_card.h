@@ -12,7 +12,8 @@ constexpr int kVerdictHeight = 128;
 
 struct VerdictView {
     QWidget* card;
-    std::function<void()> tick; // what it counts, each second
+    std::function<void()> tick;      // what it counts, each second
+    std::function<void(qreal)> grow; // how many times as large as at 1280 by 800
 };
 VerdictView makeVerdictCard(MonitoringCore& core, QWidget* parent);
 
