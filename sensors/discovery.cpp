@@ -36,6 +36,10 @@ void serveEvents(double seconds, const std::function<bool()>& done) {
             static_cast<int>(std::min<qint64>(limit.remainingTime(), 100)));
 }
 
+QString deviceCount(std::size_t count) {
+    return count == 1 ? u"1 device"_s : u"%1 devices"_s.arg(count);
+}
+
 void print(const QString& line) {
     std::printf("%s\n", qUtf8Printable(line));
 }
@@ -155,7 +159,7 @@ int listDevices(const QString& indiServer, double seconds) {
     if (!indi)
         print(fault);
     else
-        print(u"INDI server %1: %2 devices"_s.arg(indiServer).arg(indi->size()));
+        print(u"INDI server %1: %2"_s.arg(indiServer, deviceCount(indi->size())));
     for (const FoundDevice& device : indi.value_or(std::vector<FoundDevice>())) {
         print(u"\n%1 (%2)"_s.arg(device.name,
                                  device.connected ? u"connected"_s : u"not connected"_s));
@@ -163,7 +167,7 @@ int listDevices(const QString& indiServer, double seconds) {
             print(u"  %1 = %2   %3"_s.arg(value.address, value.text, value.label));
     }
     const std::vector<FoundAlpaca> alpaca = findAlpacaDevices(seconds);
-    print(u"\nAlpaca: %1 devices"_s.arg(alpaca.size()));
+    print(u"\nAlpaca: %1"_s.arg(deviceCount(alpaca.size())));
     for (const FoundAlpaca& device : alpaca)
         print(u"  url = %1   device = %2   %3"_s.arg(device.url, device.device, device.name));
     std::fflush(stdout);

@@ -206,6 +206,8 @@ int setUp(const QString& path) {
         if (device.name == answers.device)
             values = device.values;
     }
+    if (!std::cin)
+        return fail(u"the answers ended too early: nothing is written"_s);
     if (!createFolder(QFileInfo(path).path()) ||
         !writeNew(path, settingsText(answers, values).toUtf8()))
         return fail(path + u" cannot be written"_s);

@@ -306,6 +306,7 @@ int main(int argc, char** argv) {
     std::unique_ptr<KivSHMainform> window;
     std::unique_ptr<Tray> tray;
     if (!headless) {
+        Simulators::of(&application).endWithFile(core.records.stationFile.HTMFile);
         window = std::make_unique<KivSHMainform>(core);
         core.showMessage = makeMessageDialog(*window);
         const Notices notices = makeNotices(*window);

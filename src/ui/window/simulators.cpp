@@ -3,6 +3,8 @@
 
 #include "platform/clock_options.h"
 #include "platform/files.h"
+#include "records/controls.h"
+#include "ui/widgets/bind.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -105,6 +107,13 @@ QString Simulators::startOne(QProcess& process, const QString& name, const QStri
         return {};
     return u"%1 has ended: %2"_s.arg(name,
                                      QString::fromUtf8(process.readAllStandardError()).trimmed());
+}
+
+void Simulators::endWithFile(Label& stationFile) {
+    follow(this, stationFile.Caption, [this](const QString& path) {
+        if (path != Simulators::stationFile())
+            end();
+    });
 }
 
 void Simulators::end() {

@@ -12,6 +12,8 @@ class QProcess;
 
 namespace skyhold {
 
+struct Label;
+
 class Simulators : public QObject {
     Q_OBJECT
 
@@ -29,6 +31,9 @@ class Simulators : public QObject {
     // Starts both, with one clock: that of this program's own options, if it was given any. Empty,
     // or why they do not run: a sensor program that runs already, for one, keeps its place.
     QString start();
+    // From now on they end as soon as the station's file is another than theirs: beside a real
+    // station their made-up clouds and rain would be judged as real ones.
+    void endWithFile(Label& stationFile);
 
   Q_SIGNALS:
     // They run, or one has ended.
