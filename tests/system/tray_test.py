@@ -210,6 +210,16 @@ class TrayTest(unittest.TestCase):
             desktop.give_keys(desktop.windows("--name", "^About$").pop())
             desktop.keys("Return")
             desktop.wait_until("its end", lambda: not desktop.windows("--name", "^About$"))
+
+            # Beside the file of a real station no simulator goes on.
+            self.assertTrue(desktop.bus.name_has_owner(run.SENSOR_NAME))
+            desktop.give_keys(window)
+            desktop.keys("alt+o", "alt+e")
+            desktop.wait_until("the dialog", lambda: desktop.windows("--name", "^Select data file"))
+            desktop.give_keys(desktop.windows("--name", "^Select data file").pop())
+            desktop.xdotool("type", "--delay", 10, desktop.settings)
+            desktop.keys("Return")
+            desktop.wait_until("their end", lambda: not desktop.bus.name_has_owner(run.SENSOR_NAME))
             desktop.panel.terminate()
             desktop.panel.wait(10)
             desktop.iconify_and_activate(window)
@@ -218,7 +228,6 @@ class TrayTest(unittest.TestCase):
             desktop.choose("e")
             self.assertEqual(desktop.monitor.wait(10), 0)
             desktop.wait_until("an empty tray", lambda: not desktop.icon())
-            self.assertFalse(desktop.bus.name_has_owner(run.SENSOR_NAME))  # ended with it
             self.assertIn("Emulator=1", desktop.settings.read_text(encoding="utf-8").splitlines())
 
 
