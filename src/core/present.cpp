@@ -148,7 +148,7 @@ void present(const CycleResult& result, const QString& codes, const NumberForms&
     presentVerdict(result, records);
     records.display.LblCause.Caption =
         result.judgement.byClient ? u"Decided by "_s + records.session.LblControl.Caption.value()
-                                  : causeLine(result, records.conditions, forms);
+                                  : withShownUnits(causeLine(result, records.conditions, forms));
     if (!result.judgement.byClient)
         records.conditions.SafeDelayMsg.Caption =
             result.judgement.waiting()

@@ -121,7 +121,8 @@ void publishUnsafe(MonitoringCore& core) {
     soundAlarm(core, result);
     sendVerdict(core, result);
     driveSwitch(core, result);
-    core.records.display.LblCause.Caption = causeLine(result, core.records.conditions, core.forms);
+    core.records.display.LblCause.Caption =
+        withShownUnits(causeLine(result, core.records.conditions, core.forms));
     showVerdict(core);
 }
 

@@ -2,16 +2,13 @@
 #include "units/unit_change.h"
 
 #include "units/conversion.h"
+#include "units/unit_text.h"
 
 #include <utility>
 
 namespace skyhold {
 
 namespace {
-
-constexpr std::array<const char16_t*, kSpeedCodes.size()> kSpeedTexts{u"km/hr", u"mph", u"m/s",
-                                                                      u"knot"};
-constexpr std::array<const char16_t*, kTemperatureCodes.size()> kTemperatureTexts{u"°C", u"°F"};
 
 template <class Code>
 struct ConvertedLimits {
@@ -28,11 +25,11 @@ struct ChosenUnit {
 };
 
 template <class Code>
-void changeUnit(Code code, const char16_t* text, const ChosenUnit<Code>& chosen, bool loading,
+void changeUnit(Code code, const QString& text, const ChosenUnit<Code>& chosen, bool loading,
                 std::initializer_list<ConvertedLimits<Code>> converted,
                 const ConvertHistory<Code>& convertHistory) {
     chosen.inForce = code;
-    chosen.shown.Caption = QString::fromUtf16(text);
+    chosen.shown.Caption = text;
 
     // Choosing the unit that limits and history are in already must leave them alone: a
     // temperature conversion does not look at where it comes from.
@@ -62,7 +59,7 @@ void UnitsSpeed_Click(int index, UnitControls& units, ConditionControls& conditi
     const auto place = placeOf<kSpeedCodes.size()>(index);
     if (!place)
         return;
-    changeUnit<SpeedCode>(kSpeedCodes[*place], kSpeedTexts[*place],
+    changeUnit<SpeedCode>(kSpeedCodes[*place], shownSpeedUnit(kSpeedCodes[*place]),
                           {readings.SpeedUnit, units.PreviousSpeedUnit, units.SpeedUnitText},
                           units.Loading,
                           {{conditions.Limit[Quantity::Wind], ConvertSpeed},
@@ -77,7 +74,8 @@ void UnitsTemp_Click(int index, UnitControls& units, ConditionControls& conditio
     if (!place)
         return;
     changeUnit<TemperatureCode>(
-        kTemperatureCodes[*place], kTemperatureTexts[*place],
+        kTemperatureCodes[*place],
+        shownUnit(Measure::Temperature, kTemperatureCodes[*place], SpeedCode::KilometresPerHour),
         {readings.TemperatureUnit, units.PreviousTemperatureUnit, units.TemperatureUnitText},
         units.Loading,
         {{conditions.Limit[Quantity::Dew], ConvertTemperatureDifference},

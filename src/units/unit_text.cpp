@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "units/unit_text.h"
 
+#include <QRegularExpression>
+
 namespace skyhold {
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,6 +25,31 @@ QString unitText(Measure measure, TemperatureCode temperatureUnit, SpeedCode spe
         break;
     }
     return {};
+}
+
+QString shownSpeedUnit(SpeedCode speedUnit) {
+    switch (speedUnit) {
+    case SpeedCode::MilesPerHour:
+        return u"mph"_s;
+    case SpeedCode::MetresPerSecond:
+        return u"m/s"_s;
+    case SpeedCode::Knots:
+        return u"knot"_s;
+    case SpeedCode::KilometresPerHour:
+        break;
+    }
+    return u"km/hr"_s;
+}
+
+QString shownUnit(Measure measure, TemperatureCode temperatureUnit, SpeedCode speedUnit) {
+    return measure == Measure::Speed ? shownSpeedUnit(speedUnit)
+                                     : unitText(measure, temperatureUnit, speedUnit);
+}
+
+QString withShownUnits(QString sentence) {
+    static const QRegularExpression kilometres(u"(?<=\\d) km/h\\b"_s);
+    static const QRegularExpression knots(u"(?<=\\d) kn\\b"_s);
+    return sentence.replace(kilometres, u" km/hr"_s).replace(knots, u" knot"_s);
 }
 
 } // namespace skyhold

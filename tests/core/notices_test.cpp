@@ -47,7 +47,7 @@ TEST_F(Notices, ANightIsOneNoticeAChange) {
     cycle();
     EXPECT_EQ(said(), QStringList());
     cycle({.wind = u"23.4"_s}, 60);
-    EXPECT_EQ(said(), QStringList{u"Unsafe\nWind 23.4 km/h, above 20, since 22:01:10"_s});
+    EXPECT_EQ(said(), QStringList{u"Unsafe\nWind 23.4 km/hr, above 20, since 22:01:10"_s});
     cycle({.wind = u"25"_s}); // the same, only worse
     EXPECT_EQ(said(), QStringList());
     cycle();

@@ -106,7 +106,7 @@ TEST_F(StationInTheCycle, whatIsNotJudgedIsSaid) {
     EXPECT_EQ(
         cause(),
         u"All other conditions safe; nearest: dew-point spread 8.0 °C, unsafe at 3; Wind 105.0 "
-        "km/h is beyond the last limit and is not judged"_s);
+        "km/hr is beyond the last limit and is not judged"_s);
     CheckBox& hot = records().conditions.Cond[Quantity::Temperature][2];
     hot.Value = 0;
     page.temperature = u"99"_s;

@@ -39,7 +39,7 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     cycle({.wind = u"15"_s}, 60);
     EXPECT_EQ(shown("LblStatus"), u"Unsafe"_s);
     EXPECT_EQ(child<Readout>(*window_, "LCondWind")->ink(), screenColour(kOrange));
-    EXPECT_TRUE(shown("LblCause").startsWith(u"Wind 15.0 km/h, above 10, since "_s));
+    EXPECT_TRUE(shown("LblCause").startsWith(u"Wind 15.0 km/hr, above 10, since "_s));
     cycle({});
     cycle({});
     ASSERT_EQ(shown("LblStatus"), u"Safe"_s);

@@ -178,7 +178,7 @@ TEST(Timeline, LogIsNewestFirstAndItsCsvKeepsQuotes) {
     EXPECT_TRUE(matches(log[0], u"STRONG gust"_s));
     EXPECT_FALSE(matches(log[0], u"gust rain"_s));
     const QStringList lines = logCsv(log).split(u"\r\n"_s);
-    EXPECT_TRUE(lines[1].endsWith(u",100,\"Unsafe\",\"Gust \"\"strong\"\", 50 km/h\""_s));
+    EXPECT_TRUE(lines[1].endsWith(u",100,\"Unsafe\",\"Gust \"\"strong\"\", 50 km/hr\""_s));
 }
 
 } // namespace

@@ -334,7 +334,7 @@ void LimitsTable::showQuantity(const QuantityRow& shown) {
     now.value->setText(known ? formatNumber(value, whole ? u"0" : u"0.0", core_.forms) : u"–"_s);
     now.value->setInk(screenColour(unsafe ? kOrange : kGreen));
     now.value->setOld(!live);
-    now.unit->setText(known ? unitText(shown.measure, result.temperatureUnit, result.speedUnit)
+    now.unit->setText(known ? shownUnit(shown.measure, result.temperatureUnit, result.speedUnit)
                             : QString());
 
     std::optional<double> room;

@@ -2,6 +2,7 @@
 #include "ui/widgets/timeline_data.h"
 
 #include "platform/text_forms.h"
+#include "units/unit_text.h"
 
 #include <QJsonArray>
 
@@ -31,7 +32,7 @@ std::optional<HistoryEvent> lastLimitsBefore(HistoryReader& reader, std::int64_t
 QString withoutSince(const QJsonValue& cause) {
     QString text = cause[u"text"_s].toString();
     const qsizetype since = text.lastIndexOf(u", since "_s);
-    return since > 0 ? text.first(since) : text;
+    return withShownUnits(since > 0 ? text.first(since) : text);
 }
 
 BandState stateOf(const QString& verdict, const QJsonArray& causes) {

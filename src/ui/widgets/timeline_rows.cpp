@@ -3,6 +3,7 @@
 #include "conditions/rule_values.h"
 #include "platform/text_forms.h"
 #include "ui/widgets/timeline_data.h"
+#include "units/unit_text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -279,7 +280,9 @@ std::vector<TimelineRow> rowsOf(const NightRecord& record) {
         TimelineRow row;
         row.index = index;
         row.title = titleOf(index);
-        row.unit = measuredUnit(index, units);
+        row.unit = measureOf(index) == Measure::Speed
+                       ? shownSpeedUnit(static_cast<SpeedCode>(units.speed))
+                       : measuredUnit(index, units);
         row.logarithmic = index == measured(Quantity::Brightness);
         const bool raw = row.unit.isEmpty();
         row.decimals = raw || index == measured(Quantity::Humidity) ? 0 : 1;
