@@ -4,8 +4,12 @@
 #include "ui/widgets/timeline_data.h"
 
 #include "conditions/rule_values.h"
+#include "ui/widgets/night_log.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
+#include <QListWidget>
+#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -179,6 +183,22 @@ TEST(Timeline, LogIsNewestFirstAndItsCsvKeepsQuotes) {
     EXPECT_FALSE(matches(log[0], u"gust rain"_s));
     const QStringList lines = logCsv(log).split(u"\r\n"_s);
     EXPECT_TRUE(lines[1].endsWith(u",100,\"Unsafe\",\"Gust \"\"strong\"\", 50 km/hr\""_s));
+}
+
+TEST(Timeline, LogShrinksWithItsWindow) {
+    QWidget window;
+    auto* log = new NightLog(&window);
+    (new QVBoxLayout(&window))->addWidget(log);
+    log->show({LogEntry{}, LogEntry{}});
+    const auto* list = log->findChild<QListWidget*>();
+    const auto heightIn = [&](QSize size) {
+        window.resize(size);
+        QCoreApplication::processEvents();
+        return list->visualItemRect(list->item(0)).height();
+    };
+    window.show();
+    const int large = heightIn({3840, 2160});
+    EXPECT_LT(heightIn({1280, 800}), large / 2);
 }
 
 } // namespace

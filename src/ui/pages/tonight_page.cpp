@@ -6,12 +6,12 @@
 #include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
 #include "ui/widgets/bind.h"
+#include "ui/widgets/framed_button.h"
 #include "ui/widgets/night_log.h"
 #include "ui/widgets/why_window.h"
 
 #include <QButtonGroup>
 #include <QHBoxLayout>
-#include <QPushButton>
 
 #include <algorithm>
 
@@ -109,7 +109,7 @@ void TonightPage::makeBar() {
     spans_ = new QButtonGroup(this);
     spans_->setExclusive(false); // none is chosen where the user zoomed
     for (std::size_t i = 0; i < kSpans.size(); ++i) {
-        auto* button = new QPushButton(QString::fromUtf16(kSpans[i].text), bar_);
+        auto* button = new FramedButton(QString::fromUtf16(kSpans[i].text), bar_);
         button->setObjectName(QLatin1String(kSpans[i].name));
         button->setToolTip(QString::fromUtf16(kSpans[i].tip));
         button->setCheckable(true);
@@ -118,7 +118,7 @@ void TonightPage::makeBar() {
     }
     connect(spans_, &QButtonGroup::idClicked, this,
             [this](int id) { choose(static_cast<NightSpan>(id)); });
-    backToNow_ = new QPushButton(u"Back to now"_s, bar_);
+    backToNow_ = new FramedButton(u"Back to now"_s, bar_);
     backToNow_->setObjectName(u"ButtBackToNow"_s);
     backToNow_->setToolTip(u"Shows the same span up to the present (End)"_s);
     row->addWidget(backToNow_);

@@ -4,6 +4,7 @@
 #include "platform/text_forms.h"
 #include "ui/dialogs/choose_path.h"
 #include "ui/look/look.h"
+#include "ui/widgets/framed_button.h"
 #include "ui/widgets/timeline_paint.h"
 
 #include <QAction>
@@ -114,8 +115,8 @@ NightLog::NightLog(QWidget* parent)
     : QWidget(parent)
     , filter_(new QLineEdit(this))
     , list_(new QListWidget(this))
-    , copy_(new QPushButton(u"Copy"_s, this))
-    , save_(new QPushButton(u"CSV…"_s, this)) {
+    , copy_(new FramedButton(u"Copy"_s, this))
+    , save_(new FramedButton(u"CSV…"_s, this)) {
     setObjectName(u"NightLog"_s);
     auto* heading = new QLabel(u"Log"_s, this);
     heading->setFont(pixelFont(13, true));
@@ -178,6 +179,12 @@ NightLog::NightLog(QWidget* parent)
 void NightLog::show(std::vector<LogEntry> entries) {
     entries_ = std::move(entries);
     fill();
+}
+
+// Entries are as high as the window's letters, and a list asks for that once.
+void NightLog::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    list_->doItemsLayout();
 }
 
 void NightLog::fill() {

@@ -27,6 +27,9 @@ class NightLog : public QWidget {
     std::function<QString(const QString& suggested)> chooseFile;
     std::function<void(const QString& fault)> onFault;
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
     void fill();
     void copy();

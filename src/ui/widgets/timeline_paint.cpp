@@ -163,8 +163,12 @@ class RowPainter {
 void paintLabels(QPainter& painter, const TimelineGrid& grid, const TimelineRow& row,
                  const QRectF& whole, const RowPainter& rowPainter, bool culprit) {
     const TimelineInk ink = timelineInk();
-    const bool withUnit = whole.height() >= 2.4 * grid.text;
-    QRectF name(whole.left() + 2, whole.top() + 2, grid.labelEnd - whole.left(), 1.3 * grid.text);
+    const double nameHeight = 1.2 * grid.text;
+    const double unitHeight = 1.2 * grid.small;
+    const double spare = whole.height() - nameHeight - unitHeight;
+    const bool withUnit = spare >= 0;
+    QRectF name(whole.left() + 2, whole.top() + std::clamp(spare / 2, 0.0, 3.0),
+                grid.labelEnd - whole.left(), nameHeight);
     if (!withUnit)
         name.moveTop(whole.center().y() - name.height() / 2);
     if (culprit) {
@@ -179,7 +183,7 @@ void paintLabels(QPainter& painter, const TimelineGrid& grid, const TimelineRow&
     if (withUnit) {
         painter.setFont(pixelFont(grid.small));
         painter.setPen(ink.dim);
-        painter.drawText(QRectF(whole.left() + 2, name.bottom(), 60 * grid.unit, 1.3 * grid.small),
+        painter.drawText(QRectF(whole.left() + 2, name.bottom(), 60 * grid.unit, unitHeight),
                          Qt::AlignLeft | Qt::AlignVCenter, row.unit);
     }
     // The limits in force at the end, those that do not stand on another.
