@@ -400,6 +400,9 @@ int main(int argc, char** argv) {
             album.take(wall, u"wall-"_s + moment);
         }
     };
+    std::array<double, kLevelCount> usualLimits{};
+    for (std::size_t i = 0; i < kLevelCount; ++i)
+        usualLimits[i] = monitor.records().conditions.Limit[Quantity::Temperature][i].Value;
     for (const Scene& moment : kMoments) {
         moment.reach(monitor);
         takeNow(moment.name);
@@ -417,6 +420,9 @@ int main(int argc, char** argv) {
                 takeDialogs(album, monitor, window);
         }
     }
+    // A limit that is out of order keeps the focus, and with it its page.
+    for (std::size_t i = 0; i < kLevelCount; ++i)
+        monitor.records().conditions.Limit[Quantity::Temperature][i].Value = usualLimits[i];
     const bool walked = writeKeyboardWalk(arguments[1], window);
     monitor.start([&takeNow] { takeNow(kStartingMoment.data()); });
     album.saveSheets();
