@@ -278,19 +278,19 @@ int main(int argc, char** argv) {
     if (!instance.tryLock(0) && instance.error() == QLockFile::LockFailedError)
         return 0;
 
+    SessionBus bus;
+    CreateObject createObject = busObjectCreator(bus.connection());
     SettingsStore settings(QStringLiteral("Kiv_Skyhold"));
     if (isFirstStart(settings)) {
         if (headless)
             qCWarning(programLog, "Not set up yet: the monitor runs with its defaults and "
                                   "without a weather station file.");
-        else if (!runSetupForm(settings, Simulators::of(&application)))
+        else if (!runSetupForm(settings, Simulators::of(&application), createObject))
             return 0;
     }
     swapUpdater(programFolder());
 
     SystemClock clock(clockStartFromArguments(application.arguments()));
-    SessionBus bus;
-    CreateObject createObject = busObjectCreator(bus.connection());
     SoundPlayerProgram media(
         joinPath(programFolder(), QStringLiteral("Kiv_SoundPlayer")),
         [](const QString& reason) { qCWarning(soundLog, "No sound: %s", qUtf8Printable(reason)); });

@@ -43,11 +43,12 @@ class Checker {
             first == StationRead::Incomplete
                 ? ReadStationFile(controls_, units_, forms_, written, memory, seen)
                 : first;
-        if (!seen.tableFilled)
-            return {.lines = {path + u": "_s + stationReadStatus(read)},
-                    .brief = {stationReadStatus(read)},
-                    .outcome = u"It cannot be read: the monitor would say unsafe."_s,
-                    .status = 2};
+        if (!seen.tableFilled) {
+            check_.lines = {path + u": "_s + stationReadStatus(read)};
+            check_.brief = check_.remarks = {stationReadStatus(read)};
+            check_.outcome = u"It cannot be read: the monitor would say unsafe."_s;
+            return check_;
+        }
         readTable(path);
         const QString found =
             u"%1, %2 entries, written %3 ago"_s.arg(csv_ ? u"CSV"_s : u"HTML"_s)
@@ -55,6 +56,7 @@ class Checker {
                 .arg(secondsText(static_cast<double>(written.msecsTo(now_)) / 1000));
         add(path + u": "_s + found);
         check_.brief += found;
+        check_.ageSeconds = written.msecsTo(now_) / 1000;
         addDateAndTime();
         addValues(seen);
         addOthers(seen);
@@ -135,13 +137,21 @@ class Checker {
             const QString unit = quantity == Quantity::Dew
                                      ? unitText(Measure::Temperature, temperature, speed)
                                      : unitText(row.measure, temperature, speed);
+            StationCheck::Value shown{
+                quantity == Quantity::Dew ? u"Dew point"_s : QString::fromUtf16(row.title), {}, {}};
             QString meaning = u"MISSING: not a number"_s;
             if (!has(name)) {
                 meaning = u"read as 0, as of a station without the instrument"_s;
+                shown.note = u"not in the file: 0"_s;
                 absent_ += name;
             } else if (!number) {
+                shown.note = u"missing"_s;
                 missing_ += name;
             } else {
+                shown.text =
+                    numberText(*number, forms_) + u' ' +
+                    shownUnit(quantity == Quantity::Dew ? Measure::Temperature : row.measure,
+                              temperature, speed);
                 const QString value = numberText(*number, {}) + u' ' + unit;
                 meaning =
                     value + u", judged"_s +
@@ -149,6 +159,7 @@ class Checker {
                 values_ += name + u' ' + value;
             }
             addEntry(name, meaning);
+            check_.values.push_back(shown);
         }
         if (temperature == TemperatureCode::Unknown)
             unknownUnits_ += u"OutTemp"_s;
@@ -179,22 +190,26 @@ class Checker {
     }
 
     void addBrief(const StationObservation& seen, bool fresh) {
-        if (seen.windDirection)
-            values_ += u"wind from "_s + cell(kValueCell, u"WindDirection");
+        if (seen.windDirection) {
+            const QString from = cell(kValueCell, u"WindDirection");
+            values_ += u"wind from "_s + from;
+            check_.values.push_back({u"Wind from"_s, from, {}});
+        }
         if (!values_.isEmpty())
             check_.brief += u"Read: "_s + values_.join(u", "_s);
+        QStringList& remarks = check_.remarks;
         if (!missing_.isEmpty())
-            check_.brief += u"Missing, not a number: "_s + missing_.join(u", "_s);
+            remarks += u"Missing, not a number: "_s + missing_.join(u", "_s);
         if (!absent_.isEmpty())
-            check_.brief += u"Not in the file, read as 0: "_s + absent_.join(u", "_s);
+            remarks += u"Not in the file, read as 0: "_s + absent_.join(u", "_s);
         if (!unknownUnits_.isEmpty())
-            check_.brief +=
-                u"Unit not known, the chosen one stays: "_s + unknownUnits_.join(u", "_s);
+            remarks += u"Unit not known, the chosen one stays: "_s + unknownUnits_.join(u", "_s);
         if (!seen.windDirection)
-            check_.brief += u"No wind direction: wind counts as inside every sector"_s;
+            remarks += u"No wind direction: wind counts as inside every sector"_s;
         if (!fresh)
-            check_.brief +=
+            remarks +=
                 u"Too old: more than %1"_s.arg(secondsText(controls_.TimeoutREAD.Value * 60));
+        check_.brief += remarks;
     }
 
     // Whether the file is fresh now, and would be if nothing wrote it any more.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialog_driver.h"
 #include "platform/files.h"
+#include "support/scripted_sensor.h"
 #include "support/web_server.h"
 #include "ui/dialogs/kiv_error.h"
 #include "ui/dialogs/kiv_setup_form.h"
@@ -160,7 +161,8 @@ class SetupForm : public testing::Test {
         QObject owner;
         Simulators& simulators = Simulators::of(&owner);
         bool done = false;
-        EXPECT_TRUE(duringDialog([&] { done = runSetupForm(settings, simulators); }, act));
+        EXPECT_TRUE(duringDialog(
+            [&] { done = runSetupForm(settings, simulators, sensor_.creator()); }, act));
         return done;
     }
     // What a later start finds on the disk.
@@ -168,7 +170,15 @@ class SetupForm : public testing::Test {
         return SettingsStore(u"Kiv_Skyhold"_s).GetSetting(section, key, u"absent"_s);
     }
 
+    static QStringList values(QDialog& dialog, const char* name) {
+        QStringList texts;
+        for (const QLabel* label : child(dialog, name)->findChildren<QLabel*>())
+            texts += label->text();
+        return texts;
+    }
+
     QTemporaryDir folder_;
+    ScriptedSensor sensor_;
 };
 
 TEST_F(SetupForm, SavesNothingWithoutAStationFile) {
@@ -242,24 +252,30 @@ TEST_F(SetupForm, ShowsWhatTheChosenFileGivesAtOnceAndAtItsEnd) {
                    "\r\nGust,m/s,4\r\nWindDirection,,SW\r\nOutHumidity,%,80%\r\nDewPoint,C,9\r\n");
     };
     write("3");
+    sensor_.values[u"DeviceIsRunning"_s] = false;
     EXPECT_FALSE(runWith([&](QDialog& dialog) {
-        const auto shown = [&dialog](qsizetype view) {
-            return dialog.findChildren<QLabel*>(u"LblCheckBrief"_s)[view]->text();
+        const auto shown = [&dialog] {
+            return child<QLabel>(dialog, "LblCheckBrief")->text();
         };
         child<QLineEdit>(dialog, "HTMFile")->setText(path);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return shown(0).contains(u"WindSpeed 3 m/s"_s); }));
-        EXPECT_TRUE(shown(0).contains(u"day first"_s));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown().contains(u"WindSpeed 3 m/s"_s); }));
+        EXPECT_TRUE(shown().contains(u"day first"_s));
         child<QRadioButton>(dialog, "DateFormat1")->click();
-        EXPECT_TRUE(shown(0).contains(u"month first"_s));
+        EXPECT_TRUE(shown().contains(u"month first"_s));
         for (int step = 0; step < 4; ++step)
             click(dialog, "ButtNext");
-        EXPECT_TRUE(shown(1).contains(u"WindSpeed 3 m/s"_s));
-        QCoreApplication::processEvents();
-        const QLabel* brief = dialog.findChildren<QLabel*>(u"LblCheckBrief"_s)[1];
-        EXPECT_GE(brief->height(), brief->heightForWidth(brief->width()));
+        EXPECT_TRUE(values(dialog, "ValuesStation").contains(u"3 m/s"_s));
+        EXPECT_TRUE(child<QLabel>(dialog, "LblAgeStation")->text().startsWith(u"Written "_s));
+        // A master, which may have a roof, is left alone.
+        EXPECT_FALSE(child(dialog, "ValuesSensor")->isVisible());
+        EXPECT_FALSE(sensor_.calls.join(u' ').contains(u"Device_Start"_s));
         write("7");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return shown(1).contains(u"WindSpeed 7 m/s"_s); }));
-        EXPECT_FALSE(child<QLineEdit>(dialog, "PathName")->text().startsWith(programFolder()));
+        sensor_.values[u"DeviceIsRunning"_s] = true;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return values(dialog, "ValuesStation").contains(u"7 m/s"_s) &&
+                   values(dialog, "ValuesSensor").contains(u"-25.3 °C"_s);
+        }));
+        EXPECT_FALSE(sensor_.calls.join(u' ').contains(u"Kiv_LocalControl"_s));
         click(dialog, "Command1");
     }));
 }
@@ -281,6 +297,28 @@ TEST_F(SetupForm, HasTheSensorsSettingsWritten) {
         click(dialog, "ButtBack");
         click(dialog, "ButtNext"); // past the sensor, which is simulated
         EXPECT_TRUE(child(dialog, "UnitsSpeed0")->isVisible());
+        click(dialog, "Command1");
+    }));
+    EXPECT_FALSE(runWith([&](QDialog& dialog) {
+        QTest::keyClicks(child(dialog, "HTMFile"), u"/data/station.htm"_s);
+        click(dialog, "ButtNext");
+        child<QRadioButton>(dialog, "OptSensor5")->click();
+        child<QLineEdit>(dialog, "SensorWhere")->setText(u"echo sky_temperature=-21.5"_s);
+        click(dialog, "ButtNext");
+        click(dialog, "ButtNext");
+        auto* data = child<QLineEdit>(dialog, "PathName");
+        EXPECT_FALSE(data->text().startsWith(programFolder()));
+        const QString offered = data->text();
+        data->setText(programFolder() + u"/data"_s);
+        EXPECT_TRUE(duringDialog([&] { click(dialog, "ButtNext"); },
+                                 [](QDialog& message) { click(message, "Butt0"); }));
+        EXPECT_EQ(dialog.focusWidget(), data);
+        data->setText(offered);
+        click(dialog, "ButtNext");
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return values(dialog, "ValuesSensor").contains(u"-21.5 °C"_s); }));
+        EXPECT_TRUE(child<QLabel>(dialog, "LblOutcomeSensor")->text().contains(u"unsafe"_s));
+        EXPECT_EQ(settings(), "absent"); // until it is accepted
         click(dialog, "Command1");
     }));
     EXPECT_TRUE(runWith([](QDialog& dialog) {

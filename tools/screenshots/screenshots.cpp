@@ -255,7 +255,8 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     help.open(findGuidePage(helpFolders(), guidePage(Page::Sources)));
     take(std::move(help), "help");
 
-    KivSetupForm setup(monitor.settings(), Simulators::of(&window), window.windowTitle());
+    KivSetupForm setup(monitor.settings(), Simulators::of(&window), monitor.sensorProgram(),
+                       window.windowTitle());
     setup.findChild<QLineEdit*>(u"HTMFile"_s)->setText(r.stationFile.HTMFile.Caption);
     for (int step = 1;; ++step) {
         album.takeDialog(setup, u"setup-%1"_s.arg(step));

@@ -48,6 +48,7 @@ class SimulatedMonitor {
     MonitoringCore& core() { return *core_; }
     Records& records() { return core_->records; }
     SettingsStore& settings() { return settings_; }
+    CreateObject sensorProgram() { return sensor_.creator(); }
 
   private:
     void showWeather();

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/dialogs/choose_path.h"
 
+#include "platform/files.h"
 #include "ui/dialogs/dialog_parts.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QStandardPaths>
 #include <QTreeView>
 
 using namespace Qt::Literals::StringLiterals;
@@ -12,6 +15,15 @@ using namespace Qt::Literals::StringLiterals;
 namespace skyhold {
 
 namespace {
+
+// Where a dialog begins that knows no better; empty: where the last one ended, or where the program
+// was started, unless that is its own folder, which an update replaces.
+QString beginning() {
+    if (QDir::current() != QDir(programFolder()))
+        return {};
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QDir(documents).exists() ? documents : QDir::homePath();
+}
 
 // What was chosen; nothing when it was cancelled.
 QStringList ask(QFileDialog& dialog) {
@@ -28,7 +40,7 @@ QStringList ask(QFileDialog& dialog) {
 
 QString chooseStationFile(QWidget* parent, const QString& current) {
     QFileDialog dialog(
-        parent, u"Select data file"_s, {},
+        parent, u"Select data file"_s, beginning(),
         u"HTM files(*.htm) (*.htm*);;CSV files(*.csv) (*.csv*);;All files(*.*) (*)"_s);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setFileMode(QFileDialog::ExistingFile);
@@ -39,7 +51,7 @@ QString chooseStationFile(QWidget* parent, const QString& current) {
 
 QStringList chooseUploadFiles(QWidget* parent) {
     QFileDialog dialog(
-        parent, u"Select Files to UPLOAD"_s, {},
+        parent, u"Select Files to UPLOAD"_s, beginning(),
         u"PNG images(*.png) (*.png);;JPG Images(*.jpg) (*.jpg);;GIF Images(*.gif) (*.gif);;"
         u"BMP Images(*.bmp) (*.bmp);;HTML Files(*.htm*) (*.htm*);;"
         u"SCRIPT Files (*.vbs;*.js) (*.vbs *.js);;"
@@ -50,7 +62,7 @@ QStringList chooseUploadFiles(QWidget* parent) {
 }
 
 QString chooseSettingsFile(QWidget* parent, bool write) {
-    QFileDialog dialog(parent, write ? u"Export settings"_s : u"Import settings"_s, {},
+    QFileDialog dialog(parent, write ? u"Export settings"_s : u"Import settings"_s, beginning(),
                        u"Settings (*.ini);;All files (*)"_s);
     dialog.setAcceptMode(write ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(write ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -70,7 +82,7 @@ QString chooseLogFile(QWidget* parent, const QString& suggested) {
 }
 
 QString chooseFolder(QWidget* parent, const QString& title, const QString& current) {
-    QFileDialog dialog(parent, title, current);
+    QFileDialog dialog(parent, title, current.isEmpty() ? beginning() : current);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     return ask(dialog).value(0);

@@ -9,13 +9,16 @@
 #include "ui/dialogs/dialog_parts.h"
 #include "ui/dialogs/kiv_error.h"
 #include "ui/dialogs/sensor_step.h"
+#include "ui/dialogs/sensor_watch.h"
 #include "ui/look/look.h"
+#include "ui/widgets/source_now.h"
 #include "ui/widgets/station_check_view.h"
 #include "ui/window/simulators.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QCoreApplication>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -34,6 +37,7 @@ constexpr int kWidth = 720;
 constexpr int kIndent = 24; // of what belongs to a radio button
 
 constexpr int kSensorStep = 1;
+constexpr int kFilesStep = 3;
 
 constexpr int kTypingMs = 300;
 constexpr int kLookMs = 2000;
@@ -56,11 +60,13 @@ QVBoxLayout* addBlock(QVBoxLayout* step, int indent) {
 
 } // namespace
 
-KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators, const QString& title)
+KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators,
+                           const CreateObject& createObject, const QString& title)
     : settings_(settings)
     , simulators_(simulators)
     , progress_(new QLabel(this))
     , steps_(new QStackedWidget(this))
+    , watch_(std::make_unique<SensorWatch>(createObject, nullptr))
     , records_(std::make_unique<Records>()) {
     LoadSettings(*records_, settings);
     setObjectName(u"KivSetupForm"_s);
@@ -233,14 +239,21 @@ void KivSetupForm::addFilesStep() {
 }
 
 void KivSetupForm::addEndStep() {
-    QVBoxLayout* step =
-        addStep(u"This is what the monitor reads"_s,
-                u"The station's file as it is now, looked at every two seconds. The sensor's "
-                u"program is asked when a session starts. OK ends the setup; Start then begins "
-                u"the first session."_s);
-    liveCheck_ = new StationCheckView(step->parentWidget());
-    step->addWidget(liveCheck_);
+    QVBoxLayout* step = addStep(u"This is what the monitor reads"_s,
+                                u"Both sources as they are now. OK ends the setup; Start then "
+                                u"begins the first session."_s);
+    stationNow_ = new SourceNowView(u"Weather station"_s, u"Station"_s, step->parentWidget());
+    sensorNow_ = new SourceNowView(u"Cloud and rain sensor"_s, u"Sensor"_s, step->parentWidget());
+    auto* both = new QHBoxLayout;
+    both->setContentsMargins(0, look::kMargin, 0, 0);
+    both->setSpacing(2 * look::kMargin);
+    both->addWidget(stationNow_, 1);
+    both->addWidget(sensorNow_, 1);
+    step->addLayout(both);
     step->addStretch();
+    watch_->onSeen = [this](const SourceNow& now) {
+        sensorNow_->show(now);
+    };
     checkAgain_.setInterval(kLookMs);
     connect(&checkAgain_, &QTimer::timeout, this, &KivSetupForm::checkStation);
 }
@@ -258,8 +271,17 @@ void KivSetupForm::checkStation() {
         checkStationFile(path, records_->units, records_->stationFile.TimeoutREAD.Value,
                          localeNumberForms(), QDateTime::currentDateTime());
     chosenCheck_->showCheck(check);
-    if (liveCheck_)
-        liveCheck_->showCheck(check);
+    if (stationNow_)
+        stationNow_->show(stationNow(check));
+}
+
+void KivSetupForm::watchSources() {
+    checkStation();
+    checkAgain_.start();
+    if (sensor_->prepared().isEmpty() || tryOut_->isChecked())
+        watch_->askProgram(tryOut_->isChecked());
+    else
+        watch_->measure(SensorStep::program(), sensor_->prepared());
 }
 
 QLineEdit* KivSetupForm::addPath(QVBoxLayout* step, const QString& caption, const QString& name,
@@ -347,6 +369,8 @@ void KivSetupForm::goOn(int by) {
         if (!prepareStation())
             return;
     }
+    if (toEnd && (!prepareFolders() || !prepareSensor()))
+        return;
     const int next = steps_->currentIndex() + by;
     const bool simulated = next == kSensorStep && tryOut_->isChecked();
     showStep(simulated ? next + by : next);
@@ -363,10 +387,10 @@ void KivSetupForm::showStep(int step) {
     QPushButton* goesOn = step < last ? next_ : ok_;
     goesOn->setDefault(true);
     if (step == last) {
-        checkStation();
-        checkAgain_.start();
+        watchSources();
     } else {
         checkAgain_.stop();
+        watch_->stop();
     }
     if (!moved)
         return;
@@ -410,7 +434,7 @@ bool KivSetupForm::prepareSensor() {
     if (tryOut_->isChecked())
         return true;
     setEnabled(false);
-    const QString fault = sensor_->save();
+    const QString fault = sensor_->prepare();
     setEnabled(true);
     if (fault.isEmpty())
         return true;
@@ -419,9 +443,33 @@ bool KivSetupForm::prepareSensor() {
     return false;
 }
 
+// False, with the reason shown, for a folder that an update replaces.
+bool KivSetupForm::prepareFolders() {
+    for (QLineEdit* folder : {dataFolder_, ccdapFolder_, imageFolder_}) {
+        const QString path = folder->text().trimmed();
+        if (path.isEmpty() ||
+            !(QDir::cleanPath(path) + u'/').startsWith(QDir::cleanPath(programFolder()) + u'/'))
+            continue;
+        showFault(u"That is the program's own folder, which an update replaces. Please choose "
+                  u"another one."_s);
+        showStep(kFilesStep);
+        folder->setFocus();
+        return false;
+    }
+    return true;
+}
+
 void KivSetupForm::accept() {
-    if (!prepareStation() || !prepareSensor())
+    if (!prepareStation() || !prepareFolders() || !prepareSensor())
         return;
+    if (!tryOut_->isChecked()) {
+        const QString fault = sensor_->save();
+        if (!fault.isEmpty()) {
+            showFault(fault);
+            return;
+        }
+    }
+    watch_->stop();
     save(tryOut_->isChecked() ? Simulators::stationFile() : stationFile_->text().trimmed());
     QDialog::accept();
 }
@@ -464,10 +512,11 @@ void KivSetupForm::saveOptions(const QString& key, const QButtonGroup& group) {
     }
 }
 
-bool runSetupForm(SettingsStore& settings, Simulators& simulators) {
+bool runSetupForm(SettingsStore& settings, Simulators& simulators,
+                  const CreateObject& createObject) {
     const QString title = u"%1 (v%2)"_s.arg(QCoreApplication::applicationName(),
                                             QCoreApplication::applicationVersion());
-    return KivSetupForm(settings, simulators, title).exec() == QDialog::Accepted;
+    return KivSetupForm(settings, simulators, createObject, title).exec() == QDialog::Accepted;
 }
 
 } // namespace skyhold

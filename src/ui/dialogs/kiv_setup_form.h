@@ -4,6 +4,7 @@
 // answer does.
 #pragma once
 
+#include "bus/automation_client.h"
 #include "platform/settings_store.h"
 
 #include <QDialog>
@@ -24,7 +25,9 @@ class QVBoxLayout;
 namespace skyhold {
 
 class SensorStep;
+class SensorWatch;
 class Simulators;
+class SourceNowView;
 class StationCheckView;
 struct Records;
 
@@ -33,8 +36,10 @@ class KivSetupForm : public QDialog {
 
   public:
     // Works on the stored settings alone, before anything is loaded. `title` is the program's.
-    // Without hardware the user may start the simulators instead.
-    KivSetupForm(SettingsStore& settings, Simulators& simulators, const QString& title);
+    // Without hardware the user may start the simulators instead. `createObject` reaches the
+    // sensor's program.
+    KivSetupForm(SettingsStore& settings, Simulators& simulators, const CreateObject& createObject,
+                 const QString& title);
     ~KivSetupForm() override;
 
     // Saves and closes, or shows what is missing and saves nothing. The simulators, when they were
@@ -60,7 +65,9 @@ class KivSetupForm : public QDialog {
     void chooseStation();
     bool prepareStation();
     bool prepareSensor();
+    bool prepareFolders();
     void checkStation();
+    void watchSources();
     void save(const QString& station);
     void saveOptions(const QString& key, const QButtonGroup& group);
     void showFault(const QString& text);
@@ -76,10 +83,11 @@ class KivSetupForm : public QDialog {
     QRadioButton* tryOut_ = nullptr;
     QWidget* ownStation_ = nullptr;
     QLineEdit* stationFile_ = nullptr;
-    // What the file gives: of the one just chosen, and at the end, where it is looked at again and
-    // again.
-    StationCheckView* chosenCheck_ = nullptr;
-    StationCheckView* liveCheck_ = nullptr;
+    StationCheckView* chosenCheck_ = nullptr; // what the file just chosen gives
+    // At the end, where both are looked at again and again.
+    SourceNowView* stationNow_ = nullptr;
+    SourceNowView* sensorNow_ = nullptr;
+    std::unique_ptr<SensorWatch> watch_;
     QTimer checkSoon_;
     QTimer checkAgain_;
     std::unique_ptr<Records> records_; // as stored: the texts by which units are recognised
@@ -94,6 +102,7 @@ class KivSetupForm : public QDialog {
 };
 
 // Shows the assistant of the first start; the setup-done flag.
-bool runSetupForm(SettingsStore& settings, Simulators& simulators);
+bool runSetupForm(SettingsStore& settings, Simulators& simulators,
+                  const CreateObject& createObject);
 
 } // namespace skyhold

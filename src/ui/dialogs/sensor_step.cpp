@@ -49,10 +49,6 @@ constexpr std::array kKinds{
     Kind{u"command", u"A &command that prints values", u"Comm&and", u"", nullptr, nullptr},
 };
 
-QString program() {
-    return joinPath(programFolder(), u"skyhold-sensor"_s);
-}
-
 QString textOf(const char16_t* text) {
     return text ? QString::fromUtf16(text) : QString();
 }
@@ -103,6 +99,10 @@ SensorStep::SensorStep(QVBoxLayout* step)
     choose(0);
 }
 
+QString SensorStep::program() {
+    return joinPath(programFolder(), u"skyhold-sensor"_s);
+}
+
 QString SensorStep::settingsPath() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            u"/Kiv/skyhold-sensor.conf"_s;
@@ -125,22 +125,37 @@ void SensorStep::choose(int kind) {
     fill(deviceCaption_, device_, row.deviceCaption, row.device);
 }
 
-QString SensorStep::save() {
+QString SensorStep::prepare() {
     const Kind& row = kKinds[static_cast<std::size_t>(kinds_->checkedId())];
-    if (!row.name || isSetUp())
+    if (!row.name || isSetUp()) {
+        prepared_.clear();
         return {};
+    }
     const QString where = where_->text().trimmed();
     const QString device = device_->text().trimmed();
     if (where.isEmpty() || (row.deviceCaption && device.isEmpty()))
         return u"Please say where the sensor is, or choose another one."_s;
+    // The last two answers: no brightness, and no roof, which nobody drives by accident.
+    const QStringList answers{QString::fromUtf16(row.name), where, device, u"no"_s, u"no"_s, {}};
+    if (!prepared_.isEmpty() && answers == answers_)
+        return {};
+    const QString fault = writeSettings(answers);
+    if (fault.isEmpty())
+        answers_ = answers;
+    else
+        prepared_.clear();
+    return fault;
+}
+
+QString SensorStep::writeSettings(const QStringList& answers) {
+    prepared_ = folder_.filePath(u"skyhold-sensor.conf"_s);
+    QFile::remove(prepared_);
     QProcess setup;
     QEventLoop loop;
     QObject::connect(&setup, &QProcess::finished, &loop, &QEventLoop::quit);
     QObject::connect(&setup, &QProcess::errorOccurred, &loop, &QEventLoop::quit);
     QTimer::singleShot(kPatienceMs, &loop, &QEventLoop::quit);
-    setup.start(program(), {u"--setup"_s});
-    // The last two answers: no brightness, and no roof, which nobody drives by accident.
-    const QStringList answers{QString::fromUtf16(row.name), where, device, u"no"_s, u"no"_s, {}};
+    setup.start(program(), {u"--settings"_s, prepared_, u"--setup"_s});
     setup.write(answers.join(u'\n').toUtf8());
     setup.closeWriteChannel();
     if (setup.state() != QProcess::NotRunning)
@@ -154,6 +169,14 @@ QString SensorStep::save() {
     return good ? QString()
                 : u"The sensor could not be set up. "_s +
                       (reason.isEmpty() ? setup.errorString() : reason);
+}
+
+QString SensorStep::save() {
+    const QString path = settingsPath();
+    if (prepared_.isEmpty() ||
+        (createFolder(QFileInfo(path).path()) && QFile::copy(prepared_, path)))
+        return {};
+    return u"The settings of the sensor could not be saved to %1."_s.arg(path);
 }
 
 } // namespace skyhold

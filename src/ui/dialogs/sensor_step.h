@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QString>
+#include <QTemporaryDir>
 
 class QButtonGroup;
 class QLabel;
@@ -21,18 +22,30 @@ class SensorStep {
     static QString settingsPath();
     static bool isSetUp();
 
-    // Has the settings written, unless the sensor has a program of its own. Empty, or what went
-    // wrong. Serves events meanwhile; an INDI server is asked for its devices, which takes seconds.
+    // Path of that program.
+    static QString program();
+
+    // Has the settings written into a folder of its own, unless the sensor has another program.
+    // Empty, or what went wrong. Serves events meanwhile; an INDI server is asked for its devices,
+    // which takes seconds.
+    QString prepare();
+    // The settings that were prepared; empty when there are none.
+    const QString& prepared() const { return prepared_; }
+    // Puts them where that program looks for them. Empty, or what went wrong.
     QString save();
 
   private:
     void choose(int kind);
+    QString writeSettings(const QStringList& answers);
 
     QButtonGroup* kinds_;
     QLabel* whereCaption_;
     QLineEdit* where_;
     QLabel* deviceCaption_;
     QLineEdit* device_;
+    QTemporaryDir folder_;
+    QStringList answers_; // of which `prepared_` is
+    QString prepared_;
 };
 
 } // namespace skyhold
