@@ -194,10 +194,11 @@ void takePages(Album& album, KivSHMainform& window) {
 void takeLimits(Album& album, KivSHMainform& window, const QString& moment) {
     auto* pages = window.findChild<SettingsPages*>();
     pages->open(Page::Limits);
-    // The times of the levels are read by a thread.
+    // The times of the levels are read by a thread, and another one judges the week again.
     const auto* tonight = window.findChild<Readout*>(u"TonightRain0"_s);
+    const auto* whatIf = window.findChild<QLabel*>(u"WhatIfDayUnsafe0"_s);
     const QDeadlineTimer deadline(2'000);
-    while (tonight->text().isEmpty() && !deadline.hasExpired())
+    while ((tonight->text().isEmpty() || whatIf->text().isEmpty()) && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     album.take(window, u"limits-"_s + moment);
     pages->open(Page::Tonight);

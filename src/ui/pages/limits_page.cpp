@@ -21,7 +21,6 @@ constexpr int kSideWidth = 330;
 
 QWidget* makeWhatIf(MonitoringCore& core, QWidget* parent) {
     QVBoxLayout* column = addGroup(parent, u"What if"_s);
-    addHint(column, u"The recorded week, judged again with the limits as they are set now"_s);
     column->addWidget(new WhatIf(core, column->parentWidget()));
     column->addStretch();
     return column->parentWidget();

@@ -19,7 +19,10 @@ namespace skyhold {
 
 namespace {
 
-enum Column { kMark, kTitle, kAlarm, kSound };
+enum Column { kTitle, kAlarm, kSound, kColumns };
+
+constexpr int kAlarmWidth = 34; // as in the table of limits
+constexpr int kSoundWidth = 92;
 
 // The sources that may fail, each with its alarm, and below it what its failure means.
 class SourceRows {
@@ -38,17 +41,20 @@ class SourceRows {
         QFont bold = label->font();
         bold.setBold(true);
         label->setFont(bold);
+        auto* head = new QHBoxLayout;
+        head->setSpacing(0);
+        head->addWidget(label, 1);
+        head->addWidget(mark);
         const AlarmCells cells = makeAlarmCells(use_, alarm, alarmName, title, parent_);
-        grid_->addWidget(mark, row_, kMark);
-        grid_->addWidget(label, row_, kTitle);
+        cells.box->setFixedWidth(kAlarmWidth);
+        cells.sound->setFixedWidth(kSoundWidth);
+        grid_->addLayout(head, row_, kTitle);
         grid_->addWidget(cells.box, row_, kAlarm);
         grid_->addWidget(cells.sound, row_, kSound);
         ++row_;
     }
-    void addBelow(QWidget* first, QWidget* second = nullptr) {
-        grid_->addWidget(first, row_, kTitle, 1, second ? 1 : 3);
-        if (second)
-            grid_->addWidget(second, row_, kAlarm, 1, 2);
+    void addBelow(QWidget* widget) {
+        grid_->addWidget(widget, row_, kTitle, 1, kColumns);
         ++row_;
     }
 
@@ -78,6 +84,21 @@ QWidget* makeMasterNote(CheckBox& unsafe, QWidget* parent) {
     return note;
 }
 
+// One line, whichever of its texts are shown.
+QWidget* makeSensorFailure(CheckBox& unsafe, AlarmControls& alarms, QWidget* parent) {
+    auto* holder = new QWidget(parent);
+    auto* line = new QHBoxLayout(holder);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(look::kGap);
+    line->addWidget(makeCheck(holder, u"NBDataOldUnsafe"_s, {}, unsafe));
+    line->addWidget(makeMasterNote(unsafe, holder), 1);
+    Readout* timeout = makeNote(u"Label120"_s, holder);
+    timeout->reserve(u"Timeout Alarm"_s);
+    bind(timeout, alarms.TimeoutAlarmCaption);
+    line->addWidget(timeout);
+    return holder;
+}
+
 } // namespace
 
 QWidget* makeSourcesAndDelay(ConditionControls& conditions, const AlarmUse& use, QWidget* parent) {
@@ -85,7 +106,7 @@ QWidget* makeSourcesAndDelay(ConditionControls& conditions, const AlarmUse& use,
     QWidget* group = column->parentWidget();
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(look::kGap);
-    grid->setVerticalSpacing(4);
+    grid->setVerticalSpacing(6);
     grid->setColumnStretch(kTitle, 1);
     column->addLayout(grid);
     AlarmControls& alarms = use.alarms;
@@ -95,18 +116,15 @@ QWidget* makeSourcesAndDelay(ConditionControls& conditions, const AlarmUse& use,
     rows.addBelow(makeCheck(group, u"WSDataOldUnsafe"_s, {}, conditions.WSDataOldUnsafe));
 
     rows.add(u"Cloud sensor"_s, 9, u"AlarmNB"_s, alarms.AlarmNB);
-    Readout* timeout = makeNote(u"Label120"_s, group);
-    bind(timeout, alarms.TimeoutAlarmCaption);
-    rows.addBelow(makeCheck(group, u"NBDataOldUnsafe"_s, {}, conditions.NBDataOldUnsafe), timeout);
-    rows.addBelow(makeMasterNote(conditions.NBDataOldUnsafe, group));
+    rows.addBelow(makeSensorFailure(conditions.NBDataOldUnsafe, alarms, group));
 
     rows.add(u"Roof has not moved"_s, 10, u"AlarmRoof"_s, alarms.AlarmRoof);
 
     QCheckBox* beyond = makeCheck(group, u"BeyondLimitUnsafe"_s, {}, conditions.BeyondLimitUnsafe);
     beyond->setToolTip(u"A value above the third limit has no level. Unless this is ticked, it is "
                        u"reported but not judged"_s);
-    column->addWidget(beyond);
-    column->addWidget(makeCheck(group, u"SuspendSoundAlarm"_s, {}, alarms.SuspendSoundAlarm));
+    rows.addBelow(beyond);
+    rows.addBelow(makeCheck(group, u"SuspendSoundAlarm"_s, {}, alarms.SuspendSoundAlarm));
     addNumberRow(column, u"Safe Condition &Delay Period"_s, u"SafeDelayVal"_s,
                  conditions.SafeDelayVal, u"(secs)"_s);
     column->addStretch();
