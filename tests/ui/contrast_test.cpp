@@ -2,6 +2,7 @@
 #include "ui/look/look.h"
 #include "ui/look/shades.h"
 #include "ui/window/banner_look.h"
+#include "ui/window/panel_inks.h"
 
 #include <QApplication>
 
@@ -32,7 +33,14 @@ TEST_P(Contrast, WhatMustBeReadCanBeRead) {
                                        {"in a field", look::kField}}) {
         pairs.push_back({name, look::kText, ground});
         pairs.push_back({name, look::kDimText, ground});
+        pairs.push_back({name, panel::warning(ground), ground});
     }
+    pairs.push_back({"strip of a culprit", panel::onAlarmStrip(), panel::alarmStrip()});
+    pairs.push_back({"limit", panel::limitNumber(), look::kCard});
+    for (const Colour stated : {kGreen, kCyan, kOrange})
+        pairs.push_back({"culprit", look::ink(screenColour(stated), panel::alarmGround()),
+                         panel::alarmGround()});
+    pairs.push_back({"lost", look::ink(screenColour(kRed), look::kField), look::kField});
     pairs.push_back({"strip", look::kStripText, look::kStrip});
     for (const Colour stated : {kNavy, kDarkGreen, kRed})
         pairs.push_back({"status", look::ink(screenColour(stated), look::kStrip), look::kStrip});

@@ -3,6 +3,7 @@
 
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
+#include "ui/window/panel_inks.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -16,39 +17,10 @@ constexpr int kStripTop = 84;
 constexpr int kStripHeight = 21;
 constexpr int kFootHeight = 22;
 
-bool atNight() {
-    return lookInForce() == Look::Night;
-}
-
-QColor culpritGround() {
-    switch (lookInForce()) {
-    case Look::Night:
-        return Qt::black;
-    case Look::Panel:
-        return {0x43, 0x09, 0x0d};
-    case Look::Desktop:
-        break;
-    }
-    return look::kCard;
-}
-
-QColor culpritEdge() {
-    return atNight() ? QColor(0xff, 0, 0) : QColor(0xff, 0x5a, 0x5a);
-}
-
-// Of letters.
-QColor lostInk() {
-    return atNight() ? QColor(0xff, 0, 0) : look::ink({0xff, 0xb0, 0x00}, look::kField);
-}
-
-QColor lostEdge() {
-    return atNight() ? QColor(0xb8, 0, 0) : QColor(0xff, 0xb0, 0x00);
-}
-
 } // namespace
 
 void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar) {
-    const QColor limit = look::ink({0xff, 0x5a, 0x5a}, look::kCard);
+    const QColor limit = panel::limitLine();
     const qreal unit = bar.height() / 6;
     const auto x = [&bar](double at) {
         return bar.left() + at * bar.width();
@@ -115,7 +87,7 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
 
 // A look has a ground of its own for culprits.
 void ReadingTile::showGround() {
-    const QColor ground = facts_.culprit ? culpritGround() : QColor();
+    const QColor ground = facts_.culprit ? panel::alarmGround() : QColor();
     for (Readout* readout : {header_, value_, unit_, condition_, spread_})
         readout->setGround(ground);
 }
@@ -193,12 +165,12 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         if (facts_.culprit) {
-            painter.setBrush(culpritGround());
-            painter.setPen(QPen(culpritEdge(), 4));
+            painter.setBrush(panel::alarmGround());
+            painter.setPen(QPen(panel::alarmEdge(), 4));
             painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 4, 4);
         } else {
             painter.setBrush(look::kField);
-            painter.setPen(QPen(lostEdge(), 1.5, Qt::DashLine));
+            painter.setPen(QPen(panel::warningEdge(), 1.5, Qt::DashLine));
             painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
         }
     } else {
@@ -236,9 +208,8 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
 // What is exceeded and since when, below a culprit.
 void ReadingTile::drawFoot(QPainter& painter) const {
     const QRect foot(0, height() - grown(kFootHeight), width(), grown(kFootHeight));
-    const bool night = atNight();
-    painter.fillRect(foot, night ? QColor(0xff, 0, 0) : QColor(0xc4, 0x16, 0x1c));
-    painter.setPen(night ? Qt::black : Qt::white);
+    painter.fillRect(foot, panel::alarmStrip());
+    painter.setPen(panel::onAlarmStrip());
     QFont letters = font();
     letters.setBold(true);
     for (int size = grown(13); size >= grown(10); --size) {
@@ -256,7 +227,7 @@ void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const 
     letters.setPixelSize(grown(11));
     letters.setBold(true);
     painter.setFont(letters);
-    painter.setPen(look::ink({0xff, 0x8f, 0x8f}, look::kCard));
+    painter.setPen(panel::limitNumber());
     qreal free = 2;
     for (const Gauge::Limit& limit : gauge.limits) {
         if (!limit.unsafe)
@@ -280,7 +251,7 @@ void ReadingTile::drawLost(QPainter& painter) const {
     painter.drawText(value_->geometry(), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("–"));
     letters = condition_->font();
     painter.setFont(letters);
-    painter.setPen(lostInk());
+    painter.setPen(panel::warning(look::kField));
     painter.drawText(condition_->geometry(), Qt::AlignLeft | Qt::AlignVCenter,
                      QStringLiteral("no new data"));
 }

@@ -7,6 +7,7 @@
 #include "ui/widgets/timeline_band.h"
 #include "ui/window/age_text.h"
 #include "ui/window/banner_look.h"
+#include "ui/window/panel_inks.h"
 #include "ui/window/reading_tile.h"
 
 #include <QKeyEvent>
@@ -72,18 +73,6 @@ void drawCard(QPainter& painter, const QRectF& area, const QColor& fill, const Q
     painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), 8, 8);
 }
 
-bool atNight() {
-    return lookInForce() == Look::Night;
-}
-
-QColor red() {
-    return atNight() ? QColor(0xff, 0, 0) : QColor(0xc4, 0x16, 0x1c);
-}
-
-QColor amber() {
-    return atNight() ? QColor(0xff, 0, 0) : QColor(0xff, 0xb0, 0x00);
-}
-
 struct TileWords {
     QString header, value, level, foot;
     QColor headerInk, valueInk, levelInk;
@@ -94,12 +83,10 @@ struct TileWords {
 };
 
 void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
-    const QColor dark = atNight() ? QColor(Qt::black) : QColor(0x43, 0x09, 0x0d);
-    const QColor edge = atNight() ? QColor(0xff, 0, 0) : QColor(0xff, 0x5a, 0x5a);
     if (words.culprit)
-        drawCard(painter, area, lookInForce() == Look::Desktop ? look::kCard : dark, QPen(edge, 7));
+        drawCard(painter, area, panel::alarmGround(), QPen(panel::alarmEdge(), 7));
     else if (words.lost)
-        drawCard(painter, area, look::kField, QPen(amber(), 3, Qt::DashLine));
+        drawCard(painter, area, look::kField, QPen(panel::warningEdge(), 3, Qt::DashLine));
     else
         drawCard(painter, area, look::kCard,
                  words.nearest ? QPen(look::kText, 4) : QPen(Qt::NoPen));
@@ -120,8 +107,8 @@ void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
         return;
     const QRectF foot(area.left(), area.top() + 9.6 * row, area.width(), 2.4 * row);
     if (words.culprit) {
-        painter.fillRect(foot, red());
-        painter.setPen(atNight() ? Qt::black : Qt::white);
+        painter.fillRect(foot, panel::alarmStrip());
+        painter.setPen(panel::onAlarmStrip());
         drawFitted(painter, foot.adjusted(8, 0, -8, 0), words.foot, 40, true, Qt::AlignCenter);
     } else { // beside the level
         painter.setPen(look::kDimText);
@@ -313,7 +300,7 @@ void WallPanel::drawTiles(QPainter& painter, const QRectF& area) const {
             words.value = u"–"_s;
             words.valueInk = look::kDimText;
             words.level = u"no new data"_s;
-            words.levelInk = amber();
+            words.levelInk = panel::warning(look::kField);
         }
         const auto column = static_cast<int>(i % 3);
         const auto row = static_cast<int>(i / 3);
@@ -363,7 +350,7 @@ void WallPanel::drawHealth(QPainter& painter, const QRectF& area) const {
         const QRectF place(area.left() + static_cast<qreal>(i) * width + 20, area.top(), width - 40,
                            area.height());
         if (cell.loud)
-            drawCard(painter, place.adjusted(-16, 6, 16, -6), look::kField, QPen(amber(), 4));
+            drawCard(painter, place.adjusted(-16, 6, 16, -6), look::kField, QPen(panel::warningEdge(), 4));
         const qreal wide = cell.caption.isEmpty()
                                ? 0
                                : QFontMetricsF(letters(painter.font(), 38, false))
@@ -371,7 +358,7 @@ void WallPanel::drawHealth(QPainter& painter, const QRectF& area) const {
                                      14;
         painter.setPen(look::kDimText);
         drawFitted(painter, place, cell.caption, 38, false);
-        painter.setPen(cell.loud ? amber() : look::kText);
+        painter.setPen(cell.loud ? panel::warning(look::kField) : look::kText);
         drawFitted(painter, place.adjusted(wide, 0, 0, 0), cell.word, 38, true);
     }
 }
