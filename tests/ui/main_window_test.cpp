@@ -16,7 +16,10 @@ using namespace Qt::Literals::StringLiterals;
 namespace skyhold {
 namespace {
 
-class MainWindow : public WindowFixture {};
+class MainWindow : public WindowFixture {
+  protected:
+    QString health(const char* name) { return child(*window_, name)->accessibleName(); }
+};
 
 TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     // Grey readings are in the window's own colours.
@@ -99,12 +102,18 @@ TEST_F(MainWindow, ALostSourceLeavesNoLiveValueAndTimesCountBetweenCycles) {
     window_->hide(); // nothing is counted where nobody sees it
     window_->show();
     const int interval = records().session.RefreshRead.chosenSeconds();
-    EXPECT_EQ(shown("NextCycle"), u"next in %1 s"_s.arg(interval - 4));
+    EXPECT_TRUE(health("NextCycle").startsWith(u"Next cycle: %1 s, every "_s.arg(interval - 4)));
+    EXPECT_TRUE(health("StationHealth").startsWith(u"Station: ok "_s));
     QFile::remove(stationPath());
     RunReadCycle(*core_);
     EXPECT_EQ(shown("LblVerdictNote"), u"station data file is missing"_s);
     EXPECT_EQ(shown("LValWindSpeed"), QString());
     EXPECT_TRUE(shown("LValWindSpeedAt").startsWith(u"was 5 at "_s));
+    EXPECT_TRUE(health("StationHealth").startsWith(u"Station: absent"_s));
+    sensor_.values[u"DeviceIsRunning"_s] = false;
+    RunReadCycle(*core_);
+    EXPECT_TRUE(health("SensorHealth").startsWith(u"Sensor: failed"_s));
+    EXPECT_EQ(child<Readout>(*window_, "Label30")->shownInk(), look::kDimText); // of then
 }
 
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {

@@ -240,6 +240,11 @@ void Card::standForGroup() {
     update();
 }
 
+void Card::standAsWell() {
+    well_ = true;
+    update();
+}
+
 void Card::setEdge(Edge edge) {
     if (edge == edge_)
         return;
@@ -254,13 +259,24 @@ void Card::paintEvent(QPaintEvent*) {
         const bool dashed = edge_ == Edge::Dashed;
         painter.setPen(dashed ? QPen(look::kDimText, 2, Qt::DashLine) : QPen(look::kEdge, 1));
         const qreal inset = dashed ? 1 : 0.5;
-        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 6, 6);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 4, 4);
+        return;
+    }
+    if (well_) {
+        painter.setPen(look::kEdge);
+        painter.setBrush(look::kField);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+        return;
+    }
+    const QColor& own = group_ ? look::kGroup : look::kCard;
+    painter.setBrush(fill_.isValid() ? look::ground(fill_) : own);
+    if (lookInForce() == Look::Night) { // as dark as the window
+        painter.setPen(look::kEdge);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
         return;
     }
     painter.setPen(Qt::NoPen);
-    const QColor& own = group_ ? look::kGroup : look::kCard;
-    painter.setBrush(fill_.isValid() ? look::ground(fill_) : own);
-    painter.drawRoundedRect(rect(), 6, 6);
+    painter.drawRoundedRect(rect(), 4, 4);
 }
 
 } // namespace skyhold

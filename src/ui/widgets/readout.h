@@ -127,6 +127,8 @@ class Card : public QWidget {
     void setFill(const QColor& fill);
     // Has the colour of a group of settings.
     void standForGroup();
+    // Has the colour of fields, and a line around it.
+    void standAsWell();
     // With an edge the card is hollow.
     void setEdge(Edge edge);
 
@@ -136,6 +138,7 @@ class Card : public QWidget {
   private:
     QColor fill_;
     bool group_ = false;
+    bool well_ = false;
     Edge edge_ = Edge::None;
 };
 

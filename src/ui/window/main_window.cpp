@@ -54,7 +54,8 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(new MonitorPanel(core_, content));
+    auto* panel = new MonitorPanel(core_, content);
+    column->addWidget(panel);
     pages_ = new SettingsPages(core_, content);
     pages_->onHelp = [this] {
         explainPage();

@@ -6,8 +6,7 @@
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/readout_selection.h"
-#include "ui/window/panel_parts.h"
-#include "ui/window/verdict_card.h"
+#include "ui/window/panel_inks.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -22,10 +21,31 @@ namespace {
 
 constexpr int kStopAlarmWidth = 118;
 constexpr int kAlarmMessages = 3;
-constexpr int kOneCauseLine = 34;
-constexpr int kTwoCauseLines = 62;
-constexpr int kCauseAlone = 26; // size of the letters
-constexpr int kCauseInList = 19;
+
+// Letters and heights, full and compact.
+struct Measures {
+    qreal cause, list; // letters of a cause alone, and of several
+    qreal oneLine, twoLines;
+    qreal delay, last, alarm, control, takeBack;
+};
+constexpr Measures kFull{.cause = 22,
+                         .list = 19,
+                         .oneLine = 30,
+                         .twoLines = 53,
+                         .delay = 17,
+                         .last = 15,
+                         .alarm = 14,
+                         .control = 22,
+                         .takeBack = 28};
+constexpr Measures kCompact{.cause = 15,
+                            .list = 15,
+                            .oneLine = 19,
+                            .twoLines = 37,
+                            .delay = 14,
+                            .last = 13,
+                            .alarm = 12,
+                            .control = 14,
+                            .takeBack = 23};
 
 // Several causes stand below each other.
 QString oneALine(const QString& causes) {
@@ -36,7 +56,8 @@ QString oneALine(const QString& causes) {
 class Growth : public QObject {
   public:
     using QObject::QObject;
-    qreal unit = 1;
+    PanelSize size;
+    const Measures& at1() const { return size.compact ? kCompact : kFull; }
     std::vector<std::function<void()>> apply;
 };
 
@@ -44,14 +65,14 @@ class Growth : public QObject {
 QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
     auto* automatic = new QWidget(card);
     automatic->setObjectName(u"Frame3"_s);
-    Readout* cause = makeReadout(automatic, u"LblCause"_s, kCauseAlone);
+    Readout* cause = makeReadout(automatic, u"LblCause"_s, 22);
     cause->setWrap(true);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     allowMouseSelection(cause);
     Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
     last->setTone(Tone::Dim);
     last->setWrap(true);
-    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 21, true);
+    Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 17, true);
     delay->setInk(screenColour(kYellow));
     bind(delay, records.conditions.SafeDelayMsg);
     const auto showCause = [=, &records] {
@@ -69,23 +90,28 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
                            : records.session.verdict == Verdict::Safe ? words
                                                                       : oneALine(words));
         const bool list = cause->text().contains(u'\n');
-        cause->setPixelSize(qRound((list ? kCauseInList : kCauseAlone) * growth->unit));
+        const PanelSize& size = growth->size;
+        const Measures& at1 = growth->at1();
+        cause->setPixelSize(size.letters(list ? at1.list : at1.cause));
         last->setText(verdict.isEmpty() ? QString()
                                         : u"Last verdict: %1. %2"_s.arg(verdict, words));
         last->setHidden(!idle);
-        cause->setFixedHeight(
-            qRound((idle && !failed ? kOneCauseLine : kTwoCauseLines) * growth->unit));
-        delay->setHidden(idle);
-        last->setPixelSize(qRound(15 * growth->unit));
-        delay->setPixelSize(qRound(21 * growth->unit), true);
+        last->setPixelSize(size.letters(at1.last));
+        // In the compact card a second line of causes stands where the delay would.
+        const bool waits = !delay->text().isEmpty();
+        const bool one = (idle && !failed) || (size.compact && waits);
+        cause->setFixedHeight(size.length(one ? at1.oneLine : at1.twoLines));
+        delay->setHidden(idle || (size.compact && !waits));
+        delay->setPixelSize(size.letters(at1.delay), true);
     };
     growth->apply.push_back(showCause);
     follow(cause, records.display.LblCause.Caption, [=](const QString&) { showCause(); });
     follow(cause, records.session.verdict, [=](Verdict) { showCause(); });
     follow(cause, records.session.State, [=](SessionState) { showCause(); });
+    QObject::connect(delay, &Readout::textChanged, cause, showCause);
     auto* automaticLayout = new QVBoxLayout(automatic);
     automaticLayout->setContentsMargins(0, 0, 0, 0);
-    automaticLayout->setSpacing(2);
+    automaticLayout->setSpacing(0);
     automaticLayout->addWidget(cause);
     auto* delayRow = new QHBoxLayout;
     delayRow->addWidget(delay);
@@ -97,16 +123,15 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
 }
 
 // While a client decides, the rules have no cause to show.
-void addControl(MonitoringCore& core, QWidget* card, QVBoxLayout* lines) {
+void addControl(MonitoringCore& core, QWidget* card, QVBoxLayout* lines, Growth* growth) {
     Records& records = core.records;
     Readout* decides = makeReadout(card, {}, 15);
     decides->setTone(Tone::Dim);
-    Readout* control = makeReadout(card, u"LblControl"_s, 26, true);
+    Readout* control = makeReadout(card, u"LblControl"_s, 22, true);
     control->setTone(Tone::Accent);
     bind(control, records.session.LblControl);
     auto* takeBack = new QPushButton(u"Take &back control"_s, card);
     takeBack->setObjectName(u"ButtTakeBack"_s);
-    takeBack->setFixedHeight(28);
     takeBack->setToolTip(
         u"Let the conditions decide again; unsafe until the safe delay has passed"_s);
     QObject::connect(takeBack, &QPushButton::clicked, card, [&core] { TakeBackControl(core); });
@@ -117,9 +142,17 @@ void addControl(MonitoringCore& core, QWidget* card, QVBoxLayout* lines) {
                                : u"Safe or unsafe is decided by a client program"_s);
         decides->setVisible(byClient);
         takeBack->setVisible(byClient);
-        control->setPixelSize(byClient ? 26 : 15, true);
+        const PanelSize& size = growth->size;
+        const Measures& at1 = growth->at1();
+        control->setPixelSize(size.letters(byClient ? at1.control : at1.last), true);
         control->setVisible(named);
+        decides->setPixelSize(size.letters(at1.last));
+        takeBack->setFixedHeight(size.length(at1.takeBack));
+        QFont letters = takeBack->font();
+        letters.setPixelSize(size.letters(13));
+        takeBack->setFont(letters);
     };
+    growth->apply.emplace_back(showControl);
     follow(control, records.session.LblControl.Caption, [=](const QString&) { showControl(); });
     follow(control, records.session.Frame3.Visible, [=](bool) { showControl(); });
     auto* decidesRow = new QHBoxLayout;
@@ -134,7 +167,7 @@ QLayout* makeAlarmLine(ReadingDisplay& display, QWidget* card, std::vector<Reado
     auto* alarms = new QHBoxLayout;
     alarms->setSpacing(look::kGap);
     const auto addAlarm = [&](const QString& name, Label& record, int share) {
-        Readout* alarm = makeReadout(card, name, 15, true);
+        Readout* alarm = makeReadout(card, name, 14, true);
         alarm->setInk(screenColour(kOrange));
         bind(alarm, record);
         ofSession.push_back(alarm);
@@ -150,9 +183,8 @@ QLayout* makeAlarmLine(ReadingDisplay& display, QWidget* card, std::vector<Reado
 // In place of the button that ends the noise.
 Readout* makeSilence(AlarmControls& alarms, QWidget* card) {
     Readout* silence = makeReadout(card, u"SoundFault"_s, 13, true);
-    silence->setFixedSize(kStopAlarmWidth, 34);
     silence->setWrap(true);
-    silence->setInk(screenColour(kOrange));
+    followLook(silence, [silence] { silence->setInk(panel::warning(look::kCard)); });
     follow(silence, alarms.SoundFault.Caption, [silence](const QString& fault) {
         silence->setText(fault);
         silence->setToolTip(fault);
@@ -165,9 +197,7 @@ Readout* makeSilence(AlarmControls& alarms, QWidget* card) {
 QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card) {
     auto* button = new QPushButton(card);
     button->setObjectName(u"ButtStopAlarm"_s);
-    button->setFixedSize(kStopAlarmWidth, 32);
     QFont font = button->font();
-    font.setPixelSize(14);
     font.setBold(true);
     button->setFont(font);
     followLook(button, [button] {
@@ -183,16 +213,14 @@ QPushButton* makeStopAlarm(MonitoringCore& core, QWidget* card) {
 
 } // namespace
 
-MessageView makeMessageCard(MonitoringCore& core, QWidget* parent,
-                            std::vector<Readout*>& ofSession) {
+PanelPart makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Readout*>& ofSession) {
     Records& records = core.records;
     auto* card = new Card(parent);
     auto* growth = new Growth(card);
-    card->setFixedHeight(kVerdictHeight);
     auto* lines = new QVBoxLayout;
-    lines->setSpacing(2);
+    lines->setSpacing(0);
     lines->addWidget(makeCause(records, card, growth));
-    addControl(core, card, lines);
+    addControl(core, card, lines, growth);
     lines->addStretch();
     QLayout* alarmLine = makeAlarmLine(records.display, card, ofSession);
     lines->addLayout(alarmLine);
@@ -202,26 +230,33 @@ MessageView makeMessageCard(MonitoringCore& core, QWidget* parent,
     QPushButton* stopAlarm = makeStopAlarm(core, card);
     overlay->addWidget(silence);
     overlay->addWidget(stopAlarm);
-    overlay->addSpacing(ofSession.back()->sizeHint().height() + look::kGap);
+    auto* belowButton = new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Fixed);
+    overlay->addItem(belowButton);
     auto* layout = new QGridLayout(card);
-    layout->setContentsMargins(16, 8, 16, 8);
     layout->addLayout(lines, 0, 0);
     layout->addLayout(overlay, 0, 0, Qt::AlignRight);
     const std::vector<Readout*> alarms(ofSession.end() - kAlarmMessages, ofSession.end());
     growth->apply.emplace_back([=] {
-        card->setFixedHeight(qRound(kVerdictHeight * growth->unit));
+        const PanelSize& size = growth->size;
+        const Measures& at1 = growth->at1();
+        const int edge = size.length(5);
+        card->setFixedHeight(bannerHeight(size));
+        layout->setContentsMargins(size.length(14), edge, size.length(14), edge);
         for (Readout* alarm : alarms)
-            alarm->setPixelSize(qRound(15 * growth->unit), true);
-        const int width = qRound(kStopAlarmWidth * growth->unit);
-        silence->setFixedSize(width, qRound(34 * growth->unit));
-        silence->setPixelSize(qRound(13 * growth->unit), true);
-        stopAlarm->setFixedSize(width, qRound(32 * growth->unit));
+            alarm->setPixelSize(size.letters(at1.alarm), true);
+        const int width = size.length(kStopAlarmWidth);
+        silence->setFixedSize(width, size.length(34));
+        silence->setPixelSize(size.letters(12), true);
+        stopAlarm->setFixedSize(width, size.length(size.compact ? 28 : 32));
         QFont font = stopAlarm->font();
-        font.setPixelSize(qRound(14 * growth->unit));
+        font.setPixelSize(size.letters(14));
         stopAlarm->setFont(font);
+        belowButton->changeSize(0, alarms.front()->sizeHint().height() + size.length(4),
+                                QSizePolicy::Minimum, QSizePolicy::Fixed);
+        overlay->invalidate();
     });
-    return {card, [growth](qreal unit) {
-                growth->unit = unit;
+    return {card, [growth](const PanelSize& size) {
+                growth->size = size;
                 for (const auto& apply : growth->apply)
                     apply();
             }};

@@ -4,22 +4,13 @@
 #pragma once
 
 #include "core/monitoring_core.h"
+#include "ui/window/panel_parts.h"
 
-#include <functional>
 #include <vector>
-
-class QWidget;
 
 namespace skyhold {
 
-class Readout;
-
-struct MessageView {
-    QWidget* card;
-    std::function<void(qreal)> grow; // how many times as large as at 1280 by 800
-};
 // `ofSession` gets the readouts that have a colour only while a session runs.
-MessageView makeMessageCard(MonitoringCore& core, QWidget* parent,
-                            std::vector<Readout*>& ofSession);
+PanelPart makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Readout*>& ofSession);
 
 } // namespace skyhold

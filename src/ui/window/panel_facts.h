@@ -44,12 +44,15 @@ struct Gauge {
         double at = 0;
         bool unsafe = false; // it parts what is unsafe from what is not
         QString text;
+        bool operator==(const Limit&) const = default;
     };
     std::vector<Limit> limits;
     struct Span {
         double from = 0, to = 0;
+        bool operator==(const Span&) const = default;
     };
     std::vector<Span> unsafe;
+    bool operator==(const Gauge&) const = default;
 };
 
 struct TileFacts {
@@ -58,6 +61,7 @@ struct TileFacts {
     bool nearest = false; // to its limit, while all is safe
     QString spread;       // of the dew point's tile: "spread 3.4"
     std::optional<Gauge> gauge;
+    bool operator==(const TileFacts&) const = default;
 };
 
 // Of a session that runs; without one a tile has none of it.

@@ -1,10 +1,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Small widgets of the panel that is always in view.
+// Small widgets of the panel that is always in view, and how large they are.
 #pragma once
 
 #include "ui/widgets/readout.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace skyhold {
+
+// Lengths are stated for a window of 1280 by 800.
+struct PanelSize {
+    qreal unit = 1;       // how many times as large they are
+    bool compact = false; // beside a page of settings
+
+    int length(qreal at1) const { return qRound(at1 * unit); }
+    // Letters can still be read in the smallest window.
+    int letters(qreal at1) const { return std::max(kLeastLetters, qRound(at1 * unit)); }
+    bool operator==(const PanelSize&) const = default;
+
+    static constexpr int kLeastLetters = 11;
+};
+
+// A part of the panel that somebody else places.
+struct PanelPart {
+    QWidget* card;
+    std::function<void(const PanelSize&)> grow;
+};
+
+constexpr int kBannerHeight = 104;
+constexpr int kCompactBannerHeight = 66;
+
+inline int bannerHeight(const PanelSize& size) {
+    return size.length(size.compact ? kCompactBannerHeight : kBannerHeight);
+}
 
 inline Readout* makeReadout(QWidget* parent, const QString& name, int pixelSize,
                             bool bold = false) {

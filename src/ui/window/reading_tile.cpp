@@ -4,6 +4,7 @@
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
 #include "ui/window/panel_inks.h"
+#include "ui/window/panel_shapes.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -12,16 +13,20 @@ namespace skyhold {
 
 namespace {
 
-constexpr int kHeight = 112;
+constexpr int kHeight = 114;
+constexpr int kCompactHeight = 46;
+constexpr int kGaugeTop = 86;
+constexpr int kGaugeHeight = 7;
 constexpr int kStripTop = 84;
-constexpr int kStripHeight = 21;
+constexpr int kStripHeight = 23;
 constexpr int kFootHeight = 22;
+constexpr int kCompassSide = 50;
 
 } // namespace
 
 void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar) {
     const QColor limit = panel::limitLine();
-    const qreal unit = bar.height() / 6;
+    const qreal unit = bar.height() / 7;
     const auto x = [&bar](double at) {
         return bar.left() + at * bar.width();
     };
@@ -81,6 +86,8 @@ ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
         unit_->setHidden(text.isEmpty());
         if (!text.isEmpty())
             last_ = text;
+        if (size_.compact) // its width is the level's left end
+            place();
     });
     followLook(this, [this] { showGround(); });
 }
@@ -113,6 +120,8 @@ void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
 }
 
 void ReadingTile::showFacts(const TileFacts& facts) {
+    if (facts == facts_)
+        return;
     facts_ = facts;
     const bool shown = facts.culprit && !facts.foot.isEmpty();
     showGround();
@@ -121,83 +130,116 @@ void ReadingTile::showFacts(const TileFacts& facts) {
     update();
 }
 
+void ReadingTile::showDirection(std::optional<double> degrees, const QString& point) {
+    condition_->setText(point);
+    if (degrees == direction_)
+        return;
+    direction_ = degrees;
+    update();
+}
+
 void ReadingTile::setLost(bool lost, const QString& at) {
-    lost_ = lost;
     at_->setText(lost && !last_.isEmpty() ? QStringLiteral("was %1 at %2").arg(last_, at)
                                           : QString());
-    at_->setHidden(!lost);
+    at_->setHidden(!lost || size_.compact);
+    if (lost == lost_)
+        return;
+    lost_ = lost;
     update();
 }
 
 void ReadingTile::setOld(bool old, const QString& at) {
     setEdge(old ? Edge::Line : Edge::None);
-    lost_ = false;
     for (Readout* readout : {header_, value_, unit_, condition_})
         readout->setOld(old);
     at_->setText(value_->text().isEmpty() ? QString() : QStringLiteral("at ") + at);
-    at_->setHidden(!old);
+    at_->setHidden(!old || size_.compact);
+    if (old == old_)
+        return;
+    old_ = old;
+    lost_ = lost_ && !old;
     update();
 }
 
-void ReadingTile::grow(qreal unit) {
-    if (unit == grown_)
+void ReadingTile::grow(const PanelSize& size) {
+    if (size == size_)
         return;
-    grown_ = unit;
+    size_ = size;
+    at_->setHidden(!(lost_ || old_) || size_.compact);
     updateGeometry();
     place();
     update();
 }
 
 QSize ReadingTile::sizeHint() const {
-    return {128, grown(kHeight)};
+    return {128, size_.length(size_.compact ? kCompactHeight : kHeight)};
 }
 
 QSize ReadingTile::minimumSizeHint() const {
-    return {96, grown(kHeight)};
+    return {96, sizeHint().height()};
 }
 
 QRect ReadingTile::strip() const {
-    return {grown(8), grown(kStripTop), width() - 2 * grown(8), grown(kStripHeight)};
+    const int inset = size_.length(8);
+    return {inset, size_.length(kStripTop), width() - 2 * inset, size_.length(kStripHeight)};
+}
+
+void ReadingTile::drawCard(QPaintEvent* event) {
+    if (!facts_.culprit && !lost_) {
+        Card::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (facts_.culprit) {
+        painter.setBrush(panel::alarmGround());
+        painter.setPen(QPen(panel::alarmEdge(), 4));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 4, 4);
+    } else {
+        painter.setBrush(look::kField);
+        painter.setPen(QPen(panel::warningEdge(), 1.5, Qt::DashLine));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    }
 }
 
 void ReadingTile::paintEvent(QPaintEvent* event) {
-    if (facts_.culprit || lost_) {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        if (facts_.culprit) {
-            painter.setBrush(panel::alarmGround());
-            painter.setPen(QPen(panel::alarmEdge(), 4));
-            painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 4, 4);
-        } else {
-            painter.setBrush(look::kField);
-            painter.setPen(QPen(panel::warningEdge(), 1.5, Qt::DashLine));
-            painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
-        }
-    } else {
-        Card::paintEvent(event);
-    }
+    drawCard(event);
     QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
     if (facts_.nearest) {
         painter.setPen(QPen(look::kText, 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
     }
+    if (lost_ && !facts_.culprit)
+        drawLost(painter);
+    if (!size_.compact)
+        drawBelow(painter, *event);
+}
+
+void ReadingTile::drawBelow(QPainter& painter, const QPaintEvent& event) const {
     if (facts_.culprit) {
         drawFoot(painter);
         return;
     }
-    if (lost_)
-        drawLost(painter);
-    if (at_->isVisible())
+    if (direction_ && !lost_) {
+        const qreal side = size_.length(kCompassSide);
+        const qreal inset = size_.length(8);
+        drawCompass(painter, {width() - side - inset, height() - side - inset, side, side},
+                    *direction_, old_ ? look::kDimText : look::kText);
+    }
+    if (lost_ || old_)
         return;
     if (facts_.gauge) {
-        const QRectF bar(grown(10), grown(kStripTop + 5), width() - 2 * grown(10), grown(6));
+        const int inset = size_.length(10);
+        const QRectF bar(inset, size_.length(kGaugeTop), width() - 2 * inset,
+                         size_.length(kGaugeHeight));
         drawGauge(painter, *facts_.gauge, bar);
         drawLimitNumbers(painter, *facts_.gauge, bar);
         return;
     }
     // A new value above it leaves the strip as it is.
-    if (trend_.runs.empty() || !event->rect().intersects(strip()))
+    if (trend_.runs.empty() || !event.rect().intersects(strip()))
         return;
     painter.fillRect(QRect(strip().left(), strip().bottom() + 2, strip().width(), 1), look::kEdge);
     constexpr int kLineMargin = 1;
@@ -207,12 +249,13 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
 
 // What is exceeded and since when, below a culprit.
 void ReadingTile::drawFoot(QPainter& painter) const {
-    const QRect foot(0, height() - grown(kFootHeight), width(), grown(kFootHeight));
+    const int high = size_.length(kFootHeight);
+    const QRect foot(0, height() - high, width(), high);
     painter.fillRect(foot, panel::alarmStrip());
     painter.setPen(panel::onAlarmStrip());
     QFont letters = font();
     letters.setBold(true);
-    for (int size = grown(13); size >= grown(10); --size) {
+    for (int size = size_.letters(13); size >= size_.letters(10); --size) {
         letters.setPixelSize(size);
         if (QFontMetrics(letters).horizontalAdvance(facts_.foot) <= foot.width() - 6)
             break;
@@ -224,7 +267,7 @@ void ReadingTile::drawFoot(QPainter& painter) const {
 // Those that part safe from unsafe; one that would touch the last is left out.
 void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const {
     QFont letters = font();
-    letters.setPixelSize(grown(11));
+    letters.setPixelSize(size_.letters(11));
     letters.setBold(true);
     painter.setFont(letters);
     painter.setPen(panel::limitNumber());
@@ -238,8 +281,9 @@ void ReadingTile::drawLimitNumbers(QPainter& painter, const Gauge& gauge, const 
         if (left < free)
             continue;
         free = left + wide + 4;
-        painter.drawText(QRectF(left, bar.bottom() + grown(2), wide + 1, grown(14)),
-                         Qt::AlignCenter, limit.text);
+        painter.drawText(
+            QRectF(left, bar.bottom() + size_.length(3), wide + 1, height() - bar.bottom() - 5),
+            Qt::AlignHCenter | Qt::AlignTop, limit.text);
     }
 }
 
@@ -252,41 +296,81 @@ void ReadingTile::drawLost(QPainter& painter) const {
     letters = condition_->font();
     painter.setFont(letters);
     painter.setPen(panel::warning(look::kField));
-    painter.drawText(condition_->geometry(), Qt::AlignLeft | Qt::AlignVCenter,
-                     QStringLiteral("no new data"));
+    const QRect place = size_.compact ? value_->geometry() : condition_->geometry();
+    const QString words = QStringLiteral("no new data");
+    // A narrow tile gives up a word.
+    const bool fits = QFontMetrics(letters).horizontalAdvance(words) <= place.width() - 16;
+    painter.drawText(place, Qt::AlignVCenter | (size_.compact ? Qt::AlignRight : Qt::AlignLeft),
+                     size_.compact && !fits ? QStringLiteral("no data") : words);
 }
 
 void ReadingTile::resizeEvent(QResizeEvent*) {
     place();
 }
 
-// The size of the letters follows the width, so that neighbours look alike.
 void ReadingTile::place() {
-    constexpr int kNarrow = 120;
-    const bool narrow = width() < grown(kNarrow);
-    const int inset = grown(narrow ? 8 : 10);
-    header_->setPixelSize(grown(narrow ? 12 : 14));
-    unit_->setPixelSize(grown(narrow ? 11 : 13));
-    value_->setPixelSize(grown(narrow ? 25 : 29), true);
-    condition_->setPixelSize(grown(narrow ? 12 : 14), true);
-    at_->setPixelSize(grown(12));
+    if (size_.compact)
+        placeCompact();
+    else
+        placeFull();
+}
+
+// The size of the letters follows the width, so that neighbours look alike.
+void ReadingTile::placeFull() {
+    constexpr int kNarrow = 116;
+    const bool narrow = width() < size_.length(kNarrow);
+    const int inset = size_.length(narrow ? 8 : 10);
+    header_->setPixelSize(size_.letters(narrow ? 12 : 14));
+    unit_->setPixelSize(size_.letters(narrow ? 11 : 12));
+    value_->setPixelSize(size_.letters(narrow ? 25 : 28), true);
+    condition_->setPixelSize(size_.letters(narrow ? 12 : 14), true);
+    condition_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    at_->setPixelSize(size_.letters(12));
 
     const int inner = width() - 2 * inset;
-    const int line = grown(20);
+    const int line = size_.length(20);
     const int unitWidth = unit_->fontMetrics().horizontalAdvance(unit_->text()) + 2;
-    header_->setGeometry(inset, grown(6), inner - unitWidth - 2, line);
-    unit_->setGeometry(inset + inner - unitWidth, grown(6), unitWidth, line);
-    value_->setGeometry(inset, grown(26), inner, grown(36));
-    spread_->setPixelSize(grown(narrow ? 11 : 12));
+    header_->setGeometry(inset, size_.length(4), inner - unitWidth - 2, line);
+    unit_->setGeometry(inset + inner - unitWidth, size_.length(4), unitWidth, line);
+    value_->setGeometry(inset, size_.length(23), inner, size_.length(34));
+    placeSpread({inset, size_.length(57), inner, line}, narrow);
+    at_->setGeometry(inset, size_.length(kStripTop), inner, size_.length(kStripHeight));
+}
+
+// Beside the level.
+void ReadingTile::placeSpread(const QRect& line, bool narrow) {
+    spread_->setPixelSize(size_.letters(narrow ? 11 : 12));
     spread_->setText(
         narrow ? QString(facts_.spread).replace(QStringLiteral("spread"), QStringLiteral("\u0394"))
                : facts_.spread);
-    const int spreadWidth = spread_->text().isEmpty()
-                                ? 0
-                                : spread_->fontMetrics().horizontalAdvance(spread_->text()) + 2;
-    condition_->setGeometry(inset, grown(62), inner - spreadWidth, line);
-    spread_->setGeometry(inset + inner - spreadWidth, grown(62), spreadWidth, line);
-    at_->setGeometry(inset, grown(kStripTop), inner, grown(kStripHeight));
+    const int width = spread_->text().isEmpty()
+                          ? 0
+                          : spread_->fontMetrics().horizontalAdvance(spread_->text()) + 2;
+    condition_->setGeometry(line.adjusted(0, 0, -width, 0));
+    spread_->setGeometry(line.adjusted(line.width() - width, 0, 0, 0));
+}
+
+// The level stands beside the value.
+void ReadingTile::placeCompact() {
+    const int inset = size_.length(8);
+    const int inner = width() - 2 * inset;
+    header_->setPixelSize(size_.letters(12));
+    unit_->setPixelSize(size_.letters(11));
+    value_->setPixelSize(size_.letters(20), true);
+    condition_->setPixelSize(size_.letters(12), true);
+    condition_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    spread_->setText({});
+
+    const int top = size_.length(2);
+    const int line = size_.length(18);
+    const int unitWidth = unit_->fontMetrics().horizontalAdvance(unit_->text()) + 2;
+    header_->setGeometry(inset, top, inner - unitWidth - 2, line);
+    unit_->setGeometry(inset + inner - unitWidth, top, unitWidth, line);
+    const int below = top + line;
+    value_->setGeometry(inset, below, inner, height() - below - top);
+    const int taken = value_->fontMetrics().horizontalAdvance(value_->text()) + 6;
+    condition_->setGeometry(inset + taken, below, std::max(inner - taken, 0),
+                            height() - below - top);
 }
 
 } // namespace skyhold

@@ -7,6 +7,7 @@
 #include "ui/widgets/readout.h"
 #include "ui/widgets/trend_line.h"
 #include "ui/window/panel_facts.h"
+#include "ui/window/panel_parts.h"
 
 namespace skyhold {
 
@@ -34,8 +35,10 @@ class ReadingTile : public Card {
     void setLost(bool lost, const QString& at);
     // A reading of the past is grey on a hollow card, and has the time `at` in the trend's place.
     void setOld(bool old, const QString& at);
-    // How many times as large as in a window of 1280 by 800.
-    void grow(qreal unit);
+    // Instead of all that: where the wind comes from, in degrees, and the name of that point.
+    void showDirection(std::optional<double> degrees, const QString& point);
+    // A compact tile has neither gauge nor times.
+    void grow(const PanelSize& size);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -48,7 +51,11 @@ class ReadingTile : public Card {
     void place();
     void showGround();
     QRect strip() const;
-    int grown(qreal length) const { return qRound(length * grown_); }
+    void placeFull();
+    void placeCompact();
+    void placeSpread(const QRect& line, bool narrow);
+    void drawCard(QPaintEvent* event);
+    void drawBelow(QPainter& painter, const QPaintEvent& event) const;
     void drawFoot(QPainter& painter) const;
     void drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const;
     void drawLost(QPainter& painter) const;
@@ -63,7 +70,9 @@ class ReadingTile : public Card {
     TrendScale scale_;
     TileFacts facts_;
     bool lost_ = false;
-    qreal grown_ = 1;
+    bool old_ = false;
+    PanelSize size_;
+    std::optional<double> direction_;
     QString last_; // value that was known
 };
 

@@ -3,6 +3,7 @@
 
 #include "ui/dialogs/kiv_legend.h"
 #include "ui/look/look.h"
+#include "ui/look/window_unit.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/copy_text.h"
 #include "ui/widgets/open_editor.h"
@@ -47,13 +48,13 @@ void onClick(QWidget* item, std::function<void()> act) {
 
 StatusStrip::StatusStrip(SessionControls& session, QWidget* parent)
     : QWidget(parent) {
-    setFixedHeight(30);
+    setFixedHeight(28);
     auto* status = new Readout(this);
     auto* codes = new Readout(this);
     status->setObjectName(u"Statusbar1"_s);
     codes->setObjectName(u"Statusbar2"_s);
-    status->setPixelSize(15);
-    codes->setPixelSize(15, true);
+    status->setPixelSize(14);
+    codes->setPixelSize(14, true);
     for (Readout* line : {status, codes}) {
         line->setTone(Tone::Strip);
         line->setContentsMargins(4, 0, 4, 0);
@@ -97,11 +98,10 @@ void StatusStrip::resizeEvent(QResizeEvent* event) {
 }
 
 void StatusStrip::growWithWindow() {
-    const QSize size = window()->size();
-    const qreal unit = std::max(1.0, std::min(size.width() / 1280.0, size.height() / 800.0));
-    setFixedHeight(qRound(30 * unit));
+    const qreal unit = windowUnit(*this);
+    setFixedHeight(qRound(28 * unit));
     for (Readout* line : findChildren<Readout*>(Qt::FindDirectChildrenOnly))
-        line->setPixelSize(qRound(15 * unit), line->font().bold());
+        line->setPixelSize(qRound(14 * unit), line->font().bold());
 }
 
 void StatusStrip::paintEvent(QPaintEvent* event) {

@@ -3,7 +3,6 @@
 
 #include "platform/text_forms.h"
 #include "ui/widgets/bind.h"
-#include "ui/widgets/readout.h"
 #include "ui/window/banner_look.h"
 
 #include <QHBoxLayout>
@@ -35,7 +34,7 @@ class VerdictBanner : public QWidget {
 
     void show(SessionState state);
     void showMoment();
-    void grow(qreal unit);
+    void grow(const PanelSize& size);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -50,11 +49,23 @@ class VerdictBanner : public QWidget {
     bool ran_ = false;
     QString stopped_; // when the last session was
     std::int64_t startedMs_ = 0;
-    qreal grown_ = 1;
+    PanelSize size_;
 };
 
-constexpr int kSignSide = 76;
-constexpr int kSignLeft = 18;
+// Of the banner, full and compact.
+struct Measures {
+    qreal width, sign, note;
+    qreal judged, starting, none; // letters of the verdict
+};
+constexpr Measures kFull{
+    .width = 372, .sign = 68, .note = 16, .judged = 58, .starting = 40, .none = 30};
+constexpr Measures kCompact{
+    .width = 300, .sign = 44, .note = 13, .judged = 34, .starting = 28, .none = 22};
+constexpr qreal kSignLeft = 18;
+
+const Measures& measuresOf(const PanelSize& size) {
+    return size.compact ? kCompact : kFull;
+}
 
 VerdictBanner::VerdictBanner(MonitoringCore& core, QWidget* parent)
     : QWidget(parent)
@@ -70,7 +81,6 @@ VerdictBanner::VerdictBanner(MonitoringCore& core, QWidget* parent)
     words->addWidget(verdict_);
     words->addWidget(note_);
     words->addStretch();
-    grow(1);
 
     SessionControls& session = core.records.session;
     follow(this, session.State, [this](SessionState state) { show(state); });
@@ -79,14 +89,16 @@ VerdictBanner::VerdictBanner(MonitoringCore& core, QWidget* parent)
     follow(this, core.records.display.LblCause.Caption, [this](const QString&) { showMoment(); });
 }
 
-void VerdictBanner::grow(qreal unit) {
-    grown_ = unit;
-    const int margin = qRound(12 * unit);
-    setFixedSize(qRound(372 * unit), qRound(kVerdictHeight * unit));
-    layout()->setContentsMargins(qRound((kSignLeft + kSignSide + 14) * unit), margin, margin,
-                                 margin);
-    note_->setFixedHeight(qRound(24 * unit));
+void VerdictBanner::grow(const PanelSize& size) {
+    size_ = size;
+    const Measures& at1 = measuresOf(size);
+    setFixedSize(size.length(at1.width), bannerHeight(size));
+    const int upright = size.length(3);
+    layout()->setContentsMargins(size.length(kSignLeft + at1.sign + 14), upright, size.length(10),
+                                 upright);
+    note_->setFixedHeight(size.letters(at1.note) * 4 / 3);
     showMoment();
+    update();
 }
 
 void VerdictBanner::show(SessionState state) {
@@ -118,12 +130,17 @@ void VerdictBanner::showFacts(const BannerFacts& facts) {
     const bool starting = kind_ == BannerKind::Starting;
     const bool judged = !idle && !starting && kind_ != BannerKind::NoVerdict;
     // A verdict without a session would look like a judgement of now.
-    const int size = qRound((judged ? 62 : starting ? 40 : 30) * grown_);
-    verdict_->setPixelSize(size, true);
-    verdict_->setFixedHeight(size * 5 / 4);
+    const Measures& at1 = measuresOf(size_);
+    // Stripes above and below it take some of the room.
+    const qreal striped = kind_ == BannerKind::SourceFailed ? 0.88 : 1;
+    const int letters = size_.letters(judged     ? striped * at1.judged
+                                      : starting ? at1.starting
+                                                 : at1.none);
+    verdict_->setPixelSize(letters, true);
+    verdict_->setFixedHeight(letters * 6 / 5);
     verdict_->setText(idle ? u"Not monitoring"_s : starting ? u"Starting"_s : words);
     verdict_->setHidden(verdict_->text().isEmpty());
-    note_->setPixelSize(qRound((judged ? 17 : 15) * grown_), judged);
+    note_->setPixelSize(size_.letters(at1.note), judged);
     note_->setText(idle ? stopped_ : facts.line);
     note_->setHidden(note_->text().isEmpty());
     update();
@@ -133,8 +150,9 @@ void VerdictBanner::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const BannerLook look = bannerLook(kind_);
     drawBanner(painter, rect(), look);
-    const qreal side = kSignSide * grown_;
-    drawSign(painter, QRectF(kSignLeft * grown_, (height() - side) / 2, side, side), kind_, look);
+    const qreal side = size_.length(measuresOf(size_).sign);
+    drawSign(painter, QRectF(size_.length(kSignLeft), (height() - side) / 2, side, side), kind_,
+             look);
 }
 
 } // namespace
@@ -142,8 +160,8 @@ void VerdictBanner::paintEvent(QPaintEvent*) {
 VerdictView makeVerdictCard(MonitoringCore& core, QWidget* parent) {
     auto* banner = new VerdictBanner(core, parent);
     return {banner, [banner] { banner->showMoment(); },
-            [banner](qreal unit) {
-                banner->grow(unit);
+            [banner](const PanelSize& size) {
+                banner->grow(size);
             }};
 }
 

@@ -3,17 +3,14 @@
 #pragma once
 
 #include "core/monitoring_core.h"
-
-class QWidget;
+#include "ui/window/panel_parts.h"
 
 namespace skyhold {
 
-constexpr int kVerdictHeight = 128;
-
 struct VerdictView {
     QWidget* card;
-    std::function<void()> tick;      // what it counts, each second
-    std::function<void(qreal)> grow; // how many times as large as at 1280 by 800
+    std::function<void()> tick; // what it counts, each second
+    std::function<void(const PanelSize&)> grow;
 };
 VerdictView makeVerdictCard(MonitoringCore& core, QWidget* parent);
 

@@ -350,7 +350,8 @@ void WallPanel::drawHealth(QPainter& painter, const QRectF& area) const {
         const QRectF place(area.left() + static_cast<qreal>(i) * width + 20, area.top(), width - 40,
                            area.height());
         if (cell.loud)
-            drawCard(painter, place.adjusted(-16, 6, 16, -6), look::kField, QPen(panel::warningEdge(), 4));
+            drawCard(painter, place.adjusted(-16, 6, 16, -6), look::kField,
+                     QPen(panel::warningEdge(), 4));
         const qreal wide = cell.caption.isEmpty()
                                ? 0
                                : QFontMetricsF(letters(painter.font(), 38, false))
