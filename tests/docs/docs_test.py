@@ -174,6 +174,15 @@ class Tables(unittest.TestCase):
                               text=True, check=True).stdout
         self.assertEqual(made, (SOURCES / "docs/metrics.md").read_text())
 
+    def test_topics(self):
+        """Of MQTT, each that the gateway publishes, and no other."""
+        source = "".join((SOURCES / f"gateway/{name}.cpp").read_text()
+                         for name in ("mqtt_messages", "mqtt_publisher"))
+        published = {topic.replace("readings/", "readings/NAME") for topic in
+                     re.findall(r'(?:\bmessage\(u"|prefix \+ u"/)([\w/]+)"_s', source)}
+        table = re.findall(r"^\| `PREFIX/([\w/]+)`", (SOURCES / "docs/house.md").read_text(), re.MULTILINE)
+        self.assertEqual(published, set(table))
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])
