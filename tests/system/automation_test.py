@@ -14,6 +14,7 @@ from monitored import METHOD, PUT, READ, Client, Monitored
 import run
 
 HERE = pathlib.Path(__file__).resolve().parent
+MONITOR = "Kiv.Skyhold.Monitor1"
 DESCRIPTION = HERE.parents[1] / "docs" / "Kiv_Skyhold.Nubilo.xml"
 NAME = "Kiv_Skyhold.Nubilo"
 FACTORY = "/Kiv_Skyhold/Nubilo"
@@ -71,6 +72,11 @@ class AutomationTest(unittest.TestCase):
         installed = DESCRIPTION.read_text(encoding="utf-8")
         for name in [TYPED, DISPATCH, "Kiv.Automation.IObjectSafety"]:
             self.assertEqual(plain(interface_of(xml, name)), plain(interface_of(installed, name)))
+        _, [monitor] = self.instance.ask("org.freedesktop.DBus.Introspectable", "Introspect",
+                                         path="/Kiv_Skyhold/Monitor")
+        installed = DESCRIPTION.with_name(f"{MONITOR}.xml").read_text(encoding="utf-8")
+        self.assertEqual(plain(interface_of(monitor, MONITOR)),
+                         plain(interface_of(installed, MONITOR)))
         _, [factory] = self.instance.ask("org.freedesktop.DBus.Introspectable", "Introspect",
                                          path=FACTORY)
         children = [node.get("name") for node in ElementTree.fromstring(factory).iter("node")]
@@ -80,7 +86,7 @@ class AutomationTest(unittest.TestCase):
         self.assertEqual(len(names), len(set(names)), names)
 
     def test_state_document_is_signalled_and_attaches_nobody(self):
-        interface = "Kiv.Skyhold.Monitor1"
+        interface = MONITOR
         monitor = "/Kiv_Skyhold/Monitor"
 
         def read(name):
