@@ -156,7 +156,7 @@ class Checker {
                 meaning =
                     value + u", judged"_s +
                     (quantity == Quantity::Dew ? u" as its distance to OutTemp"_s : QString());
-                values_ += name + u' ' + value;
+                values_ += name + u' ' + shown.text;
             }
             addEntry(name, meaning);
             check_.values.push_back(shown);

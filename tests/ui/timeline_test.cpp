@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -185,11 +186,14 @@ TEST(Timeline, LogIsNewestFirstAndItsCsvKeepsQuotes) {
     EXPECT_TRUE(lines[1].endsWith(u",100,\"Unsafe\",\"Gust \"\"strong\"\", 50 km/hr\""_s));
 }
 
-TEST(Timeline, LogShrinksWithItsWindow) {
+TEST(Timeline, LogShrinksWithItsWindowAndStaysWhereItIs) {
     QWidget window;
     auto* log = new NightLog(&window);
     (new QVBoxLayout(&window))->addWidget(log);
-    log->show({LogEntry{}, LogEntry{}});
+    std::vector<LogEntry> entries(100);
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        entries[i].segment.time.fromMs = at(-static_cast<int>(i));
+    log->show(entries);
     const auto* list = log->findChild<QListWidget*>();
     const auto heightIn = [&](QSize size) {
         window.resize(size);
@@ -199,6 +203,12 @@ TEST(Timeline, LogShrinksWithItsWindow) {
     window.show();
     const int large = heightIn({3840, 2160});
     EXPECT_LT(heightIn({1280, 800}), large / 2);
+    // What a user has scrolled to stays when a cycle adds an entry.
+    list->verticalScrollBar()->setValue(20);
+    entries.insert(entries.begin(), LogEntry{})->segment.time.fromMs = at(10);
+    log->show(entries);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(list->row(list->itemAt(2, 2)), 21);
 }
 
 } // namespace

@@ -197,6 +197,10 @@ void NightLog::fill() {
         if (i == list_->currentRow())
             current = from;
     }
+    const QListWidgetItem* top = list_->itemAt(list_->viewport()->rect().topLeft());
+    const std::int64_t scrolledTo =
+        top && list_->row(top) > 0 ? top->data(kEntry + 1).toLongLong() : -1;
+    const QListWidgetItem* atTop = nullptr;
     list_->clear();
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         if (!matches(entries_[i], filter_->text()))
@@ -209,7 +213,11 @@ void NightLog::fill() {
         if (from == current)
             list_->setCurrentItem(item, QItemSelectionModel::NoUpdate);
         item->setSelected(std::ranges::count(selected, from) > 0);
+        if (from == scrolledTo)
+            atTop = item;
     }
+    if (atTop)
+        list_->scrollToItem(atTop, QAbstractItemView::PositionAtTop);
     copy_->setEnabled(list_->count() > 0);
     save_->setEnabled(list_->count() > 0);
 }

@@ -3,8 +3,7 @@
 
 #include "ui/look/look.h"
 #include "ui/widgets/timeline_band.h"
-
-#include <QPainterPath>
+#include "ui/widgets/timeline_curve.h"
 
 #include <algorithm>
 #include <cmath>
@@ -89,66 +88,73 @@ class RowPainter {
         }
     }
 
-    // Through the lowest and the highest of each stretch; as many points as there are pixels.
-    QPolygonF points(std::vector<Sample>::const_iterator from,
-                     std::vector<Sample>::const_iterator to) const {
-        QPolygonF line;
-        for (auto sample = from; sample != to; ++sample) {
-            const double x = xOf(sample->time.fromMs);
-            line << QPointF(x, yOf(sample->low));
-            if (sample->high != sample->low)
-                line << QPointF(x, yOf(sample->high));
-        }
-        return line;
+    using SampleAt = std::vector<Sample>::const_iterator;
+
+    std::vector<CurvePoint> curveOf(SampleAt from, SampleAt to) const {
+        std::vector<CurvePoint> points;
+        points.reserve(static_cast<std::size_t>(to - from));
+        for (auto sample = from; sample != to; ++sample)
+            points.push_back({xOf(sample->time.fromMs), yOf(sample->high), yOf(sample->low)});
+        return points;
     }
 
+    // Those in sight, and one more at either side.
     void paintRun(const std::vector<Sample>& run) {
+        const auto startsBefore = [](const Sample& sample, std::int64_t atMs) {
+            return sample.time.fromMs < atMs;
+        };
+        auto from = std::lower_bound(run.begin(), run.end(), view_.shown.fromMs, startsBefore);
+        auto to = std::lower_bound(from, run.end(), view_.shown.toMs, startsBefore);
+        if (from != run.begin())
+            --from;
+        if (to != run.end())
+            ++to;
         const double thick = std::max(grid_.unit, 1.0);
-        painter_.setPen(QPen(ink_.curve, 1.2 * thick, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         if (row_.index == MeasuredDirection) { // it jumps from 360 to 0
-            painter_.setPen(QPen(ink_.curve, 1.8 * thick, Qt::SolidLine, Qt::FlatCap));
-            painter_.drawPoints(points(run.begin(), run.end()));
+            paintDots(painter_, curveOf(from, to), ink_.curve, 1.8 * thick);
             return;
         }
-        if (run.size() == 1)
-            painter_.drawPoints(points(run.begin(), run.end()));
-        painter_.drawPolyline(points(run.begin(), run.end()));
-        paintBeyond(run, thick);
+        paintCurve(painter_, curveOf(from, to), ink_.curve, 1.2 * thick);
+        paintBeyond(from, to, thick);
     }
 
     // What is judged unsafe, up to the limit where one is known.
-    void paintBeyond(const std::vector<Sample>& run, double thick) {
-        QPainterPath allowed;
-        for (const Zone& zone : row_.zones)
-            allowed.addRect(rectOf(zone).adjusted(0, -2, 0, 2));
-        painter_.save();
-        if (!row_.zones.empty())
-            painter_.setClipPath(allowed, Qt::IntersectClip);
-        painter_.setPen(QPen(ink_.beyond, 2.8 * thick, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        for (auto sample = run.begin(); sample != run.end();) {
+    void paintBeyond(SampleAt first, SampleAt last, double thick) {
+        for (auto sample = first; sample != last;) {
             if (!sample->beyond) {
                 ++sample;
                 continue;
             }
-            auto end = std::find_if(sample, run.end(), [](const Sample& s) { return !s.beyond; });
-            const auto from = sample == run.begin() ? sample : std::prev(sample);
-            const auto to = end == run.end() ? end : std::next(end);
-            if (std::distance(from, to) == 1)
-                painter_.drawPoints(points(from, to));
-            painter_.drawPolyline(points(from, to));
+            const auto end = std::find_if(sample, last, [](const Sample& s) { return !s.beyond; });
+            const auto from = sample == first ? sample : std::prev(sample);
+            const auto to = end == last ? end : std::next(end);
+            paintWithin({from->time.fromMs, std::prev(to)->time.toMs}, curveOf(from, to),
+                        2.8 * thick);
             sample = end;
         }
-        painter_.restore();
+    }
+
+    void paintWithin(TimeRange time, const std::vector<CurvePoint>& points, double width) {
+        if (row_.zones.empty()) {
+            paintCurve(painter_, points, ink_.beyond, width);
+            return;
+        }
+        for (const Zone& zone : row_.zones) {
+            if (zone.time.toMs <= time.fromMs || zone.time.fromMs >= time.toMs)
+                continue;
+            painter_.save();
+            painter_.setClipRect(rectOf(zone).adjusted(0, -2, 0, 2), Qt::IntersectClip);
+            paintCurve(painter_, points, ink_.beyond, width);
+            painter_.restore();
+        }
     }
 
     void paintCurves() {
-        painter_.setRenderHint(QPainter::Antialiasing);
         for (const std::vector<Sample>& run : row_.runs) {
             if (run.back().time.toMs >= view_.shown.fromMs &&
                 run.front().time.fromMs <= view_.shown.toMs)
                 paintRun(run);
         }
-        painter_.setRenderHint(QPainter::Antialiasing, false);
     }
 
     QPainter& painter_;
