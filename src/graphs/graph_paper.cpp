@@ -36,6 +36,11 @@ QFont graphFont(double points) {
     return font;
 }
 
+// Of the time labels.
+int stripHeight(const QImage& image) {
+    return static_cast<int>(std::lround(QFontMetricsF(graphFont(kLabelPoints), &image).height()));
+}
+
 void fitImage(Picture& picture) {
     if (picture.fits())
         return;
@@ -57,8 +62,8 @@ GraphPaper::GraphPaper(Picture& picture, Colour text)
     painter_.begin(&picture.Image);
     painter_.setRenderHint(QPainter::Antialiasing);
     setFont(kLabelPoints);
-    stripHeight_ = textSize(QStringLiteral("00")).height();
-    bottom_ = std::max(height_ - stripHeight_, 0);
+    stripHeight_ = stripHeight(picture.Image);
+    bottom_ = plotBottom(picture);
 }
 
 GraphPaper::~GraphPaper() {
@@ -109,6 +114,10 @@ void GraphPaper::drawMarker() {
     const QString marker = QStringLiteral("Kiv_Skyhold ");
     const QSize size = textSize(marker);
     drawRightAligned({width_ - size.width(), 0, size.width(), size.height()}, marker);
+}
+
+int plotBottom(const Picture& picture) {
+    return std::max(picture.Size.height() - stripHeight(picture.Image), 0);
 }
 
 QColor paintColour(Colour colour) {

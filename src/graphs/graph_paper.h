@@ -53,6 +53,9 @@ class GraphPaper {
     int stripHeight_ = 0;
 };
 
+// Where the plot area of a picture that has been drawn ends.
+int plotBottom(const Picture& picture);
+
 QColor paintColour(Colour colour);
 
 } // namespace skyhold

@@ -8,6 +8,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QWindow>
 
@@ -114,6 +115,23 @@ TEST_F(MainWindow, ALostSourceLeavesNoLiveValueAndTimesCountBetweenCycles) {
     RunReadCycle(*core_);
     EXPECT_TRUE(health("SensorHealth").startsWith(u"Sensor: failed"_s));
     EXPECT_EQ(child<Readout>(*window_, "Label30")->shownInk(), look::kDimText); // of then
+}
+
+TEST_F(MainWindow, WhatIsLaidOverAGraphIsNotInItsPicture) {
+    openPage(Page::Graphs);
+    StartSession(*core_);
+    cycle({.wind = u"5"_s});
+    cycle({.wind = u"17.5"_s});
+    EXPECT_EQ(shown("GraphNowWind"), u"17.5 km/hr"_s);
+    auto* view = child(*window_, "GraphWind");
+    const QImage picture = records().pictures[0].Image.copy();
+    const QImage before = view->grab().toImage();
+    QMouseEvent move(QEvent::MouseMove, {10, 10}, {10, 10}, Qt::NoButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(view, &move);
+    EXPECT_NE(view->grab().toImage(), before); // time and value at the mouse
+    EXPECT_EQ(records().pictures[0].Image, picture);
+    cycleWithoutStation(600);
+    EXPECT_EQ(shown("GraphNowWind"), u"–"_s);
 }
 
 TEST_F(MainWindow, SettingsOnThePagesReachTheRecords) {

@@ -46,6 +46,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QTabBar>
@@ -185,6 +186,12 @@ void takePages(Album& album, KivSHMainform& window) {
         pages->open(static_cast<Page>(i));
         if (auto* check = window.findChild<QPushButton*>(u"ButtCheckStation"_s))
             check->click();
+        if (auto* graph = window.findChild<QWidget*>(u"GraphGust"_s)) { // the mouse is on it
+            const QPointF at(graph->width() / 2.0, 20);
+            QMouseEvent move(QEvent::MouseMove, at, graph->mapToGlobal(at), Qt::NoButton,
+                             Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(graph, &move);
+        }
         album.take(window, QString::fromLatin1(kPageNames[i]));
     }
     pages->open(Page::Tonight);

@@ -9,6 +9,7 @@
 #include "ui/widgets/kiv_get_number.h"
 #include "ui/widgets/open_editor.h"
 #include "ui/widgets/readout.h"
+#include "units/unit_text.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -23,8 +24,9 @@ namespace {
 
 struct GraphPlace {
     QString title;
-    const char* suffix;  // of the control names
-    QStringList colours; // what each colour paints
+    std::optional<Quantity> quantity; // none: the direction
+    const char* suffix;               // of the control names
+    QStringList colours;              // what each colour paints
 };
 
 void addSwatch(QHBoxLayout* row, const QString& name, const QString& painted, Label& colour,
@@ -42,6 +44,30 @@ void addSwatch(QHBoxLayout* row, const QString& name, const QString& painted, La
         redraw();
     });
     row->addWidget(swatch);
+}
+
+// The value of a session that runs, as its last cycle read it.
+std::optional<double> valueNow(const MonitoringCore& core, std::optional<Quantity> quantity) {
+    const Observation& observation = core.result.observation;
+    if (!core.records.session.running() || core.result.number == 0 || !observation.station.usable())
+        return std::nullopt;
+    return quantity ? observation.values[*quantity] : observation.station.windDirection;
+}
+
+// Beside the title, and the unit for the view's own readings.
+void showValueNow(Readout* readout, GraphView* view, MonitoringCore& core,
+                  std::optional<Quantity> quantity) {
+    const auto show = [=, &core] {
+        const CycleResult& result = core.result;
+        const QString unit =
+            quantity ? shownUnit(rowOf(*quantity).measure, result.temperatureUnit, result.speedUnit)
+                     : u"°"_s;
+        const std::optional<double> value = valueNow(core, quantity);
+        readout->setText(value ? formatNumber(*value, u"0.0", core.forms) + u' ' + unit : u"–"_s);
+        view->setUnit(unit);
+    };
+    follow(readout, core.records.session.CyclesDone, [show](std::int64_t) { show(); });
+    follow(readout, core.records.session.State, [show](SessionState) { show(); });
 }
 
 QLayout* makeGraph(std::size_t index, const GraphPlace& place, MonitoringCore& core,
@@ -72,8 +98,15 @@ QLayout* makeGraph(std::size_t index, const GraphPlace& place, MonitoringCore& c
         title->setPalette(readable);
     });
     row->addWidget(title);
+    auto* now = new Readout(page);
+    now->setObjectName(QString::fromLatin1("GraphNow" + suffix));
+    now->setPixelSize(12, true);
+    const bool speed = place.quantity && rowOf(*place.quantity).measure == Measure::Speed;
+    now->reserve(speed ? u"000.0 km/hr"_s : u"-00.0 °C"_s);
+    row->addWidget(now);
     row->addStretch();
-    auto* view = new GraphView(records.pictures[index], redraw, page);
+    auto* view = new GraphView(records.pictures[index], core.renderedGraphs[index], redraw, page);
+    showValueNow(now, view, core, place.quantity);
     view->setObjectName(QString::fromLatin1("Graph" + suffix));
     view->setAccessibleName(place.title);
     column->addWidget(view, 1);
@@ -122,12 +155,12 @@ QLayout* makeSpan(GraphControls& graphs, QWidget* page) {
 QWidget* makeGraphsPage(MonitoringCore& core, QWidget* parent) {
     const QStringList value{u"Text"_s, u"Line"_s};
     const std::array<GraphPlace, kGraphCount> places{{
-        {u"Wind"_s, "Wind", value},
-        {u"Gust"_s, "Gust", value},
-        {u"Direction"_s, "Dir", {u"Text"_s, u"Points"_s, u"Grid"_s}},
-        {u"Dew-point spread"_s, "Dew", value},
-        {u"Humidity"_s, "Hum", value},
-        {u"Temperature"_s, "Temp", value},
+        {u"Wind"_s, Quantity::Wind, "Wind", value},
+        {u"Gust"_s, Quantity::Gust, "Gust", value},
+        {u"Direction"_s, {}, "Dir", {u"Text"_s, u"Points"_s, u"Grid"_s}},
+        {u"Dew-point spread"_s, Quantity::Dew, "Dew", value},
+        {u"Humidity"_s, Quantity::Humidity, "Hum", value},
+        {u"Temperature"_s, Quantity::Temperature, "Temp", value},
     }};
     auto* page = new QWidget(parent);
     QVBoxLayout* column = pageColumn(page);
