@@ -3,9 +3,12 @@
 
 #include "ui/look/look.h"
 #include "ui/pages/page_parts.h"
+#include "ui/widgets/kiv_get_number.h"
 
 #include <QCheckBox>
+#include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -25,15 +28,33 @@ QWidget* makeSooner(ConditionControls& conditions, QWidget* page) {
     return column->parentWidget();
 }
 
+// Boxes below each other, whatever stands before and behind them.
+void addNumber(QGridLayout* grid, const QString& caption, const QString& name, NumberBox& record,
+               const QString& unit) {
+    QWidget* parent = grid->parentWidget();
+    auto* label = new QLabel(caption, parent);
+    KivGetNumber* box = makeNumber(parent, name, record);
+    label->setBuddy(box);
+    const int row = grid->rowCount();
+    grid->addWidget(label, row, 0);
+    grid->addWidget(box, row, 1);
+    grid->addWidget(new QLabel(unit, parent), row, 2);
+}
+
 QWidget* makeLater(ConditionControls& conditions, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"Safe later"_s);
     column->addWidget(
         makeCheck(column->parentWidget(), u"EarnFirstSafe"_s, {}, conditions.EarnFirstSafe));
     addHint(column, u"The first safe of a session waits for the delay like any other, and a wind "
                     u"that already blows from its sector counts at once."_s);
-    addNumberRow(column, u"&Double the delay after"_s, u"FlapClosures"_s, conditions.FlapClosures,
-                 u"closures in an hour"_s);
-    addNumberRow(column, u"up &to"_s, u"FlapLongest"_s, conditions.FlapLongest, u"seconds"_s);
+    auto* numbers = new QGridLayout;
+    numbers->setHorizontalSpacing(look::kGap);
+    numbers->setVerticalSpacing(6);
+    numbers->setColumnStretch(2, 1);
+    column->addLayout(numbers);
+    addNumber(numbers, u"&Double the delay after"_s, u"FlapClosures"_s, conditions.FlapClosures,
+              u"closures in an hour"_s);
+    addNumber(numbers, u"up &to"_s, u"FlapLongest"_s, conditions.FlapLongest, u"seconds"_s);
     addHint(column, u"0 closures: never. An hour without a closure undoes it."_s);
     column->addStretch();
     return column->parentWidget();
@@ -80,7 +101,7 @@ QWidget* makeCautionPage(ConditionControls& conditions, NoticeControls& notices,
         row->addWidget(group, 1);
     column->addLayout(row);
     column->addWidget(makeNotices(notices, page));
-    column->addStretch();
+    column->addStretch(1); // the page is as high as the table of limits beside it
     return page;
 }
 

@@ -109,7 +109,7 @@ QWidget* makeHistory(HistoryControls& history, QWidget* page) {
     QVBoxLayout* column = addGroup(page, u"History"_s);
     addHint(column,
             u"Every cycle and event goes into the monitor's own database, for looking back and "
-            u"for the what-if. Changes here count from the next start of a session."_s);
+            u"for What if. Changes here count from the next start of a session."_s);
     auto* row = new QHBoxLayout;
     row->setSpacing(3 * look::kMargin);
     const auto addAge = [&](const QString& caption, const QString& name, NumberBox& record,
@@ -124,7 +124,7 @@ QWidget* makeHistory(HistoryControls& history, QWidget* page) {
            u"1 to 50"_s);
     addAge(u"&At most"_s, u"Megabytes"_s, history.Megabytes, u"MB"_s,
            u"16 to 65536. When the file is full the oldest minutes give way."_s);
-    row->addStretch();
+    row->addStretch(1);
     column->addLayout(row);
     return column->parentWidget();
 }

@@ -50,6 +50,8 @@ void addState(QVBoxLayout* column, NetworkControls& network) {
     state->setWordWrap(true);
     state->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     bind(state, network.StateText);
+    follow(state, network.StateText.Caption,
+           [state](const QString& text) { state->setHidden(text.isEmpty()); });
     column->addWidget(state);
 }
 
@@ -86,10 +88,10 @@ QWidget* makeMqtt(NetworkControls& network, QWidget* page) {
         ->setEchoMode(QLineEdit::Password);
     addText(grid, group, u"To&pics begin with"_s, u"TopicPrefix"_s, network.TopicPrefix,
             u"skyhold/ and the computer"_s);
-    column->addWidget(
-        makeCheck(group, u"BrokerTls"_s, u"&Encrypt the connection"_s, network.BrokerTls));
-    QGridLayout* trust = addGrid(column);
-    addText(trust, group, u"Cert&ificates"_s, u"BrokerCertificates"_s, network.BrokerCertificates,
+    grid->addWidget(
+        makeCheck(group, u"BrokerTls"_s, u"&Encrypt the connection"_s, network.BrokerTls),
+        grid->rowCount(), 0, 1, 2);
+    addText(grid, group, u"Cert&ificates"_s, u"BrokerCertificates"_s, network.BrokerCertificates,
             u"those of the system, or a file"_s);
     column->addStretch();
     return group;
@@ -124,8 +126,8 @@ QWidget* makeNetworkPage(NetworkControls& network, QWidget* parent) {
     column->addLayout(row);
     column->addStretch();
     addHint(column,
-            u"MQTT and the command need the gateway to run. Changes are taken up as soon as "
-            u"they are typed."_s);
+            u"MQTT and the command need the gateway to run. Changes take effect as they are "
+            u"typed."_s);
     return page;
 }
 
