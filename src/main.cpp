@@ -280,17 +280,17 @@ int main(int argc, char** argv) {
 
     SessionBus bus;
     CreateObject createObject = busObjectCreator(bus.connection());
+    SystemClock clock(clockStartFromArguments(application.arguments()));
     SettingsStore settings(QStringLiteral("Kiv_Skyhold"));
     if (isFirstStart(settings)) {
         if (headless)
             qCWarning(programLog, "Not set up yet: the monitor runs with its defaults and "
                                   "without a weather station file.");
-        else if (!runSetupForm(settings, Simulators::of(&application), createObject))
+        else if (!runSetupForm(settings, Simulators::of(&application), createObject, clock))
             return 0;
     }
     swapUpdater(programFolder());
 
-    SystemClock clock(clockStartFromArguments(application.arguments()));
     SoundPlayerProgram media(
         joinPath(programFolder(), QStringLiteral("Kiv_SoundPlayer")),
         [](const QString& reason) { qCWarning(soundLog, "No sound: %s", qUtf8Printable(reason)); });

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialog_driver.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "support/scripted_sensor.h"
 #include "support/web_server.h"
@@ -162,7 +163,7 @@ class SetupForm : public testing::Test {
         Simulators& simulators = Simulators::of(&owner);
         bool done = false;
         EXPECT_TRUE(duringDialog(
-            [&] { done = runSetupForm(settings, simulators, sensor_.creator()); }, act));
+            [&] { done = runSetupForm(settings, simulators, sensor_.creator(), clock_); }, act));
         return done;
     }
     // What a later start finds on the disk.
@@ -179,6 +180,7 @@ class SetupForm : public testing::Test {
 
     QTemporaryDir folder_;
     ScriptedSensor sensor_;
+    SystemClock clock_;
 };
 
 TEST_F(SetupForm, SavesNothingWithoutAStationFile) {

@@ -273,21 +273,21 @@ TEST_F(Keyboard, EveryControlOfEveryDialogIsReachedAndEscapeLeavesIt) {
         }));
     }
     Simulators& simulators = Simulators::of(window_.get());
-    EXPECT_TRUE(
-        duringDialog([&] { KivSetupForm(settings, simulators, nullptr, u"Title"_s).exec(); },
-                     [this](QDialog& dialog) {
-                         auto* next = child<QPushButton>(dialog, "ButtNext");
-                         child<QLineEdit>(dialog, "HTMFile")->setText(stationPath());
-                         for (int step = 0; step < 5; ++step) {
-                             SCOPED_TRACE(step);
-                             walk(dialog);
-                             EXPECT_EQ(next->isEnabled(), step < 4);
-                             EXPECT_EQ(next->isDefault(), step < 4);
-                             if (step < 4)
-                                 QTest::keyClick(&dialog, Qt::Key_Return);
-                         }
-                         QTest::keyClick(&dialog, Qt::Key_Escape);
-                     }));
+    EXPECT_TRUE(duringDialog(
+        [&] { KivSetupForm(settings, simulators, nullptr, clock_, u"Title"_s).exec(); },
+        [this](QDialog& dialog) {
+            auto* next = child<QPushButton>(dialog, "ButtNext");
+            child<QLineEdit>(dialog, "HTMFile")->setText(stationPath());
+            for (int step = 0; step < 5; ++step) {
+                SCOPED_TRACE(step);
+                walk(dialog);
+                EXPECT_EQ(next->isEnabled(), step < 4);
+                EXPECT_EQ(next->isDefault(), step < 4);
+                if (step < 4)
+                    QTest::keyClick(&dialog, Qt::Key_Return);
+            }
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        }));
 }
 
 TEST_F(Keyboard, CtrlTabGoesThroughAllPagesAndTheLastComesBackAfterARestart) {

@@ -264,7 +264,7 @@ void takeDialogs(Album& album, SimulatedMonitor& monitor, KivSHMainform& window)
     take(std::move(help), "help");
 
     KivSetupForm setup(monitor.settings(), Simulators::of(&window), monitor.sensorProgram(),
-                       window.windowTitle());
+                       monitor.core().clock, window.windowTitle());
     setup.findChild<QLineEdit*>(u"HTMFile"_s)->setText(r.stationFile.HTMFile.Caption);
     for (int step = 1;; ++step) {
         album.takeDialog(setup, u"setup-%1"_s.arg(step));

@@ -2,6 +2,7 @@
 #include "ui/dialogs/kiv_setup_form.h"
 
 #include "datafiles/station_check.h"
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "records/records.h"
 #include "settings/load_save.h"
@@ -61,12 +62,14 @@ QVBoxLayout* addBlock(QVBoxLayout* step, int indent) {
 } // namespace
 
 KivSetupForm::KivSetupForm(SettingsStore& settings, Simulators& simulators,
-                           const CreateObject& createObject, const QString& title)
+                           const CreateObject& createObject, const Clock& clock,
+                           const QString& title)
     : settings_(settings)
     , simulators_(simulators)
+    , clock_(clock)
     , progress_(new QLabel(this))
     , steps_(new QStackedWidget(this))
-    , watch_(std::make_unique<SensorWatch>(createObject, nullptr))
+    , watch_(std::make_unique<SensorWatch>(createObject, clock, nullptr))
     , records_(std::make_unique<Records>()) {
     LoadSettings(*records_, settings);
     setObjectName(u"KivSetupForm"_s);
@@ -269,7 +272,7 @@ void KivSetupForm::checkStation() {
     records_->units.DateFormat.Index = dateFormat_->checkedId();
     const StationCheck check =
         checkStationFile(path, records_->units, records_->stationFile.TimeoutREAD.Value,
-                         localeNumberForms(), QDateTime::currentDateTime());
+                         localeNumberForms(), clock_.now());
     chosenCheck_->showCheck(check);
     if (stationNow_)
         stationNow_->show(stationNow(check));
@@ -512,11 +515,12 @@ void KivSetupForm::saveOptions(const QString& key, const QButtonGroup& group) {
     }
 }
 
-bool runSetupForm(SettingsStore& settings, Simulators& simulators,
-                  const CreateObject& createObject) {
+bool runSetupForm(SettingsStore& settings, Simulators& simulators, const CreateObject& createObject,
+                  const Clock& clock) {
     const QString title = u"%1 (v%2)"_s.arg(QCoreApplication::applicationName(),
                                             QCoreApplication::applicationVersion());
-    return KivSetupForm(settings, simulators, createObject, title).exec() == QDialog::Accepted;
+    return KivSetupForm(settings, simulators, createObject, clock, title).exec() ==
+           QDialog::Accepted;
 }
 
 } // namespace skyhold

@@ -24,6 +24,7 @@ class QVBoxLayout;
 
 namespace skyhold {
 
+class Clock;
 class SensorStep;
 class SensorWatch;
 class Simulators;
@@ -37,9 +38,9 @@ class KivSetupForm : public QDialog {
   public:
     // Works on the stored settings alone, before anything is loaded. `title` is the program's.
     // Without hardware the user may start the simulators instead. `createObject` reaches the
-    // sensor's program.
+    // sensor's program; `clock` says how old things are.
     KivSetupForm(SettingsStore& settings, Simulators& simulators, const CreateObject& createObject,
-                 const QString& title);
+                 const Clock& clock, const QString& title);
     ~KivSetupForm() override;
 
     // Saves and closes, or shows what is missing and saves nothing. The simulators, when they were
@@ -74,6 +75,7 @@ class KivSetupForm : public QDialog {
 
     SettingsStore& settings_;
     Simulators& simulators_;
+    const Clock& clock_;
     QLabel* progress_;
     QStackedWidget* steps_;
     QPushButton* back_ = nullptr;
@@ -102,7 +104,7 @@ class KivSetupForm : public QDialog {
 };
 
 // Shows the assistant of the first start; the setup-done flag.
-bool runSetupForm(SettingsStore& settings, Simulators& simulators,
-                  const CreateObject& createObject);
+bool runSetupForm(SettingsStore& settings, Simulators& simulators, const CreateObject& createObject,
+                  const Clock& clock);
 
 } // namespace skyhold

@@ -41,10 +41,10 @@ KivUnitSymbols::KivUnitSymbols(UnitControls& units, QWidget* parent)
         boxes_.push_back({edit, text, upperCase});
     };
     QFormLayout* speed = addGroup(u"Wind speed, symbols separated by blanks"_s);
-    addBox(speed, u"&km/h"_s, u"SymbolKPH"_s, units.StringKPH);
+    addBox(speed, u"&km/hr"_s, u"SymbolKPH"_s, units.StringKPH);
     addBox(speed, u"m/&s"_s, u"SymbolMPS"_s, units.StringMPS);
     addBox(speed, u"&mph"_s, u"SymbolMPH"_s, units.StringMPH);
-    addBox(speed, u"k&nots"_s, u"SymbolKNT"_s, units.StringKNOTS);
+    addBox(speed, u"k&not"_s, u"SymbolKNT"_s, units.StringKNOTS);
     QFormLayout* temperature = addGroup(u"Temperature, symbols separated by \";\""_s);
     addBox(temperature, u"°&C"_s, u"SymbolDC"_s, units.StringDC);
     addBox(temperature, u"°&F"_s, u"SymbolDF"_s, units.StringDF);

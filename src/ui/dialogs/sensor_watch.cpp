@@ -22,6 +22,7 @@ namespace {
 
 constexpr int kAgainMs = 2000;
 constexpr int kEndMs = 1000;
+constexpr qint64 kOldSeconds = 180;
 constexpr CallTime kLookTime{.calls = 1000, .commands = 500};
 
 const QString& wouldSayUnsafe() {
@@ -69,13 +70,6 @@ SourceNow::Value readQuantity(Look& look, Quantity quantity, const QString& temp
     return shown;
 }
 
-QString ageOf(const std::optional<double>& lastReading, const QDateTime& now) {
-    const QDateTime read = lastReading ? fromDaySerial(*lastReading) : QDateTime();
-    if (!read.isValid())
-        return {};
-    return u"Read %1 ago"_s.arg(durationText(std::max<qint64>(read.secsTo(now), 0)));
-}
-
 } // namespace
 
 SourceNow askSensorProgram(const CreateObject& createObject,
@@ -121,13 +115,22 @@ SourceNow askSensorProgram(const CreateObject& createObject,
     const QString unit = look.read(u"Kiv_TemperatureUnits"_s, toText).value_or(u"C"_s);
     for (const Quantity quantity : kSensorQuantities)
         seen.values.push_back(readQuantity(look, quantity, u" °"_s + unit));
-    seen.age = ageOf(look.read(u"LastReading"_s, toReal), now);
+    const std::optional<double> read = look.read(u"LastReading"_s, toReal);
+    const QDateTime lastReading = read ? fromDaySerial(*read) : QDateTime();
+    if (lastReading.isValid())
+        seen.age = u"Read %1 ago"_s.arg(durationText(std::max<qint64>(lastReading.secsTo(now), 0)));
     const bool whole = std::ranges::none_of(
         seen.values, [](const SourceNow::Value& value) { return value.value == u"–"_s; });
-    if (whole)
+    if (look.read(u"Kiv_XFERFileErr"_s, toBoolean).value_or(true))
+        seen.outcome = u"Kiv_Nubilo says that its readings cannot be used. "_s + wouldSayUnsafe();
+    else if (!whole)
+        seen.outcome = u"Not everything could be read. "_s + wouldSayUnsafe();
+    else if (!lastReading.isValid() || lastReading.secsTo(now) > kOldSeconds)
+        seen.outcome = u"It can be judged, but the last reading is old: look at the sensor."_s;
+    else {
         seen.state = SourceNow::State::Good;
-    seen.outcome = whole ? u"All of it can be judged."_s
-                         : u"Not everything could be read. "_s + wouldSayUnsafe();
+        seen.outcome = u"All of it can be judged."_s;
+    }
     return seen;
 }
 
@@ -160,9 +163,10 @@ SourceNow sensorFromPreview(const QStringList& lines) {
     return seen;
 }
 
-SensorWatch::SensorWatch(CreateObject createObject, QObject* parent)
+SensorWatch::SensorWatch(CreateObject createObject, const Clock& clock, QObject* parent)
     : QObject(parent)
-    , createObject_(std::move(createObject)) {
+    , createObject_(std::move(createObject))
+    , clock_(clock) {
     again_.setInterval(kAgainMs);
     connect(&again_, &QTimer::timeout, this, &SensorWatch::ask);
     connect(&preview_, &QProcess::readyReadStandardOutput, this, &SensorWatch::takePreview);
@@ -217,7 +221,7 @@ void SensorWatch::stop() {
 
 void SensorWatch::ask() {
     if (onSeen)
-        onSeen(askSensorProgram(createObject_, object_, simulated_, QDateTime::currentDateTime()));
+        onSeen(askSensorProgram(createObject_, object_, simulated_, clock_.now()));
 }
 
 // An empty line ends what belongs to one second; its first line is the time.

@@ -14,6 +14,8 @@
 
 namespace skyhold {
 
+class Clock;
+
 // One look at the program on the bus. `object` is that of the look before, or empty. A simulator is
 // started whatever it plays.
 SourceNow askSensorProgram(const CreateObject& createObject,
@@ -27,7 +29,7 @@ class SensorWatch : public QObject {
     Q_OBJECT
 
   public:
-    SensorWatch(CreateObject createObject, QObject* parent);
+    SensorWatch(CreateObject createObject, const Clock& clock, QObject* parent);
     ~SensorWatch() override;
 
     // Looks at the program on the bus every two seconds.
@@ -43,6 +45,7 @@ class SensorWatch : public QObject {
     void takePreview();
 
     CreateObject createObject_;
+    const Clock& clock_;
     std::unique_ptr<DispatchObject> object_;
     bool simulated_ = false;
     QTimer again_;

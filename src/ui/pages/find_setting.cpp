@@ -31,6 +31,7 @@ FindSetting::FindSetting(std::vector<SettingPlace> places, QWidget* parent)
     list_->setObjectName(u"FindList"_s);
     list_->setAccessibleName(u"Settings"_s);
     list_->setMinimumSize(520, 320);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     column->addWidget(text_);
     column->addWidget(list_);
     addHint(column, u"The arrows choose, Enter goes there"_s);
