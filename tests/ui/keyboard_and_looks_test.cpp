@@ -243,6 +243,25 @@ TEST_F(Keyboard, EveryControlOfEveryPageIsReached) {
     }
 }
 
+TEST_F(Keyboard, TabGoesFromTheStripThroughItsPageToTheStatus) {
+    const std::pair<Page, const char*> cases[]{{Page::Tonight, "ButtSpanHour"},
+                                               {Page::Sources, "flgReadStation"},
+                                               {Page::Network, "GatewayServe"}};
+    for (const auto& [page, first] : cases) {
+        openPage(page); // made after all that stands around it
+        pages()->tabBar()->setFocus(Qt::TabFocusReason);
+        QStringList met;
+        while (!met.contains(u"Status"_s) && met.size() < 60) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QCoreApplication::processEvents();
+            const QWidget* at = QApplication::focusWidget();
+            met += at->accessibleName() == u"Status" ? u"Status"_s : at->objectName();
+            EXPECT_TRUE(met.back() == u"Status" || pages()->isAncestorOf(at)) << nameOf(at);
+        }
+        EXPECT_EQ(met.first().toStdString(), first);
+    }
+}
+
 TEST_F(Keyboard, EveryControlOfEveryDialogIsReachedAndEscapeLeavesIt) {
     for (const Page page : kAllPages)
         openPage(page); // makes it

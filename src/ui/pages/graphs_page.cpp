@@ -29,13 +29,14 @@ struct GraphPlace {
     QStringList colours;              // what each colour paints
 };
 
-void addSwatch(QHBoxLayout* row, const QString& name, const QString& painted, Label& colour,
-               const std::function<void()>& redraw) {
+void addSwatch(QHBoxLayout* row, const QString& name, const QString& painted, const QString& graph,
+               Label& colour, const std::function<void()>& redraw) {
     auto* swatch = new Swatch(row->parentWidget());
     swatch->setObjectName(name);
     swatch->setPixelSize(11);
     swatch->setFixedHeight(20);
     swatch->setText(painted);
+    swatch->setAccessibleName(u"%1: colour of the graph %2"_s.arg(painted, graph));
     swatch->reserve(painted + u"  "_s);
     follow(swatch, colour.BackColor,
            [swatch](Colour fill) { swatch->setFill(screenColour(fill)); });
@@ -116,7 +117,8 @@ QLayout* makeGraph(std::size_t index, const GraphPlace& place, MonitoringCore& c
     swatches->setSpacing(4);
     for (std::size_t i = 0; i < static_cast<std::size_t>(place.colours.size()); ++i)
         addSwatch(swatches, indexed("GraphColor" + suffix, i),
-                  place.colours[static_cast<qsizetype>(i)], graphs.GraphColor[index][i], redraw);
+                  place.colours[static_cast<qsizetype>(i)], place.title,
+                  graphs.GraphColor[index][i], redraw);
     row->addWidget(holder);
     return column;
 }

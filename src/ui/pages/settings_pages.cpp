@@ -2,6 +2,7 @@
 #include "ui/pages/settings_pages.h"
 
 #include "ui/dialogs/help_window.h"
+#include "ui/look/window_unit.h"
 #include "ui/pages/caution_page.h"
 #include "ui/pages/ccdap_page.h"
 #include "ui/pages/data_file_page.h"
@@ -20,6 +21,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QTabBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -65,6 +67,22 @@ constexpr std::array kGuide{
     GuideRow{Page::DataFile, u"data-file.html"}, GuideRow{Page::Ccdap, u"ccdautopilot.html"},
     GuideRow{Page::Images, u"images.html"},      GuideRow{Page::Upload, u"upload.html"},
     GuideRow{Page::Network, u"network.html"},    GuideRow{Page::Tonight, u"tonight.html"}};
+
+// Tab leads from `before` to what takes the focus within `root`, in the order of its making. The
+// last of it.
+QWidget* focusAfter(QWidget* before, QWidget* root) {
+    std::vector<QWidget*> within;
+    for (QWidget* widget = root->nextInFocusChain(); widget != root;
+         widget = widget->nextInFocusChain()) {
+        if (root->isAncestorOf(widget) && widget->focusPolicy() != Qt::NoFocus)
+            within.push_back(widget);
+    }
+    for (QWidget* widget : within) {
+        QWidget::setTabOrder(before, widget);
+        before = widget;
+    }
+    return before;
+}
 
 } // namespace
 
@@ -181,11 +199,7 @@ void SettingsPages::addCorner() {
     button->setText(u"?"_s);
     button->setToolTip(u"Explain this page (F1)"_s);
     button->setAccessibleName(u"Explain this page"_s);
-    QFont bold = button->font();
-    bold.setBold(true);
-    bold.setPixelSize(15);
-    button->setFont(bold);
-    button->setFixedSize(36, 28);
+    help_ = button;
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
     corner_ = new QWidget(this);
@@ -243,6 +257,24 @@ void SettingsPages::followStrip(QTabWidget* strip, QProperty<int>& index, int fi
     });
 }
 
+void SettingsPages::resizeEvent(QResizeEvent* event) {
+    QTabWidget::resizeEvent(event);
+    const qreal unit = std::max(windowUnit(*this), 1.0);
+    QFont grown = font();
+    grown.setPixelSize(qRound(12 * unit));
+    if (grown == tabBar()->font())
+        return;
+    tabBar()->setFont(grown);
+    for (QTabWidget* strip : findChildren<QTabWidget*>())
+        strip->tabBar()->setFont(grown);
+    for (auto* button : corner_->findChildren<QAbstractButton*>())
+        button->setFont(grown);
+    grown.setPixelSize(qRound(15 * unit));
+    grown.setBold(true);
+    help_->setFont(grown);
+    help_->setFixedSize((QSizeF(36, 28) * unit).toSize());
+}
+
 void SettingsPages::open(Page page) {
     openSheet(static_cast<std::size_t>(page));
 }
@@ -280,6 +312,10 @@ void SettingsPages::makeShownSheet() {
     QWidget* page = sheet.make(sheet.holder);
     sheet.holder->layout()->addWidget(page);
     page->show(); // at once: its pane is to know its size before it is painted
+    // Tab leads from the strip through its buttons and the page, whatever else was made before it.
+    QWidget* last = focusAfter(tabBar(), corner_);
+    QWidget* strip = sheet.strip->tabBar();
+    focusAfter(sheet.strip == this ? last : strip, page);
     sheet.make = nullptr;
 }
 

@@ -45,6 +45,9 @@ class SettingsPages : public QTabWidget {
     std::function<void()> onHelp; // the "?" beside the pages was pressed
     std::function<void()> onFind; // a setting, wanted from the strip
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
     using MakePage = std::function<QWidget*(QWidget* parent)>;
     struct Sheet {
@@ -69,6 +72,7 @@ class SettingsPages : public QTabWidget {
 
     MonitoringCore& core_;
     SettingsChanges* changes_;
+    QWidget* help_ = nullptr;
     QWidget* corner_ = nullptr;                 // at the right end of the strip
     SessionState session_ = SessionState::Idle; // as it was last seen
     std::vector<Sheet> sheets_;                 // in the order of Page

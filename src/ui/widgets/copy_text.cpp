@@ -31,6 +31,8 @@ class CopyLine : public QLineEdit {
         });
         // Else going back would lead from the line to the readout, and so to the line again.
         readout->setFocusPolicy(Qt::NoFocus);
+        setAccessibleName(readout->accessibleName());
+        QWidget::setTabOrder(readout, this);
         show();
     }
 

@@ -4,6 +4,7 @@
 #include "platform/text_forms.h"
 #include "ui/dialogs/choose_path.h"
 #include "ui/look/look.h"
+#include "ui/look/window_unit.h"
 #include "ui/widgets/framed_button.h"
 #include "ui/widgets/timeline_paint.h"
 
@@ -113,13 +114,12 @@ QString suggestedName(const std::vector<LogEntry>& entries) {
 
 NightLog::NightLog(QWidget* parent)
     : QWidget(parent)
+    , heading_(new QLabel(u"Log"_s, this))
     , filter_(new QLineEdit(this))
     , list_(new QListWidget(this))
     , copy_(new FramedButton(u"Copy"_s, this))
     , save_(new FramedButton(u"CSV…"_s, this)) {
     setObjectName(u"NightLog"_s);
-    auto* heading = new QLabel(u"Log"_s, this);
-    heading->setFont(pixelFont(13, true));
     filter_->setObjectName(u"TxtLogFilter"_s);
     filter_->setPlaceholderText(u"Filter"_s);
     filter_->setAccessibleName(u"Filter of the log"_s);
@@ -139,7 +139,7 @@ NightLog::NightLog(QWidget* parent)
 
     auto* head = new QHBoxLayout;
     head->setSpacing(6);
-    head->addWidget(heading);
+    head->addWidget(heading_);
     head->addWidget(filter_, 1);
     head->addWidget(copy_);
     head->addWidget(save_);
@@ -184,6 +184,10 @@ void NightLog::show(std::vector<LogEntry> entries) {
 // Entries are as high as the window's letters, and a list asks for that once.
 void NightLog::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    const double unit = std::max(windowUnit(*this), 1.0);
+    heading_->setFont(pixelFont(qRound(13 * unit), true));
+    for (QWidget* part : std::initializer_list<QWidget*>{filter_, copy_, save_})
+        part->setFont(pixelFont(qRound(12 * unit)));
     list_->doItemsLayout();
 }
 

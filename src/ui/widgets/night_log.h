@@ -7,6 +7,7 @@
 
 #include <QWidget>
 
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
@@ -38,6 +39,7 @@ class NightLog : public QWidget {
     std::vector<LogEntry> chosen() const;
 
     std::vector<LogEntry> entries_;
+    QLabel* heading_;
     QLineEdit* filter_;
     QListWidget* list_;
     QPushButton* copy_;
