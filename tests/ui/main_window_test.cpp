@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QTabBar>
 #include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
@@ -94,6 +95,35 @@ TEST_F(MainWindow, ThePanelAloneComesAndGoesByItsKeyAndKeepsTheWindowsPlace) {
         EXPECT_FALSE(entry->isChecked());
     }
     EXPECT_EQ(QPoint(records().window.Left, records().window.Top), QPoint(30, 40));
+}
+
+TEST_F(MainWindow, ThePanelMakesRoomForSettingsAndGrowsWithTheWindow) {
+    const auto top = [this] {
+        return child(*window_, "SSTab1")->y();
+    };
+    const auto letters = [this] {
+        return QFontInfo(child(*window_, "SSTab2")->findChild<QTabBar*>()->font()).pixelSize();
+    };
+    const auto settle = [] {
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+    };
+    window_->resize(1280, 800);
+    openPage(Page::Tonight);
+    settle();
+    const int full = top();
+    const int usual = letters();
+    openPage(Page::Limits);
+    settle();
+    EXPECT_LE(top(), full - 100);
+    EXPECT_TRUE(visible("LblStatus"));
+    window_->resize(2560, 1600);
+    settle();
+    EXPECT_NEAR(letters(), 2 * usual, 1);
+    openPage(Page::Tonight);
+    settle();
+    EXPECT_NEAR(top(), 2 * full, 40); // margins stay
+    EXPECT_NEAR(child(*window_, "MenuClock")->font().pixelSize(), 2 * usual, 1);
 }
 
 TEST_F(MainWindow, ALostSourceLeavesNoLiveValueAndTimesCountBetweenCycles) {

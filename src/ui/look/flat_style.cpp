@@ -341,7 +341,9 @@ int FlatStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
 QSize FlatStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
                                   const QSize& contents, const QWidget* widget) const {
     constexpr QSize kRoomier(0, 4);
-    const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    if (type == CT_MenuBarItem)
+        size.setHeight(size.height() * 5 / 4);
     const bool tight = type == CT_LineEdit || type == CT_ComboBox || type == CT_ItemViewItem;
     return tight ? size + kRoomier : size;
 }

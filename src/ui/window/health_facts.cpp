@@ -134,12 +134,13 @@ HealthFact recording(const MonitoringCore& core) {
         return fact;
     }
     const bool written = lamp == kGreen;
-    fact.shape = written || history.on ? HealthShape::Working : HealthShape::Off;
-    fact.word = written || history.on ? u"on"_s : u"off"_s;
+    const bool kept = history.on && core.records.session.begun();
+    fact.shape = written || kept ? HealthShape::Working : HealthShape::Off;
+    fact.word = written || kept ? u"on"_s : u"off"_s;
     if (written) {
         fact.help = file.LblRecorded.Caption;
         fact.line = fact.help.section(u": "_s, -1).section(u',', 0, 0); // "12 lines"
-    } else if (history.on) {
+    } else if (kept) {
         fact.help = u"The history is written; no data file is"_s;
         fact.line = u"history only"_s;
     } else {

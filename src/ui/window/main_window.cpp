@@ -5,9 +5,11 @@
 #include "core/start_up.h"
 #include "ui/dialogs/help_window.h"
 #include "ui/look/look.h"
+#include "ui/look/window_unit.h"
 #include "ui/pages/settings_pages.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/kiv_get_number.h"
+#include "ui/window/menu_clock.h"
 #include "ui/window/menus.h"
 #include "ui/window/monitor_panel.h"
 #include "ui/window/status_strip.h"
@@ -15,9 +17,11 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStackedWidget>
+#include <QTabBar>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -61,11 +65,18 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
         explainPage();
     };
     column->addWidget(pages_, 1);
+    const auto makeRoom = [this, panel] {
+        panel->setCompact(pages_->shownPage() != Page::Tonight);
+    };
+    connect(pages_, &QTabWidget::currentChanged, panel, makeRoom);
+    makeRoom();
     column->addWidget(new StatusStrip(core_.records.session, content));
     views_ = new QStackedWidget(this);
     views_->addWidget(content);
     setCentralWidget(views_);
     makeMenuBar(*this, core_);
+    menuClock_ = new MenuClock(core_, menuBar());
+    menuBar()->setCornerWidget(menuClock_);
     setMinimumSize(kSmallestSize);
     resize(kUsualSize);
     frameDrawn_.setSingleShot(true);
@@ -163,6 +174,32 @@ void KivSHMainform::changeEvent(QEvent* event) {
     if (window.State != WindowState::Minimized)
         window.Visible = true;
     UpdateMenus(core_.records);
+}
+
+void KivSHMainform::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    // After the layouts that are at work.
+    QMetaObject::invokeMethod(
+        this, [this] { growLetters(); }, Qt::QueuedConnection);
+}
+
+// Of menus and tabs; what stands on the panel and the pages grows by itself.
+void KivSHMainform::growLetters() {
+    const qreal unit = std::max(windowUnit(*this), 1.0);
+    if (unit == unit_)
+        return;
+    unit_ = unit;
+    const auto grow = [unit](QWidget* widget) {
+        QFont letters = QApplication::font(widget);
+        letters.setPointSizeF(letters.pointSizeF() * unit);
+        widget->setFont(letters);
+    };
+    grow(menuBar());
+    for (QMenu* menu : menuBar()->findChildren<QMenu*>())
+        grow(menu);
+    for (QTabBar* strip : pages_->findChildren<QTabBar*>())
+        grow(strip);
+    menuClock_->grow();
 }
 
 void KivSHMainform::moveEvent(QMoveEvent* event) {

@@ -11,6 +11,7 @@ class QStackedWidget;
 
 namespace skyhold {
 
+class MenuClock;
 class SettingsPages;
 
 class KivSHMainform : public QMainWindow {
@@ -45,6 +46,7 @@ class KivSHMainform : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
@@ -53,12 +55,15 @@ class KivSHMainform : public QMainWindow {
     void placeOnScreen();
     void notePosition();
     void enableCloseItem(bool on);
+    void growLetters();
 
     MonitoringCore& core_;
     SettingsPages* pages_ = nullptr;
+    MenuClock* menuClock_ = nullptr;
     QStackedWidget* views_ = nullptr; // the window's usual content, and the panel alone
     Qt::WindowStates before_;         // the panel was alone
     bool placed_ = false;
+    qreal unit_ = 1;    // of the letters of menus and tabs
     QTimer frameDrawn_; // runs while the desktop may still put its frame around the window
 };
 

@@ -75,20 +75,25 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
     Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 17, true);
     delay->setInk(screenColour(kYellow));
     bind(delay, records.conditions.SafeDelayMsg);
+    // In the compact card a second line of causes stands where the delay would.
+    const auto inOneLine = [delay, growth] {
+        return growth->size.compact && !delay->text().isEmpty();
+    };
     const auto showCause = [=, &records] {
         const bool idle = !records.session.begun();
         const QString words = records.display.LblCause.Caption;
         const QString verdict = records.conditions.LblStatus.Caption;
-        const bool none = words.isEmpty() && records.session.verdict == Verdict::Safe;
+        const bool safe = records.session.verdict == Verdict::Safe;
+        const bool none = words.isEmpty() && safe;
         // Words without a verdict say why a start has failed.
         const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
         cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
         if (idle && !failed)
             cause->setText(u"Start begins a monitoring session."_s);
         else
-            cause->setText(none ? u"No condition counts as unsafe."_s
-                           : records.session.verdict == Verdict::Safe ? words
-                                                                      : oneALine(words));
+            cause->setText(none                  ? u"No condition counts as unsafe."_s
+                           : safe || inOneLine() ? words
+                                                 : oneALine(words));
         const bool list = cause->text().contains(u'\n');
         const PanelSize& size = growth->size;
         const Measures& at1 = growth->at1();
@@ -97,11 +102,9 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
                                         : u"Last verdict: %1. %2"_s.arg(verdict, words));
         last->setHidden(!idle);
         last->setPixelSize(size.letters(at1.last));
-        // In the compact card a second line of causes stands where the delay would.
-        const bool waits = !delay->text().isEmpty();
-        const bool one = (idle && !failed) || (size.compact && waits);
+        const bool one = (idle && !failed) || inOneLine();
         cause->setFixedHeight(size.length(one ? at1.oneLine : at1.twoLines));
-        delay->setHidden(idle || (size.compact && !waits));
+        delay->setHidden(idle || (size.compact && delay->text().isEmpty()));
         delay->setPixelSize(size.letters(at1.delay), true);
     };
     growth->apply.push_back(showCause);
@@ -158,7 +161,15 @@ void addControl(MonitoringCore& core, QWidget* card, QVBoxLayout* lines, Growth*
     auto* decidesRow = new QHBoxLayout;
     decidesRow->addWidget(decides, 1);
     decidesRow->addWidget(takeBack);
+    auto* beside = new QSpacerItem(0, 0);
+    decidesRow->addItem(beside);
     lines->addLayout(decidesRow);
+    // The button that ends a noise stands below it, or beside it where there is no room below.
+    growth->apply.emplace_back([=] {
+        const PanelSize& size = growth->size;
+        beside->changeSize(size.compact ? size.length(kStopAlarmWidth) + look::kGap : 0, 0);
+        decidesRow->invalidate();
+    });
     lines->addWidget(control);
 }
 

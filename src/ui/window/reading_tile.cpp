@@ -21,6 +21,7 @@ constexpr int kStripTop = 84;
 constexpr int kStripHeight = 23;
 constexpr int kFootHeight = 22;
 constexpr int kCompassSide = 50;
+constexpr int kNarrow = 125; // a tile with less has smaller letters
 
 } // namespace
 
@@ -152,7 +153,9 @@ void ReadingTile::setOld(bool old, const QString& at) {
     setEdge(old ? Edge::Line : Edge::None);
     for (Readout* readout : {header_, value_, unit_, condition_})
         readout->setOld(old);
-    at_->setText(value_->text().isEmpty() ? QString() : QStringLiteral("at ") + at);
+    // A compass takes some of its room.
+    at_->setText(value_->text().isEmpty() ? QString()
+                                          : QStringLiteral("at ") + (direction_ ? at.left(5) : at));
     at_->setHidden(!old || size_.compact);
     if (old == old_)
         return;
@@ -317,7 +320,6 @@ void ReadingTile::place() {
 
 // The size of the letters follows the width, so that neighbours look alike.
 void ReadingTile::placeFull() {
-    constexpr int kNarrow = 116;
     const bool narrow = width() < size_.length(kNarrow);
     const int inset = size_.length(narrow ? 8 : 10);
     header_->setPixelSize(size_.letters(narrow ? 12 : 14));
@@ -352,11 +354,12 @@ void ReadingTile::placeSpread(const QRect& line, bool narrow) {
 
 // The level stands beside the value.
 void ReadingTile::placeCompact() {
-    const int inset = size_.length(8);
+    const bool narrow = width() < size_.length(kNarrow);
+    const int inset = size_.length(narrow ? 6 : 9);
     const int inner = width() - 2 * inset;
     header_->setPixelSize(size_.letters(12));
     unit_->setPixelSize(size_.letters(11));
-    value_->setPixelSize(size_.letters(20), true);
+    value_->setPixelSize(size_.letters(narrow ? 17 : 20), true);
     condition_->setPixelSize(size_.letters(12), true);
     condition_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     spread_->setText({});

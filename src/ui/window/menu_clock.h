@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Date and time at the right end of the menu bar.
+#pragma once
+
+#include "core/monitoring_core.h"
+#include "ui/widgets/readout.h"
+
+#include <QTimer>
+
+namespace skyhold {
+
+// With seconds while a session runs, without them while nothing counts.
+class MenuClock : public Readout {
+    Q_OBJECT
+
+  public:
+    // `core` outlives it.
+    MenuClock(MonitoringCore& core, QWidget* parent);
+
+    // Takes up the letters of the menu bar.
+    void grow();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+  private:
+    void showTime();
+
+    MonitoringCore& core_;
+    QTimer next_; // while it is visible
+};
+
+} // namespace skyhold
