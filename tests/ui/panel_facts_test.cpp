@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/window/night_reader.h"
 #include "ui/window/panel_facts.h"
 
 #include <gtest/gtest.h>
@@ -148,6 +149,24 @@ TEST(PanelFacts, ATileShowsWhetherItSpeaksForUnsafeAndHowNearItsLimitIs) {
     result.observation.station.state = SourceState::Old;
     EXPECT_FALSE(tileFacts(Quantity::Wind, result, Verdict::Unsafe, {}).gauge);
     EXPECT_EQ(tileFacts(Quantity::Dew, result, Verdict::Unsafe, {}).spread, QString());
+}
+
+TEST(PanelFacts, AGaugeOfTheSensorsOwnLevelsNeedsABoundaryThatWasSeen) {
+    TimelineRow rain;
+    rain.index = measured(Quantity::Rain);
+    rain.decimals = 0;
+    rain.low = 600;
+    rain.high = 2600;
+    Night night{{}, {}, {rain}};
+    EXPECT_FALSE(observedGauge(nullptr, Quantity::Rain, 2100));
+    EXPECT_FALSE(observedGauge(&night, Quantity::Rain, 2100));
+    night.rows[0].lines = {{{}, 1600, true, true}};
+    night.rows[0].zones = {{{}, -kNoBound, 1600}};
+    const std::optional<Gauge> gauge = observedGauge(&night, Quantity::Rain, 2100);
+    const Gauge expected{
+        .marker = 0.75, .limits = {{0.5, true, u"≈ 1600"_s}}, .unsafe = {{0, 0.5}}};
+    EXPECT_EQ(gauge, expected);
+    EXPECT_FALSE(observedGauge(&night, Quantity::Cloud, -10));
 }
 
 TEST(PanelFacts, AgesGrowBetweenCyclesAndWarnFromHalfOfWhatIsAllowed) {

@@ -323,6 +323,7 @@ constexpr Scene kMoments[]{
     {"rain",
      [](SimulatedMonitor& monitor) {
          monitor.runUntil({0, 50});
+         monitor.records().alarms.SoundFault.Caption = QString(); // as if it were heard
      }},
     {"waiting",
      [](SimulatedMonitor& monitor) {

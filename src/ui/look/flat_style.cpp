@@ -302,9 +302,9 @@ int FlatStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
             return 0;
         break;
     case PM_TabBarTabHSpace:
-        return 28;
+        return 2 * (widget ? widget->fontMetrics().height() : 14);
     case PM_TabBarTabVSpace:
-        return 14;
+        return widget ? widget->fontMetrics().height() : 14;
     case PM_ButtonMargin:
         return 11;
     case PM_IndicatorWidth:
@@ -343,7 +343,7 @@ QSize FlatStyle::sizeFromContents(ContentsType type, const QStyleOption* option,
     constexpr QSize kRoomier(0, 4);
     QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     if (type == CT_MenuBarItem)
-        size.setHeight(size.height() * 5 / 4);
+        size = {contents.width() + option->fontMetrics.height(), size.height() * 5 / 4};
     const bool tight = type == CT_LineEdit || type == CT_ComboBox || type == CT_ItemViewItem;
     return tight ? size + kRoomier : size;
 }

@@ -71,9 +71,11 @@ QColor HealthFieldView::ground() const {
 void HealthFieldView::drawFrame(QPainter& painter) const {
     if (!fact_.failed() && !fact_.sounds())
         return;
-    painter.setPen(QPen(fact_.sounds() ? panel::alarmEdge() : panel::warningEdge(), 2));
+    painter.setPen(
+        QPen(fact_.sounds() ? panel::alarmEdge() : panel::warningEdge(), 2 * size_.unit));
     painter.setBrush(ground());
-    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    const qreal inset = 2 * size_.unit; // two neighbours may have one
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset / 2, -inset, -inset / 2), 4, 4);
 }
 
 // Smaller where the room is short, and with fewer words where that is not enough.
@@ -262,7 +264,7 @@ void HealthRow::paintEvent(QPaintEvent* event) {
     const int inset = size_.length(8);
     for (std::size_t i = 1; i <= fields_.size(); ++i) {
         const int x = i < fields_.size() ? fields_[i]->x() : users_->x();
-        painter.fillRect(x, inset, 1, height() - 2 * inset, look::kEdge);
+        painter.fillRect(x, inset, size_.length(1), height() - 2 * inset, look::kEdge);
     }
 }
 

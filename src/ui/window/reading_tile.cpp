@@ -196,11 +196,12 @@ void ReadingTile::drawCard(QPaintEvent* event) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (facts_.culprit) {
         painter.setBrush(panel::alarmGround());
-        painter.setPen(QPen(panel::alarmEdge(), 4));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 4, 4);
+        const qreal edge = 2 * size_.unit;
+        painter.setPen(QPen(panel::alarmEdge(), 2 * edge));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(edge, edge, -edge, -edge), 4, 4);
     } else {
         painter.setBrush(look::kField);
-        painter.setPen(QPen(panel::warningEdge(), 1.5, Qt::DashLine));
+        painter.setPen(QPen(panel::warningEdge(), 1.5 * size_.unit, Qt::DashLine));
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
     }
 }
@@ -210,9 +211,10 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (facts_.nearest) {
-        painter.setPen(QPen(look::kText, 2));
+        const qreal edge = size_.unit;
+        painter.setPen(QPen(look::kText, 2 * edge));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(edge, edge, -edge, -edge), 4, 4);
     }
     if (lost_ && !facts_.culprit)
         drawLost(painter);

@@ -2,6 +2,7 @@
 #include "ui/window/tile_row.h"
 
 #include "ui/look/look.h"
+#include "ui/widgets/bind.h"
 #include "ui/window/panel_shapes.h"
 #include "ui/window/reading_tile.h"
 
@@ -26,6 +27,9 @@ constexpr std::array<TileOfQuantity, kQuantityCount> kTiles{{{Quantity::Cloud, 0
                                                              {Quantity::Gust, 3},
                                                              {Quantity::Dew, 5},
                                                              {Quantity::Humidity, 6}}};
+// For what the night has shown of the sensor program's limits.
+constexpr int kNightEveryMs = 600'000;
+
 constexpr int kDirectionHeader = 4; // behind the gust's
 
 // What a tile draws below its value, from the history of the graphs. What one would call calm or
@@ -51,7 +55,8 @@ constexpr std::array<TrendOfQuantity, 5> kTrends{{
 
 TileRow::TileRow(MonitoringCore& core, QWidget* parent)
     : QWidget(parent)
-    , core_(core) {
+    , core_(core)
+    , night_(core, kNightEveryMs, this) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(look::kGap);
@@ -60,6 +65,32 @@ TileRow::TileRow(MonitoringCore& core, QWidget* parent)
         if (quantity == Quantity::Gust)
             addDirection();
     }
+    connect(&night_, &NightReader::changed, this, &TileRow::showFacts);
+    follow(this, core.records.session.State, [this](SessionState) { readNight(); });
+}
+
+void TileRow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    readNight();
+}
+
+void TileRow::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    readNight();
+}
+
+void TileRow::readNight() {
+    night_.setWanted(isVisible() && core_.records.session.running());
+}
+
+TileFacts TileRow::factsOf(const ShownTile& shown) const {
+    const CycleResult& result = core_.result;
+    const Verdict verdict = core_.records.session.verdict;
+    TileFacts facts = tileFacts(*shown.quantity, result, verdict, core_.forms);
+    const std::optional<double> read = result.observation.values[*shown.quantity];
+    if (shown.ofSensor && read && !facts.culprit)
+        facts.gauge = observedGauge(night_.night(), *shown.quantity, *read);
+    return facts;
 }
 
 ReadingTile* TileRow::addTile(Label& header, int number, Label& value, const QString& valueName,
@@ -108,9 +139,7 @@ void TileRow::showFacts() {
     showDirection();
     for (const ShownTile& shown : tiles_) {
         if (shown.quantity)
-            shown.tile->showFacts(
-                judged ? tileFacts(*shown.quantity, result, session.verdict, core_.forms)
-                       : TileFacts{});
+            shown.tile->showFacts(judged ? factsOf(shown) : TileFacts{});
         if (!session.running())
             continue;
         const QDateTime read = shown.ofSensor ? core_.records.readings.LastReading

@@ -4,6 +4,7 @@
 
 #include "core/monitoring_core.h"
 #include "ui/widgets/trend_line.h"
+#include "ui/window/night_reader.h"
 #include "ui/window/panel_parts.h"
 
 #include <utility>
@@ -26,6 +27,10 @@ class TileRow : public QWidget {
     void showFacts();
     void showTrends();
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
   private:
     ReadingTile* addTile(Label& header, int number, Label& value, const QString& valueName,
                          bool ofSensor, std::optional<Quantity> quantity);
@@ -33,11 +38,14 @@ class TileRow : public QWidget {
     void addDirection();
     void showDirection();
 
+    void readNight();
+
     struct ShownTile {
         ReadingTile* tile;
         bool ofSensor; // the sensor program reads it
         std::optional<Quantity> quantity;
     };
+    TileFacts factsOf(const ShownTile& shown) const;
     struct TileTrend {
         ReadingTile* tile;
         double (*value)(const GraphPoint&);
@@ -45,6 +53,7 @@ class TileRow : public QWidget {
     };
 
     MonitoringCore& core_;
+    NightReader night_;
     std::vector<ShownTile> tiles_;
     ReadingTile* direction_ = nullptr;
     std::vector<TileTrend> trends_;

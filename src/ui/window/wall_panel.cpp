@@ -5,9 +5,8 @@
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/timeline_band.h"
-#include "ui/window/age_text.h"
 #include "ui/window/banner_look.h"
-#include "ui/window/panel_inks.h"
+#include "ui/window/panel_shapes.h"
 #include "ui/window/reading_tile.h"
 
 #include <QKeyEvent>
@@ -24,14 +23,9 @@ constexpr qreal kMargin = 24;
 constexpr qreal kGap = 16;
 constexpr qreal kHealthHeight = 86;
 constexpr qreal kBandHeight = 180;
-constexpr int kBandEveryMs = 60'000;
-constexpr int kWrittenMs = 400; // until the history surely has a verdict
+constexpr int kNightEveryMs = 60'000;
 constexpr QSizeF kDesign(1920, 1080);
 
-struct WallTile {
-    std::optional<Quantity> quantity; // none: the wind's direction
-    bool ofSensor;
-};
 constexpr std::array<WallTile, 9> kTiles{{{Quantity::Cloud, true},
                                           {Quantity::Rain, true},
                                           {Quantity::Brightness, true},
@@ -42,98 +36,19 @@ constexpr std::array<WallTile, 9> kTiles{{{Quantity::Cloud, true},
                                           {Quantity::Dew, false},
                                           {Quantity::Humidity, false}}};
 
-QFont letters(const QFont& base, qreal size, bool bold) {
-    QFont font = base;
-    font.setPixelSize(static_cast<int>(size));
-    font.setBold(bold);
-    return font;
-}
-
-// Smaller, down to half its size, where it does not fit.
-void drawFitted(QPainter& painter, const QRectF& area, const QString& text, qreal size, bool bold,
-                int flags = Qt::AlignLeft | Qt::AlignVCenter) {
-    const QFont base = painter.font();
-    qreal fitted = size;
-    const auto fits = [&] {
-        const QRectF needed =
-            QFontMetricsF(letters(base, fitted, bold)).boundingRect(area, flags, text);
-        return needed.width() <= area.width() && needed.height() <= area.height() + 2;
-    };
-    while (fitted > size / 2 && !fits())
-        fitted -= 2;
-    painter.setFont(letters(base, fitted, bold));
-    painter.drawText(area, flags, text);
-    painter.setFont(base);
-}
-
-void drawCard(QPainter& painter, const QRectF& area, const QColor& fill, const QPen& edge) {
-    painter.setPen(edge);
-    painter.setBrush(fill);
-    const qreal inset = edge.style() == Qt::NoPen ? 0 : edge.widthF() / 2;
-    painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), 8, 8);
-}
-
-struct TileWords {
-    QString header, value, level, foot;
-    QColor headerInk, valueInk, levelInk;
-    bool culprit = false;
-    bool nearest = false;
-    bool lost = false;
-    std::optional<Gauge> gauge = std::nullopt;
-};
-
-void drawTile(QPainter& painter, const QRectF& area, const TileWords& words) {
-    if (words.culprit)
-        drawCard(painter, area, panel::alarmGround(), QPen(panel::alarmEdge(), 7));
-    else if (words.lost)
-        drawCard(painter, area, look::kField, QPen(panel::warningEdge(), 3, Qt::DashLine));
-    else
-        drawCard(painter, area, look::kCard,
-                 words.nearest ? QPen(look::kText, 4) : QPen(Qt::NoPen));
-    const qreal row = area.height() / 12;
-    const QRectF inside = area.adjusted(22, 0, -22, 0);
-    const auto part = [&inside, row](qreal from, qreal rows) {
-        return QRectF(inside.left(), inside.top() + from * row, inside.width(), rows * row);
-    };
-    painter.setPen(words.headerInk);
-    drawFitted(painter, part(0.2, 2.4), words.header, 38, false);
-    painter.setPen(words.valueInk);
-    drawFitted(painter, part(2.2, 5), words.value, 86, true);
-    painter.setPen(words.levelInk);
-    drawFitted(painter, part(7, 2.6), words.level, 42, true);
-    if (words.gauge && !words.culprit)
-        drawGauge(painter, *words.gauge, part(10.4, 0.6));
-    if (words.foot.isEmpty())
-        return;
-    const QRectF foot(area.left(), area.top() + 9.6 * row, area.width(), 2.4 * row);
-    if (words.culprit) {
-        painter.fillRect(foot, panel::alarmStrip());
-        painter.setPen(panel::onAlarmStrip());
-        drawFitted(painter, foot.adjusted(8, 0, -8, 0), words.foot, 40, true, Qt::AlignCenter);
-    } else { // beside the level
-        painter.setPen(look::kDimText);
-        drawFitted(painter, part(7, 2.6), words.foot, 36, false, Qt::AlignRight | Qt::AlignVCenter);
-    }
-}
-
 } // namespace
 
 WallPanel::WallPanel(MonitoringCore& core, QWidget* parent)
     : QWidget(parent)
-    , core_(core) {
+    , core_(core)
+    , night_(core, kNightEveryMs, this) {
     setObjectName(u"WallPanel"_s);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     SessionControls& session = core.records.session;
     follow(this, session.CyclesDone, [this](std::int64_t) { update(); });
-    pool_.setMaxThreadCount(1);
-    bandDue_.setSingleShot(true);
-    connect(&bandDue_, &QTimer::timeout, this, &WallPanel::readBand);
-    follow(this, session.verdict, [this](Verdict) {
-        update();
-        if (isVisible())
-            bandDue_.start(kWrittenMs);
-    });
+    connect(&night_, &NightReader::changed, this, [this] { update(); });
+    follow(this, session.verdict, [this](Verdict) { update(); });
     follow(this, core.records.display.LblCause.Caption, [this](const QString&) { update(); });
     follow(this, session.State, [this](SessionState state) {
         if (state == SessionState::Starting)
@@ -144,43 +59,16 @@ WallPanel::WallPanel(MonitoringCore& core, QWidget* parent)
     connect(&second_, &QTimer::timeout, this, [this] { update(); });
 }
 
-WallPanel::~WallPanel() {
-    pool_.waitForDone();
-}
-
 void WallPanel::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     second_.start();
-    readBand();
+    night_.setWanted(true);
 }
 
 void WallPanel::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     second_.stop();
-    bandDue_.stop();
-}
-
-void WallPanel::readBand() {
-    if (reading_ || !core_.history.state().on)
-        return;
-    reading_ = true;
-    const std::int64_t now = core_.clock.now().toMSecsSinceEpoch();
-    pool_.start([this, now, running = core_.records.session.running()] {
-        constexpr int kPoints = 1; // the band is made of the verdicts alone
-        const QString path = historyPath();
-        NightRecord record = readNight(path, nightUntil(path, now), now, kPoints);
-        record.running = running;
-        const TimeRange night = record.range;
-        const auto band = record.fault.isEmpty() ? bandOf(record) : std::vector<BandSegment>();
-        QMetaObject::invokeMethod(this, [this, night, band] {
-            reading_ = false;
-            night_ = night;
-            band_ = band;
-            update();
-            if (isVisible())
-                bandDue_.start(kBandEveryMs);
-        });
-    });
+    night_.setWanted(false);
 }
 
 void WallPanel::keyPressEvent(QKeyEvent* event) {
@@ -202,7 +90,7 @@ void WallPanel::paintEvent(QPaintEvent*) {
     painter.scale(scale, scale);
     const QRectF inside = QRectF(0, 0, width() / scale, height() / scale)
                               .adjusted(kMargin, kMargin, -kMargin, -kMargin);
-    const bool hasBand = !band_.empty();
+    const bool hasBand = night_.night() && !night_.night()->band.empty();
     const qreal healthBottom = inside.bottom() - (hasBand ? kBandHeight + kGap : 0);
     const qreal below = healthBottom - kHealthHeight - kGap;
     const qreal across = inside.left() + 0.47 * inside.width();
@@ -228,7 +116,7 @@ void WallPanel::drawVerdict(QPainter& painter, const QRectF& area) const {
                                    .started = static_cast<double>(now - startedMs_) / 1000});
     const BannerLook shown = bannerLook(facts.kind);
     drawBanner(painter, area, shown);
-    const qreal side = 0.48 * area.height();
+    const qreal side = 0.52 * area.height();
     const QRectF sign(area.left() + 36, area.top() + 0.13 * area.height(), side, side);
     drawSign(painter, sign, facts.kind, shown);
     painter.setPen(shown.ink);
@@ -238,150 +126,158 @@ void WallPanel::drawVerdict(QPainter& painter, const QRectF& area) const {
                           : facts.kind == BannerKind::NoVerdict
                               ? u"No verdict"_s
                               : core_.records.conditions.LblStatus.Caption.value();
-    drawFitted(painter,
-               QRectF(QPointF(sign.right() + 30, sign.top() - 10),
-                      QPointF(area.right() - 24, sign.bottom() + 10)),
-               words, 180, true);
+    wall::drawFitted(painter,
+                     QRectF(QPointF(sign.right() + 30, sign.top() - 10),
+                            QPointF(area.right() - 24, sign.bottom() + 10)),
+                     words, idle ? 100 : 180, true);
     if (facts.kind == BannerKind::NoVerdict)
         return;
-    drawFitted(painter,
-               QRectF(QPointF(area.left() + 36, sign.bottom() + 10),
-                      QPointF(area.right() - 24, area.bottom() - 30)),
-               facts.line, 56, true);
+    wall::drawFitted(painter,
+                     QRectF(QPointF(area.left() + 36, sign.bottom() + 10),
+                            QPointF(area.right() - 24, area.bottom() - 30)),
+                     facts.line, 56, true);
 }
 
 // The words of a session that has ended are of then.
 void WallPanel::drawWhy(QPainter& painter, const QRectF& area) const {
-    drawCard(painter, area, look::kCard, QPen(Qt::NoPen));
-    const bool idle = !core_.records.session.begun();
+    wall::drawCard(painter, area, look::kCard);
+    const SessionControls& session = core_.records.session;
+    const bool idle = !session.begun();
+    QRectF inside = area.adjusted(36, 20, -36, -20);
+    for (const WallTile& tile : kTiles) {
+        if (!tile.quantity || !session.running() || session.verdict != Verdict::Safe)
+            continue;
+        const TileFacts facts =
+            tileFacts(*tile.quantity, core_.result, session.verdict, core_.forms);
+        if (!facts.nearest || !facts.gauge)
+            continue;
+        constexpr qreal kGauge = 26;
+        inside.setBottom(inside.bottom() - 3 * kGauge);
+        drawGauge(painter, *facts.gauge,
+                  {inside.left(), inside.bottom() + 1.4 * kGauge, inside.width(), kGauge});
+    }
     painter.setPen(idle ? look::kDimText : look::kText);
     const QString words = QString(core_.records.display.LblCause.Caption).replace(u"; "_s, u"\n"_s);
-    drawFitted(painter, area.adjusted(36, 20, -36, -20),
-               idle && !words.isEmpty() ? u"Last: "_s + words : words, 52, !idle,
-               Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap);
+    wall::drawFitted(painter, inside, idle && !words.isEmpty() ? u"Last: "_s + words : words, 52,
+                     !idle, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap);
+}
+
+QString WallPanel::unitOf(const WallTile& tile) const {
+    if (!tile.quantity)
+        return u"°"_s;
+    const Measure measure = rowOf(*tile.quantity).measure;
+    if (const Label* unit = unitLabel(measure, core_.records.units))
+        return unit->Caption;
+    return measure == Measure::Percent ? u"%"_s : QString();
+}
+
+wall::Tile WallPanel::tileOf(const WallTile& shown) const {
+    const ReadingDisplay& display = core_.records.display;
+    const SessionControls& session = core_.records.session;
+    const Observation& observation = core_.result.observation;
+    const bool live = session.running();
+    const bool judged = live && session.verdict != Verdict::None;
+    const auto ink = [live](const Label& label) {
+        return live ? look::ink(screenColour(label.ForeColor), look::kCard) : look::kDimText;
+    };
+    const Label& header =
+        shown.quantity ? display.Label0[*shown.quantity] : display.Label0Direction;
+    const Label& value = shown.quantity ? display.LVal[*shown.quantity] : display.LValWindDir;
+    wall::Tile tile{.header = header.Caption,
+                    .unit = value.Caption.value().isEmpty() ? QString() : unitOf(shown),
+                    .value = value.Caption,
+                    .level = {},
+                    .spread = {},
+                    .headerInk = ink(header),
+                    .valueInk = ink(value),
+                    .levelInk = live ? look::kText : look::kDimText,
+                    .live = live,
+                    .facts = {},
+                    .direction = {}};
+    tile.lost =
+        judged && (shown.ofSensor ? observation.sensor.failed() : !observation.station.usable());
+    if (shown.quantity) {
+        tile.level = display.LCond[*shown.quantity].Caption;
+        tile.levelInk = ink(display.LCond[*shown.quantity]);
+        if (judged)
+            tile.facts = tileFacts(*shown.quantity, core_.result, session.verdict, core_.forms);
+        const std::optional<double> read = observation.values[*shown.quantity];
+        if (judged && shown.ofSensor && read)
+            tile.facts.gauge = observedGauge(night_.night(), *shown.quantity, *read);
+        tile.spread = QString(tile.facts.spread).replace(u"spread"_s, u"Δ"_s);
+    } else if (!tile.lost && !tile.value.isEmpty() && observation.station.windDirection) {
+        tile.direction = observation.station.windDirection;
+        tile.level = core_.records.units.Cardinal[compassPoint(*tile.direction)];
+    }
+    return tile;
 }
 
 void WallPanel::drawTiles(QPainter& painter, const QRectF& area) const {
-    const ReadingDisplay& display = core_.records.display;
-    const SessionControls& session = core_.records.session;
-    const CycleResult& result = core_.result;
-    const bool live = session.running();
-    const bool judged = live && session.verdict != Verdict::None;
     const QSizeF size((area.width() - 2 * kGap) / 3, (area.height() - 2 * kGap) / 3);
     for (std::size_t i = 0; i < kTiles.size(); ++i) {
-        const WallTile& tile = kTiles[i];
-        const Label& header =
-            tile.quantity ? display.Label0[*tile.quantity] : display.Label0Direction;
-        const Label& value = tile.quantity ? display.LVal[*tile.quantity] : display.LValWindDir;
-        const TileFacts facts = tile.quantity && judged ? tileFacts(*tile.quantity, result,
-                                                                    session.verdict, core_.forms)
-                                                        : TileFacts{};
-        const auto ink = [live](const Label& label) {
-            return live ? look::ink(screenColour(label.ForeColor), look::kCard) : look::kDimText;
-        };
-        TileWords words{.header = header.Caption,
-                        .value = value.Caption,
-                        .level = {},
-                        .foot = facts.culprit ? facts.foot
-                                              : QString(facts.spread).replace(u"spread"_s, u"Δ"_s),
-                        .headerInk = ink(header),
-                        .valueInk = ink(value),
-                        .levelInk = look::kDimText,
-                        .culprit = facts.culprit,
-                        .nearest = facts.nearest};
-        words.gauge = facts.gauge;
-        words.lost = judged && (tile.ofSensor ? result.observation.sensor.failed()
-                                              : !result.observation.station.usable());
-        if (tile.quantity) {
-            words.level = display.LCond[*tile.quantity].Caption;
-            words.levelInk = ink(display.LCond[*tile.quantity]);
-        }
-        if (words.lost) {
-            words.value = u"–"_s;
-            words.valueInk = look::kDimText;
-            words.level = u"no new data"_s;
-            words.levelInk = panel::warning(look::kField);
-        }
         const auto column = static_cast<int>(i % 3);
         const auto row = static_cast<int>(i / 3);
-        drawTile(painter,
-                 {{area.left() + column * (size.width() + kGap),
-                   area.top() + row * (size.height() + kGap)},
-                  size},
-                 words);
+        wall::drawTile(painter,
+                       {{area.left() + column * (size.width() + kGap),
+                         area.top() + row * (size.height() + kGap)},
+                        size},
+                       tileOf(kTiles[i]));
     }
 }
 
 void WallPanel::drawHealth(QPainter& painter, const QRectF& area) const {
-    drawCard(painter, area, look::kCard, QPen(Qt::NoPen));
+    wall::drawCard(painter, area, look::kCard);
     const Records& records = core_.records;
-    const CycleResult& result = core_.result;
-    const bool live = records.session.running();
-    const bool judged = live && records.session.verdict != Verdict::None;
-    const QDateTime now = core_.clock.now();
-    const SourceAge station = stationAge(result, core_.clock.MsClock());
-    struct Cell {
-        QString caption, word;
-        bool loud = false;
+    const HealthFacts facts = healthFacts(core_);
+    std::vector<wall::Cell> cells;
+    // A word that is right is given up.
+    const auto addFact = [&](HealthField field, const QString& caption) {
+        const HealthFact& fact = facts[static_cast<std::size_t>(field)];
+        QString word = fact.word;
+        if (word.startsWith(u"ok "_s))
+            word = word.section(u' ', 1);
+        cells.push_back({caption + u' ', word, {}, fact});
     };
-    std::vector<Cell> cells;
-    if (!live) {
-        cells.push_back({u"Session"_s, records.session.begun() ? u"starting"_s : u"stopped"_s});
-    } else if (judged) {
-        const bool sensorFailed = result.observation.sensor.failed();
-        const auto age = [&now](const QDateTime& read) {
-            return ageText(read, now, 0).remove(u" ago"_s);
-        };
-        cells.push_back({u"Sensor"_s,
-                         sensorFailed ? u"failed"_s : age(records.readings.LastReading),
-                         sensorFailed});
-        cells.push_back({u"Station"_s, age(records.readings.StationDateTime),
-                         station.failed || station.ageing});
-        cells.push_back({u"Next"_s, u"%1 s"_s.arg(secondsToCycle(result, core_.clock.MsClock()))});
+    if (records.session.begun()) {
+        addFact(HealthField::Sensor, u"Sensor"_s);
+        addFact(HealthField::Station, u"Station"_s);
+        addFact(HealthField::Cycle, u"Next"_s);
+    } else {
+        addFact(HealthField::Cycle, u"Session"_s);
     }
-    if (records.display.LValSwitch.Visible && !records.display.LValSwitch.Caption.value().isEmpty())
-        cells.push_back({u"Roof"_s, records.display.LValSwitch.Caption});
-    if (!records.readings.AlarmSoundId.isEmpty())
-        cells.push_back({u"Alarm"_s, u"sounding"_s, true});
-    cells.push_back({{}, formatDate(now, u"hh:mm:ss")});
-    const qreal width = area.width() / static_cast<qreal>(cells.size());
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const Cell& cell = cells[i];
-        const QRectF place(area.left() + static_cast<qreal>(i) * width + 20, area.top(), width - 40,
-                           area.height());
-        if (cell.loud)
-            drawCard(painter, place.adjusted(-16, 6, 16, -6), look::kField,
-                     QPen(panel::warningEdge(), 4));
-        const qreal wide = cell.caption.isEmpty()
-                               ? 0
-                               : QFontMetricsF(letters(painter.font(), 38, false))
-                                         .horizontalAdvance(cell.caption) +
-                                     14;
-        painter.setPen(look::kDimText);
-        drawFitted(painter, place, cell.caption, 38, false);
-        painter.setPen(cell.loud ? panel::warning(look::kField) : look::kText);
-        drawFitted(painter, place.adjusted(wide, 0, 0, 0), cell.word, 38, true);
-    }
+    const Label& roof = records.display.LValSwitch;
+    if (roof.Visible && !roof.Caption.value().isEmpty())
+        cells.push_back({u"Roof "_s,
+                         roof.Caption,
+                         records.session.begun()
+                             ? look::ink(screenColour(roof.ForeColor), look::kCard)
+                             : look::kDimText,
+                         {},
+                         roof.Caption.value() == u"Opened"_s});
+    addFact(HealthField::Alarms, u"Alarms"_s);
+    cells.push_back({{}, formatDate(core_.clock.now(), u"hh:mm:ss")});
+    wall::drawCells(painter, area, cells);
 }
 
 void WallPanel::drawBand(QPainter& painter, const QRectF& area) const {
     constexpr qreal kAxis = 50;
     constexpr int kLetters = 36;
     constexpr qreal kLeastBetween = 230; // from one time to the next
-    drawCard(painter, area, look::kCard, QPen(Qt::NoPen));
+    wall::drawCard(painter, area, look::kCard);
     TimelineGrid grid;
     grid.unit = 3;
     grid.small = kLetters;
     grid.band = area.adjusted(24, 14, -24, -kAxis);
     grid.plot = grid.band;
     TimelineView view;
-    view.shown = night_;
-    paintVerdicts(painter, grid, band_, view);
+    const TimeRange& whole = night_.night()->record.range;
+    view.shown = whole;
+    paintVerdicts(painter, grid, night_.night()->band, view);
     painter.setFont(pixelFont(kLetters));
     painter.setPen(look::kDimText);
     const qreal now = grid.band.right();
-    for (const AxisMark& mark : axisMarks(night_, grid.band.width(), kLeastBetween)) {
-        const qreal x = grid.xOf(mark.atMs, night_);
+    for (const AxisMark& mark : axisMarks(whole, grid.band.width(), kLeastBetween)) {
+        const qreal x = grid.xOf(mark.atMs, whole);
         if (x > now - kLeastBetween)
             continue;
         painter.fillRect(QRectF(x - 1, grid.band.bottom(), 2, 8), look::kDimText);

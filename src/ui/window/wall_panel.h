@@ -4,13 +4,18 @@
 #pragma once
 
 #include "core/monitoring_core.h"
-#include "ui/widgets/timeline_data.h"
+#include "ui/window/night_reader.h"
+#include "ui/window/wall_parts.h"
 
-#include <QThreadPool>
 #include <QTimer>
 #include <QWidget>
 
 namespace skyhold {
+
+struct WallTile {
+    std::optional<Quantity> quantity; // none: the wind's direction
+    bool ofSensor;
+};
 
 class WallPanel : public QWidget {
     Q_OBJECT
@@ -19,7 +24,6 @@ class WallPanel : public QWidget {
     // Painted from the records of `core`, which outlives it: after each cycle and, while it is
     // visible, each second.
     WallPanel(MonitoringCore& core, QWidget* parent);
-    ~WallPanel() override;
 
   Q_SIGNALS:
     void left(); // Esc, or a double click
@@ -34,19 +38,16 @@ class WallPanel : public QWidget {
   private:
     void drawVerdict(QPainter& painter, const QRectF& area) const;
     void drawWhy(QPainter& painter, const QRectF& area) const;
+    QString unitOf(const WallTile& tile) const;
+    wall::Tile tileOf(const WallTile& shown) const;
     void drawTiles(QPainter& painter, const QRectF& area) const;
     void drawHealth(QPainter& painter, const QRectF& area) const;
     void drawBand(QPainter& painter, const QRectF& area) const;
-    void readBand();
 
     MonitoringCore& core_;
     QTimer second_;
     std::int64_t startedMs_ = 0; // when the session began to start
-    std::vector<BandSegment> band_;
-    TimeRange night_;
-    QTimer bandDue_; // while it is visible
-    bool reading_ = false;
-    QThreadPool pool_; // reads the history
+    NightReader night_;
 };
 
 } // namespace skyhold
