@@ -7,6 +7,7 @@
 #include "ui/window/panel_shapes.h"
 
 #include <QHBoxLayout>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -21,7 +22,7 @@ namespace {
 constexpr int kHeight = 40;
 constexpr int kShapeLeft = 8;
 constexpr int kShapeSide = 14;
-constexpr int kTextLeft = 28;
+constexpr int kTextLeft = 27;
 constexpr int kLetters = 13;
 constexpr int kLineLetters = 12;
 constexpr int kLeast = PanelSize::kLeastLetters;
@@ -39,18 +40,25 @@ constexpr std::array<const char16_t*, kHealthFields> kNames{
 HealthFieldView::HealthFieldView(const QString& name, QWidget* parent)
     : QWidget(parent) {
     setObjectName(name);
+    setAttribute(Qt::WA_OpaquePaintEvent); // nothing behind it is painted for an age
     followLook(this, [this] { update(); });
 }
 
 void HealthFieldView::show(const HealthFact& fact) {
     if (fact == fact_)
         return;
+    // Most often an age has grown.
+    HealthFact grown = fact_;
+    grown.word = fact.word;
+    const bool onlyWord = grown == fact;
+    if (fact.help != fact_.help) {
+        setToolTip(fact.help);
+        setAccessibleDescription(fact.help);
+    }
     fact_ = fact;
-    setToolTip(fact.help);
     const QString said = fact.name + u": "_s + fact.word;
     setAccessibleName(fact.line.isEmpty() ? said : said + u", "_s + fact.line);
-    setAccessibleDescription(fact.help);
-    update();
+    update(onlyWord ? wordsRect() : rect());
 }
 
 void HealthFieldView::grow(const PanelSize& size) {
@@ -68,60 +76,54 @@ QColor HealthFieldView::ground() const {
     return fact_.sounds() ? panel::alarmGround() : fact_.failed() ? look::kField : look::kCard;
 }
 
+QRect HealthFieldView::wordsRect() const {
+    const int left = size_.length(kTextLeft);
+    return {left, size_.length(3), width() - left - size_.length(3),
+            height() / 2 - size_.length(2)};
+}
+
 void HealthFieldView::drawFrame(QPainter& painter) const {
     if (!fact_.failed() && !fact_.sounds())
         return;
     painter.setPen(
         QPen(fact_.sounds() ? panel::alarmEdge() : panel::warningEdge(), 2 * size_.unit));
     painter.setBrush(ground());
-    const qreal inset = 2 * size_.unit; // two neighbours may have one
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset / 2, -inset, -inset / 2), 4, 4);
+    const qreal inset = size_.unit;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 4, 4);
 }
 
 // Smaller where the room is short, and with fewer words where that is not enough.
 void HealthFieldView::drawWords(QPainter& painter) const {
-    const int left = size_.length(kTextLeft);
-    const QRect room(left, size_.length(3), width() - left - size_.length(3),
-                     height() / 2 - size_.length(2));
+    const QRect room = wordsRect();
     QFont plain = font();
     QFont bold = plain;
     bold.setBold(true);
     const QString name = fact_.name + u' ';
-    const auto widthOf = [](const QFont& letters, const QString& text) {
-        return QFontMetrics(letters).horizontalAdvance(text);
-    };
+    int nameWidth = 0;
     const auto fits = [&](int letters, const QString& word) {
         plain.setPixelSize(letters);
         bold.setPixelSize(letters);
-        return widthOf(plain, name) + widthOf(bold, word) <= room.width();
+        nameWidth = QFontMetrics(plain).horizontalAdvance(name);
+        return nameWidth + QFontMetrics(bold).horizontalAdvance(word) <= room.width();
     };
     QString word = fact_.word;
     if (!fits(size_.letters(kLetters), word) && !fits(size_.letters(kLeast), word) &&
         !fact_.brief.isEmpty())
         word = fact_.brief;
     const QColor loud = panel::warning(ground());
+    const QFontMetrics metrics(plain);
+    const int base = room.center().y() + (metrics.ascent() - metrics.descent() + 1) / 2;
     painter.setFont(plain);
     painter.setPen(fact_.failed() ? loud : look::kDimText);
-    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, name);
+    painter.drawText(QPoint(room.left(), base), name);
     painter.setFont(bold);
     painter.setPen(fact_.failed() || fact_.warns     ? loud
                    : fact_.shape == HealthShape::Off ? look::kDimText
                                                      : look::kText);
-    painter.drawText(room.adjusted(widthOf(plain, name), 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                     QFontMetrics(bold).elidedText(word, Qt::ElideRight,
-                                                   room.width() - widthOf(plain, name) + 1));
+    painter.drawText(QPoint(room.left() + nameWidth, base), word);
 }
 
-void HealthFieldView::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawFrame(painter);
-    const qreal side = size_.length(kShapeSide);
-    drawHealthShape(painter, {qreal(size_.length(kShapeLeft)), (height() - side) / 2, side, side},
-                    fact_.shape, fact_.share);
-    drawWords(painter);
-    if (fact_.line.isEmpty())
-        return;
+void HealthFieldView::drawLine(QPainter& painter) const {
     QFont letters = font();
     letters.setPixelSize(size_.letters(kLineLetters));
     painter.setFont(letters);
@@ -129,6 +131,21 @@ void HealthFieldView::paintEvent(QPaintEvent*) {
     const QRect room = lineRect();
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
                      QFontMetrics(letters).elidedText(fact_.line, Qt::ElideRight, room.width()));
+}
+
+void HealthFieldView::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.fillRect(event->rect(), look::kCard);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawFrame(painter);
+    drawWords(painter);
+    if (wordsRect().contains(event->rect()))
+        return;
+    const qreal side = size_.length(kShapeSide);
+    drawHealthShape(painter, {qreal(size_.length(kShapeLeft)), (height() - side) / 2, side, side},
+                    fact_.shape, fact_.share);
+    if (!fact_.line.isEmpty())
+        drawLine(painter);
 }
 
 HealthRow::HealthRow(MonitoringCore& core, QWidget* parent)
@@ -242,7 +259,8 @@ void HealthRow::place() {
     for (std::size_t i = 0; i < kWidths.size(); ++i) {
         const int left = width() * before / kAll;
         before += kWidths[i];
-        const QRect place(left, 0, width() * before / kAll - left, height());
+        // The row's own edge stays in sight, and the line between two fields.
+        const QRect place(left + 2, 1, width() * before / kAll - left - 3, height() - 2);
         if (i < fields_.size())
             fields_[i]->setGeometry(place);
         else
@@ -263,8 +281,8 @@ void HealthRow::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const int inset = size_.length(8);
     for (std::size_t i = 1; i <= fields_.size(); ++i) {
-        const int x = i < fields_.size() ? fields_[i]->x() : users_->x();
-        painter.fillRect(x, inset, size_.length(1), height() - 2 * inset, look::kEdge);
+        const int x = (i < fields_.size() ? fields_[i]->x() : users_->x()) - 2;
+        painter.fillRect(x, inset, 1, height() - 2 * inset, look::kEdge);
     }
 }
 

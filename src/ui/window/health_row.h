@@ -28,6 +28,8 @@ class HealthFieldView : public QWidget {
   private:
     void drawFrame(QPainter& painter) const;
     void drawWords(QPainter& painter) const;
+    void drawLine(QPainter& painter) const;
+    QRect wordsRect() const;
     QColor ground() const;
 
     HealthFact fact_;

@@ -77,6 +77,7 @@ KivSHMainform::KivSHMainform(MonitoringCore& core)
     makeMenuBar(*this, core_);
     menuClock_ = new MenuClock(core_, menuBar());
     menuBar()->setCornerWidget(menuClock_);
+    connect(panel, &MonitorPanel::counted, menuClock_, &MenuClock::showTime);
     setMinimumSize(kSmallestSize);
     resize(kUsualSize);
     frameDrawn_.setSingleShot(true);

@@ -17,7 +17,6 @@ MenuClock::MenuClock(MonitoringCore& core, QWidget* parent)
     next_.setSingleShot(true);
     connect(&next_, &QTimer::timeout, this, &MenuClock::showTime);
     follow(this, core.records.session.State, [this](SessionState) { showTime(); });
-    follow(this, core.records.session.CyclesDone, [this](std::int64_t) { showTime(); });
     followLook(this, [this] { grow(); });
 }
 
@@ -37,16 +36,16 @@ void MenuClock::hideEvent(QHideEvent* event) {
     next_.stop();
 }
 
-// Until the next full second or minute.
 void MenuClock::showTime() {
     const bool counts = core_.records.session.begun();
     const QDateTime now = core_.clock.now();
-    const QTime time = now.time();
-    setText(
-        QLocale::c().toString(now, counts ? u"ddd d MMM yyyy hh:mm:ss" : u"ddd d MMM yyyy hh:mm"));
-    if (!isVisible())
+    setText(QLocale::c().toString(now, counts ? u"ddd d MMM yyyy hh:mm:ss"_s
+                                              : u"ddd d MMM yyyy hh:mm"_s));
+    next_.stop();
+    if (counts || !isVisible())
         return;
-    const int left = (counts ? 0 : 59 - time.second()) * 1000 + 1001 - time.msec();
+    const QTime time = now.time();
+    const int left = 60'001 - 1'000 * time.second() - time.msec(); // of the minute
     next_.start(std::max(static_cast<int>(left / std::max(core_.clock.scale(), 1.0)), 50));
 }
 

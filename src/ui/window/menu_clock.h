@@ -9,7 +9,7 @@
 
 namespace skyhold {
 
-// With seconds while a session runs, without them while nothing counts.
+// With seconds while a session runs, as the panel counts; without them while nothing counts.
 class MenuClock : public Readout {
     Q_OBJECT
 
@@ -17,6 +17,7 @@ class MenuClock : public Readout {
     // `core` outlives it.
     MenuClock(MonitoringCore& core, QWidget* parent);
 
+    void showTime();
     // Takes up the letters of the menu bar.
     void grow();
 
@@ -25,10 +26,8 @@ class MenuClock : public Readout {
     void hideEvent(QHideEvent* event) override;
 
   private:
-    void showTime();
-
     MonitoringCore& core_;
-    QTimer next_; // while it is visible
+    QTimer next_; // while it is visible and no session runs
 };
 
 } // namespace skyhold

@@ -43,6 +43,7 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
         tiles_->showTrends();
         showLive(session.begun());
         tiles_->showFacts();
+        Q_EMIT counted();
     });
     follow(this, session.verdict, [this](Verdict) { tiles_->showFacts(); });
     // A session that starts has nothing to show before its first reading.
@@ -63,6 +64,7 @@ MonitorPanel::MonitorPanel(MonitoringCore& core, QWidget* parent)
 void MonitorPanel::count() {
     countVerdict_();
     health_->count();
+    Q_EMIT counted();
 }
 
 void MonitorPanel::showEvent(QShowEvent* event) {

@@ -26,6 +26,9 @@ class MonitorPanel : public QWidget {
     // Lower, so that a page of settings has the room.
     void setCompact(bool compact);
 
+  Q_SIGNALS:
+    void counted(); // a second has gone, or a cycle
+
   protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
