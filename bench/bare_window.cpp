@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A window with labels that does nothing: what a program of its kind costs anyway. Says when it has
-// first been painted.
+// A window that does nothing, with as many widgets as the monitor's has when it is first painted:
+// what a program of its kind costs anyway. Says when it has first been painted.
 #include <QApplication>
 #include <QGridLayout>
 #include <QLabel>
 
 #include <cstdio>
+
+constexpr int kWidgets = 250;
 
 class Window : public QWidget {
   protected:
@@ -25,8 +27,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     Window window;
     auto* grid = new QGridLayout(&window);
-    for (int i = 0; i < 175; ++i)
-        grid->addWidget(new QLabel(QString::number(i)), i / 12, i % 12);
+    for (int i = 0; i < kWidgets; ++i)
+        grid->addWidget(new QLabel(QString::number(i)), i / 14, i % 14);
     window.resize(1280, 760);
     window.show();
     return QApplication::exec();

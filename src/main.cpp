@@ -94,6 +94,8 @@ bool wantsHeadless(int argc, char** argv) {
     return !displayReachable();
 }
 
+constexpr int kShowFirstMs = 50;
+
 // A session to start at once and the clients at the bus do not wait for the user's answer.
 void warnOfImageLibrary(QWidget* window) {
     const QString text =
@@ -332,8 +334,14 @@ int main(int argc, char** argv) {
             end(core);
         };
     }
-    if (!core.images.initialise())
-        warnOfImageLibrary(window.get());
+    const auto initialiseImages = [&core, &window] {
+        if (!core.images.initialise())
+            warnOfImageLibrary(window.get());
+    };
+    if (window) // it shows first: two dozen libraries come with this one
+        QTimer::singleShot(kShowFirstMs, window.get(), initialiseImages);
+    else
+        initialiseImages();
 
     Automation automation(core, bus);
     bus.found = [&] {

@@ -45,7 +45,15 @@ void holdNotifier(QObject* owner, QPropertyNotifier notifier) {
 }
 
 void followVisible(QWidget* widget, QProperty<bool>& visible) {
-    follow(widget, visible, [widget](bool shown) { widget->setHidden(!shown); });
+    follow(widget, visible, [widget](bool shown) {
+        // With its window it is shown anyway. Shown by itself before that, it would be measured at
+        // once, in a font that it may not keep.
+        const QWidget* parent = widget->parentWidget();
+        const bool shownLater = parent && !parent->isVisible() &&
+                                !widget->testAttribute(Qt::WA_WState_ExplicitShowHide);
+        if (!shown || !shownLater)
+            widget->setHidden(!shown);
+    });
 }
 
 void bind(QLabel* widget, Label& record) {

@@ -7,7 +7,15 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace skyhold {
+
+namespace {
+
+constexpr int kSmallestText = 11; // pixels; below it words are given up
+
+} // namespace
 
 Readout::Readout(QWidget* parent)
     : QWidget(parent) {
@@ -97,17 +105,26 @@ int Readout::textFlags() const {
     return static_cast<int>(alignment_) | (wrap_ ? Qt::TextWordWrap : 0);
 }
 
-bool Readout::fits(const QFont& font) const {
+double Readout::share(const QFont& font) const {
     const QRect room = contentsRect();
     const QRect needed = QFontMetrics(font).boundingRect(room, textFlags(), text_);
-    return needed.width() <= room.width() && needed.height() <= room.height();
+    return std::min(static_cast<double>(room.width()) / std::max(needed.width(), 1),
+                    static_cast<double>(room.height()) / std::max(needed.height(), 1));
 }
 
 QFont Readout::fittedFont() const {
     QFont fitted = font();
-    const int smallest = cutInMiddle_ ? fitted.pixelSize() : fitted.pixelSize() * 2 / 3;
-    while (fitted.pixelSize() > smallest && !fits(fitted))
-        fitted.setPixelSize(fitted.pixelSize() - 1);
+    const int chosen = fitted.pixelSize();
+    const int smallest =
+        cutInMiddle_ ? chosen : std::max(chosen * 2 / 3, std::min(chosen, kSmallestText));
+    // A line's size follows its font's, so that few fonts are loaded to try; a wrapped text's does
+    // not.
+    for (double room = share(fitted); room < 1 && fitted.pixelSize() > smallest;
+         room = share(fitted)) {
+        const int size = fitted.pixelSize();
+        const int next = wrap_ ? size - 1 : std::min(size - 1, static_cast<int>(size * room));
+        fitted.setPixelSize(std::max(next, smallest));
+    }
     return fitted;
 }
 
@@ -125,7 +142,7 @@ void Readout::paintEvent(QPaintEvent*) {
 
     QString shown = text_;
     const QRect room = contentsRect();
-    if (!fits(fitted)) {
+    if (share(fitted) < 1) {
         const QFontMetrics metrics(fitted);
         // A wrapped text leaves some of each line's end empty.
         const int lines = wrap_ ? std::max(1, room.height() / metrics.height()) : 1;

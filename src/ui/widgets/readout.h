@@ -42,7 +42,7 @@ class Readout : public QWidget {
     // Of the letters as they are drawn.
     QFont fittedFont() const;
     // Whether the text is shown without being cut.
-    bool fitsWhole() const { return fits(fittedFont()); }
+    bool fitsWhole() const { return share(fittedFont()) >= 1; }
     // Asks for a fixed width in which `widest` fits.
     void reserve(const QString& widest);
 
@@ -57,7 +57,8 @@ class Readout : public QWidget {
 
   private:
     int textFlags() const;
-    bool fits(const QFont& font) const;
+    // The room over what the text needs in this font: below 1 it does not fit.
+    double share(const QFont& font) const;
 
     QString text_;
     QColor ink_;
