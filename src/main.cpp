@@ -94,8 +94,6 @@ bool wantsHeadless(int argc, char** argv) {
     return !displayReachable();
 }
 
-constexpr int kShowFirstMs = 50;
-
 // A session to start at once and the clients at the bus do not wait for the user's answer.
 void warnOfImageLibrary(QWidget* window) {
     const QString text =
@@ -109,6 +107,19 @@ void warnOfImageLibrary(QWidget* window) {
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setModal(false);
     box->show();
+}
+
+// The window shows first: two dozen libraries come with this one.
+void initialiseImages(MonitoringCore& core, KivSHMainform* window) {
+    constexpr int kShowFirstMs = 50;
+    const auto initialise = [&core, window] {
+        if (!core.images.initialise())
+            warnOfImageLibrary(window);
+    };
+    if (window)
+        QTimer::singleShot(kShowFirstMs, window, initialise);
+    else
+        initialise();
 }
 
 // Reports once that the window has been painted for the first time.
@@ -256,6 +267,46 @@ void beginRecording(MonitoringCore& core, const Options& options) {
         qCWarning(recordingLog, "Not recording: the user data file cannot be written.");
 }
 
+// A session at once, and recording, which waits for the session to make the file's folder.
+void beginAsAsked(MonitoringCore& core, const Options& options) {
+    core.recordAtStart = options.record;
+    if (options.start)
+        QTimer::singleShot(0, qApp, [&core, &options] {
+            StartSession(core);
+            beginRecording(core, options);
+        });
+    else
+        beginRecording(core, options);
+}
+
+// The first start; false when the user cancels its assistant.
+bool setUp(SettingsStore& settings, bool headless, const CreateObject& createObject,
+           const Clock& clock) {
+    if (!headless)
+        return runSetupForm(settings, Simulators::of(qApp), createObject, clock);
+    qCWarning(programLog, "Not set up yet: the monitor runs with its defaults and "
+                          "without a weather station file.");
+    return true;
+}
+
+// What the core shows and asks goes to the window, whose end is the program's.
+void connectWindow(KivSHMainform& window, MonitoringCore& core) {
+    core.showMessage = makeMessageDialog(window);
+    const Notices notices = makeNotices(window);
+    core.showNotice = notices.show;
+    core.closeNotices = notices.close;
+    core.showNews = [&core, &window](const QString& text) {
+        showNewsOver(window, core, text);
+    };
+    window.onUpdate = [&core, &window] {
+        runUpdateWindow(core, window);
+    };
+    core.closeWindow = [&window] {
+        window.close();
+    };
+    QObject::connect(&window, &KivSHMainform::closed, &window, [&core] { end(core); });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -284,13 +335,8 @@ int main(int argc, char** argv) {
     CreateObject createObject = busObjectCreator(bus.connection());
     SystemClock clock(clockStartFromArguments(application.arguments()));
     SettingsStore settings(QStringLiteral("Kiv_Skyhold"));
-    if (isFirstStart(settings)) {
-        if (headless)
-            qCWarning(programLog, "Not set up yet: the monitor runs with its defaults and "
-                                  "without a weather station file.");
-        else if (!runSetupForm(settings, Simulators::of(&application), createObject, clock))
-            return 0;
-    }
+    if (isFirstStart(settings) && !setUp(settings, headless, createObject, clock))
+        return 0;
     swapUpdater(programFolder());
 
     SoundPlayerProgram media(
@@ -310,21 +356,7 @@ int main(int argc, char** argv) {
     if (!headless) {
         Simulators::of(&application).endWithFile(core.records.stationFile.HTMFile);
         window = std::make_unique<KivSHMainform>(core);
-        core.showMessage = makeMessageDialog(*window);
-        const Notices notices = makeNotices(*window);
-        core.showNotice = notices.show;
-        core.closeNotices = notices.close;
-        core.showNews = [&core, &window](const QString& text) {
-            showNewsOver(*window, core, text);
-        };
-        window->onUpdate = [&core, &window] {
-            runUpdateWindow(core, *window);
-        };
-        core.closeWindow = [&window] {
-            window->close();
-        };
-        QObject::connect(window.get(), &KivSHMainform::closed, window.get(),
-                         [&core] { end(core); });
+        connectWindow(*window, core);
         tray = std::make_unique<Tray>(core, *window);
         if (options.report)
             window->centralWidget()->installEventFilter(new PaintReport(window.get()));
@@ -334,14 +366,7 @@ int main(int argc, char** argv) {
             end(core);
         };
     }
-    const auto initialiseImages = [&core, &window] {
-        if (!core.images.initialise())
-            warnOfImageLibrary(window.get());
-    };
-    if (window) // it shows first: two dozen libraries come with this one
-        QTimer::singleShot(kShowFirstMs, window.get(), initialiseImages);
-    else
-        initialiseImages();
+    initialiseImages(core, window.get());
 
     Automation automation(core, bus);
     bus.found = [&] {
@@ -360,14 +385,7 @@ int main(int argc, char** argv) {
     });
     const QPropertyNotifier following = followCycles(core, options);
     ServiceReport service(manager, core);
-    core.recordAtStart = options.record; // once the session has made the file's folder
-    if (options.start)
-        QTimer::singleShot(0, &application, [&core, &options] {
-            StartSession(core);
-            beginRecording(core, options);
-        });
-    else
-        beginRecording(core, options);
+    beginAsAsked(core, options);
 
     // Qt ends the program when its display goes away. What was recorded and set is whole then, and
     // the sensor program is on its own again, as after any other end.
