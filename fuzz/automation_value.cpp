@@ -88,8 +88,8 @@ class Served {
         : bus_(QDBusConnection::sessionBus())
         , members_(members())
         , server_(bus_, kProgram, members_, [](int) {}) {
-        for (InstanceInterface& interface :
-             typedInterface(kTyped, typedInterfaceXml(kTyped, *members_, {}), members_))
+        for (InstanceInterface& interface : typedInterface(
+                 kTyped, [this] { return typedInterfaceXml(kTyped, *members_, {}); }, members_))
             server_.addInterface(std::move(interface));
         if (!server_.start())
             broken("there is a bus (start this in dbus-run-session)");

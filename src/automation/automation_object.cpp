@@ -26,7 +26,7 @@ class AutomationObject : public AutomationServer {
         , core_(core)
         , monitor_(bus, core) {
         for (InstanceInterface& interface :
-             typedInterface(QLatin1String(kInterfaceName), nubiloInterfaceXml(), members))
+             typedInterface(QLatin1String(kInterfaceName), nubiloInterfaceXml, members))
             addInterface(std::move(interface));
         addInterface(objectSafetyInterface({true, true}));
         addObject(QLatin1String(kFormName), formMembers(core));

@@ -92,7 +92,7 @@ AutomationError SetInterfaceSafetyOptions(const ObjectSafety& safety, const QStr
 }
 
 InstanceInterface objectSafetyInterface(const ObjectSafety& safety) {
-    return {QLatin1String(kInterface), objectSafetyXml(), [safety](const QDBusMessage& message) {
+    return {QLatin1String(kInterface), objectSafetyXml, [safety](const QDBusMessage& message) {
                 return answer(safety, message);
             }};
 }

@@ -170,8 +170,10 @@ QString AutomationServer::introspect(const QString& path) const {
     if (path != rootPath_) {
         xml = dispatchInterfaceXml();
         if (instanceOf(path)) {
-            for (const InstanceInterface& interface : interfaces_)
-                xml += interface.xml;
+            for (const InstanceInterface& interface : interfaces_) {
+                if (interface.xml)
+                    xml += interface.xml();
+            }
         }
         return xml;
     }

@@ -57,12 +57,12 @@ class MemberTable {
     QHash<std::int32_t, std::vector<std::size_t>> membersById_;
 };
 
-// A further interface of every instance: its introspection data (none for what every object has
-// anyway), and what it answers to a message with its name (or with none); nothing when it does not
-// know the method.
+// A further interface of every instance: what makes its introspection data (nothing for what every
+// object has anyway), and what it answers to a message with its name (or with none); nothing when
+// it does not know the method.
 struct InstanceInterface {
     QString name;
-    QString xml;
+    std::function<QString()> xml;
     std::function<std::optional<QDBusMessage>(const QDBusMessage&)> answer;
 };
 

@@ -202,13 +202,13 @@ QString typedInterfaceXml(const QString& name, const MemberTable& members,
     return xml + u"  </interface>\n"_s;
 }
 
-std::vector<InstanceInterface> typedInterface(const QString& name, const QString& xml,
+std::vector<InstanceInterface> typedInterface(const QString& name, std::function<QString()> xml,
                                               std::shared_ptr<const MemberTable> members) {
     const auto typed = std::make_shared<const TypedMembers>(name, std::move(members));
-    InstanceInterface methods{name, xml, [typed](const QDBusMessage& message) {
+    InstanceInterface methods{name, std::move(xml), [typed](const QDBusMessage& message) {
                                   return typed->callMethod(message);
                               }};
-    InstanceInterface properties{u"org.freedesktop.DBus.Properties"_s, QString(),
+    InstanceInterface properties{u"org.freedesktop.DBus.Properties"_s, nullptr,
                                  [typed](const QDBusMessage& message) {
                                      return typed->useProperty(message);
                                  }};

@@ -22,8 +22,8 @@ QString typedInterfaceXml(const QString& name, const MemberTable& members,
 
 // The interface itself, and org.freedesktop.DBus.Properties for it. Names compare exactly here. A
 // method is called with any types that convert; what it answers has the types of the introspection
-// data. GetAll leaves out a property whose get fails.
-std::vector<InstanceInterface> typedInterface(const QString& name, const QString& xml,
+// data. GetAll leaves out a property whose get fails. `xml` makes that data when it is asked for.
+std::vector<InstanceInterface> typedInterface(const QString& name, std::function<QString()> xml,
                                               std::shared_ptr<const MemberTable> members);
 
 } // namespace skyhold
