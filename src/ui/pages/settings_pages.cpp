@@ -269,7 +269,7 @@ void SettingsPages::resizeEvent(QResizeEvent* event) {
         strip->tabBar()->setFont(grown);
     for (auto* button : corner_->findChildren<QAbstractButton*>())
         button->setFont(grown);
-    grown.setPixelSize(qRound(15 * unit));
+    grown.setPixelSize(qRound(14 * unit));
     grown.setBold(true);
     help_->setFont(grown);
     help_->setFixedSize((QSizeF(36, 28) * unit).toSize());

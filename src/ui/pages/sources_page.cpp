@@ -216,7 +216,7 @@ QWidget* makeStationValues(ReadingDisplay& display, QWidget* page) {
         auto* value = new Readout(group);
         value->setObjectName(indexed("LblWSValue", i));
         for (Readout* cell : {description, value})
-            cell->setPixelSize(13);
+            cell->setPixelSize(12);
         bind(description, display.LblWSDesc[i]);
         bind(value, display.LblWSValue[i]);
         grid->addWidget(description, static_cast<int>(i), 0);

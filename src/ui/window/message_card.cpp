@@ -69,7 +69,7 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
     cause->setWrap(true);
     cause->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     allowMouseSelection(cause);
-    Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 15);
+    Readout* last = makeReadout(automatic, u"LblLastVerdict"_s, 14);
     last->setTone(Tone::Dim);
     last->setWrap(true);
     Readout* delay = makeReadout(automatic, u"SafeDelayMsg"_s, 17, true);
@@ -128,7 +128,7 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
 // While a client decides, the rules have no cause to show.
 void addControl(MonitoringCore& core, QWidget* card, QVBoxLayout* lines, Growth* growth) {
     Records& records = core.records;
-    Readout* decides = makeReadout(card, {}, 15);
+    Readout* decides = makeReadout(card, {}, 14);
     decides->setTone(Tone::Dim);
     Readout* control = makeReadout(card, u"LblControl"_s, 22, true);
     control->setTone(Tone::Accent);

@@ -15,8 +15,11 @@ struct PanelSize {
     bool compact = false; // beside a page of settings
 
     int length(qreal at1) const { return qRound(at1 * unit); }
-    // Letters can still be read in the smallest window.
-    int letters(qreal at1) const { return std::max(kLeastLetters, qRound(at1 * unit)); }
+    // Letters can still be read in the smallest window. Of few sizes: each is a font to load.
+    int letters(qreal at1) const {
+        const int size = qRound(at1 * unit);
+        return std::max(kLeastLetters, size - size % (size < 24 ? 2 : 4));
+    }
     bool operator==(const PanelSize&) const = default;
 
     static constexpr int kLeastLetters = 11;
