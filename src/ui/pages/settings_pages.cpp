@@ -230,6 +230,14 @@ QTabWidget* SettingsPages::addStrip(const QString& name, const QString& title) {
     auto* strip = new QTabWidget;
     strip->setObjectName(name);
     strip->setDocumentMode(true);
+    // A strip is as high as its page in sight: a higher one beside it makes nothing scroll.
+    connect(strip, &QTabWidget::currentChanged, strip, [strip](int shown) {
+        for (int i = 0; i < strip->count(); ++i) {
+            const auto vertical = i == shown ? QSizePolicy::Preferred : QSizePolicy::Ignored;
+            strip->widget(i)->setSizePolicy(QSizePolicy::Preferred, vertical);
+        }
+        strip->updateGeometry();
+    });
     addPane(strip, title);
     return strip;
 }
@@ -272,7 +280,7 @@ void SettingsPages::resizeEvent(QResizeEvent* event) {
     grown.setPixelSize(qRound(14 * unit));
     grown.setBold(true);
     help_->setFont(grown);
-    help_->setFixedSize((QSizeF(36, 28) * unit).toSize());
+    help_->setFixedSize(qRound(36 * unit), QFontMetrics(grown).height() + 10);
 }
 
 void SettingsPages::open(Page page) {

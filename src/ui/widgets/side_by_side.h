@@ -18,10 +18,11 @@ class SideBySide : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    void arrange(int room);
+    void arrange(QSize room);
 
     QWidget* wide_;
     QWidget* side_;
+    int highest_; // the wide part
     int beside_;
     QBoxLayout* both_;
     QBoxLayout* cards_;
