@@ -11,8 +11,6 @@
 namespace skyhold {
 namespace {
 
-constexpr double kReadable = 4.5;
-
 class Contrast : public testing::TestWithParam<Look> {
   protected:
     Contrast() { applyLook(*qApp, GetParam()); }
@@ -40,7 +38,8 @@ TEST_P(Contrast, WhatMustBeReadCanBeRead) {
     for (const Colour stated : {kGreen, kCyan, kOrange})
         pairs.push_back({"culprit", look::ink(screenColour(stated), panel::alarmGround()),
                          panel::alarmGround()});
-    pairs.push_back({"lost", look::ink(screenColour(kRed), look::kField), look::kField});
+    // Headings of lost tiles, and "Closed".
+    pairs.push_back({"red", look::ink(screenColour(kRed), look::kCard), look::kField});
     pairs.push_back({"strip", look::kStripText, look::kStrip});
     for (const Colour stated : {kNavy, kDarkGreen, kRed})
         pairs.push_back({"status", look::ink(screenColour(stated), look::kStrip), look::kStrip});

@@ -58,6 +58,13 @@ TEST(PanelFacts, TheBannerPartsTheSkyFromAFailedSource) {
         {"no reading yet", [](CycleResult&, PanelMoment& now) { now.verdict = Verdict::None; },
          BannerKind::NoVerdict, u"No verdict yet"_s},
         {"safe", [](CycleResult&, PanelMoment&) {}, BannerKind::Safe, {}},
+        {"safe for a while",
+         [](CycleResult& result, PanelMoment& now) {
+             const QDateTime since(QDate(2026, 11, 23), QTime(2, 47));
+             result.memory.verdictSince = since.toMSecsSinceEpoch();
+             now.utcMs = since.addSecs(7'265).toMSecsSinceEpoch();
+         },
+         BannerKind::Safe, u"since 02:47:00 · 2 h 1 min"_s},
         {"a cycle that does not come", [](CycleResult&, PanelMoment& now) { now.overdue = true; },
          BannerKind::SourceFailed, u"no reading for 0 s"_s},
         {"the delay, three seconds on",
@@ -120,6 +127,15 @@ TEST(PanelFacts, TheBannerPartsTheSkyFromAFailedSource) {
         EXPECT_EQ(facts.kind, c.kind) << c.name;
         EXPECT_EQ(facts.line, c.line) << c.name;
     }
+}
+
+TEST(PanelFacts, TheRingOfADelayFillsAsItPasses) {
+    CycleResult result = goodCycle();
+    result.judgement.delaySeconds = 600;
+    result.judgement.waitSeconds = 450;
+    EXPECT_DOUBLE_EQ(bannerFacts(result, running(Verdict::Waiting)).share, 0.25);
+    EXPECT_DOUBLE_EQ(bannerFacts(result, running(Verdict::Waiting, 150'000)).share, 0.5);
+    EXPECT_DOUBLE_EQ(bannerFacts(result, running(Verdict::Waiting, 900'000)).share, 1);
 }
 
 TEST(PanelFacts, ATileShowsWhetherItSpeaksForUnsafeAndHowNearItsLimitIs) {

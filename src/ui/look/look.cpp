@@ -130,10 +130,11 @@ Scheme scheme = kPanel;
 }
 
 QColor ink(const QColor& stated, const QColor& ground) {
+    constexpr double kOnStrip = 7; // small letters
     switch (inForce) {
     case Look::Panel:
         // The status lines have stated colours for a light ground, navy and dark green.
-        return ground == kStrip ? readableInk(stated, ground) : stated;
+        return ground == kStrip ? readableInk(stated, ground, kOnStrip) : stated;
     case Look::Night:
         return nightInk(stated);
     case Look::Desktop:

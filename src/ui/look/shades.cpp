@@ -8,8 +8,6 @@ namespace skyhold {
 
 namespace {
 
-constexpr double kReadable = 4.5;
-
 double linear(double channel) {
     return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
 }
@@ -95,10 +93,10 @@ double contrast(const QColor& one, const QColor& other) {
     return (lighter + 0.05) / (darker + 0.05);
 }
 
-QColor readableInk(const QColor& ink, const QColor& ground) {
+QColor readableInk(const QColor& ink, const QColor& ground, double wanted) {
     const bool darken = luminance(ground) > 0.18; // black is the better end from here on
     QColor shown = ink;
-    for (int step = 1; step <= 20 && contrast(shown, ground) < kReadable; ++step) {
+    for (int step = 1; step <= 20 && contrast(shown, ground) < wanted; ++step) {
         float hue = 0, saturation = 0, lightness = 0;
         ink.getHslF(&hue, &saturation, &lightness);
         const float end = darken ? 0.0F : 1.0F;

@@ -11,8 +11,10 @@ namespace skyhold {
 // Contrast between two opaque colours, from 1 (the same) to 21 (black and white).
 double contrast(const QColor& one, const QColor& other);
 
-// `ink` made darker or lighter, at its own hue, until it can be read on `ground`.
-QColor readableInk(const QColor& ink, const QColor& ground);
+// `ink` made darker or lighter, at its own hue, until it can be read on `ground`: until the two
+// have the contrast `wanted`.
+constexpr double kReadable = 4.5;
+QColor readableInk(const QColor& ink, const QColor& ground, double wanted = kReadable);
 
 // Night vision: shades of red alone, on black. The nearer a colour is to red, the brighter its
 // shade, so that what is unsafe stands out; green and all colder colours are the darkest.

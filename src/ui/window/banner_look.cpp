@@ -106,7 +106,8 @@ void drawBanner(QPainter& painter, const QRectF& area, const BannerLook& look) {
         drawStripes(painter, area.adjusted(3, 3, -3, -3), look.ink);
 }
 
-void drawSign(QPainter& painter, const QRectF& area, BannerKind kind, const BannerLook& look) {
+void drawSign(QPainter& painter, const QRectF& area, BannerKind kind, const BannerLook& look,
+              double share) {
     constexpr qreal kSide = 22; // the shapes stand on a square of this side
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -136,10 +137,16 @@ void drawSign(QPainter& painter, const QRectF& area, BannerKind kind, const Bann
         painter.setBrush(look.mark);
         painter.drawEllipse(QPointF(11, 17.3), 1.5, 1.5);
         break;
-    case BannerKind::Waiting: // the hand of a clock
-        drawRing(painter, look.ink);
-        painter.drawPolyline(QPolygonF{{11, 5.5}, {11, 11}, {15, 13.5}});
+    case BannerKind::Waiting: {
+        constexpr int kTop = 90 * 16; // in sixteenths of a degree, counterclockwise from the right
+        const QRectF ring(3, 3, 16, 16);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(look::kEdge, 4.4));
+        painter.drawEllipse(ring);
+        painter.setPen(QPen(look.ink, 4.4, Qt::SolidLine, Qt::FlatCap));
+        painter.drawArc(ring, kTop, -static_cast<int>(share * 360 * 16));
         break;
+    }
     case BannerKind::Starting:
     case BannerKind::NoVerdict:
         drawRing(painter, look.ink);

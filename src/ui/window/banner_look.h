@@ -27,6 +27,8 @@ BannerLook bannerLook(BannerKind kind);
 void drawBanner(QPainter& painter, const QRectF& area, const BannerLook& look);
 
 // A tick in a disc, a cross in an octagon, an exclamation mark in a triangle, rings; fills `area`.
-void drawSign(QPainter& painter, const QRectF& area, BannerKind kind, const BannerLook& look);
+// `share` of the ring of Waiting is full.
+void drawSign(QPainter& painter, const QRectF& area, BannerKind kind, const BannerLook& look,
+              double share);
 
 } // namespace skyhold

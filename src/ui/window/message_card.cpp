@@ -6,6 +6,7 @@
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
 #include "ui/widgets/readout_selection.h"
+#include "ui/window/nearest_gauge.h"
 #include "ui/window/panel_inks.h"
 
 #include <QGridLayout>
@@ -62,7 +63,8 @@ class Growth : public QObject {
 };
 
 // Why the verdict is what it is, and what is left of the delay.
-QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
+QWidget* makeCause(MonitoringCore& core, QWidget* card, Growth* growth) {
+    Records& records = core.records;
     auto* automatic = new QWidget(card);
     automatic->setObjectName(u"Frame3"_s);
     Readout* cause = makeReadout(automatic, u"LblCause"_s, 22);
@@ -83,17 +85,16 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
         const bool idle = !records.session.begun();
         const QString words = records.display.LblCause.Caption;
         const QString verdict = records.conditions.LblStatus.Caption;
-        const bool safe = records.session.verdict == Verdict::Safe;
-        const bool none = words.isEmpty() && safe;
+        const bool none = words.isEmpty() && records.session.verdict == Verdict::Safe;
         // Words without a verdict say why a start has failed.
         const bool failed = idle && verdict.isEmpty() && !words.isEmpty();
         cause->setTone(none && !idle ? Tone::Dim : Tone::Text);
         if (idle && !failed)
             cause->setText(u"Start begins a monitoring session."_s);
         else
-            cause->setText(none                  ? u"No condition counts as unsafe."_s
-                           : safe || inOneLine() ? words
-                                                 : oneALine(words));
+            cause->setText(none          ? u"No condition counts as unsafe."_s
+                           : inOneLine() ? words
+                                         : oneALine(words));
         const bool list = cause->text().contains(u'\n');
         const PanelSize& size = growth->size;
         const Measures& at1 = growth->at1();
@@ -104,7 +105,7 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
         last->setPixelSize(size.letters(at1.last));
         const bool one = (idle && !failed) || inOneLine();
         cause->setFixedHeight(size.length(one ? at1.oneLine : at1.twoLines));
-        delay->setHidden(idle || (size.compact && delay->text().isEmpty()));
+        delay->setHidden(idle || delay->text().isEmpty());
         delay->setPixelSize(size.letters(at1.delay), true);
     };
     growth->apply.push_back(showCause);
@@ -116,6 +117,9 @@ QWidget* makeCause(Records& records, QWidget* card, Growth* growth) {
     automaticLayout->setContentsMargins(0, 0, 0, 0);
     automaticLayout->setSpacing(0);
     automaticLayout->addWidget(cause);
+    auto* nearest = new NearestGauge(core, automatic);
+    automaticLayout->addWidget(nearest);
+    growth->apply.emplace_back([=] { nearest->grow(growth->size); });
     auto* delayRow = new QHBoxLayout;
     delayRow->addWidget(delay);
     delayRow->addWidget(last);
@@ -230,7 +234,7 @@ PanelPart makeMessageCard(MonitoringCore& core, QWidget* parent, std::vector<Rea
     auto* growth = new Growth(card);
     auto* lines = new QVBoxLayout;
     lines->setSpacing(0);
-    lines->addWidget(makeCause(records, card, growth));
+    lines->addWidget(makeCause(core, card, growth));
     addControl(core, card, lines, growth);
     lines->addStretch();
     QLayout* alarmLine = makeAlarmLine(records.display, card, ofSession);

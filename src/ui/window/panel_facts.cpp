@@ -17,8 +17,18 @@ std::int64_t secondsSince(const CycleResult& result, std::int64_t nowMs) {
     return std::max<std::int64_t>(nowMs - result.judged.ms, 0) / 1000;
 }
 
-QString sinceText(std::int64_t utcMs) {
-    return utcMs > 0 ? u"since "_s + clockText(utcMs) : QString();
+QString sinceText(std::int64_t utcMs, std::int64_t nowMs) {
+    if (utcMs <= 0)
+        return {};
+    const QString since = u"since "_s + clockText(utcMs);
+    return nowMs < utcMs ? since : since + u" · "_s + durationText((nowMs - utcMs) / 1000);
+}
+
+double shareWaited(const CycleResult& result, std::int64_t nowMs) {
+    const double whole = result.judgement.delaySeconds;
+    const auto left =
+        static_cast<double>(result.judgement.waitSeconds - secondsSince(result, nowMs));
+    return whole > 0 ? std::clamp(1 - left / whole, 0.0, 1.0) : 0;
 }
 
 // Never less than what is left.
@@ -108,11 +118,11 @@ BannerFacts bannerFacts(const CycleResult& result, const PanelMoment& now) {
     }
     switch (now.verdict) {
     case Verdict::Safe:
-        return {BannerKind::Safe, sinceText(result.memory.verdictSince)};
+        return {BannerKind::Safe, sinceText(result.memory.verdictSince, now.utcMs)};
     case Verdict::Waiting:
-        return {BannerKind::Waiting, countdown(result, now.ms)};
+        return {BannerKind::Waiting, countdown(result, now.ms), shareWaited(result, now.ms)};
     default:
-        return {BannerKind::Unsafe, sinceText(result.memory.verdictSince)};
+        return {BannerKind::Unsafe, sinceText(result.memory.verdictSince, now.utcMs)};
     }
 }
 

@@ -22,17 +22,20 @@ enum class BannerKind {
 
 struct BannerFacts {
     BannerKind kind = BannerKind::Idle;
-    QString line; // below the verdict; may be empty
+    QString line;     // below the verdict; may be empty
+    double share = 0; // 0..1 of the safe delay that has passed, while it is waited for
+    bool operator==(const BannerFacts&) const = default;
 };
 
 // The moment on the clock, and what else the last cycle does not know.
 struct PanelMoment {
     SessionState session = SessionState::Idle;
     Verdict verdict = Verdict::None;
-    std::int64_t ms = 0;   // Clock::MsClock
-    bool overdue = false;  // the next cycle has not come
-    double startLimit = 0; // seconds that a start waits at most
-    double started = 0;    // seconds since it began
+    std::int64_t ms = 0;    // Clock::MsClock
+    std::int64_t utcMs = 0; // the same moment since 1970; 0: not known
+    bool overdue = false;   // the next cycle has not come
+    double startLimit = 0;  // seconds that a start waits at most
+    double started = 0;     // seconds since it began
 };
 
 BannerFacts bannerFacts(const CycleResult& result, const PanelMoment& now);

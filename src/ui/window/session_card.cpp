@@ -88,7 +88,6 @@ PanelPart makeSessionCard(MonitoringCore& core, QWidget* parent, std::vector<Rea
     followVisible(caption, core.records.display.LblSwitch.Visible);
     auto* value = new RoofReadout(card);
     value->setObjectName(u"LValSwitch"_s);
-    followLook(value, [value] { value->setGround(look::kField); });
     bind(value, core.records.display.LValSwitch);
     ofSession.push_back(value);
     Readout* left = makeLeftOpen(core, card);

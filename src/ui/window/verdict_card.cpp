@@ -41,11 +41,14 @@ class VerdictBanner : public QWidget {
 
   private:
     void showFacts(const BannerFacts& facts);
+    void placeWords();
+    QRectF signRect() const;
 
     MonitoringCore& core_;
     BannerText* verdict_;
     BannerText* note_;
-    BannerKind kind_ = BannerKind::Idle;
+    BannerFacts facts_;
+    QString shownWords_;
     bool ran_ = false;
     QString stopped_; // when the last session was
     std::int64_t startedMs_ = 0;
@@ -97,6 +100,7 @@ void VerdictBanner::grow(const PanelSize& size) {
     layout()->setContentsMargins(size.length(kSignLeft + at1.sign + 14), upright, size.length(10),
                                  upright);
     note_->setFixedHeight(size.letters(at1.note) * 4 / 3);
+    placeWords();
     showMoment();
     update();
 }
@@ -116,23 +120,37 @@ void VerdictBanner::showMoment() {
     showFacts(bannerFacts(core_.result, {.session = session.State,
                                          .verdict = session.verdict,
                                          .ms = now,
+                                         .utcMs = core_.clock.now().toMSecsSinceEpoch(),
                                          .overdue = core_.TimerRead.overdue(),
                                          .startLimit = session.NBTimeout.Value,
                                          .started = static_cast<double>(now - startedMs_) / 1000}));
 }
 
 void VerdictBanner::showFacts(const BannerFacts& facts) {
-    kind_ = facts.kind;
-    verdict_->kind = kind_;
-    note_->kind = kind_;
     const QString words = core_.records.conditions.LblStatus.Caption;
-    const bool idle = kind_ == BannerKind::Idle;
-    const bool starting = kind_ == BannerKind::Starting;
-    const bool judged = !idle && !starting && kind_ != BannerKind::NoVerdict;
+    if (facts == facts_ && words == shownWords_ && !verdict_->text().isEmpty())
+        return;
+    if (facts.kind == facts_.kind)
+        update(signRect().toAlignedRect());
+    else
+        update();
+    facts_ = facts;
+    shownWords_ = words;
+    placeWords();
+}
+
+void VerdictBanner::placeWords() {
+    const BannerKind kind = facts_.kind;
+    const QString& words = shownWords_;
+    verdict_->kind = kind;
+    note_->kind = kind;
+    const bool idle = kind == BannerKind::Idle;
+    const bool starting = kind == BannerKind::Starting;
+    const bool judged = !idle && !starting && kind != BannerKind::NoVerdict;
     // A verdict without a session would look like a judgement of now.
     const Measures& at1 = measuresOf(size_);
     // Stripes above and below it take some of the room.
-    const qreal striped = kind_ == BannerKind::SourceFailed ? 0.88 : 1;
+    const qreal striped = kind == BannerKind::SourceFailed ? 0.88 : 1;
     const int letters = size_.letters(judged     ? striped * at1.judged
                                       : starting ? at1.starting
                                                  : at1.none);
@@ -141,18 +159,22 @@ void VerdictBanner::showFacts(const BannerFacts& facts) {
     verdict_->setText(idle ? u"Not monitoring"_s : starting ? u"Starting"_s : words);
     verdict_->setHidden(verdict_->text().isEmpty());
     note_->setPixelSize(size_.letters(at1.note), judged);
-    note_->setText(idle ? stopped_ : facts.line);
+    note_->setText(idle ? stopped_ : facts_.line);
     note_->setHidden(note_->text().isEmpty());
-    update();
+    verdict_->update(); // the kind has an ink of its own
+    note_->update();
+}
+
+QRectF VerdictBanner::signRect() const {
+    const qreal side = size_.length(measuresOf(size_).sign);
+    return {qreal(size_.length(kSignLeft)), (height() - side) / 2, side, side};
 }
 
 void VerdictBanner::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const BannerLook look = bannerLook(kind_);
+    const BannerLook look = bannerLook(facts_.kind);
     drawBanner(painter, rect(), look);
-    const qreal side = size_.length(measuresOf(size_).sign);
-    drawSign(painter, QRectF(size_.length(kSignLeft), (height() - side) / 2, side, side), kind_,
-             look);
+    drawSign(painter, signRect(), facts_.kind, look, facts_.share);
 }
 
 } // namespace

@@ -111,6 +111,7 @@ void WallPanel::drawVerdict(QPainter& painter, const QRectF& area) const {
         bannerFacts(core_.result, {.session = session.State,
                                    .verdict = session.verdict,
                                    .ms = now,
+                                   .utcMs = core_.clock.now().toMSecsSinceEpoch(),
                                    .overdue = core_.TimerRead.overdue(),
                                    .startLimit = session.NBTimeout.Value,
                                    .started = static_cast<double>(now - startedMs_) / 1000});
@@ -118,7 +119,7 @@ void WallPanel::drawVerdict(QPainter& painter, const QRectF& area) const {
     drawBanner(painter, area, shown);
     const qreal side = 0.52 * area.height();
     const QRectF sign(area.left() + 36, area.top() + 0.13 * area.height(), side, side);
-    drawSign(painter, sign, facts.kind, shown);
+    drawSign(painter, sign, facts.kind, shown, facts.share);
     painter.setPen(shown.ink);
     const bool idle = facts.kind == BannerKind::Idle;
     const QString words = idle                                 ? u"Not monitoring"_s
