@@ -21,7 +21,6 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QStackedWidget>
-#include <QTabBar>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -184,7 +183,7 @@ void KivSHMainform::resizeEvent(QResizeEvent* event) {
         this, [this] { growLetters(); }, Qt::QueuedConnection);
 }
 
-// Of menus and tabs; what stands on the panel and the pages grows by itself.
+// Of the menus; what stands on the panel and the pages grows by itself.
 void KivSHMainform::growLetters() {
     const qreal unit = std::max(windowUnit(*this), 1.0);
     if (unit == unit_)
@@ -198,8 +197,6 @@ void KivSHMainform::growLetters() {
     grow(menuBar());
     for (QMenu* menu : menuBar()->findChildren<QMenu*>())
         grow(menu);
-    for (QTabBar* strip : pages_->findChildren<QTabBar*>())
-        grow(strip);
     menuClock_->grow();
 }
 

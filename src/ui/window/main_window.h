@@ -63,7 +63,7 @@ class KivSHMainform : public QMainWindow {
     QStackedWidget* views_ = nullptr; // the window's usual content, and the panel alone
     Qt::WindowStates before_;         // the panel was alone
     bool placed_ = false;
-    qreal unit_ = 1;    // of the letters of menus and tabs
+    qreal unit_ = 1;    // of the letters of menus
     QTimer frameDrawn_; // runs while the desktop may still put its frame around the window
 };
 
