@@ -123,7 +123,14 @@ void ReadingTile::showTrend(Trend trend, const TrendScale& scale) {
 void ReadingTile::showFacts(const TileFacts& facts) {
     if (facts == facts_)
         return;
+    TileFacts moved = facts_;
+    moved.gauge = facts.gauge;
+    const bool onlyGauge = moved == facts && facts_.gauge && facts.gauge;
     facts_ = facts;
+    if (onlyGauge) {
+        update(0, size_.length(kStripTop - 6), width(), height() - size_.length(kStripTop - 6) - 5);
+        return;
+    }
     const bool shown = facts.culprit && !facts.foot.isEmpty();
     showGround();
     setToolTip(shown ? facts.foot : QString());

@@ -130,10 +130,10 @@ void VerdictBanner::showFacts(const BannerFacts& facts) {
     const QString words = core_.records.conditions.LblStatus.Caption;
     if (facts == facts_ && words == shownWords_ && !verdict_->text().isEmpty())
         return;
-    if (facts.kind == facts_.kind)
-        update(signRect().toAlignedRect());
-    else
+    if (facts.kind != facts_.kind)
         update();
+    else if (facts.share != facts_.share)
+        update(signRect().toAlignedRect());
     facts_ = facts;
     shownWords_ = words;
     placeWords();
@@ -142,6 +142,10 @@ void VerdictBanner::showFacts(const BannerFacts& facts) {
 void VerdictBanner::placeWords() {
     const BannerKind kind = facts_.kind;
     const QString& words = shownWords_;
+    if (verdict_->kind != kind) { // it has an ink of its own
+        verdict_->update();
+        note_->update();
+    }
     verdict_->kind = kind;
     note_->kind = kind;
     const bool idle = kind == BannerKind::Idle;
@@ -161,8 +165,6 @@ void VerdictBanner::placeWords() {
     note_->setPixelSize(size_.letters(at1.note), judged);
     note_->setText(idle ? stopped_ : facts_.line);
     note_->setHidden(note_->text().isEmpty());
-    verdict_->update(); // the kind has an ink of its own
-    note_->update();
 }
 
 QRectF VerdictBanner::signRect() const {
