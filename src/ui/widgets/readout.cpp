@@ -107,9 +107,12 @@ int Readout::textFlags() const {
 
 double Readout::share(const QFont& font) const {
     const QRect room = contentsRect();
-    const QRect needed = QFontMetrics(font).boundingRect(room, textFlags(), text_);
+    const QFontMetrics metrics(font);
+    const QRect needed = metrics.boundingRect(room, textFlags(), text_);
+    // The box of a line may be higher by a rounding than the line that is reserved for it.
+    const int high = wrap_ ? needed.height() : metrics.height();
     return std::min(static_cast<double>(room.width()) / std::max(needed.width(), 1),
-                    static_cast<double>(room.height()) / std::max(needed.height(), 1));
+                    static_cast<double>(room.height()) / std::max(high, 1));
 }
 
 QFont Readout::fittedFont() const {

@@ -141,7 +141,9 @@ void drawSign(QPainter& painter, const QRectF& area, BannerKind kind, const Bann
         constexpr int kTop = 90 * 16; // in sixteenths of a degree, counterclockwise from the right
         const QRectF ring(3, 3, 16, 16);
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(look::kEdge, 4.4));
+        QColor track = look.ink;
+        track.setAlphaF(0.3F);
+        painter.setPen(QPen(track, 4.4));
         painter.drawEllipse(ring);
         painter.setPen(QPen(look.ink, 4.4, Qt::SolidLine, Qt::FlatCap));
         painter.drawArc(ring, kTop, -static_cast<int>(share * 360 * 16));

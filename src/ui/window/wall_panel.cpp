@@ -239,22 +239,23 @@ void WallPanel::drawHealth(QPainter& painter, const QRectF& area) const {
             word = word.section(u' ', 1);
         cells.push_back({caption + u' ', word, {}, fact});
     };
-    if (records.session.begun()) {
+    const bool live = records.session.begun() && records.session.verdict != Verdict::None;
+    if (live) {
         addFact(HealthField::Sensor, u"Sensor"_s);
         addFact(HealthField::Station, u"Station"_s);
         addFact(HealthField::Cycle, u"Next"_s);
     } else {
         addFact(HealthField::Cycle, u"Session"_s);
+        cells.back().word = records.session.begun() ? u"starting"_s : u"stopped"_s;
     }
     const Label& roof = records.display.LValSwitch;
     if (roof.Visible && !roof.Caption.value().isEmpty())
-        cells.push_back({u"Roof "_s,
-                         roof.Caption,
-                         records.session.begun()
-                             ? look::ink(screenColour(roof.ForeColor), look::kCard)
-                             : look::kDimText,
-                         {},
-                         roof.Caption.value() == u"Opened"_s});
+        cells.push_back(
+            {u"Roof "_s,
+             roof.Caption,
+             live ? look::ink(screenColour(roof.ForeColor), look::kCard) : look::kDimText,
+             {},
+             roof.Caption.value() == u"Opened"_s});
     addFact(HealthField::Alarms, u"Alarms"_s);
     cells.push_back({{}, formatDate(core_.clock.now(), u"hh:mm:ss")});
     wall::drawCells(painter, area, cells);
@@ -279,7 +280,8 @@ void WallPanel::drawBand(QPainter& painter, const QRectF& area) const {
     const qreal now = grid.band.right();
     for (const AxisMark& mark : axisMarks(whole, grid.band.width(), kLeastBetween)) {
         const qreal x = grid.xOf(mark.atMs, whole);
-        if (x > now - kLeastBetween)
+        const qreal half = painter.fontMetrics().horizontalAdvance(mark.text) / 2.0;
+        if (x > now - kLeastBetween || x - half < area.left())
             continue;
         painter.fillRect(QRectF(x - 1, grid.band.bottom(), 2, 8), look::kDimText);
         painter.drawText(QRectF(x - 100, grid.band.bottom() + 6, 200, kAxis - 8), Qt::AlignCenter,
