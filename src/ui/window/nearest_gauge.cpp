@@ -2,7 +2,7 @@
 #include "ui/window/nearest_gauge.h"
 
 #include "ui/widgets/bind.h"
-#include "ui/window/reading_tile.h"
+#include "ui/window/panel_shapes.h"
 
 #include <QPainter>
 

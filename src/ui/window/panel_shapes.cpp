@@ -116,6 +116,40 @@ void drawRoof(QPainter& painter, const QRectF& area, bool open, const QColor& in
     painter.restore();
 }
 
+void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar) {
+    const QColor limit = panel::limitLine();
+    const qreal unit = bar.height() / 7;
+    const auto x = [&bar](double at) {
+        return bar.left() + at * bar.width();
+    };
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.fillRect(bar, look::kField);
+    for (const Gauge::Span& span : gauge.unsafe)
+        painter.fillRect(
+            QRectF(QPointF(x(span.from), bar.top()), QPointF(x(span.to), bar.bottom())),
+            QBrush(limit, Qt::BDiagPattern));
+    painter.setPen(look::kDimText);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(bar);
+    for (const Gauge::Limit& at : gauge.limits) {
+        painter.setPen(QPen(at.unsafe ? limit : look::kDimText, (at.unsafe ? 2 : 1) * unit));
+        painter.drawLine(QPointF(x(at.at), bar.top() - 2 * unit),
+                         QPointF(x(at.at), bar.bottom() + 2 * unit));
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look::kText);
+    const qreal marker = x(gauge.marker);
+    painter.drawPolygon(QPolygonF{{marker - 5 * unit, bar.top() - 6 * unit},
+                                  {marker + 5 * unit, bar.top() - 6 * unit},
+                                  {marker + 1.5 * unit, bar.top()},
+                                  {marker + 1.5 * unit, bar.bottom() + unit},
+                                  {marker - 1.5 * unit, bar.bottom() + unit},
+                                  {marker - 1.5 * unit, bar.top()}});
+    painter.restore();
+}
+
 std::size_t compassPoint(double degrees) {
     constexpr auto kPoints = static_cast<long>(kCompassPoints.size());
     const long point = std::lround(degrees * static_cast<double>(kPoints) / 360) % kPoints;

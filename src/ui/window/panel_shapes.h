@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Small shapes of the panel that have a meaning by themselves. They fill the square that is named.
+// Small shapes of the panel that have a meaning by themselves. They fill what is named.
 #pragma once
 
 #include "ui/window/health_facts.h"
+#include "ui/window/panel_facts.h"
 
 #include <QRectF>
 
@@ -18,6 +19,10 @@ void drawCompass(QPainter& painter, const QRectF& square, double degrees, const 
 
 // Walls under a roof, or the same with the roof moved apart; twice as wide as high.
 void drawRoof(QPainter& painter, const QRectF& area, bool open, const QColor& ink);
+
+// Unsafe values hatched, limits as lines, the value as a wedge from above; all in proportion to the
+// height of `bar`.
+void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar);
 
 // The nearest of the 16 points of the compass, clockwise from north.
 std::size_t compassPoint(double degrees);

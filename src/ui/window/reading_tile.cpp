@@ -3,6 +3,7 @@
 
 #include "ui/look/look.h"
 #include "ui/widgets/bind.h"
+#include "ui/window/banner_look.h"
 #include "ui/window/panel_inks.h"
 #include "ui/window/panel_shapes.h"
 
@@ -19,45 +20,11 @@ constexpr int kGaugeTop = 86;
 constexpr int kGaugeHeight = 7;
 constexpr int kStripTop = 84;
 constexpr int kStripHeight = 23;
-constexpr int kFootHeight = 22;
+constexpr int kFootHeight = 21;
 constexpr int kCompassSide = 50;
 constexpr int kNarrow = 125; // a tile with less has smaller letters
 
 } // namespace
-
-void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar) {
-    const QColor limit = panel::limitLine();
-    const qreal unit = bar.height() / 7;
-    const auto x = [&bar](double at) {
-        return bar.left() + at * bar.width();
-    };
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.fillRect(bar, look::kField);
-    for (const Gauge::Span& span : gauge.unsafe)
-        painter.fillRect(
-            QRectF(QPointF(x(span.from), bar.top()), QPointF(x(span.to), bar.bottom())),
-            QBrush(limit, Qt::BDiagPattern));
-    painter.setPen(look::kDimText);
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(bar);
-    for (const Gauge::Limit& at : gauge.limits) {
-        painter.setPen(QPen(at.unsafe ? limit : look::kDimText, (at.unsafe ? 2 : 1) * unit));
-        painter.drawLine(QPointF(x(at.at), bar.top() - 2 * unit),
-                         QPointF(x(at.at), bar.bottom() + 2 * unit));
-    }
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(look::kText);
-    const qreal marker = x(gauge.marker);
-    painter.drawPolygon(QPolygonF{{marker - 5 * unit, bar.top() - 6 * unit},
-                                  {marker + 5 * unit, bar.top() - 6 * unit},
-                                  {marker + 1.5 * unit, bar.top()},
-                                  {marker + 1.5 * unit, bar.bottom() + unit},
-                                  {marker - 1.5 * unit, bar.bottom() + unit},
-                                  {marker - 1.5 * unit, bar.top()}});
-    painter.restore();
-}
 
 ReadingTile::ReadingTile(Label& header, const QString& headerName, Label& value,
                          const QString& valueName, QWidget* parent)
@@ -128,7 +95,8 @@ void ReadingTile::showFacts(const TileFacts& facts) {
     const bool onlyGauge = moved == facts && facts_.gauge && facts.gauge;
     facts_ = facts;
     if (onlyGauge) {
-        update(0, size_.length(kStripTop - 6), width(), height() - size_.length(kStripTop - 6) - 5);
+        const int top = size_.length(kStripTop - 9);
+        update(0, top, width(), height() - top);
         return;
     }
     const bool shown = facts.culprit && !facts.foot.isEmpty();
@@ -231,7 +199,7 @@ void ReadingTile::paintEvent(QPaintEvent* event) {
 
 void ReadingTile::drawBelow(QPainter& painter, const QPaintEvent& event) const {
     if (facts_.culprit) {
-        drawFoot(painter);
+        drawCulprit(painter);
         return;
     }
     if (direction_ && !lost_) {
@@ -257,6 +225,25 @@ void ReadingTile::drawBelow(QPainter& painter, const QPaintEvent& event) const {
     constexpr int kLineMargin = 1;
     drawTrend(painter, QRectF(strip()).adjusted(0, kLineMargin, -kLineMargin, -kLineMargin), trend_,
               scale_, look::kDimText);
+}
+
+// A cross in an octagon beside the value, the gauge without its numbers, and the foot.
+void ReadingTile::drawCulprit(QPainter& painter) const {
+    const qreal side = size_.length(20);
+    const QRectF right(width() - side - size_.length(10),
+                       value_->geometry().center().y() - side / 2, side, side);
+    const int value = value_->fontMetrics().horizontalAdvance(value_->text());
+    if (value_->x() + value + 4 <= right.left())
+        drawSign(
+            painter, right, BannerKind::Unsafe,
+            {.fill = panel::alarmGround(), .ink = panel::alarmEdge(), .mark = panel::alarmGround()},
+            0);
+    if (facts_.gauge) {
+        const int inset = size_.length(10);
+        drawGauge(painter, *facts_.gauge,
+                  QRectF(inset, size_.length(82), width() - 2 * inset, size_.length(6)));
+    }
+    drawFoot(painter);
 }
 
 // What is exceeded and since when, below a culprit.

@@ -11,10 +11,6 @@
 
 namespace skyhold {
 
-// Unsafe values hatched, limits as lines, the value as a wedge from above; all in proportion to the
-// height of `bar`.
-void drawGauge(QPainter& painter, const Gauge& gauge, const QRectF& bar);
-
 class ReadingTile : public Card {
     Q_OBJECT
 
@@ -56,6 +52,7 @@ class ReadingTile : public Card {
     void placeSpread(const QRect& line, bool narrow);
     void drawCard(QPaintEvent* event);
     void drawBelow(QPainter& painter, const QPaintEvent& event) const;
+    void drawCulprit(QPainter& painter) const;
     void drawFoot(QPainter& painter) const;
     void drawLimitNumbers(QPainter& painter, const Gauge& gauge, const QRectF& bar) const;
     void drawLost(QPainter& painter) const;

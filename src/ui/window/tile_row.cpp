@@ -88,7 +88,7 @@ TileFacts TileRow::factsOf(const ShownTile& shown) const {
     const Verdict verdict = core_.records.session.verdict;
     TileFacts facts = tileFacts(*shown.quantity, result, verdict, core_.forms);
     const std::optional<double> read = result.observation.values[*shown.quantity];
-    if (shown.ofSensor && read && !facts.culprit)
+    if (shown.ofSensor && read)
         facts.gauge = observedGauge(night_.night(), *shown.quantity, *read);
     return facts;
 }

@@ -7,7 +7,6 @@
 #include "ui/widgets/timeline_band.h"
 #include "ui/window/banner_look.h"
 #include "ui/window/panel_shapes.h"
-#include "ui/window/reading_tile.h"
 
 #include <QKeyEvent>
 #include <QPainter>

@@ -2,9 +2,9 @@
 #include "ui/window/wall_parts.h"
 
 #include "ui/look/look.h"
+#include "ui/window/banner_look.h"
 #include "ui/window/panel_inks.h"
 #include "ui/window/panel_shapes.h"
-#include "ui/window/reading_tile.h"
 
 #include <QPainter>
 
@@ -139,6 +139,16 @@ void drawTile(QPainter& painter, const QRectF& area, const Tile& tile) {
         return;
     painter.setPen(look::kDimText);
     drawFitted(painter, level, tile.spread, 36, false, Qt::AlignRight | Qt::AlignVCenter);
+    if (tile.facts.culprit) {
+        const qreal side = 3.2 * row;
+        const QRectF sign(inside.right() - side, area.top() + 3.2 * row, side, side);
+        if (inside.left() + widthOf(painter, tile.value, 86, true) + 10 <= sign.left())
+            drawSign(painter, sign, BannerKind::Unsafe,
+                     {.fill = panel::alarmGround(),
+                      .ink = panel::alarmEdge(),
+                      .mark = panel::alarmGround()},
+                     0);
+    }
     if (tile.facts.culprit && !tile.facts.foot.isEmpty())
         drawFoot(painter,
                  {area.left(), area.top() + 9.6 * row, area.width(), area.height() - 9.6 * row},
