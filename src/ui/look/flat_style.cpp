@@ -176,6 +176,22 @@ void drawComboBox(const QStyleOptionComboBox& option, QPainter& painter) {
     painter.restore();
 }
 
+// Two chevrons: "more of it".
+QIcon moreIcon() {
+    constexpr int kScale = 2; // sharp on fine screens, too
+    QPixmap picture(16 * kScale, 16 * kScale);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(kScale, kScale);
+    painter.setPen(QPen(look::kText, 1.4));
+    for (const qreal left : {3.5, 8.5})
+        painter.drawPolyline(QPolygonF{QPointF(left, 4), QPointF(left + 4, 8), QPointF(left, 12)});
+    painter.end();
+    picture.setDevicePixelRatio(kScale);
+    return QIcon(picture);
+}
+
 } // namespace
 
 // By hand, for a style sheet would be matched against every widget at start.
@@ -356,6 +372,10 @@ QPixmap FlatStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
 
 QIcon FlatStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
                               const QWidget* widget) const {
+    // Every menu bar asks for it; Qt's own is a file, which takes the libraries of all image
+    // formats.
+    if (which == SP_ToolBarHorizontalExtensionButton)
+        return moreIcon();
     QIcon icon = QProxyStyle::standardIcon(which, option, widget);
     if (lookInForce() != Look::Night)
         return icon;
