@@ -139,7 +139,7 @@ QString SensorStep::prepare() {
     const QStringList answers{QString::fromUtf16(row.name), where, device, u"no"_s, u"no"_s, {}};
     if (!prepared_.isEmpty() && answers == answers_)
         return {};
-    const QString fault = writeSettings(answers);
+    QString fault = writeSettings(answers);
     if (fault.isEmpty())
         answers_ = answers;
     else
