@@ -221,6 +221,28 @@ TEST_F(LimitsPage, TheTableMarksTheLevelOfEachValueAndSaysHowFarItIsFromUnsafe) 
     EXPECT_EQ(table->markedLevel(Quantity::Humidity), 0);
 }
 
+TEST_F(LimitsPage, GrowsWithItsWindowAndShrinksAgain) {
+    const auto sizesIn = [this](QSize size) {
+        window_->resize(size);
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+        return std::array{calm_->width(), calm_->height(), QFontInfo(calm_->font()).pixelSize(),
+                          child(*window_, "ColorWind0")->height(),
+                          child(*window_, "LimitsTable")->minimumSizeHint().width()};
+    };
+    const auto usual = sizesIn({1280, 800});
+    const auto large = sizesIn({2560, 1600});
+    EXPECT_EQ(large[0], 2 * usual[0]);
+    EXPECT_EQ(large[2], 2 * usual[2]);
+    EXPECT_EQ(large[3], 2 * usual[3]);
+    EXPECT_EQ(sizesIn({1280, 800}), usual);
+    openPage(Page::Caution); // not in sight while it grows
+    sizesIn({2560, 1600});
+    sizesIn({1280, 800});
+    openPage(Page::Limits);
+    EXPECT_EQ(sizesIn({1280, 800}), usual);
+}
+
 TEST_F(LimitsPage, WhatIfJudgesTheRecordedWeekAgain) {
     qputenv("XDG_DATA_HOME", folder_->path().toLocal8Bit());
     const auto cell = [this](const char* name) {

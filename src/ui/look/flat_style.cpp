@@ -16,6 +16,7 @@ namespace skyhold {
 namespace {
 
 constexpr qreal kRadius = 4;
+constexpr int kIndicator = 16; // of boxes and options, beside letters of 12 pixels
 
 QFont boldFont(const QWidget* widget) {
     QFont font = widget ? widget->font() : QApplication::font();
@@ -70,10 +71,18 @@ QColor indicatorMark(const QStyleOption& option) {
     return option.state & QStyle::State_Enabled ? look::kAccent : look::kDisabledText;
 }
 
+// They are drawn at the size that goes with the usual letters.
+void toIndicator(const QStyleOption& option, QPainter& painter) {
+    painter.translate(option.rect.topLeft());
+    painter.scale(option.rect.width() / double{kIndicator},
+                  option.rect.height() / double{kIndicator});
+}
+
 void drawCheck(const QStyleOption& option, QPainter& painter) {
-    const QRectF box = QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -1.5);
+    const QRectF box = QRectF(0, 0, kIndicator, kIndicator).adjusted(1.5, 1.5, -1.5, -1.5);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
+    toIndicator(option, painter);
     const bool on = option.state & QStyle::State_On;
     painter.setPen(QPen(on ? indicatorMark(option) : indicatorEdge(option), 1.2));
     painter.setBrush(on ? indicatorMark(option) : look::kField);
@@ -88,9 +97,10 @@ void drawCheck(const QStyleOption& option, QPainter& painter) {
 }
 
 void drawRadio(const QStyleOption& option, QPainter& painter) {
-    const QRectF box = QRectF(option.rect).adjusted(1.5, 1.5, -1.5, -1.5);
+    const QRectF box = QRectF(0, 0, kIndicator, kIndicator).adjusted(1.5, 1.5, -1.5, -1.5);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
+    toIndicator(option, painter);
     painter.setPen(QPen(indicatorEdge(option), 1.2));
     painter.setBrush(look::kField);
     painter.drawEllipse(box);
@@ -327,7 +337,8 @@ int FlatStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_IndicatorHeight:
     case PM_ExclusiveIndicatorWidth:
     case PM_ExclusiveIndicatorHeight:
-        return 16;
+        return widget ? std::max(kIndicator, QFontInfo(widget->font()).pixelSize() * 4 / 3)
+                      : kIndicator;
     case PM_TabBarTabShiftVertical:
     case PM_TabBarTabShiftHorizontal:
     case PM_ButtonShiftHorizontal:

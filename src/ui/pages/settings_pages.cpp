@@ -15,6 +15,7 @@
 #include "ui/pages/tonight_page.h"
 #include "ui/pages/upload_page.h"
 #include "ui/widgets/bind.h"
+#include "ui/widgets/grow_page.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -230,11 +231,11 @@ QTabWidget* SettingsPages::addStrip(const QString& name, const QString& title) {
     auto* strip = new QTabWidget;
     strip->setObjectName(name);
     strip->setDocumentMode(true);
-    // A strip is as high as its page in sight: a higher one beside it makes nothing scroll.
+    // A strip is as large as its page in sight: a larger one beside it makes nothing scroll.
     connect(strip, &QTabWidget::currentChanged, strip, [strip](int shown) {
         for (int i = 0; i < strip->count(); ++i) {
-            const auto vertical = i == shown ? QSizePolicy::Preferred : QSizePolicy::Ignored;
-            strip->widget(i)->setSizePolicy(QSizePolicy::Preferred, vertical);
+            const auto asked = i == shown ? QSizePolicy::Preferred : QSizePolicy::Ignored;
+            strip->widget(i)->setSizePolicy(asked, asked);
         }
         strip->updateGeometry();
     });
@@ -269,7 +270,7 @@ void SettingsPages::resizeEvent(QResizeEvent* event) {
     QTabWidget::resizeEvent(event);
     const qreal unit = std::max(windowUnit(*this), 1.0);
     QFont grown = font();
-    grown.setPixelSize(qRound(12 * unit));
+    grown.setPixelSize(qRound(QFontInfo(QApplication::font()).pixelSize() * unit));
     if (grown == tabBar()->font())
         return;
     tabBar()->setFont(grown);
@@ -281,6 +282,18 @@ void SettingsPages::resizeEvent(QResizeEvent* event) {
     grown.setBold(true);
     help_->setFont(grown);
     help_->setFixedSize(qRound(36 * unit), QFontMetrics(grown).height() + 10);
+    for (const Sheet& sheet : sheets_) {
+        if (!sheet.make)
+            growSheet(sheet);
+    }
+}
+
+// The page Tonight grows by itself.
+void SettingsPages::growSheet(const Sheet& sheet) {
+    if (&sheet == &sheets_.front())
+        return;
+    for (QWidget* page : sheet.holder->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        growPage(page, std::max(windowUnit(*this), 1.0));
 }
 
 void SettingsPages::open(Page page) {
@@ -325,6 +338,8 @@ void SettingsPages::makeShownSheet() {
     QWidget* strip = sheet.strip->tabBar();
     focusAfter(sheet.strip == this ? last : strip, page);
     sheet.make = nullptr;
+    if (windowUnit(*this) > 1)
+        growSheet(sheet);
 }
 
 } // namespace skyhold

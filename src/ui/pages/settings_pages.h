@@ -69,6 +69,7 @@ class SettingsPages : public QTabWidget {
     void step(int by);
     std::size_t shownSheet() const;
     void makeShownSheet();
+    void growSheet(const Sheet& sheet);
 
     MonitoringCore& core_;
     SettingsChanges* changes_;

@@ -89,9 +89,6 @@ SoundName::SoundName(CheckBox& record, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    QFont smaller = font();
-    smaller.setPixelSize(12);
-    setFont(smaller);
     follow(this, record.Tag, [this](const QString& tag) { showSound(tag); });
     follow(this, record.Enabled, [this](bool on) { setEnabled(on); });
     followVisible(this, record.Visible);

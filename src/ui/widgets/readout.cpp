@@ -79,10 +79,18 @@ QColor Readout::shownInk() const {
 }
 
 void Readout::setPixelSize(int size, bool bold) {
+    size_ = size;
     QFont changed = font();
-    changed.setPixelSize(size);
+    changed.setPixelSize(qRound(size * unit_));
     changed.setBold(bold);
     setFont(changed);
+}
+
+void Readout::grow(qreal unit) {
+    unit_ = unit;
+    if (size_ > 0)
+        setPixelSize(size_, font().bold());
+    updateGeometry();
 }
 
 void Readout::reserve(const QString& widest) {

@@ -35,6 +35,8 @@ class Readout : public QWidget {
     virtual QColor shownInk() const;
 
     void setPixelSize(int size, bool bold = false);
+    // Letters `unit` times as large as asked for, now and later.
+    void grow(qreal unit);
     void setAlignment(Qt::Alignment alignment) { alignment_ = alignment; }
     void setWrap(bool wrap) { wrap_ = wrap; }
     // For paths: kept at its size and cut in the middle.
@@ -65,6 +67,8 @@ class Readout : public QWidget {
     QColor ground_;
     Tone tone_ = Tone::Text;
     bool old_ = false;
+    int size_ = 0; // of the letters, as asked for
+    qreal unit_ = 1;
     QString widest_;
     Qt::Alignment alignment_ = Qt::AlignLeft | Qt::AlignVCenter;
     bool cutInMiddle_ = false;

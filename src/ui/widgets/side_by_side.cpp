@@ -2,6 +2,8 @@
 #include "ui/widgets/side_by_side.h"
 
 #include "ui/look/look.h"
+#include "ui/look/window_unit.h"
+#include "ui/widgets/grow_page.h"
 
 #include <QBoxLayout>
 #include <QEvent>
@@ -34,6 +36,9 @@ SideBySide::SideBySide(QWidget* wide, const QList<QWidget*>& cards, int beside, 
     auto* area = qobject_cast<QScrollArea*>(above);
     QWidget* room = area ? area->viewport() : above;
     room->installEventFilter(this);
+    room_ = room;
+    growsByItself(wide_);
+    growsByItself(side_);
     arrange(room->size());
 }
 
@@ -43,17 +48,29 @@ bool SideBySide::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
+// What stands in it grows with its letters, and is as large as it wants to be only after that.
+void SideBySide::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        QMetaObject::invokeMethod(
+            this, [this] { arrange(room_->size()); }, Qt::QueuedConnection);
+}
+
 // The wide part uses the height that is seen, however high the cards are.
 void SideBySide::arrange(QSize room) {
-    const int needed = wide_->minimumSizeHint().width() + beside_ + 2 * look::kMargin + look::kGap;
+    if (QLayout* layout = wide_->layout())
+        layout->activate(); // what it needs now, after any growth
+    const qreal unit = std::max(windowUnit(*this), 1.0);
+    const int beside = qRound(beside_ * unit);
+    const int needed = wide_->minimumSizeHint().width() + beside + 2 * look::kMargin + look::kGap;
     const bool fits = room.width() >= needed;
     const int least = wide_->minimumSizeHint().height();
-    wide_->setFixedHeight(
-        std::clamp(room.height() - 2 * look::kGap, least, std::max(least, highest_)));
+    wide_->setFixedHeight(std::clamp(room.height() - 2 * look::kGap, least,
+                                     std::max(least, qRound(highest_ * unit))));
     const auto across = fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
     const auto down = fits ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight;
-    side_->setFixedWidth(fits ? beside_ : QWIDGETSIZE_MAX);
-    side_->setMinimumWidth(fits ? beside_ : 0);
+    side_->setFixedWidth(fits ? beside : QWIDGETSIZE_MAX);
+    side_->setMinimumWidth(fits ? beside : 0);
     both_->setDirection(across);
     cards_->setDirection(down);
     both_->update(); // a new direction alone lays nothing out

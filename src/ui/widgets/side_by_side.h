@@ -17,9 +17,13 @@ class SideBySide : public QWidget {
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
     void arrange(QSize room);
 
+    QWidget* room_ = nullptr; // in which it stands
     QWidget* wide_;
     QWidget* side_;
     int highest_; // the wide part

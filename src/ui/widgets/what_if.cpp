@@ -7,8 +7,11 @@
 #include "platform/text_forms.h"
 #include "ui/dialogs/dialog_parts.h"
 #include "ui/look/look.h"
+#include "ui/look/window_unit.h"
+#include "ui/widgets/grow_page.h"
 #include "ui/widgets/timeline_band.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -129,25 +132,32 @@ class WhatIfBands : public QWidget {
   public:
     explicit WhatIfBands(QWidget* parent)
         : QWidget(parent) {
+        growsByItself(this);
         followLook(this, [this] { update(); });
     }
 
     void show(const WhatIfResult& result) {
         result_ = result;
-        setFixedHeight((result.differs ? 2 : 1) * (kBand + kBetween) + kAxis);
+        fit();
         update();
     }
 
   protected:
+    void changeEvent(QEvent* event) override {
+        QWidget::changeEvent(event);
+        if (event->type() == QEvent::FontChange)
+            fit();
+    }
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
+        painter.scale(unit(), unit());
+        const QSizeF room = QSizeF(size()) / unit();
         TimelineGrid grid;
-        grid.plot = {double{kCaption}, 0, double(width() - kCaption), double(height())};
+        grid.plot = {kCaption, 0, room.width() - kCaption, room.height()};
         const TimelineView view{
             .shown = result_.day, .live = false, .atNow = true, .beginning = {}};
         const auto paint = [&](int row, const QString& caption, const RulesResult& by) {
-            grid.band = {double{kCaption}, double(row * (kBand + kBetween)), grid.plot.width(),
-                         double{kBand}};
+            grid.band = {kCaption, row * (kBand + kBetween), grid.plot.width(), kBand};
             painter.setFont(pixelFont(12, row == 1));
             painter.setPen(row == 1 ? look::kText : look::kDimText);
             painter.drawText(QRectF(0, grid.band.top(), kCaption - 6, kBand),
@@ -162,17 +172,22 @@ class WhatIfBands : public QWidget {
         constexpr double kRoom = 42;
         for (const AxisMark& mark : axisMarks(result_.day, grid.plot.width(), kRoom)) {
             const double x = grid.xOf(mark.atMs, result_.day);
-            const QRectF place(x - kRoom / 2, height() - kAxis, kRoom, kAxis);
-            if (place.left() >= grid.plot.left() && place.right() <= width())
+            const QRectF place(x - kRoom / 2, room.height() - kAxis, kRoom, kAxis);
+            if (place.left() >= grid.plot.left() && place.right() <= room.width())
                 painter.drawText(place, Qt::AlignCenter, mark.text);
         }
     }
 
   private:
-    static constexpr int kCaption = 52;
-    static constexpr int kBand = 22;
-    static constexpr int kBetween = 6;
-    static constexpr int kAxis = 16;
+    double unit() const { return std::max(windowUnit(*this), 1.0); }
+    void fit() {
+        setFixedHeight(qRound(((result_.differs ? 2 : 1) * (kBand + kBetween) + kAxis) * unit()));
+    }
+
+    static constexpr double kCaption = 52;
+    static constexpr double kBand = 22;
+    static constexpr double kBetween = 6;
+    static constexpr double kAxis = 16;
 
     WhatIfResult result_;
 };
