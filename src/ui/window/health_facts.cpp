@@ -17,7 +17,7 @@ bool reads(const MonitoringCore& core) {
     return session.begun() && session.verdict != Verdict::None;
 }
 
-// The word of a source that is not read, or that nothing is known of yet.
+// The word of what is not read, or of what nothing is known yet.
 QString wordBefore(const SessionControls& session) {
     switch (session.State) {
     case SessionState::Idle:
@@ -96,7 +96,7 @@ HealthFact cycle(const MonitoringCore& core) {
     const SessionControls& session = core.records.session;
     if (!reads(core)) {
         const bool idle = session.State == SessionState::Idle;
-        HealthFact fact{.name = u"Cycle"_s, .word = idle ? u"stopped"_s : u"awaited"_s};
+        HealthFact fact{.name = u"Cycle"_s, .word = idle ? u"stopped"_s : wordBefore(session)};
         if (idle && session.CyclesDone > 0)
             fact.line = u"%1 done"_s.arg(session.CyclesDone.value());
         return fact;
