@@ -60,6 +60,9 @@ TEST_F(MainWindow, StartShowsTheVerdictAndStopLeavesNoneAndNoLiveColour) {
     EXPECT_EQ(status(), u"Weather Station Data - Refreshed"_s); // for clients
     EXPECT_EQ(shown("LValWindSpeed"), u"5"_s);
     EXPECT_TRUE(visible("LblLeftOpen"));
+    openPage(Page::Sources); // the panel is compact
+    EXPECT_TRUE(child<Readout>(*window_, "LValSwitch")->fitsWhole());
+    EXPECT_TRUE(child<Readout>(*window_, "LblLeftOpen")->fitsWhole());
     for (const char* name : readings)
         EXPECT_TRUE(grey(name)) << name;
 

@@ -12,6 +12,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <memory>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace skyhold {
@@ -48,7 +50,7 @@ class RoofReadout : public Readout {
 };
 
 // The roof stays as the session left it.
-Readout* makeLeftOpen(MonitoringCore& core, QWidget* card) {
+Readout* makeLeftOpen(MonitoringCore& core, QWidget* card, std::function<void()> changed) {
     SessionControls& session = core.records.session;
     Readout* left = makeReadout(card, u"LblLeftOpen"_s, 13, true);
     followLook(left, [left] {
@@ -56,9 +58,10 @@ Readout* makeLeftOpen(MonitoringCore& core, QWidget* card) {
         left->setInk(panel::warning(look::kField));
     });
     left->setText(u"left open"_s);
-    const auto showLeft = [left, &core, &session] {
+    const auto showLeft = [left, &core, &session, changed = std::move(changed)] {
         const Label& roof = core.records.display.LValSwitch;
         left->setVisible(!session.begun() && roof.Visible && roof.Caption.value() == u"Opened"_s);
+        changed();
     };
     follow(left, session.State, [showLeft](SessionState) { showLeft(); });
     follow(left, core.records.display.LValSwitch.Caption,
@@ -90,7 +93,15 @@ PanelPart makeSessionCard(MonitoringCore& core, QWidget* parent, std::vector<Rea
     value->setObjectName(u"LValSwitch"_s);
     bind(value, core.records.display.LValSwitch);
     ofSession.push_back(value);
-    Readout* left = makeLeftOpen(core, card);
+    // In the compact card words that matter more take the caption's room.
+    const auto compact = std::make_shared<bool>(false);
+    const auto nameRoof = [caption, compact, &session, &core] {
+        const bool leftOpen =
+            !session.begun() && core.records.display.LValSwitch.Caption.value() == u"Opened"_s;
+        caption->setText(!*compact ? u"Roof switch"_s : leftOpen ? QString() : u"Roof"_s);
+        caption->reserve(caption->text());
+    };
+    Readout* left = makeLeftOpen(core, card, nameRoof);
 
     QPushButton* start = makeButton(card, u"ButtStart"_s, u"&Start"_s, session.ButtStart);
     followLook(start, [start] {
@@ -106,11 +117,12 @@ PanelPart makeSessionCard(MonitoringCore& core, QWidget* parent, std::vector<Rea
     auto* layout = new QVBoxLayout(card);
     auto* words = new QBoxLayout(QBoxLayout::TopToBottom); // side by side in the compact panel
     auto* head = new QHBoxLayout;
+    head->setSpacing(0);
     head->addWidget(caption);
     head->addStretch();
     head->addWidget(left);
     words->addLayout(head);
-    words->addWidget(value);
+    words->addWidget(value, 1);
     layout->addLayout(words);
     layout->addStretch();
     // Side by side: when the last client leaves an idle monitor, both are offered.
@@ -123,15 +135,15 @@ PanelPart makeSessionCard(MonitoringCore& core, QWidget* parent, std::vector<Rea
     return {card, [=](const PanelSize& size) {
                 const bool small = size.compact;
                 card->setFixedSize(size.length(kWidth), bannerHeight(size));
-                const int side = size.length(12);
+                const int side = size.length(small ? 8 : 12);
                 const int edge = size.length(small ? 5 : 8);
                 layout->setContentsMargins(side, edge, side, edge);
                 layout->setSpacing(size.length(2));
                 words->setDirection(small ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
                 words->setSpacing(size.length(small ? 8 : 2));
                 caption->setPixelSize(size.letters(small ? 12 : 13));
-                caption->setText(small ? u"Roof"_s : u"Roof switch"_s);
-                caption->reserve(caption->text());
+                *compact = small;
+                nameRoof();
                 value->setPixelSize(size.letters(small ? 15 : 20), true);
                 value->showRoof(size);
                 left->setPixelSize(size.letters(small ? 11 : 13), true);
