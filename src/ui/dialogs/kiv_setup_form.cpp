@@ -11,6 +11,7 @@
 #include "ui/dialogs/kiv_error.h"
 #include "ui/dialogs/sensor_step.h"
 #include "ui/dialogs/sensor_watch.h"
+#include "ui/dialogs/setup_rows.h"
 #include "ui/look/look.h"
 #include "ui/widgets/source_now.h"
 #include "ui/widgets/station_check_view.h"
@@ -47,16 +48,6 @@ constexpr int kLookMs = 2000;
 QString offeredDataFolder() {
     return joinPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
                     u"Kiv_Skyhold"_s);
-}
-
-// Rows that belong together, at the width of a step.
-QVBoxLayout* addBlock(QVBoxLayout* step, int indent) {
-    auto* block = new QWidget(step->parentWidget());
-    auto* column = new QVBoxLayout(block);
-    column->setContentsMargins(indent, 0, 0, 0);
-    column->setSpacing(look::kGap);
-    step->addWidget(block);
-    return column;
 }
 
 } // namespace
@@ -285,61 +276,6 @@ void KivSetupForm::watchSources() {
         watch_->askProgram(tryOut_->isChecked());
     else
         watch_->measure(SensorStep::program(), sensor_->prepared());
-}
-
-QLineEdit* KivSetupForm::addPath(QVBoxLayout* step, const QString& caption, const QString& name,
-                                 std::function<QString(const QString&)> choose) {
-    QWidget* parent = step->parentWidget();
-    auto* label = new QLabel(caption, parent);
-    auto* edit = new QLineEdit(parent);
-    edit->setObjectName(name);
-    auto* browse = new QPushButton(u"Browse…"_s, parent);
-    browse->setObjectName(u"Browse"_s + name);
-    browse->setAutoDefault(false);
-    connect(browse, &QPushButton::clicked, this, [edit, choose = std::move(choose)] {
-        const QString chosen = choose(edit->text());
-        if (!chosen.isEmpty())
-            edit->setText(chosen);
-    });
-    label->setBuddy(edit);
-    label->setFixedWidth(180);
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 6, 0, 0);
-    row->setSpacing(look::kGap);
-    row->addWidget(label);
-    row->addWidget(edit, 1);
-    row->addWidget(browse);
-    step->addLayout(row);
-    return edit;
-}
-
-QButtonGroup* KivSetupForm::addChoice(QVBoxLayout* step, const QString& caption,
-                                      const char* control, const QStringList& options) {
-    QWidget* parent = step->parentWidget();
-    auto* holder = new QWidget(parent); // exclusive among themselves alone
-    auto* row = new QHBoxLayout(holder);
-    row->setContentsMargins(0, 6, 0, 0);
-    row->setSpacing(look::kMargin);
-    auto* label = new QLabel(caption, holder);
-    label->setFixedWidth(180);
-    row->addWidget(label);
-    auto* group = new QButtonGroup(holder);
-    for (qsizetype i = 0; i < options.size(); ++i) {
-        auto* option = new QRadioButton(options[i], holder);
-        option->setObjectName(QString::fromLatin1(control) + QString::number(i));
-        group->addButton(option, static_cast<int>(i));
-        row->addWidget(option);
-    }
-    row->addStretch();
-    group->button(0)->setChecked(true);
-    step->addWidget(holder);
-    return group;
-}
-
-void KivSetupForm::addExplanation(QVBoxLayout* step, const QString& text) {
-    QLabel* label = makeDimmed(text, step->parentWidget());
-    label->setWordWrap(true);
-    step->addWidget(label);
 }
 
 void KivSetupForm::addButtons(QVBoxLayout* column) {

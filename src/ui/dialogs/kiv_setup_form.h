@@ -56,11 +56,6 @@ class KivSetupForm : public QDialog {
     void addEndStep();
     void addTryOut(QVBoxLayout* step);
     void addButtons(QVBoxLayout* column);
-    QLineEdit* addPath(QVBoxLayout* step, const QString& caption, const QString& name,
-                       std::function<QString(const QString&)> choose);
-    QButtonGroup* addChoice(QVBoxLayout* step, const QString& caption, const char* control,
-                            const QStringList& options);
-    void addExplanation(QVBoxLayout* step, const QString& text);
     void goOn(int by);
     void showStep(int step);
     void chooseStation();
