@@ -12,7 +12,7 @@ using namespace Qt::Literals::StringLiterals;
 QByteArray roofStatusJson(bool safe, const QJsonObject& document) {
     constexpr qsizetype kLongest = 1'000; // the proxy reads 8191 bytes at most
     QStringList reasons;
-    for (const QJsonValue& cause : document[u"causes"_s].toArray())
+    for (const auto& cause : document[u"causes"_s].toArray())
         reasons += cause[u"text"_s].toString();
     if (safe)
         reasons = {u"All conditions safe"_s};
