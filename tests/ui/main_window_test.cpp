@@ -142,7 +142,7 @@ TEST_F(MainWindow, ALostSourceLeavesNoLiveValueAndTimesCountBetweenCycles) {
     RunReadCycle(*core_);
     EXPECT_EQ(shown("LblVerdictNote"), u"station data file is missing"_s);
     EXPECT_EQ(shown("LValWindSpeed"), QString());
-    EXPECT_TRUE(shown("LValWindSpeedAt").startsWith(u"was 5 at "_s));
+    EXPECT_TRUE(shown("LValWindSpeedAt").contains(u"5 at "_s));
     EXPECT_TRUE(health("StationHealth").startsWith(u"Station: absent"_s));
     sensor_.values[u"DeviceIsRunning"_s] = false;
     RunReadCycle(*core_);

@@ -115,13 +115,23 @@ void ReadingTile::showDirection(std::optional<double> degrees, const QString& po
 }
 
 void ReadingTile::setLost(bool lost, const QString& at) {
-    at_->setText(lost && !last_.isEmpty() ? QStringLiteral("was %1 at %2").arg(last_, at)
-                                          : QString());
+    lostAt_ = at;
     at_->setHidden(!lost || size_.compact);
-    if (lost == lost_)
+    if (lost != lost_) {
+        lost_ = lost;
+        update();
+    }
+    showLast();
+}
+
+void ReadingTile::showLast() {
+    if (old_)
         return;
-    lost_ = lost;
-    update();
+    const bool narrow = width() < size_.length(kNarrow); // it gives up a word
+    at_->setText(!lost_ || last_.isEmpty()
+                     ? QString()
+                     : (narrow ? QStringLiteral("%1 at %2") : QStringLiteral("was %1 at %2"))
+                           .arg(last_, lostAt_));
 }
 
 void ReadingTile::setOld(bool old, const QString& at) {
@@ -333,6 +343,7 @@ void ReadingTile::placeFull() {
     value_->setGeometry(inset, size_.length(23), inner, size_.length(34));
     placeSpread({inset, size_.length(57), inner, line}, narrow);
     at_->setGeometry(inset, size_.length(kStripTop), inner, size_.length(kStripHeight));
+    showLast();
 }
 
 // Beside the level.

@@ -47,6 +47,7 @@ class ReadingTile : public Card {
     void place();
     void showGround();
     QRect strip() const;
+    void showLast();
     void placeFull();
     void placeCompact();
     void placeSpread(const QRect& line, bool narrow);
@@ -70,7 +71,8 @@ class ReadingTile : public Card {
     bool old_ = false;
     PanelSize size_;
     std::optional<double> direction_;
-    QString last_; // value that was known
+    QString last_;   // value that was known
+    QString lostAt_; // when it was read
 };
 
 } // namespace skyhold
