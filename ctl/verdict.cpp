@@ -47,7 +47,7 @@ StatusVerdict verdictOf(const QJsonObject& document) {
 
 QStringList causesOf(const QJsonObject& document) {
     QStringList texts;
-    for (const QJsonValue& cause : document[u"causes"_s].toArray())
+    for (const auto& cause : document[u"causes"_s].toArray())
         texts += plainLine(cause[u"text"_s].toString()).trimmed();
     texts.removeAll(QString());
     if (!texts.isEmpty() || verdictOf(document) == StatusVerdict::Safe)

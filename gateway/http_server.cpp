@@ -23,8 +23,9 @@ constexpr std::int64_t kAskMs = 15'000;    // from the connection, or the last a
 constexpr std::int64_t kAnswerMs = 30'000; // from the request to the end of its answer
 constexpr std::int64_t kFollowMs = 3'600'000; // an event stream; a browser connects again by itself
 constexpr unsigned kIdleSeconds = 20;         // without a byte either way
-constexpr std::size_t kHeaderLimit = 16 * 1024; // a connection's memory: request line and headers
-constexpr qsizetype kMostUnsent = 128 * 1024;   // of events, for one listener
+constexpr std::size_t kHeaderLimit =
+    std::size_t{16} * 1024; // a connection's memory: request line and headers
+constexpr qsizetype kMostUnsent = qsizetype{128} * 1024; // of events, for one listener
 
 struct Connection {
     int descriptor = -1;

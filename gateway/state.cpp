@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr double kLongestInterval = 600; // seconds; the monitor's longest is a minute
-constexpr qsizetype kDocumentLimit = 256 * 1024;
+constexpr qsizetype kDocumentLimit = qsizetype{256} * 1024;
 
 QJsonObject unknownDocument(const QString& reason) {
     return {{u"schema"_s, 1},

@@ -310,14 +310,8 @@ class Creation {
         : bus_(bus)
         , call_(bus_.asyncCall(request(programId), std::numeric_limits<int>::max())) {}
     ~Creation() {
-        if (taken_)
-            return;
-        auto* watcher = new QDBusPendingCallWatcher(call_, QCoreApplication::instance());
-        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-                         [bus = bus_](QDBusPendingCallWatcher* late) {
-                             linkTo(bus, late->reply()); // which is let go at once
-                             late->deleteLater();
-                         });
+        if (!taken_)
+            releaseWhenItComes();
     }
     Creation(const Creation&) = delete;
     Creation& operator=(const Creation&) = delete;
@@ -339,6 +333,15 @@ class Creation {
     }
 
   private:
+    void releaseWhenItComes() {
+        auto* watcher = new QDBusPendingCallWatcher(call_, QCoreApplication::instance());
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+                         [bus = bus_](QDBusPendingCallWatcher* late) {
+                             linkTo(bus, late->reply()); // which is let go at once
+                             late->deleteLater();
+                         });
+    }
+
     static QDBusMessage request(const QString& programId) {
         QDBusMessage call = QDBusMessage::createMethodCall(programId, factoryPath(programId),
                                                            QString::fromLatin1(kFactoryInterface),
